@@ -1,0 +1,46 @@
+#include "UT/UT_Memory.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+namespace
+{
+void *checked(void *block)
+{
+    if (block != nullptr)
+        return block;
+    static const char message[] = "Out of memory\n";
+    const ssize_t ignored = write(STDERR_FILENO, message, sizeof message - 1);
+    (void)ignored;
+    _exit(1);
+}
+
+// A size that was negative before its conversion, or beyond any object, fails
+// like memory that is not there.
+size_t sane(size_t bytes)
+{
+    return bytes > PTRDIFF_MAX ? SIZE_MAX : bytes;
+}
+} // namespace
+
+void *UTallocate(size_t bytes)
+{
+    bytes = sane(bytes);
+    return checked(bytes == SIZE_MAX ? nullptr : std::malloc(bytes != 0 ? bytes : 1));
+}
+
+void *UTreallocate(void *block, size_t bytes)
+{
+    bytes = sane(bytes);
+    return checked(bytes == SIZE_MAX ? nullptr : std::realloc(block, bytes != 0 ? bytes : 1));
+}
+
+char *UTduplicate(const char *text)
+{
+    if (text == nullptr)
+        return nullptr;
+    const size_t bytes = std::strlen(text) + 1;
+    return static_cast<char *>(std::memcpy(UTallocate(bytes), text, bytes));
+}

@@ -1,0 +1,15 @@
+// malloc and realloc that never return null.
+//
+// Text buffers pass between classes and callers that use free() and realloc()
+// on them, so they all come from malloc. When memory runs out, or a size is
+// beyond any object's (a negative one converted), these end the process with
+// "Out of memory" on standard error and status 1.
+#pragma once
+
+#include <cstddef>
+
+[[nodiscard]] void *UTallocate(size_t bytes);
+[[nodiscard]] void *UTreallocate(void *block, size_t bytes);
+
+// A malloc'd copy of a NUL-terminated text; null stays null.
+[[nodiscard]] char *UTduplicate(const char *text);
