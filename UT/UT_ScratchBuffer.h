@@ -47,7 +47,7 @@ public:
 
     // Replaces the text by the file's next line, without its "\n" or "\r\n"
     // (only one carriage return goes). False when nothing is left to read, or
-    // reading failed before the first byte. A line ends at its first NUL byte.
+    // reading failed before the first byte. NUL bytes are kept.
     [[nodiscard]] bool getLine(FILE *fp);
 
     // Cuts the text at its first `c` outside single and double quotes and not

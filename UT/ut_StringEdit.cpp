@@ -1,0 +1,138 @@
+// Editing: suffixes, replacement, paths, quotes and identifiers.
+#include "UT/UT_String.h"
+
+#include <cctype>
+#include <cstring>
+
+bool UT_String::changeSuffix(const char *oldSuffix, const char *newSuffix)
+{
+    if (myData == nullptr || oldSuffix == nullptr || newSuffix == nullptr)
+        return false;
+    const size_t ours = std::strlen(myData);
+    const size_t theirs = std::strlen(oldSuffix);
+    if (ours < theirs || std::strcmp(myData + ours - theirs, oldSuffix) != 0)
+        return false;
+    assignCopy((std::string(myData, ours - theirs) + newSuffix).c_str());
+    return true;
+}
+
+int UT_String::replaceText(const char *find, const char *replacement, bool all)
+{
+    if (!isNonEmpty() || find == nullptr || replacement == nullptr || *find == '\0')
+        return 0;
+    const size_t length = std::strlen(find);
+    const char *rest = myData;
+    std::string result;
+    int count = 0;
+    for (const char *hit; (all || count == 0) && (hit = std::strstr(rest, find)) != nullptr;) {
+        result.append(rest, hit);
+        result += replacement;
+        rest = hit + length;
+        ++count;
+    }
+    if (count == 0)
+        return 0;
+    assignCopy((result + rest).c_str());
+    return count;
+}
+
+bool UT_String::collapseAbsolutePath()
+{
+    if (myData == nullptr || *myData != '/')
+        return false;
+    makeOwned();
+    char *write = myData; // the kept components, each with its '/' in front
+    const char *read = myData;
+    while (*(read += std::strspn(read, "/")) != '\0') {
+        const size_t length = std::strcspn(read, "/");
+        const bool isParent = length == 2 && read[0] == '.' && read[1] == '.';
+        const bool isHere = length == 1 && read[0] == '.';
+        if (isParent) {
+            if (write == myData)
+                return false;
+            while (*--write != '/') {
+            }
+        } else if (!isHere) {
+            *write++ = '/';
+            std::memmove(write, read, length);
+            write += length;
+        }
+        read += length;
+    }
+    if (write == myData)
+        *write++ = '/';
+    *write = '\0';
+    return true;
+}
+
+void UT_String::quoteIfSpaced()
+{
+    if (!hasWhitespace())
+        return;
+    const size_t size = std::strlen(myData);
+    if (size >= 2 && myData[0] == '"' && myData[size - 1] == '"')
+        return;
+    std::string quoted = "\"";
+    for (const char *p = myData; *p != '\0'; ++p) {
+        if (*p == '"' || *p == '\\')
+            quoted += '\\';
+        quoted += *p;
+    }
+    assignCopy((quoted + '"').c_str());
+}
+
+UT_String UT_String::makeQuoted(char quote) const
+{
+    const bool hasSingle = countChar('\'') > 0;
+    const bool hasDouble = countChar('"') > 0;
+    if (quote == '\'' && hasSingle && !hasDouble)
+        quote = '"';
+    else if (quote == '"' && hasDouble && !hasSingle)
+        quote = '\'';
+    std::string quoted(1, quote);
+    for (const char *p = myData; p != nullptr && *p != '\0'; ++p) {
+        if (*p == quote || *p == '\\')
+            quoted += '\\';
+        quoted += *p;
+    }
+    return UT_String(ALWAYS_DEEP, (quoted + quote).c_str());
+}
+
+void UT_String::decodeEscapes()
+{
+    if (!isNonEmpty())
+        return;
+    makeOwned();
+    char *write = myData;
+    for (const char *read = myData; *read != '\0'; ++read) {
+        char c = *read;
+        if (c == '\\' && read[1] != '\0') {
+            c = *++read;
+            c = c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c;
+        }
+        *write++ = c;
+    }
+    *write = '\0';
+}
+
+int UT_String::makeIdentifier(const char *allowed)
+{
+    if (!isNonEmpty())
+        return 0;
+    const auto isAllowed = [allowed](char c) {
+        return allowed != nullptr && std::strchr(allowed, c) != nullptr;
+    };
+    makeOwned();
+    int changes = 0;
+    for (char *p = myData; *p != '\0'; ++p) {
+        if (std::isalnum(static_cast<unsigned char>(*p)) != 0 || *p == '_' || isAllowed(*p))
+            continue;
+        *p = '_';
+        ++changes;
+    }
+    if (std::isdigit(static_cast<unsigned char>(*myData)) != 0 || isAllowed(*myData)) {
+        assignCopy((std::string("_") + myData).c_str());
+        ++changes;
+    }
+    return changes;
+}
