@@ -1,0 +1,382 @@
+#include "UT/UT_SymbolTable.h"
+
+#include "UT/UT_Memory.h"
+#include "UT/UT_SmallObjectPool.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cinttypes>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <new>
+#include <utility>
+
+namespace
+{
+// Each step is about 1.2 times the one before.
+constexpr int TABLE_SIZES[] = {
+    5,         11,        17,        23,        29,        37,        47,        59,
+    71,        89,        107,       131,       163,       197,       239,       293,
+    353,       431,       521,       631,       761,       919,       1103,      1327,
+    1597,      1931,      2333,      2801,      3371,      4049,      4861,      5839,
+    7013,      8419,      10103,     12143,     14591,     17519,     21023,     25229,
+    30293,     36353,     43627,     52361,     62851,     75431,     90523,     108631,
+    130363,    156437,    187751,    225307,    270371,    324449,    389357,    467237,
+    560689,    672827,    807403,    968897,    1162687,   1395263,   1674319,   2009191,
+    2411033,   2893249,   3471899,   4166287,   4999559,   5999471,   7199369,   8639249,
+    10367101,  12440537,  14928671,  17914409,  21497293,  25796759,  30956117,  37147349,
+    44576837,  53492207,  64190669,  77028803,  92434613,  110921543, 133105859, 159727031,
+    191672443, 230006941, 276008387, 331210079, 397452101, 476942527, 572331049, 686797261,
+    824156741, 988988087, 1186785703};
+static_assert(std::size(TABLE_SIZES) == 99, "the ladder of table sizes is complete");
+
+constexpr bool ENTRY_POOL_TRACKS_PAGES = true;
+constexpr unsigned ENTRIES_PER_PAGE = 1024;
+constexpr unsigned ENTRY_POOL_MAX_SIZE = 128;
+
+// Shared by all tables; never destroyed, because static tables may outlive it.
+UT_SmallObjectPool &entryPool()
+{
+    static UT_SmallObjectPool *const pool = new UT_SmallObjectPool(
+        ENTRY_POOL_TRACKS_PAGES, ENTRIES_PER_PAGE, ENTRY_POOL_MAX_SIZE, true);
+    return *pool;
+}
+
+// The product is exact in a double, whatever the size.
+double entriesAt(int tableSize, float loadFactor)
+{
+    return static_cast<double>(static_cast<float>(tableSize)) * static_cast<double>(loadFactor);
+}
+
+bool isDigit(char c)
+{
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+} // namespace
+
+struct UT_SymbolTable::Name {
+    explicit Name(const char *text) : myText(text != nullptr ? text : "")
+    {
+        for (; myText[myLength] != '\0'; ++myLength)
+            add(myText[myLength]);
+    }
+    Name(const char *text, size_t length) : myText(text), myLength(length)
+    {
+        for (size_t i = 0; i < length; ++i)
+            add(text[i]);
+    }
+
+    // Characters count as signed bytes.
+    void add(char c)
+    {
+        myHash = 37 * myHash + static_cast<uint32_t>(int32_t{static_cast<signed char>(c)});
+    }
+
+    // As strcmp(key, name) would be.
+    int compareKey(const char *key) const
+    {
+        for (size_t i = 0; i < myLength; ++i) {
+            const auto a = static_cast<unsigned char>(key[i]);
+            const auto b = static_cast<unsigned char>(myText[i]);
+            if (a != b)
+                return a < b ? -1 : 1;
+            if (a == '\0')
+                return -1; // a NUL inside the name: no key is equal to it
+        }
+        return key[myLength] != '\0';
+    }
+
+    const char *myText;
+    size_t myLength = 0;
+    uint32_t myHash = 0;
+};
+
+UT_SymbolTable::~UT_SymbolTable()
+{
+    clearTable();
+}
+
+// The link to the first entry of the name's chain that is not before the name, and
+// whether that entry is the name's. REQUIRES: there are buckets
+UT_SymbolTable::Entry **UT_SymbolTable::locate(const Name &name, bool &found) const
+{
+    Entry **link = &myBuckets[name.myHash % static_cast<uint32_t>(myTableSize)];
+    int order = -1;
+    while (*link != nullptr && (order = name.compareKey((*link)->myName)) < 0)
+        link = &(*link)->myNext;
+    found = order == 0;
+    return link;
+}
+
+UT_SymbolTable::Entry *UT_SymbolTable::findOrInsert(const char *text, bool &isNew)
+{
+    growIfFull();
+    const Name name(text);
+    bool found = false;
+    Entry **const link = locate(name, found);
+    isNew = !found;
+    if (found)
+        return *link;
+    void *const block = entryPool().allocate(sizeof(Entry));
+    *link = new (block) Entry{nullptr, UTduplicate(name.myText), *link};
+    ++myEntries;
+    return *link;
+}
+
+bool UT_SymbolTable::addSymbol(const char *name, void *value)
+{
+    bool isNew = false;
+    findOrInsert(name, isNew)->myValue = value;
+    return isNew;
+}
+
+const char *UT_SymbolTable::addSymbolGetName(const char *name, void *value)
+{
+    bool isNew = false;
+    Entry *const entry = findOrInsert(name, isNew);
+    entry->myValue = value;
+    return entry->myName;
+}
+
+const char *UT_SymbolTable::internName(const char *name)
+{
+    bool isNew = false;
+    return findOrInsert(name, isNew)->myName;
+}
+
+void *&UT_SymbolTable::findOrAddSymbol(const char *name)
+{
+    bool isNew = false;
+    return findOrInsert(name, isNew)->myValue;
+}
+
+bool UT_SymbolTable::lookUp(const Name &name, void **out) const
+{
+    bool found = false;
+    Entry *const *const link = locate(name, found);
+    if (found && out != nullptr)
+        *out = (*link)->myValue;
+    return found;
+}
+
+bool UT_SymbolTable::findSymbol(const char *name, void **out) const
+{
+    return myBuckets != nullptr && lookUp(Name(name), out);
+}
+
+bool UT_SymbolTable::findSymbol(const char *name, size_t length, void **out) const
+{
+    return myBuckets != nullptr && lookUp(Name(name, length), out);
+}
+
+int UT_SymbolTable::deleteSymbol(const char *name)
+{
+    if (myBuckets == nullptr)
+        return 0;
+    bool found = false;
+    Entry **const link = locate(Name(name), found);
+    if (!found)
+        return 0;
+    releaseEntry(std::exchange(*link, (*link)->myNext));
+    --myEntries;
+    shrinkIfSparse();
+    return 1;
+}
+
+void UT_SymbolTable::releaseEntry(Entry *entry)
+{
+    std::free(entry->myName);
+    entryPool().release(entry, sizeof(Entry));
+}
+
+void UT_SymbolTable::clearTable()
+{
+    for (int bucket = 0; bucket < myTableSize; ++bucket)
+        while (Entry *const entry = myBuckets[bucket]) {
+            myBuckets[bucket] = entry->myNext;
+            releaseEntry(entry);
+        }
+    std::free(std::exchange(myBuckets, nullptr));
+    myTableSize = 0;
+    myEntries = 0;
+}
+
+// ---- Table size ------------------------------------------------------------
+
+void UT_SymbolTable::growIfFull()
+{
+    // Without buckets there is no place to insert, whatever the load factor.
+    if (myBuckets != nullptr &&
+        (isResizeSuspended || myEntries < entriesAt(myTableSize, myMaxLoadFactor)))
+        return;
+    const int *const next =
+        std::upper_bound(std::begin(TABLE_SIZES), std::end(TABLE_SIZES), myTableSize);
+    if (next != std::end(TABLE_SIZES))
+        rebuild(*next);
+}
+
+void UT_SymbolTable::shrinkIfSparse()
+{
+    if (isResizeSuspended || !(entriesAt(myTableSize, myMinLoadFactor) > myEntries))
+        return;
+    const int *const size =
+        std::lower_bound(std::begin(TABLE_SIZES), std::end(TABLE_SIZES), myTableSize);
+    if (size != std::begin(TABLE_SIZES))
+        rebuild(size[-1]);
+}
+
+// Moves every entry to its place among `tableSize` buckets.
+void UT_SymbolTable::rebuild(int tableSize)
+{
+    const auto count = static_cast<size_t>(tableSize);
+    const size_t bytes = count > SIZE_MAX / sizeof(Entry *) ? SIZE_MAX : count * sizeof(Entry *);
+    Entry **const oldBuckets = myBuckets;
+    const int oldSize = myTableSize;
+    myBuckets = static_cast<Entry **>(UTallocate(bytes));
+    myTableSize = tableSize;
+    std::fill_n(myBuckets, tableSize, nullptr);
+
+    for (int bucket = 0; bucket < oldSize; ++bucket)
+        while (Entry *const entry = oldBuckets[bucket]) {
+            oldBuckets[bucket] = entry->myNext;
+            bool found = false;
+            Entry **const link = locate(Name(entry->myName), found);
+            entry->myNext = *link;
+            *link = entry;
+        }
+    std::free(oldBuckets);
+}
+
+void UT_SymbolTable::setMaxLoadFactor(float factor)
+{
+    myMaxLoadFactor = factor;
+    if (factor <= 0 || factor <= myMinLoadFactor)
+        myMaxLoadFactor = std::max(0.75f, 2 * myMinLoadFactor);
+}
+
+void UT_SymbolTable::setMinLoadFactor(float factor)
+{
+    myMinLoadFactor = factor;
+    if (factor < 0 || factor >= myMaxLoadFactor)
+        myMinLoadFactor = myMaxLoadFactor / 2;
+}
+
+// ---- Whole table -----------------------------------------------------------
+
+// Visits all entries in order until visit(entry) is false; the entry may be gone
+// after that.
+template <class Visit>
+void UT_SymbolTable::visitAll(Visit visit) const
+{
+    for (int bucket = 0; bucket < myTableSize; ++bucket)
+        for (Entry *entry = myBuckets[bucket]; entry != nullptr;) {
+            Entry *const next = entry->myNext;
+            if (!visit(*entry))
+                return;
+            entry = next;
+        }
+}
+
+bool UT_SymbolTable::traverseSymbols(Callback callback, void *data)
+{
+    // A traversal inside another must leave the table alone until both end.
+    const bool wasSuspended = std::exchange(isResizeSuspended, true);
+    bool goesOn = true;
+    visitAll([&](Entry &entry) {
+        goesOn = callback(&entry.myValue, entry.myName, data) != 0;
+        return goesOn;
+    });
+    isResizeSuspended = wasSuspended;
+    shrinkIfSparse();
+    return goesOn;
+}
+
+void UT_SymbolTable::mergeTable(const UT_SymbolTable &other)
+{
+    if (this == &other)
+        return;
+    other.visitAll([this](const Entry &entry) {
+        addSymbol(entry.myName, entry.myValue);
+        return true;
+    });
+}
+
+char *UT_SymbolTable::makeUniqueName(const char *base) const
+{
+    const char *const text = base != nullptr ? base : "";
+    size_t length = std::strlen(text);
+    while (length > 0 && isDigit(text[length - 1]))
+        --length;
+
+    uint64_t counter = 1;
+    visitAll([&](const Entry &entry) {
+        const char *const key = entry.myName;
+        if (std::strncmp(key, text, length) == 0 && isDigit(key[length])) {
+            const uint64_t number = std::strtoull(key + length, nullptr, 10);
+            // A number beyond all counters does not move this one.
+            if (counter <= number && number != UINT64_MAX)
+                counter = number + 1;
+        }
+        return true;
+    });
+
+    const size_t bytes = length + 21; // 20 digits and the NUL
+    char *const name = static_cast<char *>(UTallocate(bytes));
+    std::memcpy(name, text, length);
+    std::snprintf(name + length, bytes - length, "%" PRIu64, counter);
+    return name;
+}
+
+int64_t UT_SymbolTable::getMemoryUsage(bool shallow) const
+{
+    size_t bytes = sizeof *this;
+    if (!shallow) {
+        bytes += static_cast<size_t>(myTableSize) * sizeof(Entry *);
+        visitAll([&](const Entry &entry) {
+            bytes += sizeof(Entry) + std::strlen(entry.myName) + 1;
+            return true;
+        });
+    }
+    return static_cast<int64_t>(bytes);
+}
+
+void UT_SymbolTable::outputStats(FILE *stream) const
+{
+    int used = 0, entries = 0, collisions = 0, shortest = 0, longest = 0;
+    for (int bucket = 0; bucket < myTableSize; ++bucket) {
+        int length = 0;
+        for (const Entry *entry = myBuckets[bucket]; entry != nullptr; entry = entry->myNext)
+            ++length;
+        if (length == 0)
+            continue;
+        shortest = used == 0 ? length : std::min(shortest, length);
+        longest = std::max(longest, length);
+        ++used;
+        entries += length;
+        collisions += length - 1;
+    }
+
+    std::fprintf(stream, "Table size: %d\n", myTableSize);
+    std::fprintf(stream, "   Entries: %d\n", entries);
+    if (myTableSize != 0)
+        std::fprintf(stream, "  Coverage: %g\n", static_cast<double>(used) / myTableSize);
+    std::fprintf(stream, "Collisions: %d\n", collisions);
+    if (used == 0)
+        return;
+    std::fprintf(stream, "   Lengths: [%d-%d] avg: %g\n", shortest, longest,
+                 static_cast<double>(entries) / used);
+    std::fprintf(stream, " Deviation: %g\n", static_cast<double>(longest - shortest) / shortest);
+}
+
+void UT_SymbolTable::dumpTable(FILE *stream) const
+{
+    for (int bucket = 0; bucket < myTableSize; ++bucket) {
+        if (myBuckets[bucket] == nullptr)
+            continue;
+        std::fprintf(stream, "[%3d]: ", bucket);
+        for (const Entry *entry = myBuckets[bucket]; entry != nullptr; entry = entry->myNext)
+            std::fprintf(stream, " \"%s\" = 0x%08" PRIXPTR "\n", entry->myName,
+                         reinterpret_cast<uintptr_t>(entry->myValue));
+    }
+}

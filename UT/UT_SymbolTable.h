@@ -1,0 +1,122 @@
+// A hash table from names to pointers.
+//
+// The table owns copies of the names. The values are the caller's: the table neither
+// copies nor frees what they point to, and a caller that stores objects deletes them
+// with one traversal before the table ends. A null name counts as the empty one.
+//
+//     buckets -> | 0 | 1 | ... | tableSize-1 |      a prime number of chains
+//                  |
+//                  v  ascending by strcmp, so that a miss ends at the first greater
+//                 {value, name, next} -> {value, name, next} -> null
+//
+// Table sizes are primes from a fixed ladder, each about 1.2 times the one before.
+// An insertion that finds entries >= tableSize * maximum load factor (0.75) first
+// moves one step up, whether or not the name is there; a removal that leaves
+// entries < tableSize * minimum load factor (0.1) moves one step down, never below
+// 5. All operations on one name are O(1) on average.
+//
+// Entries do not move in memory: names and value slots that the table returns stay
+// valid until their entry is removed. One thread at a time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+class UT_SymbolTable
+{
+public:
+    // Gets the entry's value slot, its name and the caller's data; 0 stops the
+    // traversal.
+    using Callback = int (*)(void **value, const char *name, void *data);
+
+    UT_SymbolTable() = default;
+    virtual ~UT_SymbolTable();
+    UT_SymbolTable(const UT_SymbolTable &) = delete;
+    UT_SymbolTable &operator=(const UT_SymbolTable &) = delete;
+
+    unsigned entries() const { return myEntries; }
+    int tableSize() const { return myTableSize; } // 0 before the first insertion
+
+    // True for a new entry, false when the value of an existing one was replaced.
+    bool addSymbol(const char *name, void *value);
+
+    // The same; returns the table's own copy of the name.
+    const char *addSymbolGetName(const char *name, void *value);
+
+    // Adds a missing name with the value null, keeps the value of an existing
+    // one. Returns the table's own copy of the name, or the entry's value slot.
+    const char *internName(const char *name);
+    void *&findOrAddSymbol(const char *name);
+
+    // True, and the value in *out unless `out` is null, if the name is there. The
+    // second form takes the first `length` characters of a text that may go on.
+    bool findSymbol(const char *name, void **out = nullptr) const;
+    bool findSymbol(const char *name, size_t length, void **out) const;
+
+    // Returns the number of entries removed, 0 or 1. The name may be the table's
+    // own copy.
+    int deleteSymbol(const char *name);
+
+    // Visits all entries by bucket and by name inside a bucket; false when a
+    // callback stopped it. The callback may delete the entry that it was given
+    // and add others (which may or may not be visited); the table is not resized
+    // meanwhile.
+    bool traverseSymbols(Callback callback, void *data);
+
+    // Adds every entry of the other table; values of common names are replaced.
+    void mergeTable(const UT_SymbolTable &other);
+
+    // `base` without its trailing digits, followed by the smallest number from 1
+    // on that is above all numbers which follow that prefix in the table: with
+    // "obj1" and "obj7" there, both "obj" and "obj3" give "obj8". O(entries).
+    // Returns a malloc'd text that the caller frees.
+    [[nodiscard]] char *makeUniqueName(const char *base) const;
+
+    // Removes all entries and the buckets; the load factors stay.
+    void clearTable();
+
+    // Entries per bucket; neither changes the table at once. A maximum that is not
+    // positive or not above the minimum becomes the greater of 0.75 and twice the
+    // minimum; a minimum that is negative or not below the maximum becomes half
+    // the maximum.
+    void setMaxLoadFactor(float factor);
+    void setMinLoadFactor(float factor);
+    float maxLoadFactor() const { return myMaxLoadFactor; }
+    float minLoadFactor() const { return myMinLoadFactor; }
+
+    // Bytes of the object itself, and unless `shallow` of buckets, entries and
+    // names.
+    int64_t getMemoryUsage(bool shallow) const;
+
+    // Statistics of the chains' lengths, and all entries by bucket, as text.
+    void outputStats(FILE *stream) const;
+    void dumpTable(FILE *stream) const;
+
+private:
+    struct Entry {
+        void *myValue;
+        char *myName; // from malloc
+        Entry *myNext;
+    };
+    struct Name; // a text, its length and its hash
+
+    Entry **locate(const Name &name, bool &found) const;
+    Entry *findOrInsert(const char *name, bool &isNew);
+    bool lookUp(const Name &name, void **out) const;
+
+    void growIfFull();
+    void shrinkIfSparse();
+    void rebuild(int tableSize);
+    void releaseEntry(Entry *entry);
+
+    template <class Visit>
+    void visitAll(Visit visit) const;
+
+    Entry **myBuckets = nullptr;
+    int myTableSize = 0;
+    unsigned myEntries = 0;
+    float myMaxLoadFactor = 0.75f;
+    float myMinLoadFactor = 0.1f;
+    bool isResizeSuspended = false;
+};
