@@ -64,6 +64,11 @@ public:
     operator const char *() const { return myData; }
     const char *text() const { return myData; } // may be null
 
+    // Reads itself from a stream: in binary form as UT_IStream::readBinaryString
+    // does with 16 bits, else unset first and then an owned copy of the next word
+    // or quoted text. False when there was none.
+    [[nodiscard]] bool load(UT_IStream &is);
+
     // ---- Queries -------------------------------------------------------
 
     bool isNonEmpty() const { return myData != nullptr && *myData != '\0'; }

@@ -1,0 +1,355 @@
+#include "UT/UT_IStreamBuf.h"
+
+#include "UT/UT_Memory.h"
+#include "UT/UT_ScratchBuffer.h"
+#include "UT/ut_FilePtrStreamBuf.h"
+#include "UT/ut_FileStreamBuf.h"
+#include "UT/ut_MemoryStreamBuf.h"
+#include "UT/ut_NullStreamBuf.h"
+#include "UT/ut_RangeStreamBuf.h"
+#include "UT/ut_StdinStreamBuf.h"
+#include "UT/ut_StreamStreamBuf.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <unistd.h>
+
+namespace
+{
+
+bool stdinLineMode = false;
+
+bool isSpace(char c)
+{
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+bool isDigit(char c)
+{
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+// Tells, byte by byte, how far a text may still be a decimal number.
+struct NumberForm {
+    bool fits(char c)
+    {
+        const bool signFits = mySignFits;
+        mySignFits = false;
+        if (c == '+' || c == '-')
+            return signFits;
+        if (c == '.') {
+            const bool pointFits = !mySawPoint && !mySawExponent;
+            mySawPoint = mySawPoint || pointFits;
+            return pointFits;
+        }
+        if (c == 'e' || c == 'E') {
+            const bool exponentFits = !mySawExponent;
+            mySawExponent = mySignFits = true;
+            return exponentFits;
+        }
+        return isDigit(c);
+    }
+
+    bool isFloating() const { return mySawPoint || mySawExponent; }
+
+private:
+    bool mySignFits = true; // in front of everything, and behind an exponent letter
+    bool mySawPoint = false;
+    bool mySawExponent = false;
+};
+
+const char *findByte(const char *from, const char *end, int byte)
+{
+    const void *found = std::memchr(from, byte, static_cast<size_t>(end - from));
+    return found ? static_cast<const char *>(found) : end;
+}
+
+} // namespace
+
+// ---- Factories ---------------------------------------------------------------
+
+UT_IStreamBuf *UT_IStreamBuf::openFile(const char *path)
+{
+    return new ut_FilePtrStreamBuf(path);
+}
+
+UT_IStreamBuf *UT_IStreamBuf::wrapFile(FILE *fp)
+{
+    return fp == stdin ? sharedStdin() : new ut_FileStreamBuf(fp);
+}
+
+UT_IStreamBuf *UT_IStreamBuf::wrapStream(std::istream &is)
+{
+    return &is == &std::cin ? sharedStdin() : new ut_StreamStreamBuf(is);
+}
+
+UT_IStreamBuf *UT_IStreamBuf::wrapMemory(const char *data, int size)
+{
+    return new ut_MemoryStreamBuf(data, size);
+}
+
+UT_IStreamBuf *UT_IStreamBuf::makeRange(UT_IStreamBuf &inner, int64_t start, int64_t length)
+{
+    return new ut_RangeStreamBuf(inner, start, length);
+}
+
+UT_IStreamBuf *UT_IStreamBuf::makeEmpty()
+{
+    return new ut_NullStreamBuf;
+}
+
+void UT_IStreamBuf::setStdinLineMode(bool lineByLine)
+{
+    stdinLineMode = lineByLine;
+}
+
+UT_IStreamBuf *UT_IStreamBuf::sharedStdin()
+{
+    static UT_IStreamBuf *shared = nullptr;
+    if (!shared) {
+        // A person at a terminal expects an answer to each line.
+        if (stdinLineMode || isatty(fileno(stdin)))
+            shared = new ut_StdinStreamBuf;
+        else
+            shared = new ut_FileStreamBuf(stdin);
+        shared->addReference(); // ours, which keeps it to the end of the process
+    }
+    shared->addReference();
+    return shared;
+}
+
+// ---- Holders -------------------------------------------------------------------
+
+void UT_IStreamBuf::release()
+{
+    if (--myRefCount == 0)
+        delete this;
+}
+
+UT_IStreamBuf::~UT_IStreamBuf()
+{
+    std::free(myErrorText);
+}
+
+bool UT_IStreamBuf::close()
+{
+    return true;
+}
+
+// ---- Text ------------------------------------------------------------------------
+
+bool UT_IStreamBuf::refill()
+{
+    if (myError)
+        return false;
+    myReadPos = myEnd = 0;
+    myBuffer = fillBuffer(myReadPos, myEnd);
+    if (!myBuffer)
+        myReadPos = myEnd = 0;
+    return myBuffer != nullptr;
+}
+
+template <class Scan>
+bool UT_IStreamBuf::takeUntil(UT_ScratchBuffer &out, Scan &&scan)
+{
+    while (hasNext()) {
+        const char *from = myBuffer + myReadPos;
+        const char *end = myBuffer + myEnd;
+        const char *stop = scan(from, end);
+        out.append(from, static_cast<int>(stop - from));
+        myReadPos = static_cast<int>(stop - myBuffer);
+        if (stop != end)
+            return true;
+    }
+    return false;
+}
+
+bool UT_IStreamBuf::nextIs(char c)
+{
+    return hasNext() && myBuffer[myReadPos] == c;
+}
+
+bool UT_IStreamBuf::getLine(UT_ScratchBuffer &line, int delimiter)
+{
+    line.clear();
+    if (myError || !hasNext())
+        return false;
+    const bool ended = takeUntil(
+        line, [=](const char *from, const char *end) { return findByte(from, end, delimiter); });
+    if (!ended)
+        return true;
+    const int last = line.length() - 1;
+    if (delimiter == '\n' && last >= 0 && line.buffer()[last] == '\r' && !line.isLocked())
+        line.truncate(last);
+    ++myReadPos;
+    return true;
+}
+
+bool UT_IStreamBuf::skipWhitespace()
+{
+    while (hasNext()) {
+        const char *end = myBuffer + myEnd;
+        const char *stop = std::find_if_not(myBuffer + myReadPos, end, isSpace);
+        myReadPos = static_cast<int>(stop - myBuffer);
+        if (stop != end)
+            return true;
+    }
+    return false;
+}
+
+bool UT_IStreamBuf::skipPast(int delimiter)
+{
+    if (!hasNext())
+        return false;
+    do {
+        const char *end = myBuffer + myEnd;
+        const char *stop = findByte(myBuffer + myReadPos, end, delimiter);
+        myReadPos = static_cast<int>(stop - myBuffer);
+        if (stop != end) {
+            ++myReadPos;
+            return true;
+        }
+    } while (refill());
+    return true;
+}
+
+bool UT_IStreamBuf::getWord(UT_ScratchBuffer &word)
+{
+    word.clear();
+    if (!skipWhitespace())
+        return false;
+    takeUntil(word,
+              [](const char *from, const char *end) { return std::find_if(from, end, isSpace); });
+    return true;
+}
+
+bool UT_IStreamBuf::getString(UT_ScratchBuffer &text)
+{
+    text.clear();
+    if (!skipWhitespace())
+        return false;
+    const char first = myBuffer[myReadPos++];
+    const bool isQuoted = first == '"';
+    if (!isQuoted && !(first == '\\' && nextIs('"')))
+        text.append(first);
+
+    const auto endsRun = [=](char c) { return c == '\\' || (isQuoted ? c == '"' : isSpace(c)); };
+    const auto scan = [=](const char *from, const char *end) {
+        return std::find_if(from, end, endsRun);
+    };
+    while (takeUntil(text, scan)) {
+        if (myBuffer[myReadPos] != '\\') {
+            myReadPos += isQuoted; // a closing quote is consumed, white space is not
+            return true;
+        }
+        ++myReadPos;
+        if (nextIs('"') || nextIs('\\'))
+            text.append(myBuffer[myReadPos++]);
+        else
+            text.append('\\');
+    }
+    return true;
+}
+
+bool UT_IStreamBuf::getNumberToken(UT_ScratchBuffer &token, bool &isFloating)
+{
+    token.clear();
+    isFloating = false;
+    if (!skipWhitespace())
+        return false;
+    const char first = myBuffer[myReadPos];
+    if (!isDigit(first) && first != '.' && first != '+' && first != '-')
+        return getWord(token);
+    NumberForm form;
+    takeUntil(token, [&form](const char *from, const char *end) {
+        return std::find_if_not(from, end, [&form](char c) { return form.fits(c); });
+    });
+    isFloating = form.isFloating();
+    return true;
+}
+
+// ---- Bytes -------------------------------------------------------------------------
+
+int UT_IStreamBuf::getChar()
+{
+    return hasNext() ? static_cast<signed char>(myBuffer[myReadPos++]) : -1;
+}
+
+int UT_IStreamBuf::peekBufferedChar()
+{
+    return buffered() > 0 ? static_cast<signed char>(myBuffer[myReadPos]) : peekChar();
+}
+
+int UT_IStreamBuf::peekByte()
+{
+    return buffered() > 0 ? static_cast<unsigned char>(myBuffer[myReadPos]) : peekChar();
+}
+
+int UT_IStreamBuf::unread(int n)
+{
+    const int back = std::clamp(n, 0, myReadPos);
+    myReadPos -= back;
+    return back;
+}
+
+int UT_IStreamBuf::bread(void *dst, int n)
+{
+    char *out = static_cast<char *>(dst);
+    const int fromChunk = std::clamp(n, 0, buffered());
+    if (fromChunk > 0)
+        std::memcpy(out, myBuffer + myReadPos, static_cast<size_t>(fromChunk));
+    myReadPos += fromChunk;
+    return fromChunk < n ? fromChunk + read(out + fromChunk, n - fromChunk) : fromChunk;
+}
+
+const char *UT_IStreamBuf::takeRun(int64_t most, int &length)
+{
+    if (!hasNext())
+        return nullptr;
+    const char *run = myBuffer + myReadPos;
+    length = static_cast<int>(std::min<int64_t>(most, buffered()));
+    myReadPos += length;
+    return run;
+}
+
+// ---- Position and errors --------------------------------------------------------------
+
+int64_t UT_IStreamBuf::tellg()
+{
+    return tell() - buffered();
+}
+
+bool UT_IStreamBuf::seekg(int64_t pos, int whence)
+{
+    myBuffer = nullptr;
+    myReadPos = myEnd = 0;
+    std::free(myErrorText);
+    myErrorText = nullptr;
+    myErrno = 0;
+    myError = false;
+    return seek(pos, whence);
+}
+
+bool UT_IStreamBuf::isAtEnd()
+{
+    return buffered() == 0 && isEof();
+}
+
+void UT_IStreamBuf::setError(const char *text)
+{
+    if (myError)
+        return;
+    myError = true;
+    myErrno = errno;
+    std::free(myErrorText);
+    myErrorText = UTduplicate(text);
+}
+
+const char *UT_IStreamBuf::getErrorText() const
+{
+    return myErrorText ? myErrorText : std::strerror(myErrno);
+}

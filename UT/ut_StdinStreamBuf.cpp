@@ -1,0 +1,44 @@
+#include "UT/ut_StdinStreamBuf.h"
+
+#include "UT/ut_FileOps.h"
+
+int ut_StdinStreamBuf::read(void *dst, int n)
+{
+    const int got = ut_FileOps::read(stdin, dst, n);
+    if (got < n)
+        setError();
+    return got;
+}
+
+int ut_StdinStreamBuf::peekChar()
+{
+    return ut_FileOps::peek(stdin);
+}
+
+const char *ut_StdinStreamBuf::fillBuffer(int &start, int &end)
+{
+    if (!myLine.getLine(stdin))
+        return nullptr;
+    myLine.append('\n');
+    start = 0;
+    end = myLine.length();
+    return myLine.buffer();
+}
+
+int64_t ut_StdinStreamBuf::tell()
+{
+    return ut_FileOps::tell(stdin);
+}
+
+bool ut_StdinStreamBuf::seek(int64_t pos, int whence)
+{
+    const bool moved = ut_FileOps::seek(stdin, pos, whence);
+    if (!moved)
+        setError();
+    return moved;
+}
+
+bool ut_StdinStreamBuf::isEof()
+{
+    return std::feof(stdin) != 0;
+}
