@@ -238,3 +238,13 @@ UT_IStream *UT_IStream::newRangeStream(int64_t start, int64_t length) const
 {
     return new UT_IStream(UT_IStreamBuf::makeRange(*mySource, start, length), myBinary);
 }
+
+UT_IStream *UT_IStream::newZLibStream() const
+{
+    return new UT_IStream(UT_IStreamBuf::makeZLib(*mySource), myBinary);
+}
+
+UT_IStream *UT_IStream::newGZipStream() const
+{
+    return new UT_IStream(UT_IStreamBuf::makeGZip(*mySource), myBinary);
+}

@@ -142,11 +142,16 @@ public:
     // The stream's source, still held by the stream; it has the error's text.
     UT_IStreamBuf &getSource() const { return *mySource; }
 
-    // ---- Sub-streams: the caller owns them --------------------------------------
+    // ---- Sub-streams ----------------------------------------------------------
+    // New streams, owned by the caller, over a view of this one's source, in the
+    // same form. They move the source: nobody else may read from it meanwhile.
 
-    // A stream over `length` bytes of this one's source from its position
-    // `start` on, in the same form. It moves the source: see ut_RangeStreamBuf.h.
-    UT_IStream *newRangeStream(int64_t start, int64_t length) const;
+    // `length` bytes from the source's position `start` on.
+    [[nodiscard]] UT_IStream *newRangeStream(int64_t start, int64_t length) const;
+
+    // The decompressed form of what follows.
+    [[nodiscard]] UT_IStream *newZLibStream() const;
+    [[nodiscard]] UT_IStream *newGZipStream() const;
 
 protected:
     // Replaces source, label (a copy is kept) and form; the stream has an error

@@ -4,11 +4,13 @@
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/ut_FilePtrStreamBuf.h"
 #include "UT/ut_FileStreamBuf.h"
+#include "UT/ut_GZipStreamBuf.h"
 #include "UT/ut_MemoryStreamBuf.h"
 #include "UT/ut_NullStreamBuf.h"
 #include "UT/ut_RangeStreamBuf.h"
 #include "UT/ut_StdinStreamBuf.h"
 #include "UT/ut_StreamStreamBuf.h"
+#include "UT/ut_ZLibStreamBuf.h"
 
 #include <algorithm>
 #include <cctype>
@@ -100,6 +102,20 @@ UT_IStreamBuf *UT_IStreamBuf::makeRange(UT_IStreamBuf &inner, int64_t start, int
 UT_IStreamBuf *UT_IStreamBuf::makeEmpty()
 {
     return new ut_NullStreamBuf;
+}
+
+UT_IStreamBuf *UT_IStreamBuf::makeZLib(UT_IStreamBuf &inner)
+{
+    auto *source = new ut_ZLibStreamBuf(inner);
+    source->init();
+    return source;
+}
+
+UT_IStreamBuf *UT_IStreamBuf::makeGZip(UT_IStreamBuf &inner)
+{
+    auto *source = new ut_GZipStreamBuf(inner);
+    source->init();
+    return source;
 }
 
 void UT_IStreamBuf::setStdinLineMode(bool lineByLine)

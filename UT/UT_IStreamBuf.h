@@ -39,6 +39,11 @@ public:
 
     static UT_IStreamBuf *makeEmpty();
 
+    // The decompressed form of what follows in `inner`, to which the new source
+    // takes a reference. Data in another format give an error at the first read.
+    static UT_IStreamBuf *makeZLib(UT_IStreamBuf &inner);
+    static UT_IStreamBuf *makeGZip(UT_IStreamBuf &inner);
+
     // Whether the shared source of standard input fetches line by line even
     // when that is no terminal. Counts until that source is first asked for.
     static void setStdinLineMode(bool lineByLine);

@@ -7,6 +7,7 @@ set -euo pipefail
 packages=(
     cmake ninja-build make g++ g++-multilib clang libclang-rt-14-dev clang-format
     googletest libembree-dev libtbb-dev libjpeg62-turbo-dev libpng-dev
+    zlib1g-dev lib32z1-dev
 )
 
 missing=()

@@ -1,0 +1,13 @@
+// An input stream over the decompressed form of another stream's gzip data.
+//
+// As UT_IZStream; a header that is no gzip header shows at the first read.
+#pragma once
+
+#include "UT/UT_IStream.h"
+
+class UT_IGZStream : public UT_IStream
+{
+public:
+    explicit UT_IGZStream(UT_IStream &src);
+    ~UT_IGZStream() override;
+};
