@@ -14,8 +14,8 @@ namespace
 // The letter's place in the specification; null when it is no option.
 const char *findLetter(const char *optionSpec, char letter)
 {
-    const bool possible = letter != '\0' && letter != ':' && static_cast<signed char>(letter) > 0;
-    return possible ? std::strchr(optionSpec, letter) : nullptr;
+    const bool isAscii = static_cast<signed char>(letter) > 0;
+    return isAscii ? std::strchr(optionSpec, letter) : nullptr;
 }
 
 bool isOptionWord(const char *word)
@@ -27,13 +27,15 @@ bool isOptionWord(const char *word)
 void UT_Args::initialize(int argc, char *argv[])
 {
     myArgc = argc;
+    myArgs.setArg(argc, nullptr); // an older, longer vector goes
     for (int i = argc - 1; i >= 0; --i)
         myArgs.setArg(i, argv[i]);
 }
 
 void UT_Args::appendArg(const char *value)
 {
-    myArgs.setArg(myArgc++, value);
+    ++myArgc;
+    myArgs.setArg(myArgs.getArgc(), value);
 }
 
 void UT_Args::setArg(int index, const char *value)

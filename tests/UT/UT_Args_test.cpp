@@ -88,6 +88,7 @@ TEST(Args, TakesOptionsOutAndKeepsOperands)
         {"x::::y", "prog -x 1 2 3 4 -y 5", "x1=1=2=3=4,y6,", 2, "5|"},
         {"x::::::y", "prog -x1 2 3 4 -y 5", "x1=1=2=3=4,y5,", 2, "5|"},
         {"x::", "prog -xA B -xC", "", -1, ""},
+        {"bg:qr:s", "prog -: x", ":1,", 2, "x|"},
         {nullptr, "prog -q x", "", 3, "-q|x|"},
         {"", "prog -q x", "", 3, "-q|x|"},
         {"q", "prog -q\xe9 x", "q1,", 3, "-q\xe9|x|"},
@@ -117,6 +118,18 @@ TEST(Args, ASecondScanForgetsTheFirst)
     line.args.stripOptions("bq");
     EXPECT_EQ("q2,", optionsOf(line.args));
     EXPECT_EQ("y|", operandsOf(line.args));
+}
+
+TEST(Args, ANewVectorLeavesNothingOfTheOld)
+{
+    Line line("prog a b c");
+    line.args.initialize(2, line.argv.data());
+    EXPECT_EQ(nullptr, line.args.argv(2));
+    line.args.setArg(1, "-r");
+    line.args.stripOptions("r:");
+    line.args.appendArg("x");
+    EXPECT_EQ(0, line.args.argc());
+    EXPECT_STREQ("x", line.args.argv(2));
 }
 
 TEST(Args, RebuildsTheCommandLine)
