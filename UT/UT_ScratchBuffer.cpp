@@ -100,8 +100,6 @@ void UT_ScratchBuffer::release(bool recomputeLength)
 
 void UT_ScratchBuffer::sprintf(const char *format, ...)
 {
-    if (isLocked())
-        return;
     va_list args;
     va_start(args, format);
     va_list again;
@@ -132,9 +130,7 @@ void UT_ScratchBuffer::appendSprintf(const char *format, ...)
 
 bool UT_ScratchBuffer::getLine(FILE *fp)
 {
-    if (isLocked())
-        return false;
-    clear();
+    truncate(0);
     int c;
     while ((c = getc_unlocked(fp)) != EOF && c != '\n') {
         growFor(1);
@@ -152,9 +148,9 @@ void UT_ScratchBuffer::stripComment(char c)
     char quote = '\0';
     for (int i = 0; i < myLength; ++i) {
         const char here = myBuffer[i];
-        if (here == '\\') {
-            ++i;
-        } else if (quote != '\0') {
+        if (i > 0 && myBuffer[i - 1] == '\\')
+            continue;
+        if (quote != '\0') {
             if (here == quote)
                 quote = '\0';
         } else if (here == c) {

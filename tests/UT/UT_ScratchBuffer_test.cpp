@@ -73,8 +73,12 @@ TEST(ScratchBuffer, BelongsToItsWriterWhileALockIsOpen)
     EXPECT_FALSE(text.isLocked());
     EXPECT_EQ(5002, text.length());
     text.lock(0, 1)[0] = '\0';
+    text.sprintf("%s", "new");
+    EXPECT_STREQ("new", text.buffer()) << "replacing is not appending";
+    text.lock(0, 1)[0] = '\0';
+    text.release(true);
     text.release(false);
-    EXPECT_EQ(5002, text.length()) << "not recomputed";
+    EXPECT_EQ(3, text.length()) << "not recomputed";
 }
 
 TEST(ScratchBuffer, FormatsTextsOfAnyLength)
@@ -129,6 +133,7 @@ TEST(ScratchBuffer, StripsComments)
         {"\"it's\" # b", "\"it's\" "},
         {"'open # b", "'open # b"},
         {"none", "none"},
+        {"a\\\\# b", "a\\\\# b"},
         {"#", ""},
         {"", ""},
     };
