@@ -91,7 +91,11 @@ UT_String::~UT_String()
 
 UT_String &UT_String::operator=(const UT_String &other)
 {
-    return this == &other ? *this : *this = other.myData;
+    if (this == &other)
+        return *this;
+    if (myData == nullptr) // two unset texts: nothing below would note the borrowing
+        isBorrowed = !isAlwaysDeep;
+    return *this = other.myData;
 }
 
 UT_String &UT_String::operator=(const char *text)
@@ -271,6 +275,9 @@ bool UT_String::isNumber(bool allowSpace, bool noDigitsIsNumber) const
     if (!isNonEmpty())
         return false;
     const char *start = skipSpaces(myData, allowSpace);
+    const size_t marks = std::strspn(start, "+-.");
+    if (marks > 0 && *skipSpaces(start + marks, allowSpace) == '\0')
+        return noDigitsIsNumber;
     const char *whole = skipSign(start);
     const char *end = skipDigits(whole);
     bool hasDigits = end != whole;
@@ -284,9 +291,7 @@ bool UT_String::isNumber(bool allowSpace, bool noDigitsIsNumber) const
         end = skipDigits(exponent);
         hasDigits = end != exponent;
     }
-    if (end == start || *skipSpaces(end, allowSpace) != '\0')
-        return false;
-    return hasDigits || noDigitsIsNumber;
+    return hasDigits && *skipSpaces(end, allowSpace) == '\0';
 }
 
 bool UT_String::hasWhitespace() const

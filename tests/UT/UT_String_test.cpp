@@ -58,8 +58,16 @@ TEST(String, UnsetBecomesEmptyOnlyWhenItIsOwned)
     EXPECT_EQ(nullptr, s.text());
     s.assignCopy(nullptr);
     EXPECT_STREQ("", s);
+    s.clear();
+    s.makeOwned();
+    EXPECT_EQ(nullptr, s.text()) << "an owned unset text stays";
     s = UT_String(nullptr);
-    EXPECT_EQ(nullptr, s.text());
+    s.makeOwned();
+    EXPECT_STREQ("", s) << "a borrowed one does not";
+    const UT_String deep(UT_String::ALWAYS_DEEP, nullptr);
+    UT_String copy(deep);
+    copy.makeOwned();
+    EXPECT_EQ(nullptr, copy.text());
     s += nullptr;
     EXPECT_STREQ("", s);
     s.assignCopy("x");
@@ -210,7 +218,8 @@ TEST(String, RecognisesNumbers)
         {"12", "inIN"}, {"-12", "inIN"}, {"+12", "inIN"}, {" 12\t", "IN"}, {"1 2", ""},
         {"1.5", "nN"},  {"-1.5", "nN"},  {".5", "nN"},    {"5.", "nN"},    {"1.2.3", ""},
         {"1e5", "nN"},  {"1E-5", "nN"},  {"1e+5", "nN"},  {"1e5e5", ""},   {"abc", ""},
-        {"12a", ""},    {"1 -2", ""},    {"", ""},        {nullptr, ""},
+        {"12a", ""},    {"1e", ""},      {"1e+", ""},     {"e5", ""},      {"+-1", ""},
+        {"1 -2", ""},   {"", ""},        {nullptr, ""},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.text));
@@ -222,7 +231,7 @@ TEST(String, RecognisesNumbers)
         kinds += s.isNumber(true, false) ? "N" : "";
         EXPECT_EQ(c.kinds, kinds);
     }
-    for (const char *noDigits : {"-", "+", ".", "-."}) {
+    for (const char *noDigits : {"-", "+", ".", "-.", "+-.", ".."}) {
         SCOPED_TRACE(noDigits);
         EXPECT_TRUE(UT_String(noDigits).isNumber(false, true));
         EXPECT_FALSE(UT_String(noDigits).isNumber(false, false));
