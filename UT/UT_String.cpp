@@ -12,8 +12,6 @@
 
 namespace
 {
-const char WHITE_SPACE[] = " \t\n\v\f";
-
 bool isSpace(char c)
 {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
@@ -237,17 +235,22 @@ int UT_String::countChar(char c) const
     return count;
 }
 
-const char *UT_String::findWord(const char *word) const
+const char *UT_String::nextWord(const char *text, const char *from, const char *word)
 {
-    if (!isNonEmpty() || word == nullptr || *word == '\0')
-        return nullptr;
     const size_t length = std::strlen(word);
-    for (const char *p = std::strstr(myData, word); p != nullptr; p = std::strstr(p + 1, word)) {
-        const bool starts = p == myData || isBoundary(p[-1]);
+    for (const char *p = std::strstr(from, word); p != nullptr; p = std::strstr(p + 1, word)) {
+        const bool starts = p == text || isBoundary(p[-1]);
         if (starts && isBoundary(p[length]))
             return p;
     }
     return nullptr;
+}
+
+const char *UT_String::findWord(const char *word) const
+{
+    if (!isNonEmpty() || word == nullptr || *word == '\0')
+        return nullptr;
+    return nextWord(myData, myData, word);
 }
 
 bool UT_String::contains(const char *text, bool wholeWord, bool asPattern) const

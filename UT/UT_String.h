@@ -23,6 +23,14 @@ class UT_String
 public:
     enum AlwaysDeep { ALWAYS_DEEP };
 
+    // How tokenize() takes a text apart. A set may be null, which is empty.
+    struct TokenRules {
+        const char *separators; // each ends a token; so does a run of them
+        const char *quotes;     // each keeps separators plain up to its like
+        char escape;            // keeps the next character plain; NUL for none
+        bool keepEmpty;         // a token between any two separators
+    };
+
     // length < 0: borrows `text`, or owns a copy of it when `deep`. Otherwise
     // owns exactly `length` characters of it, NULs where it is shorter.
     UT_String(const char *text = nullptr, bool deep = false, int length = -1);
@@ -103,16 +111,15 @@ public:
 
     // ---- Splitting -----------------------------------------------------
     // In place: NULs are written into the text and the words point into it, so
-    // the string takes its own copy first and must outlive the words.
+    // the string takes its own copy first and must outlive the words. The forms
+    // with an array store at most maxArgs - 1 words and a null behind them, and
+    // return how many words that were.
 
     // Words separated by white space, with quotes as in a shell: "a b"c is one
     // word, "" an empty one, \" and \' outside quotes are plain quotes. Inside
     // quotes a backslash keeps the quote from closing and both stay. An open
     // quote ends with the text. Returns the number of words.
     int splitWords(UT_WordList &words);
-
-    // The same; at most maxArgs - 1 words and a null go into argv. Returns how
-    // many words were stored.
     int splitWordsInto(char *argv[], int maxArgs);
 
     // Fields between runs of any of the delimiters (no empty fields), appended
@@ -125,6 +132,11 @@ public:
     int splitAtChar(UT_WordList &words, char separator);
     int splitAtChar(char *argv[], int maxArgs, char separator);
 
+    // Tokens by rules of the caller's: separators, quotes and escapes go, and
+    // quotes may hold an empty token. None comes behind a separator that ends the
+    // text. Resets `words`; returns the number of tokens.
+    int tokenize(UT_WordList &words, const TokenRules &rules);
+
     // ---- Editing -------------------------------------------------------
 
     // "a.old" to "a.new"; false, and nothing changes, without that suffix.
@@ -133,6 +145,21 @@ public:
     // Replaces the first, or every, occurrence; the replacement itself is not
     // searched. Returns the number of replacements.
     int replaceText(const char *find, const char *replacement, bool all);
+
+    // The same for occurrences that are whole words, as in findWord.
+    int replaceWord(const char *find, const char *replacement, bool all);
+
+    // Removes every character that `set` holds; returns how many went.
+    int removeChars(const char *set);
+
+    // White space goes from both ends. collapseSpace also makes one blank of
+    // each run of it inside.
+    void trimSpace();
+    void collapseSpace();
+
+    // Blanks up to the next multiple of `tabSize` columns in place of each tab.
+    // A newline starts column 0. A size below 1 changes nothing.
+    void expandTabs(int tabSize = 8);
 
     // csh-style modifiers, each behind a ':': r (no extension), h (head), t
     // (tail), e (extension), u and l (case), s/old/new/; with g for each word
@@ -148,8 +175,19 @@ public:
     // text (unchanged) and for a path that climbs above the root (spoiled).
     bool collapseAbsolutePath();
 
+    // Becomes the path from the directory `from` to the directory `to`, such as
+    // "../../lib", or "." between equal ones. Compares texts: symbolic links are
+    // not followed. False, and nothing changes, unless collapseAbsolutePath
+    // takes both.
+    bool makeRelativePath(const char *from, const char *to);
+
     // Double quotes around a text with white space, unless it has them.
     void quoteIfSpaced();
+
+    // Writes the text as one word that a reader of quoted words takes back: ""
+    // when unset or empty, in double quotes when it holds white space, with a
+    // backslash in front of each '"' and backslash.
+    void writeText(std::ostream &os) const;
 
     // The text in quotes, with a backslash in front of each such quote and each
     // backslash. The other kind of quote is used when only that needs no
@@ -180,7 +218,24 @@ public:
     // compare as numbers, so "file2" comes before "file10"; null comes first.
     static int compareNatural(const char *a, const char *b);
 
+    // ---- The number at the end of a name, such as "shot" 099 ------------
+    // A run of decimal digits of any length.
+
+    const char *findNumber() const; // its first digit; null without one
+    bool stripNumber();             // false, and nothing changes, without one
+
+    // Adds 1 and keeps leading zeros: "shot099" to "shot100", "a9" to "a10". A
+    // name without a number gets "1".
+    void incrementNumber();
+
 private:
+    static constexpr char WHITE_SPACE[] = " \t\n\v\f";
+
+    // Gives the next occurrence at or behind `from`, a place in `text`; or null.
+    using Finder = const char *(*)(const char *text, const char *from, const char *word);
+    static const char *nextWord(const char *text, const char *from, const char *word);
+    int replaceFound(Finder next, const char *find, const char *replacement, bool all);
+
     char *myData;
     bool isBorrowed : 1;
     bool isAlwaysDeep : 1;

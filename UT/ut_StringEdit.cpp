@@ -3,6 +3,22 @@
 
 #include <cctype>
 #include <cstring>
+#include <ostream>
+
+namespace
+{
+// With a backslash in front of each `quote` and each backslash.
+std::string escaped(const char *text, char quote)
+{
+    std::string result;
+    for (; text != nullptr && *text != '\0'; ++text) {
+        if (*text == quote || *text == '\\')
+            result += '\\';
+        result += *text;
+    }
+    return result;
+}
+} // namespace
 
 bool UT_String::changeSuffix(const char *oldSuffix, const char *newSuffix)
 {
@@ -16,7 +32,7 @@ bool UT_String::changeSuffix(const char *oldSuffix, const char *newSuffix)
     return true;
 }
 
-int UT_String::replaceText(const char *find, const char *replacement, bool all)
+int UT_String::replaceFound(Finder next, const char *find, const char *replacement, bool all)
 {
     if (!isNonEmpty() || find == nullptr || replacement == nullptr || *find == '\0')
         return 0;
@@ -24,7 +40,7 @@ int UT_String::replaceText(const char *find, const char *replacement, bool all)
     const char *rest = myData;
     std::string result;
     int count = 0;
-    for (const char *hit; (all || count == 0) && (hit = std::strstr(rest, find)) != nullptr;) {
+    for (const char *hit; (all || count == 0) && (hit = next(myData, rest, find)) != nullptr;) {
         result.append(rest, hit);
         result += replacement;
         rest = hit + length;
@@ -34,6 +50,19 @@ int UT_String::replaceText(const char *find, const char *replacement, bool all)
         return 0;
     assignCopy((result + rest).c_str());
     return count;
+}
+
+int UT_String::replaceText(const char *find, const char *replacement, bool all)
+{
+    const Finder next = [](const char *, const char *from, const char *text) -> const char * {
+        return std::strstr(from, text);
+    };
+    return replaceFound(next, find, replacement, all);
+}
+
+int UT_String::replaceWord(const char *find, const char *replacement, bool all)
+{
+    return replaceFound(nextWord, find, replacement, all);
 }
 
 bool UT_String::collapseAbsolutePath()
@@ -65,6 +94,30 @@ bool UT_String::collapseAbsolutePath()
     return true;
 }
 
+bool UT_String::makeRelativePath(const char *from, const char *to)
+{
+    UT_String start(from), goal(to);
+    if (!start.collapseAbsolutePath() || !goal.collapseAbsolutePath())
+        return false;
+    // Each component with a '/' in front; the root has none.
+    const char *a = start[1] != '\0' ? start.text() : "";
+    const char *b = goal[1] != '\0' ? goal.text() : "";
+    for (;;) {
+        const size_t componentA = *a == '\0' ? 0 : 1 + std::strcspn(a + 1, "/");
+        const size_t componentB = *b == '\0' ? 0 : 1 + std::strcspn(b + 1, "/");
+        if (componentA == 0 || componentA != componentB || std::strncmp(a, b, componentA) != 0)
+            break;
+        a += componentA;
+        b += componentB;
+    }
+    std::string path;
+    for (; *a != '\0'; ++a)
+        path += *a == '/' ? "/.." : "";
+    path += b;
+    assignCopy(path.empty() ? "." : path.c_str() + 1);
+    return true;
+}
+
 void UT_String::quoteIfSpaced()
 {
     if (!hasWhitespace())
@@ -72,13 +125,13 @@ void UT_String::quoteIfSpaced()
     const size_t size = std::strlen(myData);
     if (size >= 2 && myData[0] == '"' && myData[size - 1] == '"')
         return;
-    std::string quoted = "\"";
-    for (const char *p = myData; *p != '\0'; ++p) {
-        if (*p == '"' || *p == '\\')
-            quoted += '\\';
-        quoted += *p;
-    }
-    assignCopy((quoted + '"').c_str());
+    assignCopy(('"' + escaped(myData, '"') + '"').c_str());
+}
+
+void UT_String::writeText(std::ostream &os) const
+{
+    const char *quote = !isNonEmpty() || hasWhitespace() ? "\"" : "";
+    os << quote + escaped(myData, '"') + quote; // at once: a width set on `os` holds for all
 }
 
 UT_String UT_String::makeQuoted(char quote) const
@@ -89,13 +142,7 @@ UT_String UT_String::makeQuoted(char quote) const
         quote = '"';
     else if (quote == '"' && hasDouble && !hasSingle)
         quote = '\'';
-    std::string quoted(1, quote);
-    for (const char *p = myData; p != nullptr && *p != '\0'; ++p) {
-        if (*p == quote || *p == '\\')
-            quoted += '\\';
-        quoted += *p;
-    }
-    return UT_String(ALWAYS_DEEP, (quoted + quote).c_str());
+    return UT_String(ALWAYS_DEEP, (quote + escaped(myData, quote) + quote).c_str());
 }
 
 void UT_String::decodeEscapes()

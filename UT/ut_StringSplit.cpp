@@ -45,6 +45,25 @@ void takeWord(const char *&read, char *&write)
     }
 }
 
+bool isIn(const char *set, char c)
+{
+    return set != nullptr && c != '\0' && std::strchr(set, c) != nullptr;
+}
+
+// takeWord by the caller's rules.
+void takeToken(const char *&read, char *&write, const UT_String::TokenRules &rules)
+{
+    char quote = '\0';
+    for (; *read != '\0' && (quote != '\0' || !isIn(rules.separators, *read)); ++read) {
+        if (*read == rules.escape && read[1] != '\0')
+            *write++ = *++read;
+        else if (quote != '\0' ? *read == quote : isIn(rules.quotes, *read))
+            quote = quote != '\0' ? '\0' : *read;
+        else
+            *write++ = *read;
+    }
+}
+
 // Hands at most maxArgs - 1 words on, with a null behind them.
 int copyWords(const UT_WordList &words, char *argv[], int maxArgs)
 {
@@ -128,4 +147,26 @@ int UT_String::splitAtChar(char *argv[], int maxArgs, char separator)
     UT_WordList words;
     splitAtChar(words, separator);
     return copyWords(words, argv, maxArgs);
+}
+
+int UT_String::tokenize(UT_WordList &words, const TokenRules &rules)
+{
+    words.setArg(0, nullptr);
+    if (!isNonEmpty())
+        return 0;
+    makeOwned();
+    const char *read = myData;
+    char *write = myData;
+    while (*read != '\0') {
+        if (!rules.keepEmpty && isIn(rules.separators, *read)) {
+            ++read;
+            continue;
+        }
+        words.setArg(words.getArgc(), write);
+        takeToken(read, write, rules);
+        if (*read != '\0')
+            ++read;
+        *write++ = '\0';
+    }
+    return words.getArgc();
 }

