@@ -1,0 +1,131 @@
+#include "CPP/CPP_File.h"
+
+#include "CPP/CPP_Stream.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace
+{
+bool takeBackslash(UT_ScratchBuffer &line)
+{
+    const int length = line.length();
+    if (length == 0 || line.buffer()[length - 1] != '\\')
+        return false;
+    line.truncate(length - 1);
+    return true;
+}
+
+bool endsInBackslash(const UT_ScratchBuffer &line)
+{
+    return line.length() > 0 && line.buffer()[line.length() - 1] == '\\';
+}
+
+// Everything behind this is text that ends at its NUL.
+void replaceNuls(UT_ScratchBuffer &line)
+{
+    char *end = line.buffer() + line.length();
+    char *p = line.buffer();
+    while ((p = static_cast<char *>(std::memchr(p, '\0', static_cast<size_t>(end - p)))) != nullptr)
+        *p++ = ' ';
+}
+} // namespace
+
+CPP_File::CPP_File(CPP_Stream *stream) : myStream(stream)
+{
+    myName.assignCopy("");
+}
+
+CPP_File::~CPP_File() = default;
+
+void CPP_File::release()
+{
+    if (--myRefCount < 1)
+        delete this;
+}
+
+void CPP_File::setPath(const char *path)
+{
+    setName(path);
+    const char *slash = std::strrchr(path, '/');
+    if (slash != nullptr)
+        myDirectory.assignCopy(path, static_cast<int>(slash - path));
+    else
+        myDirectory.clear();
+}
+
+void CPP_File::countLine()
+{
+    // #line may have put it anywhere, so it wraps.
+    myLineNumber = static_cast<int>(static_cast<uint32_t>(myLineNumber) + 1);
+}
+
+bool CPP_File::readLogicalLine(UT_ScratchBuffer &line)
+{
+    if (myStream == nullptr)
+        return false;
+    if (myOwedNewlines > 0) {
+        --myOwedNewlines;
+        line.clear();
+        line.append('\n');
+    } else if (!joinLines(line)) {
+        return false;
+    }
+    countLine();
+    return true;
+}
+
+bool CPP_File::joinLines(UT_ScratchBuffer &line)
+{
+    if (!myStream->readLine(line))
+        return false;
+    mySpecialFlag = mySpecialFlag || myStream->isSpecial();
+    while (takeBackslash(line)) {
+        if (endsInBackslash(line)) {
+            replaceNuls(line);
+            return true;
+        }
+        // At the end of the file nothing continues the line.
+        if (!myStream->readLine(myContinuation))
+            break;
+        mySpecialFlag = mySpecialFlag || myStream->isSpecial();
+        ++myOwedNewlines;
+        line.append(myContinuation.buffer(), myContinuation.length());
+    }
+    line.append('\n');
+    replaceNuls(line);
+    return true;
+}
+
+bool CPP_File::isSkipping() const
+{
+    return hasOpenCondition() && myConditions(myConditions.entries() - 1) != TAKING;
+}
+
+void CPP_File::pushCondition(int state)
+{
+    myConditions.append(isSkipping() ? static_cast<int>(DONE) : state);
+}
+
+void CPP_File::elifCondition(int value)
+{
+    if (!hasOpenCondition())
+        return;
+    int &top = topCondition();
+    if (value == 1 && top <= TAKING)
+        ++top; // not yet taken is taken now, taken is done
+    else if (value == 2 || (value == 0 && top != NOT_YET))
+        top = DONE;
+}
+
+void CPP_File::elseCondition()
+{
+    if (hasOpenCondition())
+        ++topCondition();
+}
+
+void CPP_File::popCondition()
+{
+    if (hasOpenCondition())
+        myConditions.removeIndex(myConditions.entries() - 1);
+}

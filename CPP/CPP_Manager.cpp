@@ -1,0 +1,358 @@
+#include "CPP/CPP_Manager.h"
+
+#include "CPP/CPP_Stream.h"
+#include "CPP/cpp_DefStream.h"
+#include "CPP/cpp_Expander.h"
+#include "CPP/cpp_Macro.h"
+#include "UT/UT_FileUtil.h"
+#include "UT/UT_IStream.h"
+
+#include <cctype>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+namespace
+{
+constexpr int DEFAULT_RECURSION_LIMIT = 128;
+
+// "error", "warning", by CPP_Manager::Severity.
+const char *const SEVERITIES[] = {"error", "warning"};
+
+const char *skipSpace(const char *text)
+{
+    while (std::isspace(static_cast<unsigned char>(*text)) != 0)
+        ++text;
+    return text;
+}
+
+bool isStandardInput(const char *path)
+{
+    return std::strcmp(path, "stdin") == 0 || std::strcmp(path, "stdin.zel") == 0;
+}
+
+// Shared by all managers of the process: what one has buffered, the next sees.
+UT_IStream *standardInput()
+{
+    static UT_IStream *const stream = new UT_IStream(stdin, false);
+    return stream;
+}
+} // namespace
+
+CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
+    : myRecursionLimit(DEFAULT_RECURSION_LIMIT), myExpander(new cpp_Expander(*this))
+{
+    const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
+    myIncludePath.reset(UT_PathSearch::getNewInstance(known));
+    if (caretSubst != nullptr)
+        myIncludePath->reconfigure(nullptr, -1, caretSubst, -1);
+    defineBuiltins();
+}
+
+CPP_Manager::~CPP_Manager()
+{
+    for (unsigned i = myFiles.entries(); i > 0; --i)
+        myFiles(i - 1)->release();
+    const auto deleteMacro = [](void **value, const char *, void *) {
+        delete static_cast<cpp_Macro *>(*value);
+        return 1;
+    };
+    myMacros.traverseSymbols(deleteMacro, nullptr);
+}
+
+CPP_Stream *CPP_Manager::newStream()
+{
+    return new cpp_DefStream;
+}
+
+void CPP_Manager::setFlag(Flag flag, bool on)
+{
+    if (on)
+        myFlags |= flag;
+    else
+        myFlags &= ~static_cast<unsigned>(flag);
+}
+
+void CPP_Manager::stop()
+{
+    setFlag(STOPPED, true);
+    myBlankLinesOwed = 0; // the diagnostic is the last line
+}
+
+CPP_File *CPP_Manager::currentFile() const
+{
+    return myFiles.entries() == 0 ? nullptr : myFiles(myFiles.entries() - 1);
+}
+
+const char *CPP_Manager::getCurrentFileName() const
+{
+    const CPP_File *file = currentFile();
+    return file != nullptr ? file->getName() : "<unknown>";
+}
+
+// ---- Input ---------------------------------------------------------------
+
+void CPP_Manager::addIncludePath(const char *dir)
+{
+    myIncludePath->addDirectory(dir);
+}
+
+void CPP_Manager::addIncludePathList(const char *pathList)
+{
+    const UT_PathSearch list(pathList, -1, "", UT_VELDRIN_PATH);
+    const UT_StringList &dirs = list.getDirs();
+    for (int i = 0; i < dirs.entries(); ++i)
+        addIncludePath(dirs(i));
+}
+
+bool CPP_Manager::openFile(const char *name, bool useSearchPath)
+{
+    if (isStandardInput(name))
+        return pushPath(name);
+    UT_String path;
+    return resolveName(name, useSearchPath, path) && pushPath(path);
+}
+
+bool CPP_Manager::openStream(UT_IStream *is, const char *name)
+{
+    auto *file = new CPP_File(newStream());
+    file->getStream()->setStream(is);
+    return pushFile(file, name);
+}
+
+bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &path) const
+{
+    name = skipSpace(name);
+    const bool isAngled = *name == '<';
+    size_t length = std::strlen(name);
+    if (*name == '"' || isAngled)
+        length = std::strcspn(++name, isAngled ? ">" : "\"");
+    else if (hasFlag(OLD_STYLE_INCLUDE))
+        length = std::strcspn(name, " \t\n\v\f\r");
+    const UT_String wanted(name, true, static_cast<int>(length));
+
+    if (!useSearchPath) {
+        path.assignCopy(wanted);
+        return true;
+    }
+    if (!wanted.isNonEmpty())
+        return false;
+    if (UTisExplicitPath(wanted)) {
+        path.assignCopy(wanted);
+        return access(path, R_OK) == 0;
+    }
+    if (!isAngled && findNearCurrentFile(wanted, path))
+        return true;
+    // A name that is nowhere on the path is tried as it stands.
+    myIncludePath->findFile(path, wanted, UT_PathSearch::KEEP_NAME);
+    path.makeOwned();
+    return true;
+}
+
+bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
+{
+    const CPP_File *file = currentFile();
+    if (file == nullptr)
+        return false;
+    const char *directory = file->getDirectory();
+    if (directory == nullptr || std::strcmp(directory, ".") == 0)
+        path.assignCopy(name);
+    else
+        path.sprintf("%s/%s", directory, name);
+    return access(path, R_OK) == 0;
+}
+
+bool CPP_Manager::pushPath(const char *path)
+{
+    auto *file = new CPP_File(newStream());
+    CPP_Stream *stream = file->getStream();
+    if (isStandardInput(path))
+        stream->setStream(standardInput());
+    else if (*path != '\0' && !stream->open(path)) {
+        file->release();
+        return false;
+    }
+    return pushFile(file, path);
+}
+
+bool CPP_Manager::pushFile(CPP_File *file, const char *path)
+{
+    if (!file->getStream()->isOpen()) {
+        file->release();
+        return false;
+    }
+    file->setPath(path);
+    myFiles.append(file);
+    if (hasFlag(LINE_MARKERS)) {
+        myPendingText.sprintf("# %d \"%s\"\n", 1, path);
+        isPendingSource = false;
+    }
+    return true;
+}
+
+// ---- Emit ----------------------------------------------------------------
+
+bool CPP_Manager::getLine(UT_String &line)
+{
+    if (!getLine(myOutput))
+        return false;
+    myOutput.copyToString(line);
+    return true;
+}
+
+bool CPP_Manager::getLine(UT_ScratchBuffer &line)
+{
+    line.clear();
+    if (myBlankLinesOwed > 0) {
+        --myBlankLinesOwed;
+        line.append('\n');
+        return true;
+    }
+    if (hasFlag(STOPPED))
+        return false;
+    if (myPendingText.length() > 0) {
+        UT_ScratchBuffer &to = isPendingSource ? myLine : line;
+        to.clear();
+        to.append(myPendingText.buffer(), myPendingText.length());
+        myPendingText.clear();
+        if (isPendingSource)
+            processLine(line);
+        isPendingSource = false;
+        return true;
+    }
+    while (CPP_File *file = currentFile()) {
+        if (!file->readLogicalLine(myLine)) {
+            popFile(line);
+            if (line.length() > 0)
+                return true;
+            continue;
+        }
+        sawSpecialStream = sawSpecialStream || file->isSpecial();
+        const bool needsMarker = hasPoppedFile && hasFlag(LINE_MARKERS);
+        hasPoppedFile = false;
+        if (needsMarker) {
+            myPendingText.append(myLine.buffer(), myLine.length());
+            isPendingSource = true;
+            line.sprintf("# %d \"%s\"\n", file->getLineNumber(), file->getName());
+        } else {
+            processLine(line);
+        }
+        return true;
+    }
+    return false;
+}
+
+void CPP_Manager::popFile(UT_ScratchBuffer &out)
+{
+    CPP_File *file = currentFile();
+    if (file->hasOpenCondition()) {
+        UT_String diagnostic;
+        makeDiagnostic(diagnostic, ERROR, "Missing #endif");
+        out.append(diagnostic);
+    }
+    file->release();
+    myFiles.removeIndex(myFiles.entries() - 1);
+    hasPoppedFile = myFiles.entries() > 0;
+}
+
+// From myLine, the source line, to `out`, which is empty.
+void CPP_Manager::processLine(UT_ScratchBuffer &out)
+{
+    char *p = myLine.buffer();
+    while ((p = static_cast<char *>(std::memchr(
+                p, '\r', static_cast<size_t>(myLine.buffer() + myLine.length() - p)))) != nullptr)
+        *p++ = ' ';
+    stripComments(myLine);
+
+    const char *first = skipSpace(myLine.buffer());
+    if (processIfDirective(first, out))
+        return;
+    if (*first == '\0' || currentFile()->isSkipping())
+        out.append('\n');
+    else
+        expandInto(out);
+}
+
+bool CPP_Manager::processIfDirective(const char *first, UT_ScratchBuffer &out)
+{
+    UT_String result;
+    if (*first == '#') {
+        if (hasFlag(HASH_COMMENTS) && first != myLine.buffer())
+            result = "\n";
+        else
+            processDirective(first + 1, result);
+    } else if (isOldInclude(first)) {
+        std::fprintf(stderr, "CPP Warning:  old style include detected %s:%d\n",
+                     currentFile()->getName(), currentFile()->getLineNumber());
+        processDirective(first, result);
+    } else {
+        return false;
+    }
+    out.append(result);
+    return true;
+}
+
+bool CPP_Manager::isOldInclude(const char *text) const
+{
+    if (!hasFlag(OLD_STYLE_INCLUDE))
+        return false;
+    for (const char *word : {"include", "sinclude"}) {
+        const size_t length = std::strlen(word);
+        if (std::strncmp(text, word, length) == 0 &&
+            std::isspace(static_cast<unsigned char>(text[length])) != 0)
+            return true;
+    }
+    return false;
+}
+
+void CPP_Manager::expandInto(UT_ScratchBuffer &out)
+{
+    const int limit = myRecursionLimit != 0 ? myRecursionLimit : DEFAULT_RECURSION_LIMIT;
+    if (myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), limit, out))
+        return;
+    UT_String diagnostic;
+    makeDiagnostic(diagnostic, ERROR, myExpander->message());
+    out.clear();
+    out.append(diagnostic);
+    stop();
+}
+
+bool CPP_Manager::expandLine(CPP_File &file, const char *text, UT_String &result, int depthLeft)
+{
+    UT_ScratchBuffer out;
+    const int length = static_cast<int>(std::strlen(text));
+    if (!myExpander->expand(file, text, length, depthLeft, out)) {
+        result.assignCopy(myExpander->message());
+        return false;
+    }
+    result += out.buffer();
+    return true;
+}
+
+void CPP_Manager::makeDiagnostic(UT_String &out, Severity severity, const char *message) const
+{
+    const char *word = SEVERITIES[severity];
+    const CPP_File *file = currentFile();
+    if (file != nullptr)
+        out.sprintf("# %s cpp %s: \"%s\":%d %s", word, word, file->getName(), file->getLineNumber(),
+                    message);
+    else
+        out.sprintf("# %s cpp %s: %s", word, word, message);
+}
+
+void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    char *message = nullptr;
+    const int length = vasprintf(&message, format, args);
+    va_end(args);
+    if (length < 0)
+        return;
+    makeDiagnostic(result, severity, message);
+    std::free(message);
+    if (currentFile() != nullptr)
+        myBlankLinesOwed = 1;
+}

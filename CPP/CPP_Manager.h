@@ -1,0 +1,190 @@
+// A line-oriented, C-style macro preprocessor for render scripts and shaders.
+//
+// A caller makes a manager, gives it options and definitions, opens one input
+// and pulls the output a line at a time. One line's way through it:
+//
+//   gather   CPP_File.cpp        joins a line with those that backslashes
+//                                continue it with; owes an empty line for each
+//   strip    cpp_Comments.cpp    takes the comments out, in place
+//   direct   cpp_Directives.cpp  a line that starts with '#' defines a macro,
+//                                opens a branch, pushes an include file, ...;
+//                                #if asks cpp_Condition.cpp
+//   expand   cpp_Expander.cpp    replaces the macros of any other line, unless
+//                                the branch is skipped
+//   emit     CPP_Manager.cpp     hands it out, between line markers, owed empty
+//                                lines and diagnostics
+//
+// Each input line gives one output line, directives and skipped lines an empty
+// one, so that numbers agree on both sides. Beside text there are line markers
+// (# 12 "file") where a file begins or goes on, and diagnostics
+// (# error cpp error: "file":12 message); a digit behind "# " tells a marker.
+// A diagnostic is followed by an extra empty line. A macro that cannot be
+// expanded is fatal: its diagnostic is the last line.
+#pragma once
+
+#include "CPP/CPP_File.h"
+#include "UT/UT_PathSearch.h"
+#include "UT/UT_PtrArray.h"
+#include "UT/UT_ScratchBuffer.h"
+#include "UT/UT_String.h"
+#include "UT/UT_SymbolTable.h"
+
+#include <memory>
+
+class CPP_Stream;
+class UT_IStream;
+class cpp_Expander;
+struct cpp_Macro;
+
+class CPP_Manager
+{
+public:
+    // What options and scanning have switched on.
+    enum Flag : unsigned {
+        STRIP_COMMENTS = 0x01,       // cleared by -C
+        LINE_MARKERS = 0x02,         // cleared by -P
+        IN_BLOCK_COMMENT = 0x04,     // a comment goes on on the next line
+        HASH_COMMENTS = 0x08,        // -h: '#' starts a comment behind a line's start
+        OLD_STYLE_INCLUDE = 0x10,    // -H: include lines without '#', names without quotes
+        EXPAND_INCLUDE_NAMES = 0x20, // -x: variables in include names
+        KEEP_SLASH_COMMENTS = 0x40,  // -c: slashes start no comment
+        STOPPED = 0x1000             // after a fatal error
+    };
+
+    enum Severity { ERROR, WARNING };
+
+    // Also what "__VVERSION__" stands for in the name of an include file.
+    static const char VERSION[];
+
+    // Include files are searched along a copy of the known path (a negative
+    // number means the main one), with another "^" text when one is given.
+    explicit CPP_Manager(int pathId = -1, const char *caretSubst = nullptr);
+    virtual ~CPP_Manager();
+    CPP_Manager(const CPP_Manager &) = delete;
+    CPP_Manager &operator=(const CPP_Manager &) = delete;
+
+    // Makes the line source of each file that is opened; the manager deletes it.
+    virtual CPP_Stream *newStream();
+
+    // Takes options from argv[1] on: the letters "PCU:D:I:r:nhHcx" of getopt
+    // (see cpp_Options.cpp for what each does), in order. Returns the index of
+    // the first operand; 0 at an unknown letter or a missing value, for which
+    // getopt has written its message. Warnings about redefinitions are dropped.
+    int parseOptions(int argc, char *argv[]);
+
+    void addIncludePath(const char *dir);
+    void addIncludePathList(const char *pathList); // the existing folders of a pattern
+
+    // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
+    // Quotes or angle brackets around the name are taken off. With
+    // `useSearchPath` a name that is not explicit is searched along the include
+    // path. False when there is no such file; nothing is reported.
+    [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
+
+    // The same from a stream that stays the caller's and outlives the reading.
+    [[nodiscard]] bool openStream(UT_IStream *is, const char *name);
+
+    // Replaces `line` by the next output line; false at the end. The second form
+    // copies less.
+    [[nodiscard]] bool getLine(UT_String &line);
+    [[nodiscard]] bool getLine(UT_ScratchBuffer &line);
+
+    const char *getCurrentFileName() const; // "<unknown>" when none is open
+
+    // ---- Macros --------------------------------------------------------
+
+    // Stores a definition, "NAME body" or "NAME(a,b) body"; in the command-line
+    // form '=' may stand in front of the body. A macro of that name is replaced.
+    // `result` is "\n", or the warning about the replacement. Always true.
+    bool defineMacro(const char *definition, UT_String &result, bool commandLineForm);
+
+    // "NAME value"; false when that gave a warning.
+    bool defineMacroValue(const char *name, const char *value);
+
+    // Removes the macro that the text's first word names. Always true.
+    bool undefineMacro(const char *text, UT_String &result);
+
+    bool isMacroDefined(const char *name) const;
+    const cpp_Macro *findMacro(const char *name) const; // null when there is none
+    const cpp_Macro *findMacro(const char *name, size_t length) const;
+
+    // Appends the expansion of `text`, a line of `file`, to the result. Macros in
+    // replacements nest less than `depthLeft` deep. On failure `result` is the
+    // message. Argument lists may go on on the file's next lines.
+    [[nodiscard]] bool expandLine(CPP_File &file, const char *text, UT_String &result,
+                                  int depthLeft);
+
+    // ---- For the stages ------------------------------------------------
+
+    bool hasFlag(Flag flag) const { return (myFlags & flag) != 0; }
+    CPP_File *currentFile() const; // null when none is open
+    void oweBlankLine() { ++myBlankLinesOwed; }
+
+private:
+    // A directive line, as a directive's function gets it.
+    struct Directive {
+        CPP_File &file;
+        const char *line;     // from the directive word on, with its newline
+        const char *argument; // behind the word and white space, with the newline
+        UT_String &result;    // the output line, "\n" unless it is replaced
+    };
+    struct DirectiveRow;
+    static const DirectiveRow DIRECTIVES[];
+
+    void setFlag(Flag flag, bool on);
+    void defineBuiltins();
+    void stop(); // the diagnostic under way is the last line
+
+    // emit
+    void processLine(UT_ScratchBuffer &out);
+    bool processIfDirective(const char *first, UT_ScratchBuffer &out);
+    void expandInto(UT_ScratchBuffer &out);
+    bool isOldInclude(const char *text) const;
+    void popFile(UT_ScratchBuffer &out);
+    void makeDiagnostic(UT_String &out, Severity severity, const char *message) const;
+    void diagnose(UT_String &result, Severity severity, const char *format, ...)
+        __attribute__((format(printf, 4, 5)));
+
+    // strip
+    void stripComments(UT_ScratchBuffer &line);
+    int skipBlockComment(UT_ScratchBuffer &line, int from);
+
+    // direct
+    void processDirective(const char *text, UT_String &result);
+    void doIfdef(const Directive &directive);
+    void doIfndef(const Directive &directive);
+    void doIf(const Directive &directive);
+    void doElif(const Directive &directive);
+    void doElse(const Directive &directive);
+    void doEndif(const Directive &directive);
+    void doDefine(const Directive &directive);
+    void doUndef(const Directive &directive);
+    void doInclude(const Directive &directive);
+    void doSilentInclude(const Directive &directive);
+    void doLine(const Directive &directive);
+    void doPassThrough(const Directive &directive);
+    bool include(const Directive &directive, UT_String &name);
+
+    // input
+    bool resolveName(const char *name, bool useSearchPath, UT_String &path) const;
+    bool findNearCurrentFile(const char *name, UT_String &path) const;
+    bool pushPath(const char *path);
+    bool pushFile(CPP_File *file, const char *path);
+
+    void storeMacro(cpp_Macro *macro);
+    bool applyOption(char letter, const char *value);
+
+    std::unique_ptr<UT_PathSearch> myIncludePath;
+    UT_ScratchBuffer myPendingText;  // the next output line, held back
+    UT_PtrArray<CPP_File *> myFiles; // the innermost last
+    UT_SymbolTable myMacros;         // values are cpp_Macro, deleted by us
+    unsigned myFlags = STRIP_COMMENTS | LINE_MARKERS | EXPAND_INCLUDE_NAMES;
+    int myRecursionLimit;         // 0 means the default
+    bool isPendingSource = false; // the held-back text is a source line, not output
+    int myBlankLinesOwed = 0;
+    bool sawSpecialStream = false;
+    bool hasPoppedFile = false; // the next line read goes on in an outer file
+    std::unique_ptr<cpp_Expander> myExpander;
+    UT_ScratchBuffer myLine;   // the source line under way
+    UT_ScratchBuffer myOutput; // for callers who want a string
+};

@@ -1,0 +1,8 @@
+#include "CPP/CPP_Stream.h"
+
+CPP_Stream::~CPP_Stream() = default;
+
+bool CPP_Stream::isSpecial() const
+{
+    return false;
+}

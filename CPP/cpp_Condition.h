@@ -1,0 +1,22 @@
+// The expressions of #if and #elif.
+//
+// Values are 32-bit signed integers and wrap. From the tightest level down:
+//   ! ~      * / %      + -      < > <= >=      == !=      & | ^      && ||
+// Each level is left-associative; "&", "|" and "^" share one, and so do "&&" and
+// "||". A '-' directly in front of a digit belongs to the number. Dividing by
+// zero gives 1000, the remainder 0; "~" gives the low 16 bits.
+//
+// Macros are not expanded: a macro's name stands for the number at the start of
+// its body (which must not be empty), any other name for 0. There are
+//   defined(NAME)       whether there is such a macro
+//   environment(NAME)   whether the environment has such a variable
+//   access("path")      whether the file can be read; variables are expanded
+//   strcmp(a, b)        C's strcmp; a macro's name stands for its body
+// in all of which the first argument starts right behind the parenthesis.
+#pragma once
+
+class CPP_Manager;
+
+// 1 true (also any other number than 0), 0 false (also a blank text), -1 syntax
+// error; 2, unseen, when `skipCheck` is set and the current file is skipping.
+[[nodiscard]] int evaluateCondition(CPP_Manager &manager, const char *text, bool skipCheck);

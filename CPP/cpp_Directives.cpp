@@ -1,0 +1,202 @@
+// Stage "direct": the lines that start with '#'.
+#include "CPP/CPP_Manager.h"
+
+#include "CPP/cpp_Condition.h"
+#include "UT/UT_Environment.h"
+#include "UT/UT_ExpandVariables.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace
+{
+constexpr size_t MAX_WORD = 31;
+constexpr size_t MAX_TESTED_NAME = 4096;
+
+// Each open include file holds a descriptor, and a file that includes itself
+// twice would never end.
+constexpr unsigned MAX_INCLUDE_DEPTH = 200;
+
+bool isSpace(char c)
+{
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+// The first word of `text`, cut at `most` characters.
+std::string firstWord(const char *text, size_t most)
+{
+    size_t length = 0;
+    while (length < most && text[length] != '\0' && !isSpace(text[length]))
+        ++length;
+    return std::string(text, length);
+}
+
+const char *lookUpIncludeName(const char *name, void *)
+{
+    return std::strcmp(name, "__VVERSION__") == 0 ? CPP_Manager::VERSION : UTgetenv(name);
+}
+} // namespace
+
+struct CPP_Manager::DirectiveRow {
+    enum Where {
+        EVERYWHERE,  // also in skipped text
+        IN_TEXT,     // ignored in skipped text
+        PASS_THROUGH // the same, and unknown where '#' starts comments
+    };
+
+    const char *word;
+    Where where;
+    void (CPP_Manager::*apply)(const Directive &);
+};
+
+const CPP_Manager::DirectiveRow CPP_Manager::DIRECTIVES[] = {
+    {"ifdef", DirectiveRow::EVERYWHERE, &CPP_Manager::doIfdef},
+    {"ifndef", DirectiveRow::EVERYWHERE, &CPP_Manager::doIfndef},
+    {"else", DirectiveRow::EVERYWHERE, &CPP_Manager::doElse},
+    {"endif", DirectiveRow::EVERYWHERE, &CPP_Manager::doEndif},
+    {"if", DirectiveRow::EVERYWHERE, &CPP_Manager::doIf},
+    {"elif", DirectiveRow::EVERYWHERE, &CPP_Manager::doElif},
+    {"define", DirectiveRow::IN_TEXT, &CPP_Manager::doDefine},
+    {"undef", DirectiveRow::IN_TEXT, &CPP_Manager::doUndef},
+    {"include", DirectiveRow::IN_TEXT, &CPP_Manager::doInclude},
+    {"sinclude", DirectiveRow::IN_TEXT, &CPP_Manager::doSilentInclude},
+    {"line", DirectiveRow::IN_TEXT, &CPP_Manager::doLine},
+    {"pragma", DirectiveRow::PASS_THROUGH, &CPP_Manager::doPassThrough},
+    {"ident", DirectiveRow::PASS_THROUGH, &CPP_Manager::doPassThrough},
+};
+
+// `text` is what follows the '#'.
+void CPP_Manager::processDirective(const char *text, UT_String &result)
+{
+    result.assignCopy("\n");
+    const bool hashComments = hasFlag(HASH_COMMENTS);
+    if (hashComments && isSpace(*text))
+        return;
+    while (isSpace(*text))
+        ++text;
+    const std::string word = firstWord(text, MAX_WORD);
+    const char *argument = text + word.size();
+    while (isSpace(*argument))
+        ++argument;
+
+    CPP_File &file = *currentFile();
+    const bool isSkipping = file.isSkipping();
+    for (const DirectiveRow &row : DIRECTIVES) {
+        const bool applies = row.where == DirectiveRow::EVERYWHERE ||
+                             (!isSkipping && (row.where == DirectiveRow::IN_TEXT || !hashComments));
+        if (applies && word == row.word) {
+            // It may close the manager's files, but not this one under way.
+            file.addReference();
+            (this->*row.apply)({file, text, argument, result});
+            file.release();
+            return;
+        }
+    }
+    if (!isSkipping && !hashComments)
+        diagnose(result, ERROR, "Undefined directive \"%s\"\n", word.c_str());
+}
+
+void CPP_Manager::doIfdef(const Directive &directive)
+{
+    const std::string name = firstWord(directive.argument, MAX_TESTED_NAME);
+    directive.file.pushCondition(isMacroDefined(name.c_str()) ? CPP_File::TAKING
+                                                              : CPP_File::NOT_YET);
+}
+
+void CPP_Manager::doIfndef(const Directive &directive)
+{
+    const std::string name = firstWord(directive.argument, MAX_TESTED_NAME);
+    directive.file.pushCondition(isMacroDefined(name.c_str()) ? CPP_File::NOT_YET
+                                                              : CPP_File::TAKING);
+}
+
+void CPP_Manager::doIf(const Directive &directive)
+{
+    const int value = evaluateCondition(*this, directive.argument, true);
+    if (value < 0)
+        diagnose(directive.result, ERROR, "#if syntax error");
+    else
+        directive.file.pushCondition(value); // 0, 1 and 2 are the states' numbers
+}
+
+void CPP_Manager::doElif(const Directive &directive)
+{
+    const int value = evaluateCondition(*this, directive.argument, false);
+    if (value < 0)
+        diagnose(directive.result, ERROR, "#elif syntax error");
+    else
+        directive.file.elifCondition(value);
+}
+
+void CPP_Manager::doElse(const Directive &directive)
+{
+    directive.file.elseCondition();
+}
+
+void CPP_Manager::doEndif(const Directive &directive)
+{
+    directive.file.popCondition();
+}
+
+void CPP_Manager::doDefine(const Directive &directive)
+{
+    defineMacro(directive.argument, directive.result, false);
+}
+
+void CPP_Manager::doUndef(const Directive &directive)
+{
+    undefineMacro(directive.argument, directive.result);
+}
+
+// False, and `name` for the message, when the file cannot be opened.
+bool CPP_Manager::include(const Directive &directive, UT_String &name)
+{
+    if (myFiles.entries() >= MAX_INCLUDE_DEPTH) {
+        diagnose(directive.result, ERROR, "Include nesting limit reached");
+        stop();
+        return true;
+    }
+    name.assignCopy(directive.argument);
+    if (hasFlag(EXPAND_INCLUDE_NAMES)) {
+        UT_ScratchBuffer expanded;
+        UTexpandVariables(expanded, directive.argument, lookUpIncludeName, nullptr, true, true);
+        expanded.copyToString(name);
+    }
+    UT_String path;
+    return resolveName(name, true, path) && pushPath(path);
+}
+
+void CPP_Manager::doInclude(const Directive &directive)
+{
+    UT_String name;
+    if (include(directive, name))
+        return;
+    name.changeSuffix("\n", "");
+    diagnose(directive.result, ERROR, "Unable to include %s", name.text());
+}
+
+void CPP_Manager::doSilentInclude(const Directive &directive)
+{
+    UT_String name;
+    include(directive, name);
+}
+
+void CPP_Manager::doLine(const Directive &directive)
+{
+    CPP_File &file = directive.file;
+    UT_String argument(directive.argument, true);
+    char *words[3];
+    const int count = argument.splitWordsInto(words, 3);
+    if (count > 0)
+        file.setLineNumber(UT_String(words[0]).toInt());
+    if (count > 1)
+        file.setName(words[1]);
+    if (hasFlag(LINE_MARKERS))
+        directive.result.sprintf("# %d \"%s\"\n", file.getLineNumber(), file.getName());
+}
+
+void CPP_Manager::doPassThrough(const Directive &directive)
+{
+    directive.result.sprintf("#%s", directive.line);
+}

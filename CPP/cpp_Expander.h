@@ -1,0 +1,78 @@
+// Stage "expand": replaces the macros of one line.
+//
+// A macro's replacement is expanded by itself, with one level less left, and the
+// text behind the macro goes on afterwards: nothing is rescanned across that
+// border. The levels are kept in a list of our own, not on the C++ stack, so
+// that any depth a user asks for ends with a message.
+//
+// Text is copied but for a backslash in front of a plain character, which goes;
+// a quoted run is copied as it is. Arguments are expanded with the replacement
+// that they stand in.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class CPP_File;
+class CPP_Manager;
+class UT_ScratchBuffer;
+struct cpp_Macro;
+
+class cpp_Expander
+{
+public:
+    explicit cpp_Expander(CPP_Manager &manager) : myManager(manager) {}
+
+    // Appends the expansion of a text of `file` to `out`. Macros nest less than
+    // `limit` deep. Argument lists may go on on the file's next lines; for each
+    // line read so, the manager owes an empty one. On failure `out` is of no use
+    // and message() says why.
+    [[nodiscard]] bool expand(CPP_File &file, const char *text, int length, int limit,
+                              UT_ScratchBuffer &out);
+    const char *message() const { return myMessage.c_str(); }
+
+private:
+    // The text of one level and how far it was scanned. A level that took more
+    // lines, or whose arguments were filled in, owns its text.
+    struct Level {
+        const char *start;
+        const char *next;
+        const char *end;
+        std::string owned;
+    };
+
+    bool fail(std::string message);
+    Level &level() { return myLevels[myDepth]; }
+
+    bool expandLevel();
+    bool copyQuoted();
+    void copyBackslash();
+    bool expandWord();
+    bool expandMacro(const cpp_Macro &macro, std::string_view name);
+    void copyBuiltin(const cpp_Macro &macro);
+    bool pushLevel(const char *text, size_t length);
+
+    // Argument lists. All give false when the list is bad.
+    bool readLine();
+    bool skipSpace(bool acrossLines);
+    bool takeArguments(int count);
+    bool takeArgument(std::string &argument);
+    bool takeCharacter(std::string &argument, int &parentheses);
+    void fillIn(const cpp_Macro &macro, std::string &replacement) const;
+
+    CPP_Manager &myManager;
+    CPP_File *myFile = nullptr;
+    UT_ScratchBuffer *myOut = nullptr;
+    // A deque, because levels point into their own texts and must not move. Those
+    // above myDepth are kept for their memory.
+    std::deque<Level> myLevels;
+    size_t myDepth = 0;
+    size_t myLimit = 0;
+    size_t myHeldBytes = 0; // what the open levels own
+    size_t myNested = 0;    // macros met in replacements
+    std::vector<std::string> myArguments;
+    std::string myMessage;
+};

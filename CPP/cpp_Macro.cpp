@@ -1,0 +1,240 @@
+// How a definition is read, and what is kept of it.
+#include "CPP/cpp_Macro.h"
+
+#include "CPP/CPP_Manager.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <vector>
+
+namespace
+{
+constexpr size_t MAX_UNDEFINED_NAME = 1024;
+
+bool isSpace(char c)
+{
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+bool isNameStart(char c)
+{
+    return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+
+bool isNameCharacter(char c)
+{
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+
+bool isValidName(const std::string &name)
+{
+    return !name.empty() && isNameStart(name[0]) &&
+           std::all_of(name.begin(), name.end(), isNameCharacter);
+}
+
+const char *skipSpace(const char *text)
+{
+    while (isSpace(*text))
+        ++text;
+    return text;
+}
+
+// Takes the characters up to white space or one of `delimiters`.
+std::string takeUpTo(const char *&text, const char *delimiters)
+{
+    const char *start = text;
+    while (*text != '\0' && !isSpace(*text) && std::strchr(delimiters, *text) == nullptr)
+        ++text;
+    return std::string(start, text);
+}
+
+// From behind the "(" to behind the ")", or to the end of the text.
+std::vector<std::string> takeParameters(const char *&text)
+{
+    std::vector<std::string> names;
+    text = skipSpace(text);
+    while (*text != '\0' && !(names.empty() && *text == ')')) {
+        names.push_back(takeUpTo(text, ",)"));
+        text = skipSpace(text);
+        if (*text == ')')
+            break;
+        text = skipSpace(*text == ',' ? text + 1 : text);
+    }
+    if (*text == ')')
+        ++text;
+    return names;
+}
+
+// Copies a double-quoted string with its quotes; an open one goes on to the end.
+const char *copyQuoted(const char *text, const char *end, std::string &body)
+{
+    const char *start = text++;
+    while (text < end && (*text != '"' || text[-1] == '\\'))
+        ++text;
+    text = text < end ? text + 1 : end;
+    body.append(start, text);
+    return text;
+}
+
+// A word behind `hashes` '#' characters: a mark if it is a parameter.
+const char *copyWord(const char *text, const std::string &word, size_t hashes,
+                     const std::vector<std::string> &parameters, std::string &body)
+{
+    const auto found = std::find(parameters.begin(), parameters.end(), word);
+    if (found == parameters.end()) {
+        body.append(hashes, '#');
+        body += word;
+        return text;
+    }
+    const std::string mark = "#" + std::to_string(found - parameters.begin()) + "#";
+    body += hashes == 1 ? "\"" + mark + "\"" : mark;
+    if (text[0] == '#' && text[1] == '#')
+        return text + 2;
+    if (text[0] != '#')
+        return text;
+    body += ' ';
+    return text + 1;
+}
+
+std::string compileBody(const char *text, const std::vector<std::string> &parameters)
+{
+    const char *end = text + std::strcspn(text, "\n");
+    std::string body;
+    while (text < end) {
+        if (*text == '"') {
+            text = copyQuoted(text, end, body);
+            continue;
+        }
+        if (*text != '#' && !isNameStart(*text)) {
+            body += *text++;
+            continue;
+        }
+        const size_t hashes = std::strspn(text, "#");
+        text += hashes;
+        const char *start = text;
+        while (isNameCharacter(*text))
+            ++text;
+        text = copyWord(text, std::string(start, text), hashes, parameters, body);
+    }
+    return body;
+}
+
+// White space at the end shrinks to one blank.
+void trimEnd(std::string &body)
+{
+    const size_t size = body.size();
+    while (!body.empty() && isSpace(body.back()))
+        body.pop_back();
+    if (body.size() != size)
+        body += ' ';
+}
+
+bool hasNothingToExpand(const std::string &body)
+{
+    return std::none_of(body.begin(), body.end(), [](char c) {
+        return isNameStart(c) || c == '"' || c == '\'' || c == '\\';
+    });
+}
+} // namespace
+
+cpp_Macro *cpp_Macro::parse(const char *definition, bool commandLineForm)
+{
+    static unsigned ourIllegalNames = 0;
+
+    const char *text = skipSpace(definition);
+    auto *macro = new cpp_Macro;
+    macro->myName = takeUpTo(text, commandLineForm ? "(=" : "(");
+    if (!isValidName(macro->myName)) {
+        macro->myName = "#illegal" + std::to_string(ourIllegalNames++) + "#";
+        return macro;
+    }
+    if (commandLineForm && *text == '=')
+        ++text;
+    if (*text == '(') {
+        ++text;
+        const std::vector<std::string> parameters = takeParameters(text);
+        macro->myNumArgs = static_cast<int>(parameters.size());
+        macro->myBody = compileBody(skipSpace(text), parameters);
+    } else {
+        macro->myBody = skipSpace(text);
+        while (!macro->myBody.empty() &&
+               (macro->myBody.back() == '\n' || macro->myBody.back() == '\r'))
+            macro->myBody.pop_back();
+    }
+    trimEnd(macro->myBody);
+    macro->isPlain = hasNothingToExpand(macro->myBody);
+    return macro;
+}
+
+cpp_Macro *cpp_Macro::makeBuiltin(Builtin builtin)
+{
+    auto *macro = new cpp_Macro;
+    macro->myBuiltin = builtin;
+    return macro;
+}
+
+bool cpp_Macro::isSameAs(const cpp_Macro &other) const
+{
+    return myBuiltin == NONE && other.myBuiltin == NONE && myBody == other.myBody &&
+           myNumArgs == other.myNumArgs;
+}
+
+// ---- The manager's table ---------------------------------------------------
+
+const cpp_Macro *CPP_Manager::findMacro(const char *name) const
+{
+    void *value = nullptr;
+    return *name != '\0' && myMacros.findSymbol(name, &value) ? static_cast<cpp_Macro *>(value)
+                                                              : nullptr;
+}
+
+const cpp_Macro *CPP_Manager::findMacro(const char *name, size_t length) const
+{
+    void *value = nullptr;
+    return myMacros.findSymbol(name, length, &value) ? static_cast<cpp_Macro *>(value) : nullptr;
+}
+
+bool CPP_Manager::isMacroDefined(const char *name) const
+{
+    return findMacro(name) != nullptr;
+}
+
+void CPP_Manager::storeMacro(cpp_Macro *macro)
+{
+    const char *name = macro->myName.c_str();
+    const cpp_Macro *old = findMacro(name);
+    myMacros.deleteSymbol(name);
+    myMacros.addSymbol(name, macro);
+    delete old;
+}
+
+bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool commandLineForm)
+{
+    result.assignCopy("\n");
+    cpp_Macro *macro = cpp_Macro::parse(definition, commandLineForm);
+    const cpp_Macro *old = findMacro(macro->myName.c_str());
+    if (old != nullptr && !old->isSameAs(*macro))
+        diagnose(result, WARNING, "Macro \"%s\" redefined.  %s", macro->myName.c_str(),
+                 "Using later definition");
+    storeMacro(macro);
+    return true;
+}
+
+bool CPP_Manager::defineMacroValue(const char *name, const char *value)
+{
+    UT_String result;
+    defineMacro((std::string(name) + " " + value).c_str(), result, false);
+    return std::strcmp(result, "\n") == 0;
+}
+
+bool CPP_Manager::undefineMacro(const char *text, UT_String &result)
+{
+    result.assignCopy("\n");
+    text = skipSpace(text);
+    const std::string name = takeUpTo(text, "").substr(0, MAX_UNDEFINED_NAME);
+    const cpp_Macro *macro = findMacro(name.c_str());
+    myMacros.deleteSymbol(name.c_str());
+    delete macro;
+    return true;
+}

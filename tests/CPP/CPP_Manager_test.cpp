@@ -1,0 +1,210 @@
+// Lines in, lines out: gathering, markers, include files and the input stack.
+#include "tests/support/ScratchDirectory.h"
+#include "tests/support/preprocessed.h"
+
+#include "CPP/CPP_Stream.h"
+
+#include <gtest/gtest.h>
+
+TEST(Lines, ContinuedLinesAreJoinedAndAnsweredByEmptyOnes)
+{
+    const struct {
+        const char *what, *in, *out;
+    } cases[] = {
+        {"one continuation", "a \\\nb\nc\n", "a b\n\nc\n"},
+        {"two continuations", "a\\\nb\\\nc\nd\n", "abc\n\n\nd\n"},
+        {"continued by nothing", "a\\\n\nb\n", "a\n\nb\n"},
+        {"two backslashes", "a\\\\\nb\n", "a\\b\n"},
+        {"two backslashes after a continuation", "a\\\nb\\\\\nc\n", "ab\\\nc\n"},
+        {"backslash at the end of the file", "a\\", "a\n"},
+        {"only a backslash", "\\", "\n"},
+        {"no newline at the end", "a\nb", "a\nb\n"},
+        {"carriage returns", "a\r\nb\rc\n", "a\nb c\n"},
+        {"a directive over three lines", "#define \\\nA \\\n1\nA\n", "\n\n\n1\n"},
+        {"indentation stays", "  a\n\t\n", "  a\n\n"},
+        {"empty file", "", ""},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(c.out, preprocessed("-P", c.in));
+    }
+    EXPECT_EQ("a b\n", preprocessed("-P", std::string("a\0b\n", 4)));
+}
+
+TEST(Lines, NumbersFollowThePhysicalLines)
+{
+    EXPECT_EQ("1 \n\n3\n", preprocessed("-P", "__LINE__ \\\n\n__LINE__\n"));
+    EXPECT_EQ("x 1 x\n\n\n4\n", preprocessed("-P", "x __LINE__ x\\\n\\\n\n__LINE__\n"));
+}
+
+TEST(Comments, GoAndLeaveTheRestInItsPlace)
+{
+    const struct {
+        const char *what, *options, *in, *out;
+    } cases[] = {
+        {"over three lines", "-P", "a/* b\nc\nd */e\n", "a  \n\n    e\n"},
+        {"two on a line", "-P", "a/*b*/c/*d*/e\n", "a     c     e\n"},
+        {"to the end of the line", "-P", "a // b\nc\n", "a \nc\n"},
+        {"slash star slash is still open", "-P", "a/*/b\n*/c\n", "a  \n  c\n"},
+        {"signs in quotes", "-P", "\"//\" '/*'//x\n", "\"//\" '/*'\n"},
+        {"an escaped quote inside quotes", "-P", "\"\\\"//\"//x\n", "\"\\\"//\"\n"},
+        {"kept by -C", "-P -C", "a // b /* c */\n", "a // b /* c */\n"},
+        {"text with -c", "-P -c", "a // b\n", "a // b\n"},
+        {"before a directive", "-P", "/* x */ #define A 1\nA\n", "\n1\n"},
+        {"hash comment", "-P -h", "a # b\n# c\n  # d\n#define A 1\nA\n", "a \n\n\n1\n"},
+        {"hash in quotes", "-P -h", "a '#' b\n", "a '#' b\n"},
+        {"no hash comments with -C", "-P -h -C", "a # b\n", "a # b\n"},
+        {"unknown directives with -h", "-P -h", "#foo\n#pragma x\nb\n", "\n\nb\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(c.out, preprocessed(c.options, c.in));
+    }
+    // Unclosed, a quote hides nothing; the line then fails for its own reason.
+    EXPECT_EQ("# error cpp error: \"in\":1 Mismatched quotation marks",
+              preprocessed("-P", "\"a // b\n"));
+}
+
+TEST(Comments, AreFoundAmongQuotesThatNothingCloses)
+{
+    // Each of these was searched to the end of the line once.
+    std::string line;
+    for (int i = 0; i < 200000; ++i)
+        line += "\\\"\\'";
+    const std::string out = preprocessed("-P", line + "//x\n");
+    EXPECT_EQ(std::string::npos, out.find('x'));
+}
+
+// A folder with files that include each other.
+class Includes : public testing::Test
+{
+protected:
+    std::string output(const std::string &options, const std::string &main)
+    {
+        CPP_Manager manager;
+        parseOptions(manager, options);
+        if (!manager.openFile(myFolder.write("main.in", main).c_str(), false))
+            return "cannot open";
+        std::string all = allLines(manager);
+        const std::string prefix = myFolder.path() + "/";
+        for (size_t at; (at = all.find(prefix)) != std::string::npos;)
+            all.erase(at, prefix.size());
+        return all;
+    }
+
+    ScratchDirectory myFolder;
+};
+
+TEST_F(Includes, AreBracketedByMarkers)
+{
+    myFolder.write("a.h", "in a\n");
+    myFolder.write("empty.h", "");
+    EXPECT_EQ("# 1 \"main.in\"\n1\n\n# 1 \"a.h\"\nin a\n# 3 \"main.in\"\n3\n",
+              output("", "1\n#include \"a.h\"\n3\n"));
+    EXPECT_EQ("\nin a\n3\n", output("-P", "#include \"a.h\"\n3\n"));
+    EXPECT_EQ("# 1 \"main.in\"\n\n# 1 \"empty.h\"\n# 2 \"main.in\"\n\n# 1 \"a.h\"\nin a\n",
+              output("", "#include \"empty.h\"\n#include \"a.h\"\n"));
+}
+
+TEST_F(Includes, AreFoundBesideTheFileThenOnThePath)
+{
+    myFolder.write("sub/a.h", "a beside\n");
+    myFolder.write("sub/b.h", "#include \"a.h\"\n");
+    myFolder.write("path/a.h", "a on the path\n");
+    const std::string onPath = "-P -I " + myFolder.path("path");
+    EXPECT_EQ("\n\na beside\n", output(onPath, "#include \"sub/b.h\"\n"));
+    EXPECT_EQ("\na on the path\n", output(onPath, "#include \"a.h\"\n"));
+    myFolder.write("a.h", "a next to main\n");
+    EXPECT_EQ("\na next to main\n", output(onPath, "#include \"a.h\"\n"));
+    EXPECT_EQ("\na on the path\n", output(onPath, "#include <a.h>\n"));
+    EXPECT_EQ("\na beside\n", output("-P", "#include \"" + myFolder.path("sub/a.h") + "\"\n"));
+}
+
+TEST_F(Includes, NamesMayHoldVariables)
+{
+    myFolder.write("9.0.653.h", "version\n");
+    EXPECT_EQ("\nversion\n", output("-P", "#include \"${__VVERSION__}.h\"\n"));
+}
+
+TEST_F(Includes, ThatFailAreReportedOrNot)
+{
+    EXPECT_EQ("# error cpp error: \"main.in\":1 Unable to include \"no.h\"\nb\n",
+              output("-P", "#include \"no.h\"\nb\n"));
+    EXPECT_EQ("\nb\n", output("-P", "#sinclude \"no.h\"\nb\n"));
+    EXPECT_EQ("# error cpp error: \"main.in\":1 Unable to include .\nb\n",
+              output("-P", "#include .\nb\n"));
+}
+
+TEST_F(Includes, ThatNeverEndAreStopped)
+{
+    myFolder.write("self.h", "#include \"self.h\"\n#include \"self.h\"\n");
+    const std::string out = output("-P", "#include \"self.h\"\nnever\n");
+    EXPECT_NE(std::string::npos, out.find("Include nesting limit reached"));
+    EXPECT_EQ(std::string::npos, out.find("never"));
+}
+
+TEST_F(Includes, MissingEndifIsReportedForTheFileThatLacksIt)
+{
+    myFolder.write("open.h", "#if 1\nin\n");
+    EXPECT_EQ("# 1 \"main.in\"\n\n# 1 \"open.h\"\n\nin\n"
+              "# error cpp error: \"open.h\":2 Missing #endif# 2 \"main.in\"\nout\n",
+              output("", "#include \"open.h\"\nout\n"));
+}
+
+TEST_F(Includes, OldStyleNeedsNoHash)
+{
+    myFolder.write("a.h", "in a\n");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ("\nin a\nb\n", output("-P -H", "include a.h trailing\nb\n"));
+    EXPECT_EQ("CPP Warning:  old style include detected " + myFolder.path("main.in") + ":1\n",
+              testing::internal::GetCapturedStderr());
+    EXPECT_EQ("include a.h\n", output("-P", "include a.h\n"));
+}
+
+TEST_F(Includes, PathListsGiveTheirExistingFolders)
+{
+    myFolder.write("two/b.h", "in b\n");
+    CPP_Manager manager;
+    parseOptions(manager, "-P");
+    manager.addIncludePathList((myFolder.path("one") + ";" + myFolder.path("two")).c_str());
+    ASSERT_TRUE(manager.openFile("b.h", true));
+    EXPECT_EQ("in b\n", allLines(manager));
+    EXPECT_FALSE(manager.openFile("", true));
+    EXPECT_FALSE(manager.openFile("./b.h", true));
+    EXPECT_STREQ("<unknown>", manager.getCurrentFileName());
+}
+
+namespace
+{
+// Lines that a program makes, and the special condition with the second.
+class CountingStream : public CPP_Stream
+{
+public:
+    bool open(const char *) override { return true; }
+    void setFile(FILE *) override {}
+    void setStream(UT_IStream *) override {}
+    bool readLine(UT_ScratchBuffer &line) override
+    {
+        line.sprintf("line %d", ++myCount);
+        return myCount <= 3;
+    }
+    bool isOpen() const override { return true; }
+    bool isSpecial() const override { return myCount == 2; }
+
+private:
+    int myCount = 0;
+};
+
+class CountingManager : public CPP_Manager
+{
+public:
+    CPP_Stream *newStream() override { return new CountingStream; }
+};
+} // namespace
+
+TEST(Streams, ACallersOwnSourceFeedsTheManager)
+{
+    CountingManager manager;
+    ASSERT_TRUE(manager.openFile("made/up.in", false));
+    EXPECT_EQ("# 1 \"made/up.in\"\nline 1\nline 2\nline 3\n", allLines(manager));
+}
