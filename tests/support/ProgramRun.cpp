@@ -1,0 +1,48 @@
+#include "tests/support/ProgramRun.h"
+
+#include "tests/support/ScratchDirectory.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+namespace
+{
+
+std::vector<char *> pointersTo(std::vector<std::string> &texts)
+{
+    std::vector<char *> pointers;
+    for (std::string &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+} // namespace
+
+// Files and not pipes: the program may write as much as it likes to each.
+void ProgramRun::run()
+{
+    const ScratchDirectory scratch;
+    const std::string in = scratch.write("in", input);
+    const std::string outFile = scratch.path("out");
+    const std::string errFile = scratch.path("err");
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+    posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+    const int flags = O_WRONLY | O_CREAT | O_APPEND;
+    posix_spawn_file_actions_addopen(&actions, 1, outFile.c_str(), flags, 0600);
+    posix_spawn_file_actions_addopen(&actions, 2, errFile.c_str(), flags, 0600);
+
+    pid_t child = 0;
+    const int failed = posix_spawn(&child, arguments[0].c_str(), &actions, nullptr,
+                                   pointersTo(arguments).data(), pointersTo(environment).data());
+    posix_spawn_file_actions_destroy(&actions);
+    int waited = 0;
+    if (failed == 0 && waitpid(child, &waited, 0) == child)
+        status = WIFEXITED(waited) ? WEXITSTATUS(waited) : 128 + WTERMSIG(waited);
+    out = fileContents(outFile);
+    err = fileContents(errFile);
+}
