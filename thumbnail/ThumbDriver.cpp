@@ -66,7 +66,7 @@ int runThumbDriver(int argc, char *argv[])
 {
     UT_Args args;
     theProgramName = programName(argv[0]);
-    theRendererName = UT_EnvControl::instance()->getString(ENV_VELDRIN_THUMB_RENDER);
+    theRendererName = UT_EnvControl::instance().getString(ENV_VELDRIN_THUMB_RENDER);
     args.initialize(argc, argv);
     args.stripOptions(OPTION_SPEC);
     readSettings(args);

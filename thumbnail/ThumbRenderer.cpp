@@ -130,7 +130,7 @@ void renderThumbnail(ThumbRenderer &row, UT_Args &args, const char *pictureName)
 {
     CPP_Manager preprocessor;
     UT_String script;
-    if (!UT_PathSearch::getInstance(UT_VELDRIN_PATH)->findFile(script, row.myScript)) {
+    if (!UT_PathSearch::getInstance(UT_VELDRIN_PATH).findFile(script, row.myScript)) {
         reportError("Unable to find render script %s", row.myScript);
         return;
     }
@@ -142,17 +142,17 @@ void renderThumbnail(ThumbRenderer &row, UT_Args &args, const char *pictureName)
         reportError("Unable to open render script '%s'", script);
         return;
     }
-    UT_EnvControl::instance()->setString(ENV_VELDRIN_ZEL_DEFAULT_MATTE, "__default_matte");
+    UT_EnvControl::instance().setString(ENV_VELDRIN_ZEL_DEFAULT_MATTE, "__default_matte");
     runRenderer(row, preprocessor);
 }
 
 void appendShaderPath(UT_String &define)
 {
-    if (const char *path = UT_EnvControl::instance()->getString(ENV_VELDRIN_RI_SHADERPATH)) {
+    if (const char *path = UT_EnvControl::instance().getString(ENV_VELDRIN_RI_SHADERPATH)) {
         define += path;
     } else {
         UT_StringList found;
-        UT_PathSearch::getInstance(UT_VELDRIN_PATH)->findAllFiles("ri_shaders", found);
+        UT_PathSearch::getInstance(UT_VELDRIN_PATH).findAllFiles("ri_shaders", found);
         define += ".:&";
         for (int i = 0; i < found.entries(); ++i) {
             define += ":";
