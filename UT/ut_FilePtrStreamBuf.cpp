@@ -1,7 +1,8 @@
 #include "UT/ut_FilePtrStreamBuf.h"
 
 ut_FilePtrStreamBuf::ut_FilePtrStreamBuf(const char *path)
-    : ut_FileStreamBuf(std::fopen(path ? path : "", "rb"))
+    // "e": programs started while it is open do not inherit it.
+    : ut_FileStreamBuf(std::fopen(path ? path : "", "rbe"))
 {
 }
 

@@ -25,7 +25,7 @@ void ProgramRun::run()
 {
     const ScratchDirectory scratch;
     const std::string in = scratch.write("in", input);
-    const std::string outFile = scratch.path("out");
+    const std::string outFile = outputTo.empty() ? scratch.path("out") : outputTo;
     const std::string errFile = scratch.path("err");
 
     posix_spawn_file_actions_t actions;
@@ -36,13 +36,16 @@ void ProgramRun::run()
     posix_spawn_file_actions_addopen(&actions, 1, outFile.c_str(), flags, 0600);
     posix_spawn_file_actions_addopen(&actions, 2, errFile.c_str(), flags, 0600);
 
+    // Where the kernel does not run this kind of program, something else does.
+    if (*TEST_EMULATOR != '\0')
+        arguments.insert(arguments.begin(), TEST_EMULATOR);
     pid_t child = 0;
-    const int failed = posix_spawn(&child, arguments[0].c_str(), &actions, nullptr,
-                                   pointersTo(arguments).data(), pointersTo(environment).data());
+    const int failed = posix_spawnp(&child, arguments[0].c_str(), &actions, nullptr,
+                                    pointersTo(arguments).data(), pointersTo(environment).data());
     posix_spawn_file_actions_destroy(&actions);
     int waited = 0;
     if (failed == 0 && waitpid(child, &waited, 0) == child)
         status = WIFEXITED(waited) ? WEXITSTATUS(waited) : 128 + WTERMSIG(waited);
-    out = fileContents(outFile);
+    out = outputTo.empty() ? fileContents(outFile) : "";
     err = fileContents(errFile);
 }

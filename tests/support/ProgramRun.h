@@ -10,6 +10,7 @@ struct ProgramRun {
     std::vector<std::string> environment; // "NAME=value", nothing is inherited
     std::string folder = ".";             // where it runs
     std::string input;                    // its standard input
+    std::string outputTo;                 // a file for its standard output, not `out`
 
     // Out.
     int status = -1; // exit status, or 128 and the number of the signal that ended it
