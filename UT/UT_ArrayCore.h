@@ -160,7 +160,7 @@ private:
     void moveBits(unsigned to, unsigned from, unsigned count);
     void rotate(unsigned from, unsigned middle, unsigned end);
     static void swapBits(T &a, T &b);
-    void take(T &element);
+    void take(T &element, bool isWanted);
     void keepWhere(const UT_ArrayCore &other, bool present);
 
     T *myData = nullptr;

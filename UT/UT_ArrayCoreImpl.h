@@ -64,8 +64,7 @@ void UT_ArrayCore<T, Form>::truncate(unsigned n)
 {
     if (n >= myEntries)
         return;
-    if constexpr (!Form::ZERO_FILLED)
-        std::destroy(myData + n, myData + myEntries);
+    std::destroy(myData + n, myData + myEntries);
     myEntries = n;
 }
 
@@ -198,8 +197,7 @@ unsigned UT_ArrayCore<T, Form>::insertGap(unsigned index, unsigned count)
 template <class T, class Form>
 unsigned UT_ArrayCore<T, Form>::removeIndex(unsigned index)
 {
-    if constexpr (!Form::ZERO_FILLED)
-        std::destroy_at(myData + index);
+    std::destroy_at(myData + index);
     --myEntries;
     moveBits(index, index + 1, myEntries - index);
     return index;
@@ -356,12 +354,15 @@ T UT_ArrayCore<T, Form>::heapPop()
 
 // ---- Set operations --------------------------------------------------------
 
-// Relocates an element of another array to the end of this one.
+// Relocates an element of another array to the end of this one, or drops it.
 template <class T, class Form>
-void UT_ArrayCore<T, Form>::take(T &element)
+void UT_ArrayCore<T, Form>::take(T &element, bool isWanted)
 {
-    std::memcpy(static_cast<void *>(myData + myEntries), static_cast<void *>(&element), sizeof(T));
-    ++myEntries;
+    if (isWanted)
+        std::memcpy(static_cast<void *>(myData + myEntries++), static_cast<void *>(&element),
+                    sizeof(T));
+    else
+        std::destroy_at(&element);
 }
 
 template <class T, class Form>
@@ -378,13 +379,10 @@ void UT_ArrayCore<T, Form>::merge(const UT_ArrayCore &other, int direction, bool
                             (mine < myEntries && !before(other.myData[theirs], myData[mine]));
         const T &next = isMine ? myData[mine] : other.myData[theirs];
         const bool isWanted = !unique || result.myEntries == 0 || before(result.last(), next);
-        if (isMine && isWanted)
-            result.take(myData[mine]);
-        else if (isMine && !Form::ZERO_FILLED)
-            std::destroy_at(myData + mine);
-        else if (isWanted)
-            result.copyConstruct(&next, 1);
-        ++(isMine ? mine : theirs);
+        if (isMine)
+            result.take(myData[mine++], isWanted);
+        else
+            result.copyConstruct(other.myData + theirs++, isWanted);
     }
     myEntries = 0; // every element has gone
     swap(result);
@@ -400,10 +398,7 @@ void UT_ArrayCore<T, Form>::keepWhere(const UT_ArrayCore &other, bool present)
         while (theirs < other.myEntries && less(other.myData[theirs], element))
             ++theirs;
         const bool isThere = theirs < other.myEntries && !less(element, other.myData[theirs]);
-        if (isThere == present)
-            result.take(element);
-        else if (!Form::ZERO_FILLED)
-            std::destroy_at(&element);
+        result.take(element, isThere == present);
     }
     myEntries = 0;
     swap(result);

@@ -2,8 +2,10 @@
 
 #include "UT/UT_Memory.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <numeric>
 #include <utility>
 
 namespace
@@ -32,38 +34,38 @@ float floatKey(float key)
 // turns a key into what is compared.
 template <class Key, auto Order>
 struct KeyedSort {
-    Key *keys;
-    int *index;
+    Key *myKeys;
+    int *myIndex;
 
-    bool greater(int a, Key b) const { return Order(keys[a]) > Order(b); }
+    bool greater(int a, Key b) const { return Order(myKeys[a]) > Order(b); }
 
     void exchange(int a, int b) const
     {
-        std::swap(keys[a], keys[b]);
-        if (index != nullptr)
-            std::swap(index[a], index[b]);
+        std::swap(myKeys[a], myKeys[b]);
+        if (myIndex != nullptr)
+            std::swap(myIndex[a], myIndex[b]);
     }
 
     void order(int a, int b) const // so that a holds the smaller key
     {
-        if (greater(a, keys[b]))
+        if (greater(a, myKeys[b]))
             exchange(a, b);
     }
 
     void insertionSort(int first, int last) const
     {
         for (int i = first + 1; i <= last; ++i) {
-            const Key key = keys[i];
-            const int position = index != nullptr ? index[i] : 0;
+            const Key key = myKeys[i];
+            const int position = myIndex != nullptr ? myIndex[i] : 0;
             int slot = i;
             for (; slot > first && greater(slot - 1, key); --slot) {
-                keys[slot] = keys[slot - 1];
-                if (index != nullptr)
-                    index[slot] = index[slot - 1];
+                myKeys[slot] = myKeys[slot - 1];
+                if (myIndex != nullptr)
+                    myIndex[slot] = myIndex[slot - 1];
             }
-            keys[slot] = key;
-            if (index != nullptr)
-                index[slot] = position;
+            myKeys[slot] = key;
+            if (myIndex != nullptr)
+                myIndex[slot] = position;
         }
     }
 
@@ -75,7 +77,7 @@ struct KeyedSort {
         order(middle, last);
         order(first, last);
         order(middle, first);
-        const Key pivot = keys[first];
+        const Key pivot = myKeys[first];
         int left = first + 1, right = last;
         for (;;) {
             while (left <= right && !greater(left, pivot))
@@ -111,15 +113,14 @@ struct KeyedSort {
 template <class Key, auto Order>
 void sortKeys(Key *keys, int n, UT_IntegerArray *index)
 {
+    const unsigned count = n > 0 ? static_cast<unsigned>(n) : 0;
     if (index != nullptr) {
-        const unsigned count = n > 0 ? static_cast<unsigned>(n) : 0;
         index->setCapacity(count);
-        for (unsigned i = index->entries(); i < count; ++i)
-            index->append(0);
-        for (unsigned i = 0; i < count; ++i)
-            (*index)(i) = static_cast<int>(i);
+        index->insertGap(index->entries(), count - index->entries());
+        std::iota(index->begin(), index->end(), 0);
     }
-    KeyedSort<Key, Order>{keys, index != nullptr ? index->begin() : nullptr}.sort(0, n - 1);
+    if (count != 0)
+        KeyedSort<Key, Order>{keys, index != nullptr ? index->begin() : nullptr}.sort(0, n - 1);
 }
 
 // ---- Selection -------------------------------------------------------------
@@ -158,9 +159,9 @@ private:
 };
 
 struct WordElements {
-    char *base;
+    char *myBase;
 
-    void *at(ptrdiff_t i) const { return base + i * ptrdiff_t{sizeof(uint32_t)}; }
+    void *at(ptrdiff_t i) const { return myBase + i * ptrdiff_t{sizeof(uint32_t)}; }
 
     void exchange(ptrdiff_t a, ptrdiff_t b) const
     {

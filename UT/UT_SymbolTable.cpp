@@ -207,8 +207,8 @@ void UT_SymbolTable::clearTable()
 void UT_SymbolTable::growIfFull()
 {
     // Without buckets there is no place to insert, whatever the load factor.
-    if (myBuckets != nullptr &&
-        (isResizeSuspended || myEntries < entriesAt(myTableSize, myMaxLoadFactor)))
+    const bool isFull = myEntries >= entriesAt(myTableSize, myMaxLoadFactor);
+    if (myBuckets != nullptr && (isResizeSuspended || !isFull))
         return;
     const int *const next =
         std::upper_bound(std::begin(TABLE_SIZES), std::end(TABLE_SIZES), myTableSize);
