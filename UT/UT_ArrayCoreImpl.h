@@ -29,6 +29,7 @@ private:
 
 // ---- Storage ---------------------------------------------------------------
 
+// The capacity of an array that has to hold more than n elements.
 template <class T, class Form>
 unsigned UT_ArrayCore<T, Form>::grown(unsigned n)
 {
@@ -36,6 +37,8 @@ unsigned UT_ArrayCore<T, Form>::grown(unsigned n)
     return n > UINT_MAX - bump ? UINT_MAX : n + bump;
 }
 
+// More than any object has where the product does not fit: the allocation fails
+// instead of being too small.
 template <class T, class Form>
 size_t UT_ArrayCore<T, Form>::bytes(unsigned n)
 {
@@ -80,6 +83,7 @@ void UT_ArrayCore<T, Form>::fill(unsigned from, unsigned to)
         std::uninitialized_value_construct(myData + from, myData + to);
 }
 
+// Appends copies into slots that are free already.
 template <class T, class Form>
 void UT_ArrayCore<T, Form>::copyConstruct(const T *from, unsigned count)
 {
@@ -90,11 +94,13 @@ void UT_ArrayCore<T, Form>::copyConstruct(const T *from, unsigned count)
 template <class T, class Form>
 void UT_ArrayCore<T, Form>::moveBits(unsigned to, unsigned from, unsigned count)
 {
-    if (count != 0)
+    if (count != 0) // else there may be no block, and memmove wants one
         std::memmove(static_cast<void *>(myData + to), static_cast<void *>(myData + from),
                      count * sizeof(T));
 }
 
+// Like all moves inside the block it runs no constructor and no assignment, which
+// for some types mean more than a move.
 template <class T, class Form>
 void UT_ArrayCore<T, Form>::swapBits(T &a, T &b)
 {
@@ -180,6 +186,7 @@ template <class T, class Form>
 unsigned UT_ArrayCore<T, Form>::insert(unsigned index)
 {
     openSlots(index, 1, index < myEntries ? Form::APPEND_AHEAD : 0);
+    // A slot that needs no construction keeps what it holds.
     if constexpr (!Form::ZERO_FILLED)
         fill(index, index + 1);
     return index;
@@ -215,7 +222,7 @@ int UT_ArrayCore<T, Form>::findAndRemove(const T &value)
 template <class T, class Form>
 unsigned UT_ArrayCore<T, Form>::concat(const UT_ArrayCore &other)
 {
-    const unsigned count = other.myEntries;
+    const unsigned count = other.myEntries; // the other may be this array
     if (myCapacity - myEntries <= count)
         setCapacity(myCapacity + count);
     copyConstruct(other.myData, count);
@@ -333,6 +340,7 @@ unsigned UT_ArrayCore<T, Form>::heapPush(const T &value)
 template <class T, class Form>
 T UT_ArrayCore<T, Form>::heapPop()
 {
+    // By exchange rather than by copying: a copy may depend on its original.
     T top{};
     if (myEntries == 0)
         return top;
@@ -340,8 +348,10 @@ T UT_ArrayCore<T, Form>::heapPop()
     swapBits(myData[0], last());
     removeIndex(myEntries - 1);
 
+    // Wide enough for twice any index.
     uint64_t parent = 0;
     for (uint64_t child = 1; child < myEntries; child = 2 * parent) {
+        // Slot 0 has no second child: slot 2 belongs to slot 1.
         if (child + 1 < myEntries && parent != 0 && less(myData[child], myData[child + 1]))
             ++child;
         if (!less(myData[parent], myData[child]))
@@ -368,6 +378,7 @@ void UT_ArrayCore<T, Form>::take(T &element, bool isWanted)
 template <class T, class Form>
 void UT_ArrayCore<T, Form>::merge(const UT_ArrayCore &other, int direction, bool unique)
 {
+    // This array's elements move over, the other's are copied.
     UT_ArrayCore result;
     result.setCapacity(myEntries + other.myEntries);
     const auto before = [direction](const T &a, const T &b) {

@@ -17,6 +17,7 @@ constexpr size_t roundUp(size_t size, size_t step)
     return (size + step - 1) / step * step;
 }
 
+// Free slots hold the list that they are in.
 void *&nextFree(void *slot)
 {
     return *static_cast<void **>(slot);
@@ -47,6 +48,7 @@ UT_FixedAllocator::UT_FixedAllocator(unsigned objectSize, bool trackPages, unsig
 UT_FixedAllocator::~UT_FixedAllocator()
 {
     for (unsigned i = myPages.entries(); i-- > 0;) {
+        // Numbers of pages that were given back stay free for new ones.
         if (myPages(i) == nullptr)
             continue;
         std::free(myPages(i)->myBlock);
@@ -80,6 +82,7 @@ void *UT_FixedAllocator::allocateTracked()
     ut_SmallObjectPage *const page = myPartialPages;
     void *const slot = popFrom(page->myFreeHead);
     --page->myFreeCount;
+    // A reserve page that is used is none any more.
     const bool wasFree = page->myFreeCount == myObjectsPerPage - 1;
     if (wasFree && myReservePage >= 0 && myPages(static_cast<unsigned>(myReservePage)) == page)
         myReservePage = -1;
@@ -96,6 +99,8 @@ void UT_FixedAllocator::releaseTracked(void *slot)
     ++page->myFreeCount;
     if (page->myFreeCount == 1)
         link(page); // it was full
+    // The older reserve goes rather than this page, which the next allocation is
+    // likelier to find in the processor's cache.
     if (page->myFreeCount == myObjectsPerPage) {
         handBackReserve();
         myReservePage = static_cast<int>(pageIndex);
@@ -129,6 +134,7 @@ void UT_FixedAllocator::threadSlots(ut_SmallObjectPage *page, unsigned pageIndex
     page->myBlock = UTallocate(myObjectsPerPage * stride());
     page->myFreeCount = myObjectsPerPage;
     char *const first = static_cast<char *>(page->myBlock);
+    // From the last slot to the first, so that they are handed out in address order.
     for (unsigned i = myObjectsPerPage; i-- > 0;) {
         void *const slot = first + i * stride();
         pushOnto(page->myFreeHead, slot);

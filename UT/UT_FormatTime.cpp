@@ -55,6 +55,7 @@ constexpr Conversion composite(char letter, const char *pattern)
     return {letter, '\0', nullptr, nullptr, pattern};
 }
 
+// tm counts months from 0, days of the year from 0 and years from 1900.
 constexpr Conversion CONVERSIONS[] = {
     text('a', [](Time t) { return SHORT_DAYS[t.tm_wday]; }),
     text('A', [](Time t) { return DAYS[t.tm_wday]; }),
@@ -105,6 +106,7 @@ const Conversion *findConversion(char letter)
     return &CONVERSIONS[ROWS[index] - 1];
 }
 
+// No pattern of a composite leads back to itself, so the recursion ends.
 int appendTime(std::string &out, const char *format, const tm &t);
 
 // Returns how many conversions this one stands for.

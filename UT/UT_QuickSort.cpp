@@ -52,6 +52,7 @@ struct KeyedSort {
             exchange(a, b);
     }
 
+    // Shifts greater keys up; equal ones keep their order.
     void insertionSort(int first, int last) const
     {
         for (int i = first + 1; i <= last; ++i) {
@@ -78,6 +79,7 @@ struct KeyedSort {
         order(first, last);
         order(middle, first);
         const Key pivot = myKeys[first];
+        // Both scans look at the bounds: keys may be equal, or no numbers.
         int left = first + 1, right = last;
         for (;;) {
             while (left <= right && !greater(left, pivot))
@@ -158,6 +160,7 @@ private:
     char myStack[MAX_STACK_WIDTH];
 };
 
+// Elements of four bytes, exchanged through a register.
 struct WordElements {
     char *myBase;
 
@@ -206,6 +209,7 @@ ptrdiff_t partitionElements(const Elements &elements, ptrdiff_t left, ptrdiff_t 
     return down;
 }
 
+// Narrows [left, right] to the side with the wanted position.
 template <class Elements>
 void selectElement(const Elements &elements, unsigned n, unsigned k, UT_Compare compare)
 {

@@ -54,6 +54,7 @@ unsigned UT_SmallObjectPool::findSize(unsigned size) const
 
 void *UT_SmallObjectPool::allocateSlot(unsigned size)
 {
+    // Most callers ask for one size again and again.
     if (myLastAlloc == nullptr || myLastAlloc->objectSize() != size) {
         const unsigned i = findSize(size);
         // Sizes are exact, even when they round to the same slot size.

@@ -38,6 +38,7 @@ constexpr unsigned ENTRY_POOL_MAX_SIZE = 128;
 // Shared by all tables; never destroyed, because static tables may outlive it.
 UT_SmallObjectPool &entryPool()
 {
+    // Records are three pointers: pages spare them the heap's overhead.
     static UT_SmallObjectPool *const pool = new UT_SmallObjectPool(
         ENTRY_POOL_TRACKS_PAGES, ENTRIES_PER_PAGE, ENTRY_POOL_MAX_SIZE, true);
     return *pool;
@@ -55,6 +56,9 @@ bool isDigit(char c)
 }
 } // namespace
 
+// A name as the lookups need it. One pass gives both the length and the hash,
+//     h = 37 h + c  (modulo 2^32)
+// and the keys are then compared without looking for the name's end again.
 struct UT_SymbolTable::Name {
     explicit Name(const char *text) : myText(text != nullptr ? text : "")
     {
@@ -178,6 +182,7 @@ int UT_SymbolTable::deleteSymbol(const char *name)
     Entry **const link = locate(Name(name), found);
     if (!found)
         return 0;
+    // The caller's name may be the entry's, so it goes after the last comparison.
     releaseEntry(std::exchange(*link, (*link)->myNext));
     --myEntries;
     shrinkIfSparse();
@@ -220,6 +225,7 @@ void UT_SymbolTable::shrinkIfSparse()
 {
     if (isResizeSuspended || !(entriesAt(myTableSize, myMinLoadFactor) > myEntries))
         return;
+    // One step only: a table that empties will come here again.
     const int *const size =
         std::lower_bound(std::begin(TABLE_SIZES), std::end(TABLE_SIZES), myTableSize);
     if (size != std::begin(TABLE_SIZES))
@@ -280,7 +286,8 @@ void UT_SymbolTable::visitAll(Visit visit) const
 
 bool UT_SymbolTable::traverseSymbols(Callback callback, void *data)
 {
-    // A traversal inside another must leave the table alone until both end.
+    // Resizing would reorder what is still to be visited. A traversal inside another must leave the
+    // table alone until both end.
     const bool wasSuspended = std::exchange(isResizeSuspended, true);
     bool goesOn = true;
     visitAll([&](Entry &entry) {
@@ -294,7 +301,7 @@ bool UT_SymbolTable::traverseSymbols(Callback callback, void *data)
 
 void UT_SymbolTable::mergeTable(const UT_SymbolTable &other)
 {
-    if (this == &other)
+    if (this == &other) // it could grow under its own traversal
         return;
     other.visitAll([this](const Entry &entry) {
         addSymbol(entry.myName, entry.myValue);
@@ -321,6 +328,7 @@ char *UT_SymbolTable::makeUniqueName(const char *base) const
         return true;
     });
 
+    // An int's digits as "%d" would print them, and more where it takes more.
     const size_t bytes = length + 21; // 20 digits and the NUL
     char *const name = static_cast<char *>(UTallocate(bytes));
     std::memcpy(name, text, length);

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace
@@ -79,35 +80,29 @@ TEST(FixedAllocator, WithoutTrackingFreedSlotsAreReusedLastFirst)
     EXPECT_EQ(0u, allocator.releasedPages());
 }
 
-// Fills each slot in use with a byte of its own: slots that overlap, or a page
-// number that is written over, show up.
+// Each slot in use is full of one byte: slots that overlap, or a page number that
+// is written over, show up.
 TEST(FixedAllocator, SlotsStayIntactWhileOthersComeAndGo)
 {
-    struct Slot {
-        void *address;
-        char content[20];
-    };
-    for (const bool track : {false, true})
-        for (const unsigned perPage : {1u, 3u, 64u}) {
-            SCOPED_TRACE(perPage);
-            std::mt19937 random(perPage);
-            UT_FixedAllocator allocator(sizeof Slot::content, track, perPage);
-            std::vector<Slot> slots;
-            for (int step = 0; step < 2000; ++step) {
-                if (slots.empty() || random() % 1000 < (step < 1000 ? 600u : 400u)) {
-                    Slot slot{allocator.allocate(), {}};
-                    ASSERT_EQ(0u, reinterpret_cast<uintptr_t>(slot.address) % alignof(void *));
-                    std::memset(slot.content, static_cast<int>(random()), sizeof slot.content);
-                    std::memcpy(slot.address, slot.content, sizeof slot.content);
-                    slots.push_back(slot);
-                } else {
-                    std::swap(slots[random() % slots.size()], slots.back());
-                    const Slot &slot = slots.back();
-                    ASSERT_EQ(0, std::memcmp(slot.address, slot.content, sizeof slot.content));
-                    allocator.release(slot.address);
-                    slots.pop_back();
-                }
-                ASSERT_EQ(slots.size(), allocator.inUse());
+    constexpr unsigned SIZE = 20;
+    for (const unsigned perPage : {1u, 3u, 64u}) {
+        SCOPED_TRACE(perPage);
+        std::mt19937 random(perPage);
+        UT_FixedAllocator allocator(SIZE, true, perPage);
+        std::vector<char *> slots;
+        for (int step = 0; step < 2000; ++step) {
+            if (slots.empty() || random() % 1000 < (step < 1000 ? 600u : 400u)) {
+                slots.push_back(static_cast<char *>(allocator.allocate()));
+                ASSERT_EQ(0u, reinterpret_cast<uintptr_t>(slots.back()) % alignof(void *));
+                std::memset(slots.back(), static_cast<int>(random() % 128), SIZE);
+            } else {
+                std::swap(slots[random() % slots.size()], slots.back());
+                const std::string content(slots.back(), SIZE);
+                ASSERT_EQ(std::string(SIZE, content[0]), content);
+                allocator.release(slots.back());
+                slots.pop_back();
             }
+            ASSERT_EQ(slots.size(), allocator.inUse());
         }
+    }
 }

@@ -8,42 +8,22 @@
 
 namespace
 {
-// The time zone of a test, set back at its end.
-class TimeZone
+class FormatTime : public testing::Test
 {
-public:
-    explicit TimeZone(const char *zone)
+protected:
+    FormatTime() { setZone("UTC0"); }
+    ~FormatTime() override { unsetenv("TZ"); }
+
+    static void setZone(const char *zone)
     {
-        if (const char *const old = std::getenv("TZ"))
-            myOld = old;
         setenv("TZ", zone, 1);
         tzset();
     }
-    ~TimeZone()
-    {
-        if (myOld.empty())
-            unsetenv("TZ");
-        else
-            setenv("TZ", myOld.c_str(), 1);
-        tzset();
-    }
-    TimeZone(const TimeZone &) = delete;
-    TimeZone &operator=(const TimeZone &) = delete;
-
-private:
-    std::string myOld;
 };
 
 time_t localTime(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
 {
-    tm t{};
-    t.tm_year = year - 1900;
-    t.tm_mon = month - 1;
-    t.tm_mday = day;
-    t.tm_hour = hour;
-    t.tm_min = minute;
-    t.tm_sec = second;
-    t.tm_isdst = -1;
+    tm t{second, minute, hour, day, month - 1, year - 1900, 0, 0, -1, 0, nullptr};
     return std::mktime(&t);
 }
 
@@ -55,9 +35,8 @@ std::string formatted(const char *format, time_t when)
 }
 } // namespace
 
-TEST(FormatTime, EachConversion)
+TEST_F(FormatTime, EachConversion)
 {
-    const TimeZone zone("UTC0");
     const time_t morning = localTime(2026, 1, 5, 9, 7, 3);    // a Monday
     const time_t midnight = localTime(2005, 12, 25, 0, 0, 0); // a Sunday
     const struct {
@@ -96,16 +75,15 @@ TEST(FormatTime, EachConversion)
     EXPECT_EQ("34", formatted("%j", localTime(2026, 2, 3)));
 }
 
-TEST(FormatTime, ZoneNameFollowsDaylightSaving)
+TEST_F(FormatTime, ZoneNameFollowsDaylightSaving)
 {
-    const TimeZone zone("WIN0SUM,M3.5.0,M10.5.0");
+    setZone("WIN0SUM,M3.5.0,M10.5.0");
     EXPECT_EQ("WIN", formatted("%Z", localTime(2026, 1, 5)));
     EXPECT_EQ("SUM", formatted("%Z", localTime(2026, 7, 5)));
 }
 
-TEST(FormatTime, ABufferIsCutAt512CharactersAndAStreamIsNot)
+TEST_F(FormatTime, ABufferIsCutAt512CharactersAndAStreamIsNot)
 {
-    const TimeZone zone("UTC0");
     const std::string format = std::string(509, 'x') + "%Y%m";
     const time_t when = localTime(2026, 1, 5);
     EXPECT_EQ(std::string(509, 'x') + "20", formatted(format.c_str(), when));
@@ -114,7 +92,7 @@ TEST(FormatTime, ABufferIsCutAt512CharactersAndAStreamIsNot)
     EXPECT_EQ(std::string(509, 'x') + "202601|", stream.str());
 }
 
-TEST(FormatTime, ATimeBeyondTheCalendarGivesAnEmptyText)
+TEST_F(FormatTime, ATimeBeyondTheCalendarGivesAnEmptyText)
 {
     if (sizeof(time_t) < 8)
         GTEST_SKIP() << "each time has a date";
