@@ -1,0 +1,85 @@
+#include "UT/ut_ErrorLog.h"
+
+#include "UT/UT_EnvControl.h"
+#include "UT/UT_Environment.h"
+#include "UT/UT_ErrorManager.h"
+#include "tests/support/ScratchDirectory.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <string>
+
+namespace
+{
+
+const std::string STAMP = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}: ";
+
+UT_Error error(int code, int severity = 4)
+{
+    return UT_Error("T", code, "", severity);
+}
+
+} // namespace
+
+TEST(ErrorLog, AMessageIsNotRepeatedAtOnce)
+{
+    ScratchDirectory scratch;
+    const std::string file = scratch.path("log");
+    ut_ErrorLog log(file.c_str(), 3);
+    for (const int code : {1, 1, 2, 1, 2})
+        log.add(error(code));
+    EXPECT_THAT(fileContents(file), testing::MatchesRegex(STAMP + "T: unknown error: 1\n" + STAMP +
+                                                          "T: unknown error: 2\n"));
+}
+
+TEST(ErrorLog, OnlyErrorsOfItsLevelAreLogged)
+{
+    ScratchDirectory scratch;
+    const std::string file = scratch.write("log", "before\n");
+    ut_ErrorLog log(file.c_str(), 3);
+    log.add(error(1, 2));
+    log.add(error(2, 3));
+    EXPECT_THAT(fileContents(file),
+                testing::MatchesRegex("before\n" + STAMP + "T: unknown error: 2\n"));
+}
+
+TEST(ErrorLog, WithoutAFileNothingHappens)
+{
+    ScratchDirectory scratch;
+    ut_ErrorLog none(nullptr, 0), empty("", 0), folder(scratch.path().c_str(), 0);
+    for (ut_ErrorLog *log : {&none, &empty, &folder}) {
+        errno = ENOSPC;
+        log->add(error(1));
+        EXPECT_EQ(ENOSPC, errno);
+    }
+}
+
+namespace
+{
+
+// Shows the log on standard error and ends with the errors' severity.
+[[noreturn]] void logThroughManagers()
+{
+    {
+        ScratchDirectory scratch;
+        UTsetenv("LOGS", scratch.path().c_str());
+        UT_EnvControl::instance().setString(ENV_VELDRIN_ERRORLOG_FILENAME, "$LOGS/log");
+        UTaddError("T", 1);
+        UTaddError(new UT_Error("T", 2, "", 5));
+        UT_ErrorManager::getCurrent().addError(new UT_Error("T", 3, "", 5)); // only adds
+        std::cerr << fileContents(scratch.path("log"));
+    }
+    std::_Exit(UTgetErrorSeverity());
+}
+
+} // namespace
+
+// In a process of its own, since a process has one log for good; tests of this kind
+// run first, while nothing has been logged yet.
+TEST(ErrorLogDeathTest, ManagersLogUnderTheConfiguredName)
+{
+    EXPECT_EXIT(logThroughManagers(), testing::ExitedWithCode(5), "error: 1\n.*error: 2\n$");
+}
