@@ -72,6 +72,12 @@ public:
     operator const char *() const { return myData; }
     const char *text() const { return myData; } // may be null
 
+    // Writes itself to a stream, for load() to read: as writeText() does, or in
+    // binary form with its length in front (UT_IStream::readBinaryString, 16 bits).
+    // False, with an error posted, when errno afterwards tells that the text is lost
+    // (UTcheckSaveError): set it to 0 before.
+    [[nodiscard]] bool save(std::ostream &os, bool binary) const;
+
     // Reads itself from a stream: in binary form as UT_IStream::readBinaryString
     // does with 16 bits, else unset first and then an owned copy of the next word
     // or quoted text. False when there was none.
