@@ -1,0 +1,47 @@
+// How a material scatters light at one point, seen from one direction.
+//
+// Directions are unit vectors that point away from the surface. The models:
+//
+//   boundary   microfacets with the distribution of Trowbridge and Reitz (GGX):
+//              Walter et al., "Microfacet Models for Refraction through Rough
+//              Surfaces", EGSR 2007; masking and shadowing of Smith in its
+//              height-correlated form: Heitz, JCGT 3(2), 2014; drawn from the
+//              visible normals: Heitz, JCGT 7(4), 2018; Fresnel reflectance
+//              after Schlick, 1994.
+//   base       the energy that the boundary lets through, spread evenly and
+//              reciprocally: Ashikhmin and Shirley, "An Anisotropic Phong BRDF
+//              Model", 2000; without a boundary it is Lambert's.
+//
+// Both are symmetric in the two directions and never reflect more than arrives.
+#pragma once
+
+#include "vaskel/vk_Material.h"
+
+class vk_Bsdf
+{
+public:
+    // REQUIRES: dot(normal, out) > 0
+    vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out);
+
+    // Reflected radiance per irradiance from `in`, times the cosine there; and
+    // the density, per solid angle, with which sample() draws it. Both are 0
+    // below the surface.
+    vk_Colour evaluate(const vk_Vec &in, float &density) const;
+
+    // A direction drawn roughly as much as it scatters. May lie below the
+    // surface, where nothing arrives.
+    vk_Vec sample(const vk_Square &at) const;
+
+    const vk_Vec &normal() const { return myFrame.normal; }
+
+private:
+    vk_Colour fresnel(float cosine) const;
+    vk_Colour base(float cosIn) const;
+    vk_Vec    visibleNormal(const vk_Square &at) const;
+
+    const vk_Material &myMaterial;
+    vk_Frame           myFrame;
+    vk_Vec             myOut; // in the frame
+    float              myAlpha;
+    float              mySpecularShare; // chance of drawing from the boundary
+};

@@ -1,0 +1,36 @@
+// A light: something that shines and can be aimed at by its place.
+//
+// Lights have a size, so their shadows are soft. They are seen in reflections
+// but not by the camera itself. Densities are per solid angle.
+#pragma once
+
+#include "vaskel/vk_Vec.h"
+
+struct vk_LightSample {
+    vk_Vec    direction; // unit, towards the light
+    float     distance = 0;
+    float     density = 0; // 0: the light does not reach the point
+    vk_Colour radiance;
+};
+
+class vk_Light
+{
+public:
+    virtual ~vk_Light() = default;
+
+    // A place on the light as seen from a point.
+    virtual vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const = 0;
+
+    // The light's place that a ray meets, if it does: density is that of
+    // sample() for the direction, 0 for a miss.
+    virtual vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const = 0;
+
+    // How much light it gives to the scene, roughly, for choosing one of many.
+    float strength() const { return myStrength; }
+
+protected:
+    explicit vk_Light(float strength) : myStrength(strength) {}
+
+private:
+    float myStrength;
+};

@@ -1,0 +1,245 @@
+#include "vaskel/vk_LightShaders.h"
+
+#include <iterator>
+
+namespace
+{
+constexpr float FAR_AWAY = 1e30f;
+
+// Light from a cap of directions, as a ball or a far disc shows it; the cap's
+// height is 1 less the cosine at its rim.
+vk_LightSample capSample(const vk_Vec &direction, float height)
+{
+    vk_LightSample sample;
+    sample.direction = direction;
+    sample.density = 1 / (2 * VK_PI * height);
+    return sample;
+}
+
+vk_Vec inCap(const vk_Vec &axis, float height, const vk_Square &at)
+{
+    return vk_Frame(axis).toWorld(vk_toCap(at, height));
+}
+
+// 1 - cos from the square of the sine, without cancellation.
+float capHeight(float sin2) { return sin2 / (1 + std::sqrt(std::max(0.0f, 1 - sin2))); }
+
+class DistantLight final : public vk_Light
+{
+public:
+    DistantLight(const vk_Vec &towards, float degrees, const vk_Colour &white)
+        : vk_Light(vk_luminance(white)), myAxis(towards)
+    {
+        const float sine = std::sin(degrees * VK_PI / 180);
+        myHeight = capHeight(sine * sine);
+        myRadiance = white * (1 / (sine * sine));
+    }
+    vk_LightSample sample(const vk_Vec &, const vk_Square &at) const override
+    {
+        return complete(inCap(myAxis, myHeight, at));
+    }
+    vk_LightSample hit(const vk_Vec &, const vk_Vec &direction) const override
+    {
+        if (vk_dot(direction, myAxis) < 1 - myHeight)
+            return {};
+        return complete(direction);
+    }
+
+private:
+    vk_LightSample complete(const vk_Vec &direction) const
+    {
+        vk_LightSample sample = capSample(direction, myHeight);
+        sample.distance = FAR_AWAY;
+        sample.radiance = myRadiance;
+        return sample;
+    }
+    vk_Vec    myAxis;
+    float     myHeight = 0;
+    vk_Colour myRadiance;
+};
+
+class BallLight final : public vk_Light
+{
+public:
+    BallLight(const vk_Vec &centre, float radius, const vk_Vec &target, const vk_Colour &white)
+        : vk_Light(vk_luminance(white)), myCentre(centre), myRadius2(radius * radius)
+    {
+        const vk_Vec way = target - centre;
+        myRadiance = white * (std::max(vk_dot(way, way), myRadius2) / myRadius2);
+    }
+    vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override
+    {
+        const vk_Vec way = myCentre - from;
+        const float  distance2 = vk_dot(way, way);
+        if (distance2 <= myRadius2)
+            return {};
+        const float height = capHeight(myRadius2 / distance2);
+        return complete(capSample(inCap(vk_normalize(way), height, at), height), way);
+    }
+    vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override
+    {
+        const vk_Vec way = myCentre - from;
+        const float  distance2 = vk_dot(way, way);
+        const vk_Vec beside = vk_cross(way, direction);
+        if (distance2 <= myRadius2 || vk_dot(way, direction) < 0 ||
+            vk_dot(beside, beside) > myRadius2)
+            return {};
+        return complete(capSample(direction, capHeight(myRadius2 / distance2)), way);
+    }
+
+private:
+    vk_LightSample complete(vk_LightSample sample, const vk_Vec &way) const
+    {
+        const vk_Vec beside = vk_cross(way, sample.direction);
+        const float  inside = myRadius2 - vk_dot(beside, beside);
+        sample.distance = vk_dot(way, sample.direction) - std::sqrt(std::max(0.0f, inside));
+        sample.radiance = myRadiance;
+        return sample;
+    }
+    vk_Vec    myCentre;
+    float     myRadius2;
+    vk_Colour myRadiance;
+};
+
+// Share of the light of a w by h rectangle that a surface receives that faces
+// its centre squarely at a distance (the form factor of parallel rectangles).
+float rectangleShare(float w, float h, float distance)
+{
+    const float a = w / 2 / distance, b = h / 2 / distance;
+    const float ra = std::sqrt(1 + a * a), rb = std::sqrt(1 + b * b);
+    return 2 / VK_PI * (a / ra * std::atan(b / ra) + b / rb * std::atan(a / rb));
+}
+
+class AreaLight final : public vk_Light
+{
+public:
+    AreaLight(const vk_Vec &centre, const vk_Vec &target, float width, float height,
+              const vk_Colour &white)
+        : vk_Light(vk_luminance(white)), myCentre(centre), myNormal(vk_normalize(target - centre)),
+          myWidth(width), myHeight(height)
+    {
+        // The width stays level, unless the light looks straight up or down.
+        const vk_Vec level = vk_cross({0, 1, 0}, myNormal);
+        myAcross = vk_dot(level, level) > 1e-6f ? vk_normalize(level) : vk_Vec{1, 0, 0};
+        myUp = vk_cross(myNormal, myAcross);
+        const float distance = std::max(vk_length(target - centre), 1e-3f);
+        myRadiance = white * (1 / rectangleShare(width, height, distance));
+    }
+    vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override
+    {
+        const vk_Vec place = myCentre + myAcross * (myWidth * (at.u - 0.5f)) +
+                             myUp * (myHeight * (at.v - 0.5f));
+        return seen(from, place);
+    }
+    vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override
+    {
+        const float facing = vk_dot(direction, myNormal);
+        if (facing >= -1e-6f)
+            return {};
+        const float  distance = vk_dot(myCentre - from, myNormal) / facing;
+        const vk_Vec place = from + direction * distance;
+        const vk_Vec off = place - myCentre;
+        if (distance <= 0 || std::abs(vk_dot(off, myAcross)) > myWidth / 2 ||
+            std::abs(vk_dot(off, myUp)) > myHeight / 2)
+            return {};
+        return seen(from, place);
+    }
+
+private:
+    vk_LightSample seen(const vk_Vec &from, const vk_Vec &place) const
+    {
+        const vk_Vec   way = place - from;
+        const float    square = vk_dot(way, way);
+        vk_LightSample sample;
+        sample.distance = std::sqrt(square);
+        if (sample.distance <= 0)
+            return {};
+        sample.direction = way * (1 / sample.distance);
+        const float facing = -vk_dot(sample.direction, myNormal);
+        if (facing <= 1e-6f)
+            return {};
+        sample.density = square / (facing * myWidth * myHeight);
+        sample.radiance = myRadiance;
+        return sample;
+    }
+    vk_Vec    myCentre, myNormal, myAcross, myUp;
+    float     myWidth, myHeight;
+    vk_Colour myRadiance;
+};
+
+enum { LIGHT_FROM, LIGHT_TO, LIGHT_COLOR, LIGHT_INTENSITY, LIGHT_OWN };
+constexpr vk_Param FROM = {"from", VK_POINT, {-4, 6, 5}, -1e6f, 1e6f, "where it stands"};
+constexpr vk_Param TO = {"to", VK_POINT, {0, 1, 0}, -1e6f, 1e6f, "where it aims"};
+constexpr vk_Param COLOR = {"color", VK_COLOUR, {1, 1, 1}, 0, 1000, "colour"};
+constexpr vk_Param INTENSITY = {
+    "intensity", VK_NUMBER, {.8f, 0, 0}, 0, 1000, "what white matte shows at `to`"};
+
+vk_Colour white(const vk_Values &p) { return p.vec(LIGHT_COLOR) * p.number(LIGHT_INTENSITY); }
+
+enum { AREA_WIDTH = LIGHT_OWN, AREA_HEIGHT };
+constexpr vk_Param AREA[] = {
+    FROM, TO, COLOR, INTENSITY,
+    {"width", VK_NUMBER, {3, 0, 0}, .01f, 1000, "width"},
+    {"height", VK_NUMBER, {3, 0, 0}, .01f, 1000, "height"},
+};
+
+std::unique_ptr<vk_Light> area(const vk_Values &p)
+{
+    return std::make_unique<AreaLight>(p.vec(LIGHT_FROM), p.vec(LIGHT_TO), p.number(AREA_WIDTH),
+                                       p.number(AREA_HEIGHT), white(p));
+}
+
+enum { POINT_RADIUS = LIGHT_OWN };
+constexpr vk_Param POINT[] = {
+    FROM, TO, COLOR, INTENSITY,
+    {"radius", VK_NUMBER, {.25f, 0, 0}, 0, 1000, "radius; clamped to at least .02"},
+};
+
+std::unique_ptr<vk_Light> point(const vk_Values &p)
+{
+    const float radius = std::max(p.number(POINT_RADIUS), .02f);
+    return std::make_unique<BallLight>(p.vec(LIGHT_FROM), radius, p.vec(LIGHT_TO), white(p));
+}
+
+enum { DISTANT_ANGLE = LIGHT_OWN };
+constexpr vk_Param DISTANT[] = {
+    FROM, TO, COLOR, INTENSITY,
+    {"angle", VK_NUMBER, {1.5f, 0, 0}, 0, 60, "half of its width, degrees; clamped to at least .2"},
+};
+
+std::unique_ptr<vk_Light> distant(const vk_Values &p)
+{
+    const vk_Vec towards = vk_normalize(p.vec(LIGHT_FROM) - p.vec(LIGHT_TO));
+    return std::make_unique<DistantLight>(towards, std::max(p.number(DISTANT_ANGLE), .2f),
+                                          white(p));
+}
+
+constexpr vk_ShaderRow<vk_LightFunction> LIGHT_ROWS[] = {
+    {"v_area", "a glowing rectangle", AREA, area},
+    {"v_point", "a small glowing ball", POINT, point},
+    {"v_distant", "parallel light, as from the sun", DISTANT, distant},
+    {"v_asadlight", "another name of v_area", AREA, area},
+};
+
+enum { RAYSHADOW_COLOR };
+constexpr vk_Param RAYSHADOW[] = {
+    {"color", VK_COLOUR, {0, 0, 0}, 0, 1, "what is left of the light in a full shadow"},
+};
+
+vk_Colour rayShadow(const vk_Values &p) { return p.vec(RAYSHADOW_COLOR); }
+vk_Colour noShadow(const vk_Values &) { return vk_grey(1); }
+
+constexpr vk_ShaderRow<vk_ShadowFunction> SHADOW_ROWS[] = {
+    {"v_rayshadow", "shadows as lights cast them", RAYSHADOW, rayShadow},
+    {"v_noshadow", "lights shine through everything", {}, noShadow},
+};
+
+static_assert(std::size(AREA) == AREA_HEIGHT + 1 && std::size(POINT) == POINT_RADIUS + 1 &&
+              std::size(DISTANT) == DISTANT_ANGLE + 1 &&
+              std::size(RAYSHADOW) == RAYSHADOW_COLOR + 1);
+} // namespace
+
+const vk_ShaderTable<vk_LightFunction>  VK_LIGHT_SHADERS = {"light", LIGHT_ROWS,
+                                                            std::size(LIGHT_ROWS)};
+const vk_ShaderTable<vk_ShadowFunction> VK_SHADOW_SHADERS = {"shadow", SHADOW_ROWS,
+                                                             std::size(SHADOW_ROWS)};

@@ -1,0 +1,17 @@
+// The shapes of the scene language: each stands on y = 0 over the origin, faces
+// +z and has texture coordinates u (around or across) and v (upwards).
+#pragma once
+
+#include "vaskel/vk_Mesh.h"
+#include "vaskel/vk_Params.h"
+
+#include <string_view>
+
+struct vk_ShapeRow {
+    const char   *word;
+    vk_ParamTable params;
+    void (*build)(const vk_Values &, vk_MeshBuilder &);
+};
+
+// The shape of a word, null when there is none.
+const vk_ShapeRow *vk_findShape(std::string_view word);

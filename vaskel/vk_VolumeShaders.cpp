@@ -1,0 +1,69 @@
+#include "vaskel/vk_VolumeShaders.h"
+
+#include "vaskel/vk_Noise.h"
+
+#include <iterator>
+
+namespace
+{
+enum { BUMPS_HEIGHT, BUMPS_SIZE };
+constexpr vk_Param BUMPS[] = {
+    {"height", VK_NUMBER, {.08f, 0, 0}, -.5f, .5f, "how high the bumps are"},
+    {"size", VK_NUMBER, {.35f, 0, 0}, .05f, 100, "how wide a bump is"},
+};
+
+float bumps(const vk_Values &p, const vk_Vec &position)
+{
+    return p.number(BUMPS_HEIGHT) * vk_noise(position * (1 / p.number(BUMPS_SIZE)));
+}
+
+constexpr vk_ShaderRow<vk_DisplaceFunction> DISPLACE_ROWS[] = {
+    {"v_bumps", "soft random bumps", BUMPS, bumps},
+};
+
+enum { FOG_COLOR, FOG_DENSITY, FOG_RADIUS };
+constexpr vk_Param FOG[] = {
+    {"color", VK_COLOUR, {.9f, .9f, .9f}, 0, 1, "share of the light that it scatters on"},
+    {"density", VK_NUMBER, {.12f, 0, 0}, 0, 100, "light that it takes away per length"},
+    {"radius", VK_NUMBER, {8, 0, 0}, 0, 1000, "of the ball around the origin that it fills"},
+};
+
+vk_Medium uniformFog(const vk_Values &p)
+{
+    return {p.number(FOG_DENSITY), p.vec(FOG_COLOR), p.number(FOG_RADIUS)};
+}
+
+constexpr vk_ShaderRow<vk_FogFunction> FOG_ROWS[] = {
+    {"v_fog", "even fog that takes light and shadow", FOG, uniformFog},
+};
+
+enum { STUDIO_TOP, STUDIO_HORIZON, STUDIO_GROUND, STUDIO_INTENSITY };
+constexpr vk_Param STUDIO[] = {
+    {"top", VK_COLOUR, {.30f, .33f, .38f}, 0, 1000, "colour overhead"},
+    {"horizon", VK_COLOUR, {.62f, .62f, .60f}, 0, 1000, "colour at the horizon"},
+    {"ground", VK_COLOUR, {.20f, .19f, .18f}, 0, 1000, "colour below"},
+    {"intensity", VK_NUMBER, {1, 0, 0}, 0, 1000, "a factor for all three"},
+};
+
+vk_Colour studio(const vk_Values &p, const vk_Vec &direction)
+{
+    const float     up = direction.y;
+    const vk_Colour sky =
+        vk_mix(p.vec(STUDIO_HORIZON), p.vec(STUDIO_TOP), vk_smoothStep(-.1f, .8f, up));
+    const float below = vk_smoothStep(.02f, -.25f, up);
+    return vk_mix(sky, p.vec(STUDIO_GROUND), below) * p.number(STUDIO_INTENSITY);
+}
+
+constexpr vk_ShaderRow<vk_EnvironmentFunction> ENVIRONMENT_ROWS[] = {
+    {"v_studio", "a soft sky with a horizon", STUDIO, studio},
+};
+
+static_assert(std::size(BUMPS) == BUMPS_SIZE + 1 && std::size(FOG) == FOG_RADIUS + 1 &&
+              std::size(STUDIO) == STUDIO_INTENSITY + 1);
+} // namespace
+
+const vk_ShaderTable<vk_DisplaceFunction> VK_DISPLACE_SHADERS = {"displace", DISPLACE_ROWS,
+                                                                 std::size(DISPLACE_ROWS)};
+const vk_ShaderTable<vk_FogFunction>      VK_FOG_SHADERS = {"fog", FOG_ROWS, std::size(FOG_ROWS)};
+const vk_ShaderTable<vk_EnvironmentFunction> VK_ENVIRONMENT_SHADERS = {
+    "environment", ENVIRONMENT_ROWS, std::size(ENVIRONMENT_ROWS)};

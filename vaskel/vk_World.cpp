@@ -1,0 +1,175 @@
+#include "vaskel/vk_World.h"
+
+#include <embree3/rtcore.h>
+
+#include <cstring>
+#include <limits>
+
+struct vk_World::Shape {
+    vk_Mesh                 mesh;
+    vk_Transform            toShape;
+    const vk_SurfaceShader *surface;
+};
+
+struct vk_World::Embree {
+    RTCDevice device = nullptr;
+    RTCScene  scene = nullptr;
+
+    Embree() = default;
+    Embree(const Embree &) = delete;
+    Embree &operator=(const Embree &) = delete;
+    ~Embree()
+    {
+        if (scene != nullptr)
+            rtcReleaseScene(scene);
+        if (device != nullptr)
+            rtcReleaseDevice(device);
+    }
+    bool failed() const { return device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
+    void attach(const vk_Mesh &mesh);
+};
+
+void vk_World::Embree::attach(const vk_Mesh &mesh)
+{
+    const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
+    void *const       points =
+        rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
+                                sizeof(vk_Vec), mesh.vertices.size());
+    void *const corners =
+        rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
+                                sizeof mesh.triangles[0], mesh.triangles.size());
+    if (points != nullptr && corners != nullptr) {
+        auto *to = static_cast<vk_Vec *>(points);
+        for (const vk_Vertex &vertex : mesh.vertices)
+            *to++ = vertex.position;
+        std::memcpy(corners, mesh.triangles.data(),
+                    sizeof mesh.triangles[0] * mesh.triangles.size());
+        rtcCommitGeometry(geometry);
+        rtcAttachGeometry(scene, geometry);
+    }
+    rtcReleaseGeometry(geometry);
+}
+
+vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_unique<Embree>())
+{
+    if (scene.shapes.empty())
+        return;
+    // One thread builds: the tree, and with it the last bit of a hit, must not
+    // depend on how many threads there are.
+    myEmbree->device = rtcNewDevice("threads=1");
+    if (myEmbree->device != nullptr)
+        myEmbree->scene = rtcNewScene(myEmbree->device);
+    for (const vk_ShapeEntry &entry : scene.shapes) {
+        if (myEmbree->scene == nullptr)
+            break;
+        vk_MeshBuilder builder(entry.transform, entry.displace);
+        entry.row->build(entry.values, builder);
+        myShapes.push_back(std::make_unique<Shape>(
+            Shape{builder.take(), entry.transform.inverse(), &entry.surface}));
+        myEmbree->attach(myShapes.back()->mesh);
+    }
+    if (myEmbree->scene != nullptr)
+        rtcCommitScene(myEmbree->scene);
+    if (myEmbree->failed())
+        myError = "cannot set up ray tracing (out of memory?)";
+}
+
+vk_World::~vk_World() = default;
+
+vk_Vec vk_Hit::start(const vk_Vec &direction) const
+{
+    // Floats near the position are this far apart, with a margin for the
+    // rounding of the intersection itself.
+    const float size = vk_largest({std::abs(position.x), std::abs(position.y), std::abs(position.z)});
+    const float off = 1e-5f * std::max(size, 1.0f) + 1e-5f * distance;
+    return position + facet * (vk_dot(facet, direction) < 0 ? -off : off);
+}
+
+bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
+{
+    if (!myScene.floor || direction.y == 0)
+        return false;
+    distance = -origin.y / direction.y;
+    return distance > 0 && distance < std::numeric_limits<float>::infinity();
+}
+
+void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, float v,
+                             vk_Hit &hit) const
+{
+    const Shape     &shape = *myShapes[geometry];
+    const auto      &corners = shape.mesh.triangles[triangle];
+    const vk_Vertex &a = shape.mesh.vertices[corners[0]];
+    const vk_Vertex &b = shape.mesh.vertices[corners[1]];
+    const vk_Vertex &c = shape.mesh.vertices[corners[2]];
+    const float      w = 1 - u - v;
+    // More exact than along the ray.
+    hit.position = a.position * w + b.position * u + c.position * v;
+    hit.normal = vk_normalize(a.normal * w + b.normal * u + c.normal * v);
+    hit.point = {shape.toShape.point(hit.position), a.u * w + b.u * u + c.u * v,
+                 a.v * w + b.v * u + c.v * v};
+    hit.surface = shape.surface;
+}
+
+bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const
+{
+    float      toFloor = std::numeric_limits<float>::infinity();
+    const bool onFloor = meetFloor(origin, direction, toFloor);
+    RTCRayHit  query = {};
+    query.ray.org_x = origin.x;
+    query.ray.org_y = origin.y;
+    query.ray.org_z = origin.z;
+    query.ray.dir_x = direction.x;
+    query.ray.dir_y = direction.y;
+    query.ray.dir_z = direction.z;
+    query.ray.tfar = toFloor;
+    query.ray.mask = ~0u;
+    query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+    if (myEmbree->scene != nullptr) {
+        RTCIntersectContext context;
+        rtcInitIntersectContext(&context);
+        rtcIntersect1(myEmbree->scene, &context, &query);
+    }
+    if (query.hit.geomID != RTC_INVALID_GEOMETRY_ID) {
+        hit.distance = query.ray.tfar;
+        hit.facet = vk_normalize({query.hit.Ng_x, query.hit.Ng_y, query.hit.Ng_z});
+        hit.isFloor = false;
+        describeShape(query.hit.geomID, query.hit.primID, query.hit.u, query.hit.v, hit);
+    } else if (onFloor) {
+        hit.distance = toFloor;
+        hit.position = origin + direction * toFloor;
+        hit.position.y = 0;
+        hit.facet = hit.normal = {0, 1, 0};
+        hit.point = {hit.position, hit.position.x, hit.position.z};
+        hit.surface = &myScene.floor;
+        hit.isFloor = true;
+    } else {
+        return false;
+    }
+    if (vk_dot(hit.facet, direction) > 0)
+        hit.facet = -hit.facet;
+    if (vk_dot(hit.normal, hit.facet) < 0)
+        hit.normal = -hit.normal;
+    return true;
+}
+
+bool vk_World::occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const
+{
+    float toFloor = 0;
+    if (meetFloor(origin, direction, toFloor) && toFloor < distance)
+        return true;
+    if (myEmbree->scene == nullptr)
+        return false;
+    RTCRay ray = {};
+    ray.org_x = origin.x;
+    ray.org_y = origin.y;
+    ray.org_z = origin.z;
+    ray.dir_x = direction.x;
+    ray.dir_y = direction.y;
+    ray.dir_z = direction.z;
+    ray.tfar = distance;
+    ray.mask = ~0u;
+    RTCIntersectContext context;
+    rtcInitIntersectContext(&context);
+    rtcOccluded1(myEmbree->scene, &context, &ray);
+    return ray.tfar < 0;
+}
