@@ -29,17 +29,20 @@ float visible(float cosine, float alpha)
 }
 } // namespace
 
-vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out)
+vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split)
     : myMaterial(material), myFrame(normal), myOut(myFrame.toLocal(out)),
-      myAlpha(vk_alpha(material.rough)), mySpecularShare(0)
+      myAlpha(vk_alpha(material.rough))
 {
     myOut.z = std::max(myOut.z, 1e-4f);
     const float specular = vk_luminance(fresnel(myOut.z));
     const float diffuse = vk_luminance(material.diffuse);
     if (specular > 0) {
         // A boundary is drawn often enough to keep its reflection quiet.
-        mySpecularShare = diffuse > 0 ? std::clamp(specular / (specular + diffuse), 0.2f, 0.9f) : 1;
+        myBoundaryShare = diffuse > 0 ? std::clamp(specular / (specular + diffuse), 0.2f, 0.9f) : 1;
     }
+    myBaseShare = 1 - myBoundaryShare;
+    if (split && myBoundaryShare > 0 && myBaseShare > 0)
+        myBoundaryShare = myBaseShare = 1;
 }
 
 vk_Colour vk_Bsdf::fresnel(float cosine) const
@@ -64,17 +67,17 @@ vk_Colour vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
     if (local.z <= 0)
         return {};
     vk_Colour scattered;
-    if (mySpecularShare > 0) {
+    if (myBoundaryShare > 0) {
         const vk_Vec h = vk_normalize(local + myOut);
         const float  d = facets(h, myAlpha);
         const float  masked =
             0.5f / (smith(local.z, myOut.z, myAlpha) + smith(myOut.z, local.z, myAlpha));
         scattered += fresnel(vk_dot(h, local)) * (d * masked);
-        density += mySpecularShare * d * visible(myOut.z, myAlpha) / (4 * myOut.z);
+        density += myBoundaryShare * d * visible(myOut.z, myAlpha) / (4 * myOut.z);
     }
-    if (mySpecularShare < 1) {
+    if (myBaseShare > 0) {
         scattered += base(local.z);
-        density += (1 - mySpecularShare) * local.z / VK_PI;
+        density += myBaseShare * local.z / VK_PI;
     }
     return scattered * local.z;
 }
@@ -95,16 +98,26 @@ vk_Vec vk_Bsdf::visibleNormal(const vk_Square &at) const
     return vk_normalize({myAlpha * h.x, myAlpha * h.y, std::max(0.0f, h.z)});
 }
 
-vk_Vec vk_Bsdf::sample(const vk_Square &at) const
+vk_Vec vk_Bsdf::sampleBoundary(const vk_Square &at) const
 {
-    // The choice takes its number from the first coordinate and stretches the
-    // rest, which keeps both halves well spread.
-    if (at.u < mySpecularShare) {
-        const vk_Vec h = visibleNormal({at.u / mySpecularShare, at.v});
-        return myFrame.toWorld(vk_normalize(h * (2 * vk_dot(h, myOut)) - myOut));
-    }
-    const float  u = (at.u - mySpecularShare) / (1 - mySpecularShare);
-    vk_Vec       disc = vk_toDisc({u, at.v});
+    const vk_Vec h = visibleNormal(at);
+    return myFrame.toWorld(vk_normalize(h * (2 * vk_dot(h, myOut)) - myOut));
+}
+
+vk_Vec vk_Bsdf::sampleBase(const vk_Square &at) const
+{
+    vk_Vec disc = vk_toDisc(at);
     disc.z = std::sqrt(std::max(0.0f, 1 - square(disc.x) - square(disc.y)));
     return myFrame.toWorld(disc);
+}
+
+vk_Vec vk_Bsdf::sample(const vk_Square &at, int round) const
+{
+    if (rounds() == 2)
+        return round == 0 ? sampleBoundary(at) : sampleBase(at);
+    // The choice takes its number from the first coordinate and stretches the
+    // rest, which keeps both halves well spread.
+    if (at.u < myBoundaryShare)
+        return sampleBoundary({at.u / myBoundaryShare, at.v});
+    return sampleBase({(at.u - myBoundaryShare) / myBaseShare, at.v});
 }

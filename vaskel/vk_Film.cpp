@@ -4,8 +4,8 @@ namespace
 {
 // The curve is x^a / (x^(a d) b + c); b and c follow from where middle grey
 // and white go. Middle grey is 50 % of the sRGB scale.
-constexpr float CONTRAST = 1.06f; // a
-constexpr float SHOULDER = 0.96f; // d
+constexpr float CONTRAST = 1.18f; // a
+constexpr float SHOULDER = 0.97f; // d
 constexpr float GREY = 0.2140f;
 
 struct Curve {

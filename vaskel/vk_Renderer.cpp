@@ -2,7 +2,6 @@
 
 #include "vaskel/vk_Tracer.h"
 
-#include <tbb/blocked_range2d.h>
 #include <tbb/global_control.h>
 #include <tbb/info.h>
 #include <tbb/parallel_for.h>
@@ -12,10 +11,11 @@
 
 namespace
 {
-constexpr int   FIRST_SAMPLES = 8; // before a pixel may stop
-constexpr int   TILE = 8;          // pixels a side that a thread takes at once
-constexpr float QUIET = 0.0025f;   // error at which a pixel stops, of full scale
-constexpr float FILTER_WIDTH = 1.0f;
+constexpr int   FIRST_SAMPLES = 4; // a pixel; every further pass doubles them
+constexpr int   TILE = 8;          // pixels a side that are drawn together
+constexpr float QUIET = 0.010f;    // error at which a pixel stops, of full scale,
+constexpr float QUIET_COUNT = 64;  // where that many samples are the most
+constexpr float FILTER_WIDTH = 1;  // pixels to either side
 
 // Rays through a picture's points.
 class Lens
@@ -53,35 +53,31 @@ float tent(float u)
     return half * FILTER_WIDTH;
 }
 
-// The mean of a pixel's samples so far, and how sure it is.
-class Mean
+// About the scale of the file, on which errors are judged.
+vk_Colour seen(const vk_Colour &c)
 {
-public:
-    void add(const vk_Colour &sample)
-    {
-        mySum += sample;
-        // Judged where differences are seen: roughly on the scale of the file.
-        const float seen = std::sqrt(std::min(1.0f, vk_luminance(sample)));
-        mySeen += seen;
-        mySeenSquares += seen * seen;
-        ++myCount;
-    }
-    vk_Colour value() const { return mySum * (1 / static_cast<float>(myCount)); }
+    const auto level = [](float x) { return std::sqrt(std::min(x, 1.0f) + 0.002f); };
+    return {level(c.x), level(c.y), level(c.z)};
+}
 
-    // Well spread samples err less than random ones: the standard error of
-    // the mean with one more root of the count.
-    bool isQuiet() const
-    {
-        const float n = static_cast<float>(myCount);
-        const float variance = std::max(0.0f, mySeenSquares / n - mySeen * mySeen / (n * n));
-        return variance < QUIET * QUIET * n * std::sqrt(n);
-    }
+struct Pixel {
+    vk_Colour sum;
+    vk_Colour before;    // seen mean when half of the samples were there
+    float     error = 0; // of the mean, estimated
+    int       count = 0;
+    bool      quiet = false;
 
-private:
-    vk_Colour mySum;
-    float     mySeen = 0;
-    float     mySeenSquares = 0;
-    int       myCount = 0;
+    vk_Colour mean() const { return sum * (1 / static_cast<float>(count)); }
+
+    // How far the second half of the samples moved the mean is about how far
+    // off the mean still is.
+    void judge()
+    {
+        const vk_Colour now = seen(mean());
+        const vk_Colour moved = now - before;
+        error = vk_dot(moved, moved) / 3;
+        before = now;
+    }
 };
 
 class Picture
@@ -89,25 +85,28 @@ class Picture
 public:
     Picture(const vk_Scene &scene, const vk_World &world, vk_Film &film)
         : myScene(scene), myTracer(scene, world), myLens(scene), myFilm(film),
-          myGain(std::exp2(scene.exposure))
+          myGain(std::exp2(scene.exposure)),
+          myTolerance(QUIET * QUIET * QUIET_COUNT / static_cast<float>(scene.samples))
     {
     }
-    void drawPixel(int x, int y) const
+    void sample(Pixel &pixel, int x, int y, int count) const
     {
-        const int           number = y * myScene.width + x;
-        const std::uint32_t seed = vk_hash(static_cast<std::uint32_t>(number) + 1);
-        Mean                mean;
-        for (int i = 0; i < myScene.samples; ++i) {
-            mean.add(sample(x, y, vk_Sampler(seed, static_cast<std::uint32_t>(i))));
-            const int done = i + 1;
-            if (done >= FIRST_SAMPLES && done % FIRST_SAMPLES == 0 && mean.isQuiet())
-                break;
-        }
-        vk_develop(mean.value(), &myFilm.bytes[3 * static_cast<std::size_t>(number)]);
+        const std::uint32_t seed = vk_hash(static_cast<std::uint32_t>(y * myScene.width + x) + 1);
+        for (; pixel.count < count; ++pixel.count)
+            pixel.sum += light(x, y, vk_Sampler(seed, static_cast<std::uint32_t>(pixel.count)));
     }
+    void develop(const Pixel &pixel, int x, int y) const
+    {
+        const auto at = static_cast<std::size_t>(y * myScene.width + x);
+        vk_develop(pixel.mean(), &myFilm.bytes[3 * at]);
+    }
+    int   width() const { return myScene.width; }
+    int   height() const { return myScene.height; }
+    int   mostSamples() const { return myScene.samples; }
+    float tolerance() const { return myTolerance; }
 
 private:
-    vk_Colour sample(int x, int y, vk_Sampler sampler) const
+    vk_Colour light(int x, int y, vk_Sampler sampler) const
     {
         const vk_Square at = sampler.square();
         const vk_Vec    direction = myLens.direction(static_cast<float>(x) + .5f + tent(at.u),
@@ -125,24 +124,85 @@ private:
     Lens            myLens;
     vk_Film        &myFilm;
     float           myGain;
+    float           myTolerance;
 };
 
-void drawTiles(const Picture &picture, int width, int height, int threads)
+// A square of pixels, drawn in passes that double the samples of those pixels
+// that are not quiet yet. One pixel's error is a poor estimate; the mean over
+// its neighbours in the tile is a fair one. Tiles know nothing of each other,
+// so their order does not matter.
+class Tile
 {
-    using Range = tbb::blocked_range2d<int>;
+public:
+    Tile(const Picture &picture, int left, int top)
+        : myPicture(picture), myLeft(left), myTop(top),
+          myColumns(std::min(TILE, picture.width() - left)),
+          myRows(std::min(TILE, picture.height() - top))
+    {
+    }
+    void draw()
+    {
+        int count = std::min(FIRST_SAMPLES, myPicture.mostSamples());
+        while (pass(count) && count < myPicture.mostSamples()) {
+            if (count > FIRST_SAMPLES)
+                settle();
+            count = std::min(2 * count, myPicture.mostSamples());
+        }
+        for (int y = 0; y < myRows; ++y)
+            for (int x = 0; x < myColumns; ++x)
+                myPicture.develop(myPixels[y][x], myLeft + x, myTop + y);
+    }
 
-    const auto                count = static_cast<std::size_t>(threads);
-    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, count);
+private:
+    // False when all pixels are quiet.
+    bool pass(int count)
+    {
+        bool drew = false;
+        for (int y = 0; y < myRows; ++y)
+            for (int x = 0; x < myColumns; ++x) {
+                Pixel &pixel = myPixels[y][x];
+                if (pixel.quiet)
+                    continue;
+                myPicture.sample(pixel, myLeft + x, myTop + y, count);
+                pixel.judge();
+                drew = true;
+            }
+        return drew;
+    }
+    void settle()
+    {
+        for (int y = 0; y < myRows; ++y)
+            for (int x = 0; x < myColumns; ++x)
+                if (errorAround(x, y) < myPicture.tolerance())
+                    myPixels[y][x].quiet = true;
+    }
+    float errorAround(int x, int y) const
+    {
+        float sum = 0;
+        int   count = 0;
+        for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
+            for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count)
+                sum += myPixels[j][i].error;
+        return sum / static_cast<float>(count);
+    }
+
+    const Picture &myPicture;
+    int            myLeft, myTop, myColumns, myRows;
+    Pixel          myPixels[TILE][TILE];
+};
+
+void drawTiles(const Picture &picture, int threads)
+{
+    const int columns = (picture.width() + TILE - 1) / TILE;
+    const int rows = (picture.height() + TILE - 1) / TILE;
+    // More threads than processors are wanted when somebody asks for them.
+    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism,
+                                    static_cast<std::size_t>(threads));
     tbb::task_arena           arena(threads);
     arena.execute([&] {
-        tbb::parallel_for(
-            Range(0, height, TILE, 0, width, TILE),
-            [&](const Range &tile) {
-                for (int y = tile.rows().begin(); y != tile.rows().end(); ++y)
-                    for (int x = tile.cols().begin(); x != tile.cols().end(); ++x)
-                        picture.drawPixel(x, y);
-            },
-            tbb::simple_partitioner());
+        tbb::parallel_for(0, columns * rows, [&](int i) {
+            Tile(picture, i % columns * TILE, i / columns * TILE).draw();
+        });
     });
 }
 } // namespace
@@ -167,6 +227,6 @@ bool vk_render(const vk_Scene &scene, int threads, vk_Film &film, std::string &e
     film.width = scene.width;
     film.height = scene.height;
     film.bytes.assign(3 * static_cast<std::size_t>(scene.width * scene.height), 0);
-    drawTiles(Picture(scene, world, film), scene.width, scene.height, threads);
+    drawTiles(Picture(scene, world, film), threads);
     return true;
 }

@@ -28,7 +28,7 @@ enum { GRID_WIDTH, GRID_HEIGHT, GRID_WAVE };
 constexpr vk_Param GRID[] = {
     {"width", VK_NUMBER, {2, 0, 0}, .001f, 1000, "width"},
     {"height", VK_NUMBER, {2, 0, 0}, .001f, 1000, "height"},
-    {"wave", VK_NUMBER, {.12f, 0, 0}, -10, 10, "how far its folds reach to and fro"},
+    {"wave", VK_NUMBER, {.16f, 0, 0}, -10, 10, "how far its folds reach to and fro"},
 };
 
 // Folds run down like a curtain's and lean a little, so that light plays on

@@ -24,7 +24,7 @@ constexpr vk_ShaderRow<vk_DisplaceFunction> DISPLACE_ROWS[] = {
 enum { FOG_COLOR, FOG_DENSITY, FOG_RADIUS };
 constexpr vk_Param FOG[] = {
     {"color", VK_COLOUR, {.9f, .9f, .9f}, 0, 1, "share of the light that it scatters on"},
-    {"density", VK_NUMBER, {.12f, 0, 0}, 0, 100, "light that it takes away per length"},
+    {"density", VK_NUMBER, {.07f, 0, 0}, 0, 100, "light that it takes away per length"},
     {"radius", VK_NUMBER, {8, 0, 0}, 0, 1000, "of the ball around the origin that it fills"},
 };
 
@@ -39,9 +39,9 @@ constexpr vk_ShaderRow<vk_FogFunction> FOG_ROWS[] = {
 
 enum { STUDIO_TOP, STUDIO_HORIZON, STUDIO_GROUND, STUDIO_INTENSITY };
 constexpr vk_Param STUDIO[] = {
-    {"top", VK_COLOUR, {.30f, .33f, .38f}, 0, 1000, "colour overhead"},
-    {"horizon", VK_COLOUR, {.62f, .62f, .60f}, 0, 1000, "colour at the horizon"},
-    {"ground", VK_COLOUR, {.20f, .19f, .18f}, 0, 1000, "colour below"},
+    {"top", VK_COLOUR, {.11f, .125f, .15f}, 0, 1000, "colour overhead"},
+    {"horizon", VK_COLOUR, {.36f, .36f, .355f}, 0, 1000, "colour at the horizon"},
+    {"ground", VK_COLOUR, {.08f, .076f, .072f}, 0, 1000, "colour below"},
     {"intensity", VK_NUMBER, {1, 0, 0}, 0, 1000, "a factor for all three"},
 };
 

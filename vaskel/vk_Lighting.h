@@ -1,0 +1,42 @@
+// The light that reaches a point straight from the lights of a scene.
+//
+// A point asks for a number of samples. When there are no more lights than
+// that, each light gets one; otherwise they are dealt out by strength.
+#pragma once
+
+#include "vaskel/vk_Bsdf.h"
+#include "vaskel/vk_Fog.h"
+#include "vaskel/vk_Sampler.h"
+#include "vaskel/vk_World.h"
+
+class vk_Lighting
+{
+public:
+    // Keeps references to all three.
+    vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog);
+
+    // Light that a surface sends on to where its scattering was set up for,
+    // weighted against what scattered rays will find (see reached()).
+    vk_Colour reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
+                        vk_Sampler &sampler) const;
+
+    // Light that a ray finds on its way, scattered with a density at a point
+    // that also asked for samples; `distance` is what it meets first.
+    vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance, float density,
+                      int samples) const;
+
+    // Light that a speck of fog sends on, the same in all directions.
+    vk_Colour scattered(const vk_Vec &at, vk_Sampler &sampler) const;
+
+private:
+    float       expected(const vk_Light &light, int samples) const;
+    std::size_t pick(float at) const;
+    vk_Colour   arriving(const vk_Vec &from, const vk_LightSample &light) const;
+
+    const vk_Scene &myScene;
+    const vk_World &myWorld;
+    const vk_Fog   &myFog;
+    vk_Colour       myBlocked; // what arrives through something opaque
+    bool            myCastsShadows;
+    float           myTotal = 0; // strength of all lights
+};
