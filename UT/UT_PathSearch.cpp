@@ -90,6 +90,12 @@ bool stripPrefix(UT_String &path, int length)
     path.assignCopy(*rest == '/' ? rest + 1 : rest);
     return true;
 }
+
+// An empty HOME would stand for the root of the file system.
+bool hasHome()
+{
+    return *setting(ENV_HOME) != '\0';
+}
 } // namespace
 
 UT_PathSearch::UT_PathSearch(const char *defaultPath, int envIndex, const char *caretSubst,
@@ -104,7 +110,8 @@ UT_PathSearch::UT_PathSearch(const char *defaultPath, int envIndex, const char *
         isUserPackageDirMade = true;
         UT_String dir;
         getUserPackageDir(dir);
-        (void)UTmakeDirs(dir, 0777); // the user may have no writable home
+        if (hasHome())
+            (void)UTmakeDirs(dir, 0777); // the user may have no writable home
     }
     build();
 }
@@ -215,7 +222,7 @@ void UT_PathSearch::addMainDefault()
         const char *version;
     } places[] = {
         {UTgetenv("VIP"), "", ""},
-        {setting(ENV_HOME), "/veldrin", VERSION},
+        {hasHome() ? setting(ENV_HOME) : nullptr, "/veldrin", VERSION},
         {UTgetenv("VSITE"), "/veldrin", VERSION},
         {setting(ENV_VDX), "/veldrin", ""},
     };
