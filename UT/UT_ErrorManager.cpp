@@ -54,6 +54,7 @@ void UT_ErrorManager::popManager()
 
 // ---- Adding ------------------------------------------------------------------
 
+// Logged first: a full list deletes the record.
 int UT_ErrorManager::make(const char *type, int code, const char *text, int severity)
 {
     auto *error = new UT_Error(type, code, text, severity);
@@ -123,6 +124,8 @@ int UT_ErrorManager::addError(UT_Error *error)
     return getSeverity();
 }
 
+// The stored severity may be too high for a moment (records were taken away), never
+// too low: what is above it is above all records.
 void UT_ErrorManager::append(UT_Error *error)
 {
     if (error->getSeverity() > mySeverity) {
@@ -171,6 +174,7 @@ int UT_ErrorManager::getErrorMessages(UT_String &out, int severityFilter, bool w
     UT_String message;
     out.assignCopy("");
     for (const UT_Error *error : myErrors) {
+        // Records left out count too: their places stay visible.
         if (error != *myErrors.begin())
             out += "\n";
         error->getErrorMessage(message, previousSeverity, withPrefix);

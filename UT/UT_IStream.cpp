@@ -45,6 +45,7 @@ void UT_IStream::install(UT_IStreamBuf *src, const char *label, bool binary)
     myError = src->hasError();
 }
 
+// Whatever the stream's own error: open() has to get past it.
 bool UT_IStream::close()
 {
     const bool closed = mySource->close();
@@ -89,6 +90,7 @@ bool UT_IStream::getString(UT_ScratchBuffer &text)
 
 int UT_IStream::getNonCommentLine(UT_ScratchBuffer &line, int commentChar, bool stripInline)
 {
+    // Neither looks at the stream's error nor sets it: the source has the last word.
     const char comment = static_cast<char>(commentChar);
     int lines = 0;
     do {
@@ -114,6 +116,7 @@ int UT_IStream::bread(void *dst, int n)
     return got;
 }
 
+// Reads straight into the values and turns each one round in its place.
 int UT_IStream::breadValues(void *dst, int count, int width)
 {
     const int values = bread(dst, std::clamp(count, 0, INT32_MAX / width) * width) / width;
@@ -137,6 +140,7 @@ int UT_IStream::readValues(T *dst, int count)
     return values;
 }
 
+// The types that the header offers.
 template int UT_IStream::readValues(int16_t *, int);
 template int UT_IStream::readValues(uint16_t *, int);
 template int UT_IStream::readValues(int32_t *, int);
@@ -177,6 +181,8 @@ bool UT_IStream::readBinaryString(UT_String &s, int minBits)
         uint64_t escape; // in place of a length: the next form follows
     } forms[] = {{8, UINT8_MAX}, {16, UINT16_MAX}, {32, UINT32_MAX}, {64, UINT64_MAX}};
 
+    // The last form has no escape: all ones there is a negative length, which the
+    // check behind the loop refuses with all others that no string can have.
     uint64_t length = UINT64_MAX;
     for (const auto &form : forms) {
         if (minBits > form.bits && form.bits < 64)

@@ -25,6 +25,7 @@ namespace
 
 bool stdinLineMode = false;
 
+// The classes of <cctype> are asked for bytes: a negative char is undefined there.
 bool isSpace(char c)
 {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
@@ -104,6 +105,8 @@ UT_IStreamBuf *UT_IStreamBuf::makeEmpty()
     return new ut_NullStreamBuf;
 }
 
+// Whether init() liked the data is left to the first read, where a reader looks for
+// errors anyway.
 UT_IStreamBuf *UT_IStreamBuf::makeZLib(UT_IStreamBuf &inner)
 {
     auto *source = new ut_ZLibStreamBuf(inner);
@@ -162,6 +165,7 @@ bool UT_IStreamBuf::refill()
 {
     if (myError)
         return false;
+    // A source may leave the indices alone when it has nothing.
     myReadPos = myEnd = 0;
     myBuffer = fillBuffer(myReadPos, myEnd);
     if (!myBuffer)
@@ -169,6 +173,8 @@ bool UT_IStreamBuf::refill()
     return myBuffer != nullptr;
 }
 
+// The heart of all text readers: one append for each run, not for each byte. `scan`
+// gets the buffered bytes and gives the first one to stop at, or their end.
 template <class Scan>
 bool UT_IStreamBuf::takeUntil(UT_ScratchBuffer &out, Scan &&scan)
 {
@@ -184,6 +190,7 @@ bool UT_IStreamBuf::takeUntil(UT_ScratchBuffer &out, Scan &&scan)
     return false;
 }
 
+// Fetches when needed: what is asked for may lie in the next chunk.
 bool UT_IStreamBuf::nextIs(char c)
 {
     return hasNext() && myBuffer[myReadPos] == c;
@@ -198,6 +205,7 @@ bool UT_IStreamBuf::getLine(UT_ScratchBuffer &line, int delimiter)
         line, [=](const char *from, const char *end) { return findByte(from, end, delimiter); });
     if (!ended)
         return true;
+    // Looked for in the line, since it may have come with the chunk before.
     const int last = line.length() - 1;
     if (delimiter == '\n' && last >= 0 && line.buffer()[last] == '\r' && !line.isLocked())
         line.truncate(last);
@@ -248,6 +256,7 @@ bool UT_IStreamBuf::getString(UT_ScratchBuffer &text)
     text.clear();
     if (!skipWhitespace())
         return false;
+    // Only a quote that begins the text is special; \" begins a word with a quote.
     const char first = myBuffer[myReadPos++];
     const bool isQuoted = first == '"';
     if (!isQuoted && !(first == '\\' && nextIs('"')))
@@ -280,6 +289,7 @@ bool UT_IStreamBuf::getNumberToken(UT_ScratchBuffer &token, bool &isFloating)
     const char first = myBuffer[myReadPos];
     if (!isDigit(first) && first != '.' && first != '+' && first != '-')
         return getWord(token);
+    // The form lives outside the scan: a number may go on in the next chunk.
     NumberForm form;
     takeUntil(token, [&form](const char *from, const char *end) {
         return std::find_if_not(from, end, [&form](char c) { return form.fits(c); });
@@ -307,11 +317,13 @@ int UT_IStreamBuf::peekByte()
 
 int UT_IStreamBuf::unread(int n)
 {
+    // What lies in front of the read index is still the chunk's.
     const int back = std::clamp(n, 0, myReadPos);
     myReadPos -= back;
     return back;
 }
 
+// Past the chunk there is no use in another one: the caller's memory takes the bytes.
 int UT_IStreamBuf::bread(void *dst, int n)
 {
     char *out = static_cast<char *>(dst);

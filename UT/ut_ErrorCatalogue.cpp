@@ -96,6 +96,7 @@ void ut_ErrorCatalogue::addLine(const char *line)
 {
     const char *p = line;
     int code = 0;
+    // Stops counting, not reading, above the greatest code: no overflow.
     for (; std::isdigit(static_cast<unsigned char>(*p)); ++p)
         code = code <= MAX_CODE ? code * 10 + (*p - '0') : code;
     if (p == line || code > MAX_CODE)

@@ -54,7 +54,7 @@ void ut_ErrorLog::add(const UT_Error &error)
     if (!myFileName.isNonEmpty() || error.getSeverity() < myLevel)
         return;
     const std::lock_guard<std::mutex> guard(myLock);
-    const int callersErrno = errno;
+    const int callersErrno = errno; // an error being reported must not lose its cause
     const int file = open(myFileName, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (file >= 0) {
         UT_String message;
@@ -69,6 +69,7 @@ void ut_ErrorLog::add(const UT_Error &error)
 
 bool ut_ErrorLog::isRepeated(const char *message, time_t now)
 {
+    // Nothing in the table can be recent then, and it must not grow for ever.
     if (!isWithin(REPEAT_SECONDS, toValue(myLastWrite), now)) {
         myRecent.clearTable();
         return false;

@@ -5,7 +5,7 @@
 ut_FileStreamBuf::ut_FileStreamBuf(FILE *fp) : myFile(fp)
 {
     if (!myFile)
-        setError();
+        setError(); // errno is still that of the fopen that failed
 }
 
 int ut_FileStreamBuf::read(void *dst, int n)

@@ -5,6 +5,7 @@
 namespace
 {
 
+// RFC 1952, section 2.3.1; the text flag, 1, changes nothing here.
 enum Flags {
     HEADER_CRC = 2,
     EXTRA_FIELD = 4,
@@ -20,10 +21,11 @@ bool ut_GZipStreamBuf::init()
     if (!readHeader())
         return false;
     myDataStart = getSource().tellg();
-    start(-MAX_WBITS);
+    start(-MAX_WBITS); // bare deflate data, without zlib's own header
     return true;
 }
 
+// The start of the compressed data is the header's; zlib wants what follows it.
 bool ut_GZipStreamBuf::rewind()
 {
     return ut_ZLibStreamBuf::rewind() && getSource().seekg(myDataStart, 0);
@@ -37,7 +39,7 @@ bool ut_GZipStreamBuf::readHeader()
     if (!readBytes(method, 2) || method[0] != Z_DEFLATED || method[1] >= RESERVED)
         return false;
     const int flags = method[1];
-    if (!skipBytes(6))
+    if (!skipBytes(6)) // time, extra flags, operating system
         return false;
     if ((flags & EXTRA_FIELD) && !(readBytes(length, 2) && skipBytes(length[0] | length[1] << 8)))
         return false;

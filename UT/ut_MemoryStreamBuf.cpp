@@ -27,6 +27,7 @@ const char *ut_MemoryStreamBuf::fillBuffer(int &start, int &end)
 {
     if (isEof())
         return nullptr;
+    // The chunk is the whole block, so that what was read can be taken back.
     start = myPosition;
     end = myPosition = mySize;
     return myData;
@@ -39,6 +40,7 @@ int64_t ut_MemoryStreamBuf::tell()
 
 bool ut_MemoryStreamBuf::seek(int64_t pos, int whence)
 {
+    // Compared by differences: origin + pos could overflow.
     const int origins[] = {0, myPosition, mySize};
     const bool isKnown = whence >= 0 && whence <= 2;
     const int64_t origin = isKnown ? origins[whence] : 0;

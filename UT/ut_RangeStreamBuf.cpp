@@ -8,7 +8,7 @@ ut_RangeStreamBuf::ut_RangeStreamBuf(UT_IStreamBuf &inner, int64_t start, int64_
 {
     myInner.addReference();
     if (__builtin_add_overflow(myStart, myRemaining, &myEndPos))
-        myEndPos = INT64_MAX;
+        myEndPos = INT64_MAX; // "all the rest"
     if (!myInner.seekg(myStart, 0))
         myRemaining = 0;
 }
@@ -34,6 +34,7 @@ const char *ut_RangeStreamBuf::fillBuffer(int &start, int &end)
 {
     const char *run = myRemaining > 0 ? myInner.takeRun(myRemaining, end) : nullptr;
     if (!run) {
+        // A disk that fails must not look like the end of the range.
         if (myInner.hasError())
             setError(myInner.getErrorText());
         return nullptr;
@@ -43,6 +44,8 @@ const char *ut_RangeStreamBuf::fillBuffer(int &start, int &end)
     return run;
 }
 
+// What the range has fetched, the inner source has delivered: its logical position is
+// the medium's position here.
 int64_t ut_RangeStreamBuf::tell()
 {
     const int64_t position = myInner.tellg();

@@ -49,7 +49,7 @@ int64_t ut_StreamStreamBuf::tell()
     const std::ios_base::iostate state = myStream.rdstate();
     forgetEnd();
     const int64_t position = static_cast<std::streamoff>(myStream.tellg());
-    myStream.clear(state);
+    myStream.clear(state); // asking for the position changes nothing
     return position;
 }
 

@@ -40,6 +40,7 @@ bool ut_ZLibStreamBuf::fetchInput()
 {
     if (myZStream.avail_in > 0)
         return true;
+    // The input's end is no error here: data may be cut, and what came is delivered.
     const int got = mySource.bread(myInBlock, BLOCK_BYTES);
     myZStream.next_in = reinterpret_cast<Bytef *>(myInBlock);
     myZStream.avail_in = static_cast<uInt>(got);
@@ -50,6 +51,7 @@ int ut_ZLibStreamBuf::inflateInto(char *dst, int n)
 {
     myZStream.next_out = reinterpret_cast<Bytef *>(dst);
     myZStream.avail_out = static_cast<uInt>(n);
+    // Before any input is asked for: a refused header may have used all of it up.
     if (!myIsStarted)
         setError(zError(Z_STREAM_ERROR));
     while (myIsStarted && myZStream.avail_out > 0 && !myAtEnd && fetchInput()) {
@@ -82,6 +84,7 @@ int ut_ZLibStreamBuf::read(void *dst, int n)
 int ut_ZLibStreamBuf::peekChar()
 {
     unsigned char next;
+    // Decompressed data cannot be put back, so the byte waits for the next read.
     if (myPeekChar < 0 && read(&next, 1) == 1) {
         --myPosition;
         myPeekChar = next;
