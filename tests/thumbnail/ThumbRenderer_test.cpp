@@ -3,6 +3,8 @@
 #include "tests/thumbnail/ThumbrenderTest.h"
 #include "thumbnail/ThumbDriver.h"
 
+#include <sys/resource.h>
+
 #include <cstring>
 #include <filesystem>
 
@@ -129,22 +131,21 @@ TEST_F(RenderJob, RendererStartsWithTheDefaultForBrokenPipes)
     EXPECT_EQ("", renderer.commands());
 }
 
-TEST_F(RenderJob, TwoHundredPalettesNeedNoMoreThanTwentyDescriptors)
+TEST_F(RenderJob, ManyPalettesNeedNoMoreThanTwentyDescriptors)
 {
     const std::string command = renderer.folder() + "/vaskel";
     std::filesystem::remove(command);
     std::filesystem::create_symlink("/bin/true", command);
-    ProgramRun program;
-    program.arguments = {"/bin/sh", "-c", "ulimit -n 20; exec \"$0\" \"$@\"",
-                         BIN_DIR "/thumbrender"};
-    program.arguments.resize(program.arguments.size() + 200, "x.palette");
-    program.environment = {"HOME=" + path("home"), "VDX=" + path("share"),
-                           "PATH=" + renderer.folder()};
-    program.folder = path("runs");
-    program.run();
+    rlimit saved = {};
+    getrlimit(RLIMIT_NOFILE, &saved);
+    const rlimit twenty = {20, saved.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &twenty);
+    const ProgramRun run = thumbrender(std::vector<std::string>(60, "x.palette"));
+    setrlimit(RLIMIT_NOFILE, &saved);
+
     std::string expected;
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 60; ++i)
         expected += stopped;
-    EXPECT_TRUE(expected == program.err) << program.err.substr(0, 1000);
-    EXPECT_EQ(0, program.status);
+    EXPECT_TRUE(expected == run.err) << run.err.substr(0, 1000);
+    EXPECT_EQ(0, run.status);
 }
