@@ -9,7 +9,7 @@
 // Splits a line at blanks. Single or double quotes hold blanks together, inside
 // a word too; a comment (`#` as the first character that is no blank, or `//`
 // where a word could begin) ends the line. False and a message for a quote
-// that nothing closes and for a zero byte.
+// that nothing closes, with the words up to it, and for a zero byte, with none.
 [[nodiscard]] bool vk_splitLine(std::string_view line, vk_Words &words, std::string &error);
 
 // The file name behind the statement's word: up to the line's last double quote

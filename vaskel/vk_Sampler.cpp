@@ -7,8 +7,7 @@ std::uint32_t reverseBits(std::uint32_t x)
     x = ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
     x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
     x = ((x >> 4) & 0x0f0f0f0fu) | ((x & 0x0f0f0f0fu) << 4);
-    x = ((x >> 8) & 0x00ff00ffu) | ((x & 0x00ff00ffu) << 8);
-    return (x >> 16) | (x << 16);
+    return __builtin_bswap32(x);
 }
 
 // Scrambles the bits of a reversed number from the lowest up, each by those

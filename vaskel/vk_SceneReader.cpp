@@ -33,11 +33,12 @@ struct vk_SceneReader::Statement {
     const char *arguments;
     Handler     handler;
     const char *what;
+    bool        takesLine = false; // as it stands, whatever its quotes
 };
 
 // doc/scene.md has the same rows.
 const vk_SceneReader::Statement vk_SceneReader::STATEMENTS[] = {
-    {"picture", "NAME", &vk_SceneReader::doPicture, "the picture to write"},
+    {"picture", "NAME", &vk_SceneReader::doPicture, "the picture to write", true},
     {"size", "WIDTH HEIGHT", &vk_SceneReader::doSize, "picture size in pixels"},
     {"samples", "COUNT", &vk_SceneReader::doSamples, "the most samples that a pixel gets"},
     {"exposure", "STOPS", &vk_SceneReader::doExposure, "brighter by powers of two"},
@@ -110,7 +111,7 @@ bool vk_SceneReader::readLine(std::FILE *file)
 
 void vk_SceneReader::takeLine()
 {
-    if (!vk_splitLine(myLine, myWords, myError)) {
+    if (!vk_splitLine(myLine, myWords, myError) && !takesLine()) {
         report(myError);
         return;
     }
@@ -120,6 +121,15 @@ void vk_SceneReader::takeLine()
     if (!obey())
         report(myError);
     mySeen.insert(word);
+}
+
+bool vk_SceneReader::takesLine() const
+{
+    const std::size_t word = !myWords.empty() && myWords[0] == "default" ? 1 : 0;
+    for (const Statement &statement : STATEMENTS)
+        if (word < myWords.size() && myWords[word] == statement.word)
+            return statement.takesLine;
+    return false;
 }
 
 bool vk_SceneReader::obey()

@@ -51,6 +51,7 @@ private:
     bool readLine(std::FILE *file);
     void takeLine();
     bool obey();
+    bool takesLine() const;
     void report(const std::string &message);
     void checkWhole();
 

@@ -97,7 +97,7 @@ vk_Vertex teapotVertex(const unsigned short (&patch)[16], float u, float v)
     const vk_Vec    along = blended(patch, bu.slope, beside.weight);
     const vk_Vec    up = blended(patch, bu.weight, beside.slope);
     return {upright(blended(patch, bu.weight, bv.weight)),
-            upright(vk_normalize(vk_cross(up, along))), u, v};
+            upright(vk_normalize(vk_cross(along, up))), u, v};
 }
 
 enum { TEAPOT_WIDTH };

@@ -1,6 +1,7 @@
 #include "vaskel/vk_World.h"
 
 #include <embree3/rtcore.h>
+#include <tbb/task_arena.h>
 
 #include <cstring>
 #include <limits>
@@ -27,7 +28,17 @@ struct vk_World::Embree {
     }
     bool failed() const { return device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
     void attach(const vk_Mesh &mesh);
+    void build() const;
 };
+
+// One thread builds: the tree, and with it the last bit of a hit, must not
+// depend on how many threads there are. (Telling the device to use one thread
+// would leave one to everybody in the process.)
+void vk_World::Embree::build() const
+{
+    tbb::task_arena alone(1);
+    alone.execute([&] { rtcJoinCommitScene(scene); });
+}
 
 void vk_World::Embree::attach(const vk_Mesh &mesh)
 {
@@ -54,9 +65,7 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
 {
     if (scene.shapes.empty())
         return;
-    // One thread builds: the tree, and with it the last bit of a hit, must not
-    // depend on how many threads there are.
-    myEmbree->device = rtcNewDevice("threads=1");
+    myEmbree->device = rtcNewDevice(nullptr);
     if (myEmbree->device != nullptr)
         myEmbree->scene = rtcNewScene(myEmbree->device);
     for (const vk_ShapeEntry &entry : scene.shapes) {
@@ -69,7 +78,7 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
         myEmbree->attach(myShapes.back()->mesh);
     }
     if (myEmbree->scene != nullptr)
-        rtcCommitScene(myEmbree->scene);
+        myEmbree->build();
     if (myEmbree->failed())
         myError = "cannot set up ray tracing (out of memory?)";
 }
@@ -80,7 +89,8 @@ vk_Vec vk_Hit::start(const vk_Vec &direction) const
 {
     // Floats near the position are this far apart, with a margin for the
     // rounding of the intersection itself.
-    const float size = vk_largest({std::abs(position.x), std::abs(position.y), std::abs(position.z)});
+    const float size =
+        vk_largest({std::abs(position.x), std::abs(position.y), std::abs(position.z)});
     const float off = 1e-5f * std::max(size, 1.0f) + 1e-5f * distance;
     return position + facet * (vk_dot(facet, direction) < 0 ? -off : off);
 }

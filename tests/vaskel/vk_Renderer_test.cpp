@@ -1,0 +1,142 @@
+#include "vaskel/vk_Renderer.h"
+
+#include "vaskel/vk_SceneReader.h"
+#include "vaskel/vk_Tracer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace
+{
+constexpr char STUDIO[] = "picture p.png\ncamera\nfloor v_checker\n"
+                          "lightplace from -5 5.5 2.6 to 0 1 0\n"
+                          "light v_area intensity .8 width 2.5 height 2.5\n"
+                          "lightplace from 4.5 2.5 6 to 0 1 0\n"
+                          "light v_area intensity .07 width 4 height 4\n"
+                          "lightplace from 4 5 -4 to 0 1 0\n"
+                          "light v_area intensity .35 width 3 height 2\n";
+
+void readScene(const std::string &lines, vk_Scene &scene)
+{
+    std::string      text = STUDIO + lines + "\n";
+    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
+    vk_SceneReader   reader("s", scene);
+    EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
+    std::fclose(file);
+}
+
+vk_Film draw(const std::string &lines, int threads = 2)
+{
+    vk_Scene    scene;
+    vk_Film     film;
+    std::string error;
+    readScene(lines, scene);
+    EXPECT_TRUE(vk_render(scene, threads, film, error)) << error;
+    return film;
+}
+
+// Mean of the green bytes in a part of a film, in shares of its size.
+double meanOf(const vk_Film &film, double left, double top, double right, double bottom)
+{
+    double sum = 0, count = 0;
+    for (int y = static_cast<int>(top * film.height); y < bottom * film.height; ++y)
+        for (int x = static_cast<int>(left * film.width); x < right * film.width; ++x, ++count)
+            sum += film.bytes[static_cast<std::size_t>(3 * (y * film.width + x) + 1)];
+    return sum / count;
+}
+} // namespace
+
+TEST(Renderer, ThreadsDoNotChangeAByte)
+{
+    const std::string scene = "size 50 43\nsamples 16\nfog v_fog density .05\ndisplace v_bumps\n"
+                              "surface v_plastic diff 1 0 0\nteapot\n";
+    const vk_Film one = draw(scene, 1);
+    EXPECT_EQ(one.bytes, draw(scene, 2).bytes);
+    EXPECT_EQ(one.bytes, draw(scene, 5).bytes);
+}
+
+TEST(Renderer, MatteHalfShowsAsMiddleGrey)
+{
+    const vk_Film film = draw("size 64 64\nsurface v_matte diff .5\nsphere\n");
+    EXPECT_NEAR(128, meanOf(film, .3, .3, .7, .7), 20);
+    EXPECT_GT(meanOf(film, .3, .3, .4, .5), meanOf(film, .6, .5, .7, .7) + 20); // lit from the left
+}
+
+TEST(Renderer, ShadersShowWhatTheyDo)
+{
+    const std::string ball = "size 48 48\nsamples 16\n";
+    const vk_Film     usual = draw(ball + "sphere\n");
+    // Right behind the ball lies its shadow.
+    const vk_Film bright = draw(ball + "shadow v_noshadow\nsphere\n");
+    EXPECT_GT(meanOf(bright, .75, .75, .95, .85), meanOf(usual, .75, .75, .95, .85) + 5);
+    EXPECT_EQ(255, draw(ball + "surface v_constant color 100\nsphere\n").bytes[3 * (24 * 48 + 24)]);
+    EXPECT_NEAR(128, draw(ball + "background off\nsphere\n").bytes[0], 1);
+    EXPECT_GT(meanOf(draw(ball + "exposure 1\nsphere\n"), 0, 0, 1, 1), meanOf(usual, 0, 0, 1, 1) + 20);
+    EXPECT_NE(usual.bytes, draw(ball + "fog v_fog\nsphere\n").bytes);
+    EXPECT_NE(usual.bytes, draw(ball + "displace v_bumps\nsphere\n").bytes);
+}
+
+TEST(Renderer, OddScenesGiveFiniteLight)
+{
+    const char *const scenes[] = {
+        "camera from 0 1 0 at 0 1 5\nsphere",
+        "camera from 0 0 5 at 0 0 0\nsphere",
+        "camera from 0 -3 5 at 0 1 0\nsphere",
+        "surface v_plastic rough 0 ior 1\nsphere",
+        "surface v_metal rough 0\nsphere\ntranslate 0 0 1\nsphere",
+        "lightplace from 0 1 0 to 0 1 0\nlight v_area\nlight v_point radius 0\nlight v_distant\nsphere",
+        "light v_point color 1000 intensity 1000 radius 0\nsphere",
+        "light v_area intensity 0\nlight v_area intensity 0\nlight v_area intensity 0\nsphere",
+        "displace v_bumps height .5 size .05\nsphere radius .01",
+        "fog v_fog density 100 radius 1000\nsphere",
+        "fog v_fog radius 0\nsphere",
+        "scale 5000\nsphere",
+        "floor v_checker size .001",
+    };
+    for (const char *lines : scenes) {
+        SCOPED_TRACE(lines);
+        vk_Scene scene;
+        readScene(lines, scene);
+        const vk_World  world(scene);
+        const vk_Tracer tracer(scene, world);
+        ASSERT_EQ("", world.error());
+        const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
+        for (std::uint32_t i = 0; i < 512; ++i) {
+            vk_Sampler      sampler(1, i);
+            const vk_Vec    way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
+            const vk_Colour light = tracer.radiance(scene.camera.from, way, sampler);
+            ASSERT_TRUE(vk_isFinite(light) && light.x >= 0 && light.y >= 0 && light.z >= 0);
+        }
+    }
+}
+
+TEST(Renderer, ThreadCountFollowsTheEnvironment)
+{
+    const struct {
+        const char *value;
+        int         count;
+    } cases[] = {{"1", 1}, {"7", 7}, {"100", 100}, {"101", 100}, {"99999999999999999999", 100}};
+    for (const auto &c : cases) {
+        setenv("VELDRIN_MAXTHREADS", c.value, 1);
+        EXPECT_EQ(c.count, vk_threadCount()) << c.value;
+    }
+    unsetenv("VELDRIN_MAXTHREADS");
+    const int detected = vk_threadCount();
+    for (const char *value : {"0", "-1", "", "many"}) {
+        setenv("VELDRIN_MAXTHREADS", value, 1);
+        EXPECT_EQ(detected, vk_threadCount()) << value;
+    }
+    unsetenv("VELDRIN_MAXTHREADS");
+}
+
+TEST(Film, CurveKeepsMiddleGreyAndRisesToWhite)
+{
+    EXPECT_NEAR(.214, vk_toneCurve(.214f), 1e-3);
+    EXPECT_NEAR(.5, vk_toSrgb(.214f), 1e-3);
+    EXPECT_EQ(0, vk_toneCurve(0));
+    EXPECT_NEAR(1, vk_toneCurve(VK_WHITE), 1e-4);
+    EXPECT_EQ(vk_toneCurve(VK_WHITE), vk_toneCurve(1e30f));
+    for (float x = 0; x < VK_WHITE; x += .01f)
+        EXPECT_LT(vk_toneCurve(x), vk_toneCurve(x + .01f)) << x;
+}

@@ -1,0 +1,81 @@
+#include "vaskel/vk_Shapes.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+vk_Mesh build(const char *word, const vk_DisplaceShader &displace, const vk_Transform &transform)
+{
+    const vk_ShapeRow *row = vk_findShape(word);
+    vk_MeshBuilder     builder(transform, displace);
+    row->build(vk_Values(row->params), builder);
+    return builder.take();
+}
+
+// The share of triangles whose normals point to the side that the vertices'
+// normals say.
+double agreement(const vk_Mesh &mesh)
+{
+    double agree = 0, all = 0;
+    for (const auto &corners : mesh.triangles) {
+        const vk_Vertex &a = mesh.vertices[corners[0]];
+        const vk_Vertex &b = mesh.vertices[corners[1]];
+        const vk_Vertex &c = mesh.vertices[corners[2]];
+        const vk_Vec     facet = vk_cross(b.position - a.position, c.position - a.position);
+        if (vk_length(facet) < 1e-9f)
+            continue; // at a pole
+        all += 1;
+        const vk_Vec mean = vk_normalize(a.normal + b.normal + c.normal);
+        agree += vk_dot(vk_normalize(facet), mean) > .8f ? 1 : 0;
+    }
+    return agree / all;
+}
+} // namespace
+
+TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
+{
+    const vk_DisplaceShader bumps = {VK_DISPLACE_SHADERS.rows,
+                                     vk_Values(VK_DISPLACE_SHADERS.rows->params)};
+    for (const char *word : {"sphere", "grid", "tube", "teapot"}) {
+        SCOPED_TRACE(word);
+        const vk_Mesh plain = build(word, {}, {});
+        float         lowest = 10, widest = 0;
+        for (const vk_Vertex &vertex : plain.vertices) {
+            lowest = std::min(lowest, vertex.position.y);
+            widest = std::max(widest, std::abs(vertex.position.x));
+            EXPECT_NEAR(1, vk_length(vertex.normal), 1e-4f);
+        }
+        EXPECT_NEAR(0, lowest, 1e-4f);
+        EXPECT_LT(widest, 1.5f);
+        EXPECT_GT(widest, .7f);
+        EXPECT_GT(agreement(plain), .995);
+        EXPECT_GT(agreement(build(word, bumps, {})), .94);
+        // A mirroring transform turns the triangles round, not the outside.
+        EXPECT_LT(agreement(build(word, {}, vk_Transform::scaling({-1, 1, 1}))), .005);
+    }
+}
+
+TEST(Shapes, NormalsPointOutwards)
+{
+    for (const char *word : {"sphere", "tube"})
+        for (const vk_Vertex &vertex : build(word, {}, {}).vertices)
+            EXPECT_GT(vk_dot(vertex.position - vk_Vec{0, 1, 0}, vertex.normal), 0) << word;
+    // The teapot's body, seen from its axis.
+    int outwards = 0, inwards = 0;
+    for (const vk_Vertex &vertex : build("teapot", {}, {}).vertices) {
+        const float out = vertex.position.x * vertex.normal.x + vertex.position.z * vertex.normal.z;
+        (out > 0 ? outwards : inwards)++;
+    }
+    EXPECT_GT(outwards, 3 * inwards);
+}
+
+TEST(Transform, InverseAndNestingUndoAndOrder)
+{
+    const vk_Transform t = vk_Transform::translation({1, 2, 3}) *
+                           vk_Transform::rotation(30, {1, 1, 0}) *
+                           vk_Transform::scaling({2, 3, -1});
+    const vk_Vec p = {.3f, -.7f, 2};
+    EXPECT_LT(vk_length(t.inverse().point(t.point(p)) - p), 1e-5f);
+    const vk_Vec turned = vk_Transform::rotation(90, {0, 1, 0}).point({1, 0, 0});
+    EXPECT_LT(vk_length(turned - vk_Vec{0, 0, -1}), 1e-6f);
+}
