@@ -1,6 +1,7 @@
 #include "CPP/CPP_File.h"
 
 #include "CPP/CPP_Stream.h"
+#include "CPP/cpp_Text.h"
 
 #include <cstdint>
 #include <cstring>
@@ -24,10 +25,7 @@ bool endsInBackslash(const UT_ScratchBuffer &line)
 // Everything behind this is text that ends at its NUL.
 void replaceNuls(UT_ScratchBuffer &line)
 {
-    char *end = line.buffer() + line.length();
-    char *p = line.buffer();
-    while ((p = static_cast<char *>(std::memchr(p, '\0', static_cast<size_t>(end - p)))) != nullptr)
-        *p++ = ' ';
+    replaceAll(line.buffer(), line.length(), '\0', ' ');
 }
 } // namespace
 

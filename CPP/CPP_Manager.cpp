@@ -4,10 +4,10 @@
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
 #include "UT/UT_IStream.h"
 
-#include <cctype>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -20,13 +20,6 @@ constexpr int DEFAULT_RECURSION_LIMIT = 128;
 
 // "error", "warning", by CPP_Manager::Severity.
 const char *const SEVERITIES[] = {"error", "warning"};
-
-const char *skipSpace(const char *text)
-{
-    while (std::isspace(static_cast<unsigned char>(*text)) != 0)
-        ++text;
-    return text;
-}
 
 bool isStandardInput(const char *path)
 {
@@ -260,10 +253,7 @@ void CPP_Manager::popFile(UT_ScratchBuffer &out)
 // From myLine, the source line, to `out`, which is empty.
 void CPP_Manager::processLine(UT_ScratchBuffer &out)
 {
-    char *p = myLine.buffer();
-    while ((p = static_cast<char *>(std::memchr(
-                p, '\r', static_cast<size_t>(myLine.buffer() + myLine.length() - p)))) != nullptr)
-        *p++ = ' ';
+    replaceAll(myLine.buffer(), myLine.length(), '\r', ' ');
     stripComments(myLine);
 
     const char *first = skipSpace(myLine.buffer());
@@ -300,8 +290,7 @@ bool CPP_Manager::isOldInclude(const char *text) const
         return false;
     for (const char *word : {"include", "sinclude"}) {
         const size_t length = std::strlen(word);
-        if (std::strncmp(text, word, length) == 0 &&
-            std::isspace(static_cast<unsigned char>(text[length])) != 0)
+        if (std::strncmp(text, word, length) == 0 && isSpace(text[length]))
             return true;
     }
     return false;

@@ -2,6 +2,7 @@
 
 #include "CPP/CPP_Manager.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_Text.h"
 
 #include <cctype>
 #include <climits>
@@ -57,28 +58,6 @@ const Operator OPERATORS[] = {
     {"(", 9, OPEN, [](int64_t, int64_t) -> int32_t { return 0; }},
     {")", 0, CLOSE, nullptr},
 };
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isNameStart(char c)
-{
-    return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_';
-}
-
-bool isNameCharacter(char c)
-{
-    return isNameStart(c) || isDigit(c);
-}
-
-const char *skipSpace(const char *text)
-{
-    while (std::isspace(static_cast<unsigned char>(*text)) != 0)
-        ++text;
-    return text;
-}
 
 // A long that is as wide as on a 32-bit machine.
 int32_t parseNumber(const std::string &digits, int base)

@@ -2,12 +2,12 @@
 #include "CPP/CPP_Manager.h"
 
 #include "CPP/cpp_Condition.h"
+#include "CPP/cpp_Text.h"
 #include "UT/UT_Environment.h"
 #include "UT/UT_ExpandVariables.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstring>
+#include <string>
 
 namespace
 {
@@ -17,11 +17,6 @@ constexpr size_t MAX_TESTED_NAME = 4096;
 // Each open include file holds a descriptor, and a file that includes itself
 // twice would never end.
 constexpr unsigned MAX_INCLUDE_DEPTH = 200;
-
-bool isSpace(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
 
 // The first word of `text`, cut at `most` characters.
 std::string firstWord(const char *text, size_t most)
@@ -73,12 +68,9 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
     const bool hashComments = hasFlag(HASH_COMMENTS);
     if (hashComments && isSpace(*text))
         return;
-    while (isSpace(*text))
-        ++text;
+    text = skipSpace(text);
     const std::string word = firstWord(text, MAX_WORD);
-    const char *argument = text + word.size();
-    while (isSpace(*argument))
-        ++argument;
+    const char *argument = skipSpace(text + word.size());
 
     CPP_File &file = *currentFile();
     const bool isSkipping = file.isSkipping();

@@ -3,6 +3,7 @@
 #include "CPP/CPP_File.h"
 #include "CPP/CPP_Manager.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_Text.h"
 #include "UT/UT_FormatTime.h"
 #include "UT/UT_ScratchBuffer.h"
 
@@ -28,11 +29,10 @@ constexpr std::array<Class, 256> makeClasses()
 {
     std::array<Class, 256> classes{};
     for (unsigned c = 0; c < 256; ++c) {
-        const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-        const bool isSpace = c == ' ' || (c >= '\t' && c <= '\r');
-        classes[c] = isLetter                ? WORD
-                     : isSpace               ? SPACE
-                     : c >= '0' && c <= '9'  ? DIGIT
+        const char here = static_cast<char>(c);
+        classes[c] = isNameStart(here)       ? WORD
+                     : isSpace(here)         ? SPACE
+                     : isDigit(here)         ? DIGIT
                      : c == '"' || c == '\'' ? QUOTE
                      : c == '\\'             ? BACKSLASH
                                              : PLAIN;
@@ -45,11 +45,6 @@ constexpr std::array<Class, 256> CLASSES = makeClasses();
 Class classOf(char c)
 {
     return CLASSES[static_cast<unsigned char>(c)];
-}
-
-bool isNameCharacter(char c)
-{
-    return classOf(c) == WORD || classOf(c) == DIGIT;
 }
 
 // Behind the quote that closes the run starting at `quote`; null when none does.

@@ -2,9 +2,9 @@
 #include "CPP/cpp_Macro.h"
 
 #include "CPP/CPP_Manager.h"
+#include "CPP/cpp_Text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <vector>
 
@@ -12,32 +12,10 @@ namespace
 {
 constexpr size_t MAX_UNDEFINED_NAME = 1024;
 
-bool isSpace(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-bool isNameStart(char c)
-{
-    return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_';
-}
-
-bool isNameCharacter(char c)
-{
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-}
-
 bool isValidName(const std::string &name)
 {
     return !name.empty() && isNameStart(name[0]) &&
            std::all_of(name.begin(), name.end(), isNameCharacter);
-}
-
-const char *skipSpace(const char *text)
-{
-    while (isSpace(*text))
-        ++text;
-    return text;
 }
 
 // Takes the characters up to white space or one of `delimiters`.
