@@ -1,6 +1,7 @@
 #include "CPP/CPP_Manager.h"
 
 #include "CPP/CPP_Stream.h"
+#include "CPP/cpp_Comments.h"
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
@@ -254,7 +255,10 @@ void CPP_Manager::popFile(UT_ScratchBuffer &out)
 void CPP_Manager::processLine(UT_ScratchBuffer &out)
 {
     replaceAll(myLine.buffer(), myLine.length(), '\r', ' ');
-    stripComments(myLine);
+    const bool strips = hasFlag(STRIP_COMMENTS);
+    const bool isOpen = stripComments(myLine, strips && !hasFlag(KEEP_SLASH_COMMENTS),
+                                      strips && hasFlag(HASH_COMMENTS), hasFlag(IN_BLOCK_COMMENT));
+    setFlag(IN_BLOCK_COMMENT, isOpen);
 
     const char *first = skipSpace(myLine.buffer());
     if (processIfDirective(first, out))

@@ -145,10 +145,6 @@ private:
     void diagnose(UT_String &result, Severity severity, const char *format, ...)
         __attribute__((format(printf, 4, 5)));
 
-    // strip
-    void stripComments(UT_ScratchBuffer &line);
-    int skipBlockComment(UT_ScratchBuffer &line, int from);
-
     // direct
     void processDirective(const char *text, UT_String &result);
     void doIfdef(const Directive &directive);

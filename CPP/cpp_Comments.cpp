@@ -1,9 +1,6 @@
-// Stage "strip": takes the comments out of a line, in place.
-//
-// A block comment becomes blanks, so that what follows it stays in its column;
-// a line comment cuts the line. Comment signs inside quotes count as text, and
-// so does a quote that nothing closes on its line.
-#include "CPP/CPP_Manager.h"
+#include "CPP/cpp_Comments.h"
+
+#include "UT/UT_ScratchBuffer.h"
 
 #include <cstring>
 
@@ -38,54 +35,57 @@ bool holds(const UT_ScratchBuffer &line, char c)
 {
     return std::memchr(line.buffer(), c, static_cast<size_t>(line.length())) != nullptr;
 }
-} // namespace
 
-// Blanks out an open block comment from `from` on. Returns where text goes on;
-// the line's length when the comment does not end on this line.
-int CPP_Manager::skipBlockComment(UT_ScratchBuffer &line, int from)
+void cut(UT_ScratchBuffer &line, int length)
+{
+    line.truncate(length);
+    line.append('\n');
+}
+
+// Blanks out an open block comment from `from` on. Position behind it; -1 when it
+// does not end on this line, which is then cut.
+int skipBlockComment(UT_ScratchBuffer &line, int from)
 {
     char *start = line.buffer() + from;
     const auto *end = static_cast<const char *>(
         memmem(start, static_cast<size_t>(line.length() - from), "*/", 2));
-    setFlag(IN_BLOCK_COMMENT, end == nullptr);
     if (end == nullptr) {
-        line.truncate(from);
-        line.append('\n');
-        return line.length();
+        cut(line, from);
+        return -1;
     }
     const auto length = static_cast<size_t>(end + 2 - start);
     std::memset(start, ' ', length);
     return from + static_cast<int>(length);
 }
+} // namespace
 
-void CPP_Manager::stripComments(UT_ScratchBuffer &line)
+bool stripComments(UT_ScratchBuffer &line, bool bySlash, bool byHash, bool isOpen)
 {
-    int i = hasFlag(IN_BLOCK_COMMENT) ? skipBlockComment(line, 0) : 0;
-    const bool strips = hasFlag(STRIP_COMMENTS);
-    const bool bySlash = strips && !hasFlag(KEEP_SLASH_COMMENTS) && holds(line, '/');
-    const bool byHash =
-        strips && hasFlag(HASH_COMMENTS) && line.buffer()[0] != '#' && holds(line, '#');
+    bySlash = bySlash && holds(line, '/');
+    // The first character counts as it was written, also inside a comment.
+    byHash = byHash && line.buffer()[0] != '#' && holds(line, '#');
+    int i = isOpen ? skipBlockComment(line, 0) : 0;
     if (!bySlash && !byHash)
-        return;
+        return i < 0;
 
     QuoteFinder quotes;
-    while (i < line.length()) {
+    while (i >= 0 && i < line.length()) {
         const char *here = line.buffer() + i;
         if (*here == '"' || *here == '\'') {
             const int end = quotes.close(line, i);
             i = end < 0 ? i + 1 : end + 1;
         } else if (bySlash && here[0] == '/' && here[1] == '/') {
-            line.truncate(i);
-            line.append('\n');
-            return;
+            cut(line, i);
+            return false;
         } else if (bySlash && here[0] == '/' && here[1] == '*') {
             std::memset(line.buffer() + i, ' ', 2);
             i = skipBlockComment(line, i + 2);
         } else if (byHash && *here == '#' && i > 0) {
             line.truncate(i);
-            return;
+            return false;
         } else {
             ++i;
         }
     }
+    return i < 0;
 }

@@ -37,44 +37,6 @@ TEST(Lines, NumbersFollowThePhysicalLines)
     EXPECT_EQ("x 1 x\n\n\n4\n", preprocessed("-P", "x __LINE__ x\\\n\\\n\n__LINE__\n"));
 }
 
-TEST(Comments, GoAndLeaveTheRestInItsPlace)
-{
-    const struct {
-        const char *what, *options, *in, *out;
-    } cases[] = {
-        {"over three lines", "-P", "a/* b\nc\nd */e\n", "a  \n\n    e\n"},
-        {"two on a line", "-P", "a/*b*/c/*d*/e\n", "a     c     e\n"},
-        {"to the end of the line", "-P", "a // b\nc\n", "a \nc\n"},
-        {"slash star slash is still open", "-P", "a/*/b\n*/c\n", "a  \n  c\n"},
-        {"signs in quotes", "-P", "\"//\" '/*'//x\n", "\"//\" '/*'\n"},
-        {"an escaped quote inside quotes", "-P", "\"\\\"//\"//x\n", "\"\\\"//\"\n"},
-        {"kept by -C", "-P -C", "a // b /* c */\n", "a // b /* c */\n"},
-        {"text with -c", "-P -c", "a // b\n", "a // b\n"},
-        {"before a directive", "-P", "/* x */ #define A 1\nA\n", "\n1\n"},
-        {"hash comment", "-P -h", "a # b\n# c\n  # d\n#define A 1\nA\n", "a \n\n\n1\n"},
-        {"hash in quotes", "-P -h", "a '#' b\n", "a '#' b\n"},
-        {"no hash comments with -C", "-P -h -C", "a # b\n", "a # b\n"},
-        {"unknown directives with -h", "-P -h", "#foo\n#pragma x\nb\n", "\n\nb\n"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(c.out, preprocessed(c.options, c.in));
-    }
-    // Unclosed, a quote hides nothing; the line then fails for its own reason.
-    EXPECT_EQ("# error cpp error: \"in\":1 Mismatched quotation marks",
-              preprocessed("-P", "\"a // b\n"));
-}
-
-TEST(Comments, AreFoundAmongQuotesThatNothingCloses)
-{
-    // Each of these was searched to the end of the line once.
-    std::string line;
-    for (int i = 0; i < 200000; ++i)
-        line += "\\\"\\'";
-    const std::string out = preprocessed("-P", line + "//x\n");
-    EXPECT_EQ(std::string::npos, out.find('x'));
-}
-
 // A folder with files that include each other.
 class Includes : public testing::Test
 {
