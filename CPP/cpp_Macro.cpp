@@ -60,7 +60,7 @@ const char *copyWord(const char *text, const std::string &word, size_t hashes,
                      const std::vector<std::string> &parameters, std::string &body)
 {
     const auto found = std::find(parameters.begin(), parameters.end(), word);
-    if (found == parameters.end()) {
+    if (word.empty() || found == parameters.end()) {
         body.append(hashes, '#');
         body += word;
         return text;
@@ -75,9 +75,12 @@ const char *copyWord(const char *text, const std::string &word, size_t hashes,
     return text + 1;
 }
 
+// The rest of the definition's first line.
 std::string compileBody(const char *text, const std::vector<std::string> &parameters)
 {
     const char *end = text + std::strcspn(text, "\n");
+    while (text < end && isSpace(*text))
+        ++text;
     std::string body;
     while (text < end) {
         if (*text == '"') {
@@ -133,7 +136,7 @@ cpp_Macro *cpp_Macro::parse(const char *definition, bool commandLineForm)
         ++text;
         const std::vector<std::string> parameters = takeParameters(text);
         macro->myNumArgs = static_cast<int>(parameters.size());
-        macro->myBody = compileBody(skipSpace(text), parameters);
+        macro->myBody = compileBody(text, parameters);
     } else {
         macro->myBody = skipSpace(text);
         while (!macro->myBody.empty() &&

@@ -1,4 +1,5 @@
 // Definitions and what expansion makes of them.
+#include "CPP/cpp_Macro.h"
 #include "tests/support/preprocessed.h"
 
 #include <gtest/gtest.h>
@@ -31,6 +32,7 @@ TEST(Macros, AreReplaced)
         {"one hash behind a parameter", "#define P(a,b) a#b", "P(x,y)", "x y"},
         {"two hashes before a parameter", "#define P(a) n##a", "P(x)", "nx"},
         {"hash before another word", "#define P(a) #b a", "P(x)", "#b x"},
+        {"hash beside a parameter without a name", "#define P(a,) # a", "P(x,y)", "# x"},
         {"parameter in quotes stays", "#define P(a) \"a\" 'a'", "P(x)", "\"a\" 'x'"},
         {"a parameter behind a digit", "#define P(a) 2a", "P(x)", "2x"},
         {"nested parentheses and quotes", "#define P(a,b) [b][a]", "P((1,2),\"),\")",
@@ -39,8 +41,6 @@ TEST(Macros, AreReplaced)
         {"backslashes in arguments", "#define P(a) [a]", "P(1\\\\\\\\\\q)", "[1\\q]"},
         {"arguments are expanded with the body", "#define N 7\n#define P(a) a #a", "P(N)",
          "7 \"N\""},
-        {"a name from the replacement finds no arguments behind it",
-         "#define F(x) <x>\n#define G F(1) F", "F(2)", "<2>"},
         {"marks in a body count", "#define P(a) a \"#0#\" #1#", "P(x)", "x \"x\" #1#"},
         {"not in quotes", "#define A 1", "\"A\" 'A \\' A' A", "\"A\" 'A \\' A' 1"},
         {"redefined the same", "#define A 1\n#define A 1", "A", "1"},
@@ -67,6 +67,8 @@ TEST(Macros, FailuresStopTheRun)
         {"empty argument", "#define F(x) x", "F( )", "Invalid arguments for macro \"F\""},
         {"something for nothing", "#define F() x", "F(1)", "Invalid arguments for macro \"F\""},
         {"open list", "#define F(x) x", "F(1", "Invalid arguments for macro \"F\""},
+        {"list behind the replacement", "#define F(x) x\n#define G F", "G(1)",
+         "Invalid arguments for macro \"F\""},
         {"apostrophe", "", "don't", "Mismatched quotation marks"},
         {"itself", "#define X X", "X", "Macro recursion limit reached"},
         {"each other", "#define X Y\n#define Y X", "X", "Macro recursion limit reached"},
@@ -143,6 +145,8 @@ TEST(Macros, FromCallers)
     EXPECT_TRUE(manager.defineMacroValue("A", "1 2"));
     EXPECT_FALSE(manager.defineMacroValue("A", "3"));
     EXPECT_TRUE(manager.defineMacro("B=(x)", result, true));
+    EXPECT_TRUE(manager.defineMacro("F()\nnext line", result, false));
+    EXPECT_EQ("", manager.findMacro("F")->myBody);
     EXPECT_TRUE(manager.isMacroDefined("A"));
     EXPECT_FALSE(manager.isMacroDefined(""));
     EXPECT_TRUE(manager.undefineMacro("  A rest", result));
