@@ -1,0 +1,42 @@
+// A slow, obvious second version of the preprocessor's macros and conditions,
+// to check the fast one against. It calls itself where things nest, so texts
+// must be short.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+class PlainMacros
+{
+public:
+    struct Macro {
+        bool isBuiltin = false;
+        int numArgs = -1;
+        std::string body;
+    };
+
+    // True when CPP_Manager::defineMacro would warn. Bad names define nothing.
+    bool define(const std::string &definition, bool commandLineForm);
+    const Macro *find(const std::string &name) const;
+
+    // Appends what CPP_Manager::expandLine would; false, and the message, when
+    // that fails. The file is called "in".
+    bool expand(std::string text, int depthLeft, std::string &result);
+
+    // What evaluateCondition answers.
+    int evaluate(const std::string &text) const;
+
+    std::deque<std::string> furtherLines; // for argument lists, each with its newline
+    int lineNumber = 0;
+
+private:
+    bool takeArguments(std::string &text, size_t &i, std::vector<std::string> &arguments);
+    bool takeArgument(std::string &text, size_t &i, std::string &argument);
+    bool skipSpaceOverLines(std::string &text, size_t &i);
+    bool takeLine(std::string &text, size_t &i);
+
+    std::map<std::string, Macro> myMacros{{"__FILE__", {true, -1, ""}},
+                                          {"__LINE__", {true, -1, ""}}};
+};
