@@ -7,6 +7,7 @@
 #include "UT/UT_FormatTime.h"
 #include "UT/UT_ScratchBuffer.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <ctime>
@@ -17,11 +18,13 @@ const char TOO_DEEP[] = "Macro recursion limit reached";
 
 constexpr size_t MAX_ARGUMENT = 8192; // characters, this one excluded
 
-// A few short macros can stand for more text than any machine holds, without
-// ever nesting deep. No line needs as much as this.
-constexpr size_t NESTED_MACROS = size_t{1} << 22; // met in replacements, a line,
-constexpr size_t NESTED_PER_CHARACTER = 64;       // and for each of its characters
-constexpr size_t EXTRA_BYTES = size_t{1} << 28;   // under way or done, a line
+// A few short macros can stand for more text than any machine holds or scans,
+// without ever nesting deep. No line needs as much as this: bytes to put in place
+// of macros, where a macro in a replacement counts as some more.
+constexpr size_t BUDGET = size_t{1} << 27;
+constexpr size_t BUDGET_PER_CHARACTER = 64; // of the line,
+constexpr int MAX_COUNTED = 1 << 23;        // up to this one
+constexpr size_t NESTED_MACRO_COST = 64;
 
 enum Class : unsigned char { PLAIN, SPACE, DIGIT, WORD, QUOTE, BACKSLASH };
 
@@ -79,10 +82,7 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
     myOut = &out;
     myLimit = limit > 0 ? static_cast<size_t>(limit) : 0;
     myDepth = 0;
-    myHeldBytes = 0;
-    myNested = 0;
-    const size_t maxNested = NESTED_MACROS + NESTED_PER_CHARACTER * static_cast<size_t>(length);
-    const size_t maxBytes = EXTRA_BYTES + static_cast<size_t>(length + out.length());
+    myBudget = BUDGET + BUDGET_PER_CHARACTER * static_cast<size_t>(std::min(length, MAX_COUNTED));
     if (myLevels.empty())
         myLevels.emplace_back();
     myLevels[0] = {text, text, text + length, std::string()};
@@ -92,12 +92,18 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
         if (level().next == level().end) {
             if (myDepth == 0)
                 return true;
-            myHeldBytes -= level().owned.size();
             --myDepth;
         }
-        if (myHeldBytes + static_cast<size_t>(out.length()) > maxBytes || myNested > maxNested)
-            return fail(TOO_DEEP);
     }
+}
+
+bool cpp_Expander::spend(size_t bytes)
+{
+    const size_t cost = bytes + (myDepth > 0 ? NESTED_MACRO_COST : 0);
+    if (cost > myBudget)
+        return fail(TOO_DEEP);
+    myBudget -= cost;
+    return true;
 }
 
 // Copies the current level up to its end, or to a macro that opens the next one.
@@ -175,10 +181,8 @@ bool cpp_Expander::expandWord()
 
 bool cpp_Expander::expandMacro(const cpp_Macro &macro, std::string_view name)
 {
-    if (macro.myBuiltin != cpp_Macro::NONE) {
-        copyBuiltin(macro);
-        return true;
-    }
+    if (macro.myBuiltin != cpp_Macro::NONE)
+        return copyBuiltin(macro);
     const bool takesArguments = macro.myNumArgs >= 0;
     // The name's text may go when the argument list takes further lines.
     const std::string ownName(takesArguments ? name : std::string_view());
@@ -186,36 +190,41 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro, std::string_view name)
         return fail("Invalid arguments for macro \"" + ownName + "\"");
     if (myDepth + 1 >= myLimit)
         return fail(TOO_DEEP);
-    myNested += myDepth > 0 ? 1 : 0;
     if (macro.isPlain && macro.myNumArgs <= 0) {
+        if (!spend(macro.myBody.size()))
+            return false;
         myOut->append(macro.myBody.data(), static_cast<int>(macro.myBody.size()));
         return true;
     }
-    if (++myDepth == myLevels.size())
+    if (myDepth + 1 == myLevels.size())
         myLevels.emplace_back();
-    Level &next = level();
+    Level &next = myLevels[myDepth + 1];
     next.owned.clear();
     if (macro.myNumArgs > 0)
         fillIn(macro, next.owned);
     const std::string &text = macro.myNumArgs > 0 ? next.owned : macro.myBody;
-    myHeldBytes += next.owned.size();
+    if (!spend(text.size()))
+        return false;
+    ++myDepth;
     next.start = next.next = text.data();
     next.end = text.data() + text.size();
     return true;
 }
 
-void cpp_Expander::copyBuiltin(const cpp_Macro &macro)
+bool cpp_Expander::copyBuiltin(const cpp_Macro &macro)
 {
     char text[512];
     switch (macro.myBuiltin) {
     case cpp_Macro::FILE_NAME:
+        if (!spend(std::strlen(myFile->getName())))
+            return false;
         myOut->append('"');
         myOut->append(myFile->getName());
         myOut->append('"');
-        return;
+        return true;
     case cpp_Macro::LINE_NUMBER:
         myOut->append(std::to_string(myFile->getLineNumber()).c_str());
-        return;
+        return true;
     case cpp_Macro::DATE:
         UTformatTime(text, "\"%b %e %Y\"", std::time(nullptr));
         break;
@@ -223,6 +232,7 @@ void cpp_Expander::copyBuiltin(const cpp_Macro &macro)
         UTformatTime(text, "\"%T\"", std::time(nullptr));
     }
     myOut->append(text);
+    return true;
 }
 
 // ---- Argument lists --------------------------------------------------------
@@ -235,7 +245,6 @@ bool cpp_Expander::readLine()
         return false;
     myManager.oweBlankLine();
     Level &here = level();
-    myHeldBytes += static_cast<size_t>(line.length()) - here.owned.size();
     here.owned.assign(line.buffer(), static_cast<size_t>(line.length()));
     here.start = here.next = here.owned.data();
     here.end = here.start + here.owned.size();
@@ -324,11 +333,12 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
     return true;
 }
 
-// The body with its marks replaced by the arguments.
+// The body with its marks replaced by the arguments; not all of it when that is
+// more than the budget.
 void cpp_Expander::fillIn(const cpp_Macro &macro, std::string &replacement) const
 {
     const std::string &body = macro.myBody;
-    for (size_t i = 0; i < body.size();) {
+    for (size_t i = 0; i < body.size() && replacement.size() <= myBudget;) {
         size_t digits = i + 1;
         size_t index = 0;
         while (body[i] == '#' && digits < body.size() && classOf(body[digits]) == DIGIT &&

@@ -52,8 +52,8 @@ private:
     void copyBackslash();
     bool expandWord();
     bool expandMacro(const cpp_Macro &macro, std::string_view name);
-    void copyBuiltin(const cpp_Macro &macro);
-    bool pushLevel(const char *text, size_t length);
+    bool spend(size_t bytes); // false when it is more than is left
+    bool copyBuiltin(const cpp_Macro &macro);
 
     // Argument lists. All give false when the list is bad.
     bool readLine();
@@ -71,8 +71,7 @@ private:
     std::deque<Level> myLevels;
     size_t myDepth = 0;
     size_t myLimit = 0;
-    size_t myHeldBytes = 0; // what the open levels own
-    size_t myNested = 0;    // macros met in replacements
+    size_t myBudget = 0; // what the line's macros may still stand for
     std::vector<std::string> myArguments;
     std::string myMessage;
 };

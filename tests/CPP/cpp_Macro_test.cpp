@@ -15,6 +15,14 @@ std::string expanded(const std::string &definitions, const std::string &use,
     const size_t end = out.find_last_not_of('\n');
     return start == std::string::npos ? "" : out.substr(start, end + 1 - start);
 }
+
+std::string repeated(const std::string &text, int times)
+{
+    std::string all;
+    while (times-- > 0)
+        all += text;
+    return all;
+}
 } // namespace
 
 TEST(Macros, AreReplaced)
@@ -113,6 +121,21 @@ TEST(Macros, AnyDepthOrGrowthEndsWithAMessage)
         doubling += "#define F" + std::to_string(i) + "() " + inner + inner + "\n";
     }
     EXPECT_NE(std::string::npos, expanded(doubling, "F100()").find("recursion"));
+    // Flat, but each stands for gigabytes.
+    const std::string names = repeated("A ", 100000);
+    const struct {
+        const char *what;
+        std::string definition, use;
+    } cases[] = {
+        {"long bodies", "#define A " + repeated("1", 100000), names},
+        {"long arguments", "#define F(x) " + repeated("x##", 300000),
+         "F(" + names.substr(0, 8000) + ")"},
+        {"long file name", "#line 1 " + repeated("f", 100000), repeated("__FILE__ ", 100000)},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_NE(std::string::npos, expanded(c.definition, c.use).find("recursion limit"));
+    }
 }
 
 TEST(Macros, CallsOverSeveralLinesKeepTheLineCount)
