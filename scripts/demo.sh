@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 cmake --preset release >/dev/null
-cmake --build --preset release
+cmake --build --preset release --target thumbrender vaskel vcpp
 . build/env.sh
 mkdir -p build/demo
 rm -f build/demo/*
