@@ -94,6 +94,7 @@ bool CPP_Manager::applyOption(char letter, const char *value)
 int CPP_Manager::parseOptions(int argc, char *argv[])
 {
     const int callersIndex = optind;
+    const int linesOwed = myBlankLinesOwed;
     optind = 1;
     int letter;
     bool isGood = true;
@@ -102,6 +103,7 @@ int CPP_Manager::parseOptions(int argc, char *argv[])
     const int firstOperand = isGood ? optind : 0;
     finishScan(argc, argv);
     optind = callersIndex;
+    myBlankLinesOwed = linesOwed;
     if (myRecursionLimit < 0)
         myRecursionLimit = 1;
     return firstOperand;

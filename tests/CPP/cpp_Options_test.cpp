@@ -41,6 +41,14 @@ TEST(Options, SayWhereTheOperandsStart)
     }
 }
 
+TEST(Options, WriteNothing)
+{
+    CPP_Manager manager;
+    ASSERT_TRUE(manager.openFile("/dev/null", false));
+    parseOptions(manager, "-P -DA=1 -DA=2 -ULINUX");
+    EXPECT_EQ("# 1 \"/dev/null\"\n", allLines(manager));
+}
+
 TEST(Options, AFailedScanLeavesNothingBehindForTheNext)
 {
     testing::internal::CaptureStderr();
