@@ -36,14 +36,29 @@ bool startsWith(const UT_ScratchBuffer &line, const char *prefix)
 
 void printDiagnostic(const UT_ScratchBuffer &line)
 {
-    const char *newline = std::strchr(line.buffer(), '\n');
-    std::fprintf(stderr, "%s%s", line.buffer(), newline != nullptr ? "" : "\n");
+    const bool isEnded = line.buffer()[line.length() - 1] == '\n';
+    std::fprintf(stderr, "%s%s", line.buffer(), isEnded ? "" : "\n");
 }
 
-int reportWriteError()
+int reportError(const char *what)
 {
-    std::perror("vcpp: cannot write the output");
+    std::perror(what);
     return FAILED;
+}
+
+const char CANNOT_READ[] = "vcpp: cannot read the standard input";
+const char CANNOT_WRITE[] = "vcpp: cannot write the output";
+
+// `status`, unless what was printed does not get out.
+int finishOutput(int status)
+{
+    return std::fflush(stdout) == 0 ? status : reportError(CANNOT_WRITE);
+}
+
+int print(const char *text)
+{
+    std::fputs(text, stdout);
+    return finishOutput(OK);
 }
 
 int preprocess(CPP_Manager &manager)
@@ -59,18 +74,35 @@ int preprocess(CPP_Manager &manager)
         }
         const auto length = static_cast<size_t>(line.length());
         if (std::fwrite(line.buffer(), 1, length, stdout) != length)
-            return reportWriteError();
+            return reportError(CANNOT_WRITE);
     }
-    return std::fflush(stdout) == 0 ? status : reportWriteError();
+    if (std::ferror(stdin) != 0)
+        status = reportError(CANNOT_READ);
+    return finishOutput(status);
 }
 
-// In quotes a name is taken as it is, blanks and all.
-bool open(CPP_Manager &manager, const char *file)
+// Between quotes or angle brackets a name is taken as it is, blanks and all.
+bool open(CPP_Manager &manager, const std::string &file)
 {
-    if (std::strcmp(file, "-") == 0 || std::strcmp(file, "stdin") == 0)
+    if (file.empty())
+        return false;
+    if (file == "-" || file == "stdin")
         return manager.openFile("stdin", false);
-    const bool isPlain = std::strchr(file, '"') != nullptr;
-    return manager.openFile(isPlain ? file : ("\"" + std::string(file) + "\"").c_str(), false);
+    const bool hasQuote = file.find('"') != std::string::npos;
+    const std::string name = hasQuote ? "<" + file + ">" : "\"" + file + "\"";
+    return manager.openFile(name.c_str(), false);
+}
+
+// --help and --version win over all other options. -1 when there is neither.
+int printInformation(int argc, char *argv[])
+{
+    for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0)
+            return print(USAGE);
+        if (std::strcmp(argv[i], "--version") == 0)
+            return print(("vcpp " + std::string(CPP_Manager::VERSION) + "\n").c_str());
+    }
+    return -1;
 }
 
 int badUsage(const char *what)
@@ -82,12 +114,9 @@ int badUsage(const char *what)
 
 int main(int argc, char *argv[])
 {
-    if (argc > 1 && std::strcmp(argv[1], "--help") == 0)
-        return std::fputs(USAGE, stdout) < 0 || std::fflush(stdout) != 0 ? FAILED : OK;
-    if (argc > 1 && std::strcmp(argv[1], "--version") == 0)
-        return std::printf("vcpp %s\n", CPP_Manager::VERSION) < 0 ? FAILED : OK;
-
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a write error like others
+    if (const int status = printInformation(argc, argv); status >= 0)
+        return status;
     CPP_Manager manager;
     const int operand = manager.parseOptions(argc, argv);
     if (operand == 0)
@@ -97,7 +126,7 @@ int main(int argc, char *argv[])
     if (operand + 1 < argc)
         return badUsage("more than one file");
     if (!open(manager, argv[operand])) {
-        std::fprintf(stderr, "vcpp: cannot open %s\n", argv[operand]);
+        std::fprintf(stderr, "vcpp: cannot open '%s'\n", argv[operand]);
         return BAD_USAGE;
     }
     std::setvbuf(stdout, nullptr, _IOFBF, 65536);

@@ -24,7 +24,7 @@ std::vector<char *> pointersTo(std::vector<std::string> &texts)
 void ProgramRun::run()
 {
     const ScratchDirectory scratch;
-    const std::string in = scratch.write("in", input);
+    const std::string in = inputFrom.empty() ? scratch.write("in", input) : inputFrom;
     const std::string outFile = outputTo.empty() ? scratch.path("out") : outputTo;
     const std::string errFile = scratch.path("err");
 

@@ -10,6 +10,7 @@ struct ProgramRun {
     std::vector<std::string> environment; // "NAME=value", nothing is inherited
     std::string folder = ".";             // where it runs
     std::string input;                    // its standard input
+    std::string inputFrom;                // a file for its standard input, not `input`
     std::string outputTo;                 // a file for its standard output, not `out`
 
     // Out.

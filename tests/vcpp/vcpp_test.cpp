@@ -10,7 +10,7 @@ class Vcpp : public testing::Test
 {
 protected:
     ProgramRun run(std::vector<std::string> arguments, const std::string &input = "",
-                   const std::string &outputTo = "")
+                   const std::string &outputTo = "", const std::string &inputFrom = "")
     {
         ProgramRun vcpp;
         arguments.insert(arguments.begin(), BIN_DIR "/vcpp");
@@ -19,6 +19,7 @@ protected:
         vcpp.folder = myFolder.path();
         vcpp.input = input;
         vcpp.outputTo = outputTo;
+        vcpp.inputFrom = inputFrom;
         vcpp.run();
         return vcpp;
     }
@@ -45,10 +46,22 @@ TEST_F(Vcpp, AWarningAloneIsNoFailure)
 
 TEST_F(Vcpp, ReadsTheFileOfAnyName)
 {
-    myFolder.write(" two words'.in", "text\n");
-    const ProgramRun vcpp = run({"-PH", " two words'.in"});
-    EXPECT_EQ("text\n", vcpp.out);
-    EXPECT_EQ(0, vcpp.status);
+    for (const char *name : {" two words'.in", "\"quoted\"", "<a \"b", "-dash", "new\nline"}) {
+        SCOPED_TRACE(name);
+        myFolder.write(name, "text\n#foo\n");
+        const ProgramRun vcpp = run({"-PH", "--", name});
+        EXPECT_EQ("text\n\n", vcpp.out);
+        EXPECT_EQ(std::string("# error cpp error: \"") + name +
+                      "\":2 Undefined directive \"foo\"\n",
+                  vcpp.err);
+    }
+}
+
+TEST_F(Vcpp, EndsEachDiagnosticWithANewline)
+{
+    myFolder.write("new\nline", "'\n");
+    EXPECT_EQ("# error cpp error: \"new\nline\":1 Mismatched quotation marks\n",
+              run({"new\nline"}).err);
 }
 
 TEST_F(Vcpp, RejectsBadUsageWithoutOutput)
@@ -63,6 +76,7 @@ TEST_F(Vcpp, RejectsBadUsageWithoutOutput)
         {"an option without its value", {"-D"}},
         {"a missing file", {"missing"}},
         {"a folder", {"."}},
+        {"an empty name", {""}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
@@ -76,16 +90,28 @@ TEST_F(Vcpp, RejectsBadUsageWithoutOutput)
 TEST_F(Vcpp, HelpAndVersionComeFirst)
 {
     EXPECT_EQ("vcpp 9.0.653\n", run({"--version"}).out);
+    EXPECT_EQ("vcpp 9.0.653\n", run({"-P", "-q", "--version"}).out);
+    EXPECT_EQ(2, run({"--", "--version"}).status);
     const ProgramRun help = run({"--help"});
     EXPECT_EQ("Usage: vcpp [options] FILE\n", help.out.substr(0, help.out.find('\n') + 1));
     EXPECT_EQ(0, help.status);
 }
 
+TEST_F(Vcpp, InputThatCannotBeReadIsReported)
+{
+    const ProgramRun vcpp = run({"-"}, "", "", "/");
+    EXPECT_EQ(1, vcpp.status);
+    EXPECT_EQ("vcpp: cannot read the standard input: Is a directory\n", vcpp.err);
+}
+
 TEST_F(Vcpp, AFullDeviceIsReported)
 {
     for (const size_t size : {size_t{10}, size_t{1000000}}) {
-        const ProgramRun vcpp = run({"-P", "-"}, std::string(size, '1'), "/dev/full");
-        EXPECT_EQ(1, vcpp.status);
-        EXPECT_EQ("vcpp: cannot write the output: No space left on device\n", vcpp.err);
+        for (const char *argument : {"-", "--help", "--version"}) {
+            SCOPED_TRACE(argument);
+            const ProgramRun vcpp = run({argument}, std::string(size, '1'), "/dev/full");
+            EXPECT_EQ(1, vcpp.status);
+            EXPECT_EQ("vcpp: cannot write the output: No space left on device\n", vcpp.err);
+        }
     }
 }
