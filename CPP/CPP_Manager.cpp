@@ -164,10 +164,8 @@ bool CPP_Manager::pushPath(const char *path)
     CPP_Stream *stream = file->getStream();
     if (isStandardInput(path))
         stream->setStream(standardInput());
-    else if (*path != '\0' && !stream->open(path)) {
-        file->release();
-        return false;
-    }
+    else if (*path != '\0')
+        static_cast<void>(stream->open(path)); // whether it is open now, counts
     return pushFile(file, path);
 }
 
@@ -180,7 +178,7 @@ bool CPP_Manager::pushFile(CPP_File *file, const char *path)
     file->setPath(path);
     myFiles.append(file);
     if (hasFlag(LINE_MARKERS)) {
-        myPendingText.sprintf("# %d \"%s\"\n", 1, path);
+        makeMarker(myPendingText, 1, path);
         isPendingSource = false;
     }
     return true;
@@ -207,35 +205,45 @@ bool CPP_Manager::getLine(UT_ScratchBuffer &line)
     if (hasFlag(STOPPED))
         return false;
     if (myPendingText.length() > 0) {
-        UT_ScratchBuffer &to = isPendingSource ? myLine : line;
-        to.clear();
-        to.append(myPendingText.buffer(), myPendingText.length());
-        myPendingText.clear();
-        if (isPendingSource)
-            processLine(line);
-        isPendingSource = false;
+        takePendingText(line);
         return true;
     }
-    while (CPP_File *file = currentFile()) {
-        if (!file->readLogicalLine(myLine)) {
-            popFile(line);
-            if (line.length() > 0)
-                return true;
-            continue;
+    while (currentFile() != nullptr) {
+        if (currentFile()->readLogicalLine(myLine)) {
+            takeSourceLine(line);
+            return true;
         }
-        sawSpecialStream = sawSpecialStream || file->isSpecial();
-        const bool needsMarker = hasPoppedFile && hasFlag(LINE_MARKERS);
-        hasPoppedFile = false;
-        if (needsMarker) {
-            myPendingText.append(myLine.buffer(), myLine.length());
-            isPendingSource = true;
-            line.sprintf("# %d \"%s\"\n", file->getLineNumber(), file->getName());
-        } else {
-            processLine(line);
-        }
-        return true;
+        popFile(line);
+        if (line.length() > 0)
+            return true;
     }
     return false;
+}
+
+void CPP_Manager::takePendingText(UT_ScratchBuffer &out)
+{
+    UT_ScratchBuffer &to = isPendingSource ? myLine : out;
+    to.clear();
+    to.append(myPendingText.buffer(), myPendingText.length());
+    myPendingText.clear();
+    if (isPendingSource)
+        processLine(out);
+}
+
+// The line just read, or the marker that goes in front of it.
+void CPP_Manager::takeSourceLine(UT_ScratchBuffer &out)
+{
+    const CPP_File &file = *currentFile();
+    sawSpecialStream = sawSpecialStream || file.isSpecial();
+    const bool needsMarker = hasPoppedFile && hasFlag(LINE_MARKERS);
+    hasPoppedFile = false;
+    if (!needsMarker) {
+        processLine(out);
+        return;
+    }
+    myPendingText.append(myLine.buffer(), myLine.length());
+    isPendingSource = true;
+    makeMarker(out, file.getLineNumber(), file.getName());
 }
 
 void CPP_Manager::popFile(UT_ScratchBuffer &out)
@@ -322,6 +330,11 @@ bool CPP_Manager::expandLine(CPP_File &file, const char *text, UT_String &result
     }
     result += out.buffer();
     return true;
+}
+
+void CPP_Manager::makeMarker(UT_ScratchBuffer &out, int lineNumber, const char *name)
+{
+    out.sprintf("# %d \"%s\"\n", lineNumber, name);
 }
 
 void CPP_Manager::makeDiagnostic(UT_String &out, Severity severity, const char *message) const

@@ -18,8 +18,9 @@
 // one, so that numbers agree on both sides. Beside text there are line markers
 // (# 12 "file") where a file begins or goes on, and diagnostics
 // (# error cpp error: "file":12 message); a digit behind "# " tells a marker.
-// A diagnostic is followed by an extra empty line. A macro that cannot be
-// expanded is fatal: its diagnostic is the last line.
+// A directive's diagnostic is followed by an extra empty line. A macro that cannot
+// be expanded, and includes that nest without end, are fatal: their diagnostic is
+// the last line.
 #pragma once
 
 #include "CPP/CPP_File.h"
@@ -69,7 +70,8 @@ public:
     // Takes options from argv[1] on: the letters "PCU:D:I:r:nhHcx" of getopt
     // (see cpp_Options.cpp for what each does), in order. Returns the index of
     // the first operand; 0 at an unknown letter or a missing value, for which
-    // getopt has written its message. Warnings about redefinitions are dropped.
+    // getopt has written its message. Warnings about redefinitions are dropped; the
+    // output stays as it is.
     int parseOptions(int argc, char *argv[]);
 
     void addIncludePath(const char *dir);
@@ -140,7 +142,10 @@ private:
     bool processIfDirective(const char *first, UT_ScratchBuffer &out);
     void expandInto(UT_ScratchBuffer &out);
     bool isOldInclude(const char *text) const;
+    void takePendingText(UT_ScratchBuffer &out);
+    void takeSourceLine(UT_ScratchBuffer &out);
     void popFile(UT_ScratchBuffer &out);
+    static void makeMarker(UT_ScratchBuffer &out, int lineNumber, const char *name);
     void makeDiagnostic(UT_String &out, Severity severity, const char *message) const;
     void diagnose(UT_String &result, Severity severity, const char *format, ...)
         __attribute__((format(printf, 4, 5)));

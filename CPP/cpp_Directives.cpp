@@ -6,6 +6,7 @@
 #include "UT/UT_Environment.h"
 #include "UT/UT_ExpandVariables.h"
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 
@@ -78,7 +79,7 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
         const bool applies = row.where == DirectiveRow::EVERYWHERE ||
                              (!isSkipping && (row.where == DirectiveRow::IN_TEXT || !hashComments));
         if (applies && word == row.word) {
-            // It may close the manager's files, but not this one under way.
+            // The file stays until the directive is done, whatever is pushed or popped.
             file.addReference();
             (this->*row.apply)({file, text, argument, result});
             file.release();
@@ -144,11 +145,6 @@ void CPP_Manager::doUndef(const Directive &directive)
 // False, and `name` for the message, when the file cannot be opened.
 bool CPP_Manager::include(const Directive &directive, UT_String &name)
 {
-    if (myFiles.entries() >= MAX_INCLUDE_DEPTH) {
-        diagnose(directive.result, ERROR, "Include nesting limit reached");
-        stop();
-        return true;
-    }
     name.assignCopy(directive.argument);
     if (hasFlag(EXPAND_INCLUDE_NAMES)) {
         UT_ScratchBuffer expanded;
@@ -156,7 +152,15 @@ bool CPP_Manager::include(const Directive &directive, UT_String &name)
         expanded.copyToString(name);
     }
     UT_String path;
-    return resolveName(name, true, path) && pushPath(path);
+    errno = 0;
+    const bool isTooDeep = myFiles.entries() >= MAX_INCLUDE_DEPTH;
+    if (!isTooDeep && resolveName(name, true, path) && pushPath(path))
+        return true;
+    if (!isTooDeep && errno != EMFILE) // the user may allow fewer descriptors
+        return false;
+    diagnose(directive.result, ERROR, "Include nesting limit reached");
+    stop();
+    return true;
 }
 
 void CPP_Manager::doInclude(const Directive &directive)
@@ -184,8 +188,11 @@ void CPP_Manager::doLine(const Directive &directive)
         file.setLineNumber(UT_String(words[0]).toInt());
     if (count > 1)
         file.setName(words[1]);
-    if (hasFlag(LINE_MARKERS))
-        directive.result.sprintf("# %d \"%s\"\n", file.getLineNumber(), file.getName());
+    if (hasFlag(LINE_MARKERS)) {
+        UT_ScratchBuffer marker;
+        makeMarker(marker, file.getLineNumber(), file.getName());
+        marker.copyToString(directive.result);
+    }
 }
 
 void CPP_Manager::doPassThrough(const Directive &directive)
