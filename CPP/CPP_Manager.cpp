@@ -17,8 +17,6 @@
 
 namespace
 {
-constexpr int DEFAULT_RECURSION_LIMIT = 128;
-
 // "error", "warning", by CPP_Manager::Severity.
 const char *const SEVERITIES[] = {"error", "warning"};
 
@@ -36,7 +34,7 @@ UT_IStream *standardInput()
 } // namespace
 
 CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
-    : myRecursionLimit(DEFAULT_RECURSION_LIMIT), myExpander(new cpp_Expander(*this))
+    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(*this))
 {
     const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
     myIncludePath.reset(UT_PathSearch::getNewInstance(known));
@@ -310,8 +308,7 @@ bool CPP_Manager::isOldInclude(const char *text) const
 
 void CPP_Manager::expandInto(UT_ScratchBuffer &out)
 {
-    const int limit = myRecursionLimit != 0 ? myRecursionLimit : DEFAULT_RECURSION_LIMIT;
-    if (myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), limit, out))
+    if (myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), myRecursionLimit, out))
         return;
     UT_String diagnostic;
     makeDiagnostic(diagnostic, ERROR, myExpander->message());

@@ -111,8 +111,9 @@ public:
     const cpp_Macro *findMacro(const char *name, size_t length) const;
 
     // Appends the expansion of `text`, a line of `file`, to the result. Macros in
-    // replacements nest less than `depthLeft` deep. On failure `result` is the
-    // message. Argument lists may go on on the file's next lines.
+    // replacements nest less than `depthLeft` deep (128, if that is below 1). On
+    // failure `result` is the message. Argument lists may go on on the file's next
+    // lines.
     [[nodiscard]] bool expandLine(CPP_File &file, const char *text, UT_String &result,
                                   int depthLeft);
 

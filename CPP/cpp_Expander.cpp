@@ -80,7 +80,7 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
 {
     myFile = &file;
     myOut = &out;
-    myLimit = limit > 0 ? static_cast<size_t>(limit) : 0;
+    myLimit = static_cast<size_t>(limit > 0 ? limit : DEFAULT_LIMIT);
     myDepth = 0;
     myBudget = BUDGET + BUDGET_PER_CHARACTER * static_cast<size_t>(std::min(length, MAX_COUNTED));
     if (myLevels.empty())

@@ -24,12 +24,14 @@ struct cpp_Macro;
 class cpp_Expander
 {
 public:
+    static constexpr int DEFAULT_LIMIT = 128;
+
     explicit cpp_Expander(CPP_Manager &manager) : myManager(manager) {}
 
     // Appends the expansion of a text of `file` to `out`. Macros nest less than
-    // `limit` deep. Argument lists may go on on the file's next lines; for each
-    // line read so, the manager owes an empty one. On failure `out` is of no use
-    // and message() says why.
+    // `limit` deep (the default, if that is below 1). Argument lists may go on on
+    // the file's next lines; for each line read so, the manager owes an empty one.
+    // On failure `out` is of no use and message() says why.
     [[nodiscard]] bool expand(CPP_File &file, const char *text, int length, int limit,
                               UT_ScratchBuffer &out);
     const char *message() const { return myMessage.c_str(); }

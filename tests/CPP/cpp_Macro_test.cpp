@@ -178,7 +178,7 @@ TEST(Macros, FromCallers)
     UT_IStream in("", 0, false);
     ASSERT_TRUE(manager.openStream(&in, "name"));
     result.assignCopy("before ");
-    EXPECT_TRUE(manager.expandLine(*manager.currentFile(), "__FILE__ LINUX", result, 128));
+    EXPECT_TRUE(manager.expandLine(*manager.currentFile(), "__FILE__ LINUX", result, 0));
     EXPECT_STREQ("before \"name\" ", result);
     EXPECT_FALSE(manager.expandLine(*manager.currentFile(), "'", result, 128));
     EXPECT_STREQ("Mismatched quotation marks", result);
