@@ -181,7 +181,9 @@ void CPP_Manager::doSilentInclude(const Directive &directive)
 void CPP_Manager::doLine(const Directive &directive)
 {
     CPP_File &file = directive.file;
-    UT_String argument(directive.argument, true);
+    // An open quote goes on to the line's end, but not over it.
+    const size_t length = std::strcspn(directive.argument, "\n");
+    UT_String argument(directive.argument, true, static_cast<int>(length));
     char *words[3];
     const int count = argument.splitWordsInto(words, 3);
     if (count > 0)

@@ -176,12 +176,13 @@ private:
     {
         const size_t start = at;
         if (allowsQuotes && from[at] == '"') {
-            do
-                at = from.find('"', at + 1);
-            while (at != std::string::npos && at > start + 1 && from[at - 1] == '\\');
-            if (at == std::string::npos || at - start > 1025)
+            size_t end = from.find('"', at + 1);
+            while (end != std::string::npos && end > start + 1 && from[end - 1] == '\\')
+                end = from.find('"', end + 1);
+            if (end == std::string::npos || end - start > 1025)
                 return fail(), "";
-            return from.substr(start + 1, at++ - start - 1);
+            at = end + 1;
+            return from.substr(start + 1, end - start - 1);
         }
         const auto isLetter = [&](char c) {
             return c == '_' || std::isalpha(static_cast<unsigned char>(c)) != 0;
