@@ -1,9 +1,10 @@
 # A thin front: everything real is in CMake, its presets and scripts/.
-.PHONY: help deps demo check format
+.PHONY: help deps demo check fuzz format
 
 help:
 	@echo "make demo    install what is missing, build, render examples/ into build/demo/"
 	@echo "make check   install what is missing, build all presets, run all tests"
+	@echo "make fuzz    search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
 	@echo "make format  lay the sources out as .clang-format says"
 
 deps:
@@ -14,6 +15,9 @@ demo: deps
 
 check: deps
 	@scripts/check.sh
+
+fuzz: deps
+	@scripts/fuzz.sh
 
 format:
 	@git ls-files '*.h' '*.cpp' | tr '\n' '\0' | xargs -0 -r clang-format -i

@@ -1,0 +1,32 @@
+// Lines of definitions, an empty line, then text: the definitions are read and
+// the text is expanded as the plain twin does it.
+#include "fuzz/fuzz.h"
+#include "tests/support/PlainMacros.h"
+#include "tests/support/preprocessed.h"
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const std::string text = fuzzText(data, size).c_str();
+    const size_t gap = text.find("\n\n");
+    CPP_Manager manager;
+    UT_IStream in("", 0, false);
+    parseOptions(manager, "-P -ULINUX");
+    if (size > 300 || gap == std::string::npos || !manager.openStream(&in, "in"))
+        return 0;
+    PlainMacros plain;
+    UT_String result;
+    for (size_t i = 0, end; i <= gap; i = end + 1) {
+        end = text.find('\n', i);
+        const std::string definition = text.substr(i, end - i);
+        manager.defineMacro(definition.c_str(), result, size % 2 != 0);
+        fuzzExpectEqual(plain.define(definition, size % 2 != 0),
+                        std::string(result.text()) != "\n");
+    }
+    result.assignCopy("");
+    std::string expected;
+    const bool isGood = plain.expand(text.substr(gap + 2), 4, expected);
+    fuzzExpectEqual(isGood,
+                    manager.expandLine(*manager.currentFile(), text.c_str() + gap + 2, result, 4));
+    fuzzExpectEqual(expected, result.text());
+    return 0;
+}

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Lets each fuzz target (or those named, such as CPP_Manager) search for faults
+# for FUZZ_SECONDS, one target a core. New inputs are kept in build/fuzz/corpus;
+# a finding is named, and makes the run fail.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz
+[ $# -gt 0 ] || set -- $(cd build/fuzz/bin && printf '%s\n' fuzz_* | sed 's/^fuzz_//')
+
+search() {
+    local found=build/fuzz/corpus/$1 findings=build/fuzz/findings/$1
+    mkdir -p "$found" "$findings"
+    if "build/fuzz/bin/fuzz_$1" -max_total_time="${FUZZ_SECONDS:-60}" -timeout=10 -max_len=4096 \
+        -artifact_prefix="$findings/" "$found" "fuzz/corpus/$1" </dev/null >"$findings.log" 2>&1
+    then
+        echo "$1: $(tail -n 1 "$findings.log"), no finding"
+    else
+        echo "$1: a finding, see $findings.log" >&2
+        return 1
+    fi
+}
+export -f search
+printf '%s\n' "$@" | xargs -P "$(nproc)" -I{} bash -c 'search {}'
