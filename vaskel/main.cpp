@@ -43,10 +43,10 @@ int print(const std::string &text)
 int draw(const vk_Scene &scene)
 {
     // The place is tried before the work is done.
-    vk_SafeFile               file;
-    vk_Film                   film;
+    vk_SafeFile file;
+    vk_Film film;
     std::vector<std::uint8_t> bytes;
-    std::string               error;
+    std::string error;
     if (!file.open(scene.picture))
         return fail(file.error());
     if (!vk_render(scene, vk_threadCount(), film, error) ||
@@ -59,13 +59,13 @@ int draw(const vk_Scene &scene)
 
 int readAndDraw(const char *name)
 {
-    const bool       isInput = std::strcmp(name, "-") == 0;
+    const bool isInput = std::strcmp(name, "-") == 0;
     std::FILE *const file = isInput ? stdin : std::fopen(name, "rb");
     if (file == nullptr)
         return fail(std::string("cannot open '") + name + "': " + std::strerror(errno));
-    vk_Scene       scene;
+    vk_Scene scene;
     vk_SceneReader reader(isInput ? "<stdin>" : name, scene);
-    const bool     good = reader.read(file);
+    const bool good = reader.read(file);
     if (!isInput)
         std::fclose(file);
     for (const std::string &message : reader.messages())
@@ -93,7 +93,8 @@ int main(int argc, char *argv[])
         return print(vk_listShaders());
     const bool isOption = argc == 2 && argv[1][0] == '-' && argv[1][1] != '\0';
     if (argc > 2 || isOption) {
-        std::fprintf(stderr, "vaskel: error: expected one scene and no option but these\n%s", USAGE);
+        std::fprintf(stderr, "vaskel: error: expected one scene and no option but these\n%s",
+                     USAGE);
         return BAD_COMMAND;
     }
     return readAndDraw(argc == 2 ? argv[1] : "-");

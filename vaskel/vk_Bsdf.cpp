@@ -2,8 +2,14 @@
 
 namespace
 {
-float square(float x) { return x * x; }
-float fifthPower(float x) { return square(square(x)) * x; }
+float square(float x)
+{
+    return x * x;
+}
+float fifthPower(float x)
+{
+    return square(square(x)) * x;
+}
 
 // The distribution of facets around the normal; h is in the frame. Written so
 // that it does not cancel for small alpha.
@@ -56,7 +62,7 @@ vk_Colour vk_Bsdf::base(float cosIn) const
     const float through =
         28.0f / 23 * (1 - fifthPower(1 - cosIn / 2)) * (1 - fifthPower(1 - myOut.z / 2));
     const vk_Colour &edge = myMaterial.edge;
-    const vk_Colour  coated = (vk_grey(1) - myMaterial.specular) * through;
+    const vk_Colour coated = (vk_grey(1) - myMaterial.specular) * through;
     return myMaterial.diffuse * (vk_grey(1) - edge + edge * coated) * (1 / VK_PI);
 }
 
@@ -69,8 +75,8 @@ vk_Colour vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
     vk_Colour scattered;
     if (myBoundaryShare > 0) {
         const vk_Vec h = vk_normalize(local + myOut);
-        const float  d = facets(h, myAlpha);
-        const float  masked =
+        const float d = facets(h, myAlpha);
+        const float masked =
             0.5f / (smith(local.z, myOut.z, myAlpha) + smith(myOut.z, local.z, myAlpha));
         scattered += fresnel(vk_dot(h, local)) * (d * masked);
         density += myBoundaryShare * d * visible(myOut.z, myAlpha) / (4 * myOut.z);
@@ -85,15 +91,15 @@ vk_Colour vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
 vk_Vec vk_Bsdf::visibleNormal(const vk_Square &at) const
 {
     // Stretch to where alpha is 1, project the visible half disc, go back.
-    const vk_Vec   stretched = vk_normalize({myAlpha * myOut.x, myAlpha * myOut.y, myOut.z});
-    const vk_Vec   horizontal = vk_cross({0, 0, 1}, stretched);
-    const float    length = vk_length(horizontal);
-    const vk_Vec   t1 = length > 1e-6f ? horizontal * (1 / length) : vk_Vec{1, 0, 0};
-    const vk_Vec   t2 = vk_cross(stretched, t1);
-    vk_Vec         disc = vk_toDisc(at);
-    const float    s = 0.5f * (1 + stretched.z);
+    const vk_Vec stretched = vk_normalize({myAlpha * myOut.x, myAlpha * myOut.y, myOut.z});
+    const vk_Vec horizontal = vk_cross({0, 0, 1}, stretched);
+    const float length = vk_length(horizontal);
+    const vk_Vec t1 = length > 1e-6f ? horizontal * (1 / length) : vk_Vec{1, 0, 0};
+    const vk_Vec t2 = vk_cross(stretched, t1);
+    vk_Vec disc = vk_toDisc(at);
+    const float s = 0.5f * (1 + stretched.z);
     disc.y = (1 - s) * std::sqrt(std::max(0.0f, 1 - square(disc.x))) + s * disc.y;
-    const float  up = std::sqrt(std::max(0.0f, 1 - square(disc.x) - square(disc.y)));
+    const float up = std::sqrt(std::max(0.0f, 1 - square(disc.x) - square(disc.y)));
     const vk_Vec h = t1 * disc.x + t2 * disc.y + stretched * up;
     return vk_normalize({myAlpha * h.x, myAlpha * h.y, std::max(0.0f, h.z)});
 }

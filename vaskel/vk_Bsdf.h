@@ -42,14 +42,14 @@ public:
 private:
     vk_Colour fresnel(float cosine) const;
     vk_Colour base(float cosIn) const;
-    vk_Vec    visibleNormal(const vk_Square &at) const;
-    vk_Vec    sampleBoundary(const vk_Square &at) const;
-    vk_Vec    sampleBase(const vk_Square &at) const;
+    vk_Vec visibleNormal(const vk_Square &at) const;
+    vk_Vec sampleBoundary(const vk_Square &at) const;
+    vk_Vec sampleBase(const vk_Square &at) const;
 
     const vk_Material &myMaterial;
-    vk_Frame           myFrame;
-    vk_Vec             myOut; // in the frame
-    float              myAlpha;
-    float              myBoundaryShare = 0; // samples from the boundary, 0 to 1,
-    float              myBaseShare = 1;     // and from the base
+    vk_Frame myFrame;
+    vk_Vec myOut; // in the frame
+    float myAlpha;
+    float myBoundaryShare = 0; // samples from the boundary, 0 to 1,
+    float myBaseShare = 1;     // and from the base
 };

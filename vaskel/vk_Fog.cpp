@@ -9,11 +9,11 @@ vk_Fog::vk_Fog(const vk_FogShader &shader)
 // The part of a ray inside the ball of fog.
 vk_Fog::Chord vk_Fog::chord(const vk_Vec &origin, const vk_Vec &direction, float distance) const
 {
-    const float  middle = -vk_dot(origin, direction);
+    const float middle = -vk_dot(origin, direction);
     const vk_Vec nearest = origin + direction * middle;
-    const float  half2 = myMedium.radius * myMedium.radius - vk_dot(nearest, nearest);
-    const float  half = std::sqrt(std::max(0.0f, half2));
-    const float  begin = std::max(0.0f, middle - half);
+    const float half2 = myMedium.radius * myMedium.radius - vk_dot(nearest, nearest);
+    const float half = std::sqrt(std::max(0.0f, half2));
+    const float begin = std::max(0.0f, middle - half);
     return {begin, std::max(0.0f, std::min(distance, middle + half) - begin)};
 }
 

@@ -9,7 +9,7 @@ public:
     // Clear air for a shader that is not chosen.
     explicit vk_Fog(const vk_FogShader &shader);
 
-    bool             isClear() const { return myMedium.extinction <= 0; }
+    bool isClear() const { return myMedium.extinction <= 0; }
     const vk_Colour &albedo() const { return myMedium.albedo; }
 
     // Share of light that passes along a ray; the distance may be infinite.

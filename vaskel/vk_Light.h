@@ -7,9 +7,9 @@
 #include "vaskel/vk_Vec.h"
 
 struct vk_LightSample {
-    vk_Vec    direction; // unit, towards the light
-    float     distance = 0;
-    float     density = 0; // 0: the light does not reach the point
+    vk_Vec direction; // unit, towards the light
+    float distance = 0;
+    float density = 0; // 0: the light does not reach the point
     vk_Colour radiance;
 };
 

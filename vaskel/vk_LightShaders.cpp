@@ -22,7 +22,10 @@ vk_Vec inCap(const vk_Vec &axis, float height, const vk_Square &at)
 }
 
 // 1 - cos from the square of the sine, without cancellation.
-float capHeight(float sin2) { return sin2 / (1 + std::sqrt(std::max(0.0f, 1 - sin2))); }
+float capHeight(float sin2)
+{
+    return sin2 / (1 + std::sqrt(std::max(0.0f, 1 - sin2)));
+}
 
 class DistantLight final : public vk_Light
 {
@@ -53,8 +56,8 @@ private:
         sample.radiance = myRadiance;
         return sample;
     }
-    vk_Vec    myAxis;
-    float     myHeight = 0;
+    vk_Vec myAxis;
+    float myHeight = 0;
     vk_Colour myRadiance;
 };
 
@@ -70,7 +73,7 @@ public:
     vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override
     {
         const vk_Vec way = myCentre - from;
-        const float  distance2 = vk_dot(way, way);
+        const float distance2 = vk_dot(way, way);
         if (distance2 <= myRadius2)
             return {};
         const float height = capHeight(myRadius2 / distance2);
@@ -79,7 +82,7 @@ public:
     vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override
     {
         const vk_Vec way = myCentre - from;
-        const float  distance2 = vk_dot(way, way);
+        const float distance2 = vk_dot(way, way);
         const vk_Vec beside = vk_cross(way, direction);
         if (distance2 <= myRadius2 || vk_dot(way, direction) < 0 ||
             vk_dot(beside, beside) > myRadius2)
@@ -91,13 +94,13 @@ private:
     vk_LightSample complete(vk_LightSample sample, const vk_Vec &way) const
     {
         const vk_Vec beside = vk_cross(way, sample.direction);
-        const float  inside = myRadius2 - vk_dot(beside, beside);
+        const float inside = myRadius2 - vk_dot(beside, beside);
         sample.distance = vk_dot(way, sample.direction) - std::sqrt(std::max(0.0f, inside));
         sample.radiance = myRadiance;
         return sample;
     }
-    vk_Vec    myCentre;
-    float     myRadius2;
+    vk_Vec myCentre;
+    float myRadius2;
     vk_Colour myRadiance;
 };
 
@@ -127,8 +130,8 @@ public:
     }
     vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override
     {
-        const vk_Vec place = myCentre + myAcross * (myWidth * (at.u - 0.5f)) +
-                             myUp * (myHeight * (at.v - 0.5f));
+        const vk_Vec place =
+            myCentre + myAcross * (myWidth * (at.u - 0.5f)) + myUp * (myHeight * (at.v - 0.5f));
         return seen(from, place);
     }
     vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override
@@ -136,7 +139,7 @@ public:
         const float facing = vk_dot(direction, myNormal);
         if (facing >= -1e-6f)
             return {};
-        const float  distance = vk_dot(myCentre - from, myNormal) / facing;
+        const float distance = vk_dot(myCentre - from, myNormal) / facing;
         const vk_Vec place = from + direction * distance;
         const vk_Vec off = place - myCentre;
         if (distance <= 0 || std::abs(vk_dot(off, myAcross)) > myWidth / 2 ||
@@ -148,8 +151,8 @@ public:
 private:
     vk_LightSample seen(const vk_Vec &from, const vk_Vec &place) const
     {
-        const vk_Vec   way = place - from;
-        const float    square = vk_dot(way, way);
+        const vk_Vec way = place - from;
+        const float square = vk_dot(way, way);
         vk_LightSample sample;
         sample.distance = std::sqrt(square);
         if (sample.distance <= 0)
@@ -162,8 +165,8 @@ private:
         sample.radiance = myRadiance;
         return sample;
     }
-    vk_Vec    myCentre, myNormal, myAcross, myUp;
-    float     myWidth, myHeight;
+    vk_Vec myCentre, myNormal, myAcross, myUp;
+    float myWidth, myHeight;
     vk_Colour myRadiance;
 };
 
@@ -171,14 +174,20 @@ enum { LIGHT_FROM, LIGHT_TO, LIGHT_COLOR, LIGHT_INTENSITY, LIGHT_OWN };
 constexpr vk_Param FROM = {"from", VK_POINT, {-4, 6, 5}, -1e6f, 1e6f, "where it stands"};
 constexpr vk_Param TO = {"to", VK_POINT, {0, 1, 0}, -1e6f, 1e6f, "where it aims"};
 constexpr vk_Param COLOR = {"color", VK_COLOUR, {1, 1, 1}, 0, 1000, "colour"};
-constexpr vk_Param INTENSITY = {
-    "intensity", VK_NUMBER, {.8f, 0, 0}, 0, 1000, "what white matte shows at `to`"};
+constexpr vk_Param INTENSITY = {"intensity", VK_NUMBER, {.8f, 0, 0},
+                                0,           1000,      "what white matte shows at `to`"};
 
-vk_Colour white(const vk_Values &p) { return p.vec(LIGHT_COLOR) * p.number(LIGHT_INTENSITY); }
+vk_Colour white(const vk_Values &p)
+{
+    return p.vec(LIGHT_COLOR) * p.number(LIGHT_INTENSITY);
+}
 
 enum { AREA_WIDTH = LIGHT_OWN, AREA_HEIGHT };
 constexpr vk_Param AREA[] = {
-    FROM, TO, COLOR, INTENSITY,
+    FROM,
+    TO,
+    COLOR,
+    INTENSITY,
     {"width", VK_NUMBER, {3, 0, 0}, .01f, 1000, "width"},
     {"height", VK_NUMBER, {3, 0, 0}, .01f, 1000, "height"},
 };
@@ -191,7 +200,10 @@ std::unique_ptr<vk_Light> area(const vk_Values &p)
 
 enum { POINT_RADIUS = LIGHT_OWN };
 constexpr vk_Param POINT[] = {
-    FROM, TO, COLOR, INTENSITY,
+    FROM,
+    TO,
+    COLOR,
+    INTENSITY,
     {"radius", VK_NUMBER, {.25f, 0, 0}, 0, 1000, "radius; clamped to at least .02"},
 };
 
@@ -203,7 +215,10 @@ std::unique_ptr<vk_Light> point(const vk_Values &p)
 
 enum { DISTANT_ANGLE = LIGHT_OWN };
 constexpr vk_Param DISTANT[] = {
-    FROM, TO, COLOR, INTENSITY,
+    FROM,
+    TO,
+    COLOR,
+    INTENSITY,
     {"angle", VK_NUMBER, {1.5f, 0, 0}, 0, 60, "half of its width, degrees; clamped to at least .2"},
 };
 
@@ -226,8 +241,14 @@ constexpr vk_Param RAYSHADOW[] = {
     {"color", VK_COLOUR, {0, 0, 0}, 0, 1, "what is left of the light in a full shadow"},
 };
 
-vk_Colour rayShadow(const vk_Values &p) { return p.vec(RAYSHADOW_COLOR); }
-vk_Colour noShadow(const vk_Values &) { return vk_grey(1); }
+vk_Colour rayShadow(const vk_Values &p)
+{
+    return p.vec(RAYSHADOW_COLOR);
+}
+vk_Colour noShadow(const vk_Values &)
+{
+    return vk_grey(1);
+}
 
 constexpr vk_ShaderRow<vk_ShadowFunction> SHADOW_ROWS[] = {
     {"v_rayshadow", "shadows as lights cast them", RAYSHADOW, rayShadow},
@@ -239,7 +260,7 @@ static_assert(std::size(AREA) == AREA_HEIGHT + 1 && std::size(POINT) == POINT_RA
               std::size(RAYSHADOW) == RAYSHADOW_COLOR + 1);
 } // namespace
 
-const vk_ShaderTable<vk_LightFunction>  VK_LIGHT_SHADERS = {"light", LIGHT_ROWS,
-                                                            std::size(LIGHT_ROWS)};
+const vk_ShaderTable<vk_LightFunction> VK_LIGHT_SHADERS = {"light", LIGHT_ROWS,
+                                                           std::size(LIGHT_ROWS)};
 const vk_ShaderTable<vk_ShadowFunction> VK_SHADOW_SHADERS = {"shadow", SHADOW_ROWS,
                                                              std::size(SHADOW_ROWS)};

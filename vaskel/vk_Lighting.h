@@ -29,14 +29,14 @@ public:
     vk_Colour scattered(const vk_Vec &at, vk_Sampler &sampler) const;
 
 private:
-    float       expected(const vk_Light &light, int samples) const;
+    float expected(const vk_Light &light, int samples) const;
     std::size_t pick(float at) const;
-    vk_Colour   arriving(const vk_Vec &from, const vk_LightSample &light) const;
+    vk_Colour arriving(const vk_Vec &from, const vk_LightSample &light) const;
 
     const vk_Scene &myScene;
     const vk_World &myWorld;
-    const vk_Fog   &myFog;
-    vk_Colour       myBlocked; // what arrives through something opaque
-    bool            myCastsShadows;
-    float           myTotal = 0; // strength of all lights
+    const vk_Fog &myFog;
+    vk_Colour myBlocked; // what arrives through something opaque
+    bool myCastsShadows;
+    float myTotal = 0; // strength of all lights
 };

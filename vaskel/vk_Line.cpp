@@ -4,8 +4,14 @@ namespace
 {
 constexpr std::string_view BLANKS = " \t\r\n\v\f";
 
-bool isBlank(char c) { return BLANKS.find(c) != std::string_view::npos; }
-bool isQuote(char c) { return c == '"' || c == '\''; }
+bool isBlank(char c)
+{
+    return BLANKS.find(c) != std::string_view::npos;
+}
+bool isQuote(char c)
+{
+    return c == '"' || c == '\'';
+}
 
 std::string_view trimmed(std::string_view text)
 {

@@ -17,12 +17,12 @@ void vk_MeshBuilder::displace(vk_Vertex &vertex) const
     constexpr float STEP = 2e-3f;
 
     const vk_Vec &p = vertex.position;
-    const auto    slope = [&](const vk_Vec &step) {
+    const auto slope = [&](const vk_Vec &step) {
         return (myDisplace(p + step) - myDisplace(p - step)) / (2 * STEP);
     };
-    const vk_Vec  slopes = {slope({STEP, 0, 0}), slope({0, STEP, 0}), slope({0, 0, STEP})};
-    const vk_Vec  along = slopes - vertex.normal * vk_dot(slopes, vertex.normal);
-    const float   height = myDisplace(p);
+    const vk_Vec slopes = {slope({STEP, 0, 0}), slope({0, STEP, 0}), slope({0, 0, STEP})};
+    const vk_Vec along = slopes - vertex.normal * vk_dot(slopes, vertex.normal);
+    const float height = myDisplace(p);
     vertex.position = p + vertex.normal * height;
     vertex.normal = vk_normalize(vertex.normal - along);
 }

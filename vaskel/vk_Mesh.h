@@ -12,11 +12,11 @@
 struct vk_Vertex {
     vk_Vec position;
     vk_Vec normal; // unit, to the outside where there is one
-    float  u = 0, v = 0;
+    float u = 0, v = 0;
 };
 
 struct vk_Mesh {
-    std::vector<vk_Vertex>                    vertices;
+    std::vector<vk_Vertex> vertices;
     std::vector<std::array<std::uint32_t, 3>> triangles;
 };
 
@@ -33,7 +33,8 @@ public:
     // Adds the patch that `at`, a function of u and v from 0 to 1 with a vertex
     // as result, describes: columns along u, rows along v. A displaced patch is
     // divided further.
-    template <class Function> void patch(int columns, int rows, const Function &at)
+    template <class Function>
+    void patch(int columns, int rows, const Function &at)
     {
         const int finer = myDisplace ? 3 : 1;
         columns *= finer;
@@ -53,7 +54,7 @@ private:
     void displace(vk_Vertex &vertex) const;
     void weave(std::uint32_t first, std::uint32_t columns, std::uint32_t rows);
 
-    const vk_Transform      &myTransform;
+    const vk_Transform &myTransform;
     const vk_DisplaceShader &myDisplace;
-    vk_Mesh                  myMesh;
+    vk_Mesh myMesh;
 };

@@ -49,8 +49,8 @@ int vk_distance(std::string_view a, std::string_view b)
 std::string_view vk_nearest(std::string_view word, const std::vector<std::string_view> &known)
 {
     const std::string lower = lowered(word);
-    std::string_view  best;
-    int               least = INT_MAX;
+    std::string_view best;
+    int least = INT_MAX;
     for (const std::string_view candidate : known) {
         const int distance = vk_distance(word, candidate) + vk_distance(lower, lowered(candidate));
         if (distance < least) {

@@ -4,8 +4,14 @@
 
 namespace
 {
-float fade(float t) { return t * t * t * (t * (t * 6 - 15) + 10); }
-float mix(float a, float b, float t) { return a + (b - a) * t; }
+float fade(float t)
+{
+    return t * t * t * (t * (t * 6 - 15) + 10);
+}
+float mix(float a, float b, float t)
+{
+    return a + (b - a) * t;
+}
 
 // The share of one corner of a cell: one of twelve slopes, picked by a hash of
 // the corner in place of a table of 256 numbers.
@@ -25,10 +31,10 @@ float vk_noise(const vk_Vec &at)
 {
     const vk_Vec cell = {std::floor(at.x), std::floor(at.y), std::floor(at.z)};
     const vk_Vec off = at - cell;
-    const int    x = static_cast<int>(cell.x), y = static_cast<int>(cell.y);
-    const int    z = static_cast<int>(cell.z);
-    const float  tx = fade(off.x), ty = fade(off.y), tz = fade(off.z);
-    float        side[2];
+    const int x = static_cast<int>(cell.x), y = static_cast<int>(cell.y);
+    const int z = static_cast<int>(cell.z);
+    const float tx = fade(off.x), ty = fade(off.y), tz = fade(off.z);
+    float side[2];
     for (int k = 0; k < 2; ++k) {
         float edge[2];
         for (int j = 0; j < 2; ++j) {

@@ -40,8 +40,8 @@ bool parseValue(const vk_Param &param, const char *owner, const vk_Words &words,
                 vk_Vec &value, std::string &error)
 {
     const std::string what = std::string(param.name) + " of " + owner;
-    const bool        single = param.kind == VK_NUMBER || isGrey(param, words, at);
-    float             numbers[3] = {0, 0, 0};
+    const bool single = param.kind == VK_NUMBER || isGrey(param, words, at);
+    float numbers[3] = {0, 0, 0};
     for (int i = 0; i < (single ? 1 : 3); ++i, ++at) {
         if (at >= words.size()) {
             error = what + " expected " + (single ? "a number" : "three numbers") +
@@ -91,8 +91,8 @@ bool vk_parseNumber(const std::string &word, const std::string &what, float leas
     // digits rule out.
     const char *begin = word.c_str() + (word[0] == '+' && word[1] != '-' ? 1 : 0);
     const char *end = word.c_str() + word.size();
-    const auto  read = std::from_chars(begin, end, number);
-    const bool  decimal = word.find_first_not_of("0123456789+-.eE") == std::string::npos;
+    const auto read = std::from_chars(begin, end, number);
+    const bool decimal = word.find_first_not_of("0123456789+-.eE") == std::string::npos;
     if (decimal && read.ec == std::errc::result_out_of_range && read.ptr == end) {
         error = what + " expected a number that fits a float, found " + vk_quoted(word);
         return false;
@@ -121,7 +121,8 @@ std::string vk_paramText(const vk_Param &param)
     std::string standard = vk_numberText(param.standard.x);
     if (param.kind == VK_POINT || !(param.standard == vk_grey(param.standard.x)))
         if (param.kind != VK_NUMBER)
-            standard += " " + vk_numberText(param.standard.y) + " " + vk_numberText(param.standard.z);
+            standard +=
+                " " + vk_numberText(param.standard.y) + " " + vk_numberText(param.standard.z);
     return std::string(param.name) + " [" + vk_numberText(param.least) + " to " +
            vk_numberText(param.most) + "] (" + standard + ") " + param.what;
 }

@@ -27,18 +27,18 @@ enum vk_ParamKind {
 };
 
 struct vk_Param {
-    const char  *name;
+    const char *name;
     vk_ParamKind kind;
-    vk_Vec       standard; // a number sits in x
-    float        least;    // range of each number given, ends included
-    float        most;
-    const char  *what;
+    vk_Vec standard; // a number sits in x
+    float least;     // range of each number given, ends included
+    float most;
+    const char *what;
 };
 
 // A table of parameters, seen from outside.
 struct vk_ParamTable {
     const vk_Param *rows = nullptr;
-    std::size_t     count = 0;
+    std::size_t count = 0;
 
     constexpr vk_ParamTable() = default;
     template <std::size_t N>
@@ -57,9 +57,9 @@ public:
     vk_Values() = default;
     explicit vk_Values(const vk_ParamTable &table); // standard values
 
-    float         number(std::size_t row) const { return myValues[row].x; }
+    float number(std::size_t row) const { return myValues[row].x; }
     const vk_Vec &vec(std::size_t row) const { return myValues[row]; }
-    void          set(std::size_t row, const vk_Vec &value) { myValues[row] = value; }
+    void set(std::size_t row, const vk_Vec &value) { myValues[row] = value; }
 
 private:
     std::array<vk_Vec, 12> myValues;

@@ -17,8 +17,8 @@ using Bytes = std::vector<std::uint8_t>;
 // libjpeg calls error_exit and expects it not to return.
 struct JpegErrors {
     jpeg_error_mgr base; // first: libjpeg hands out a pointer to it
-    std::jmp_buf   escape;
-    char           message[JMSG_LENGTH_MAX];
+    std::jmp_buf escape;
+    char message[JMSG_LENGTH_MAX];
 };
 
 extern "C" void escapeFromJpeg(j_common_ptr info)
@@ -42,7 +42,7 @@ void compressRows(jpeg_compress_struct &info, const vk_Film &film)
     jpeg_start_compress(&info, TRUE);
     while (info.next_scanline < info.image_height) {
         const std::size_t row = std::size_t{3} * info.image_width * info.next_scanline;
-        JSAMPROW          pixels = const_cast<JSAMPROW>(film.bytes.data() + row);
+        JSAMPROW pixels = const_cast<JSAMPROW>(film.bytes.data() + row);
         jpeg_write_scanlines(&info, &pixels, 1);
     }
     jpeg_finish_compress(&info);
@@ -51,9 +51,9 @@ void compressRows(jpeg_compress_struct &info, const vk_Film &film)
 bool encodeJpeg(const vk_Film &film, Bytes &file, std::string &error)
 {
     jpeg_compress_struct info = {};
-    JpegErrors           errors = {};
-    unsigned char       *memory = nullptr;
-    unsigned long        size = 0;
+    JpegErrors errors = {};
+    unsigned char *memory = nullptr;
+    unsigned long size = 0;
     info.err = jpeg_std_error(&errors.base);
     errors.base.error_exit = escapeFromJpeg;
     // No object with a destructor comes to life between here and the jump.
@@ -85,8 +85,9 @@ extern "C" void escapeFromPng(png_structp png, png_const_charp)
 
 bool encodePng(const vk_Film &film, Bytes &file, std::string &error)
 {
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, escapeFromPng, nullptr);
-    png_infop   info = png != nullptr ? png_create_info_struct(png) : nullptr;
+    png_structp png =
+        png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, escapeFromPng, nullptr);
+    png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
     if (info == nullptr || setjmp(png_jmpbuf(png)) != 0) {
         png_destroy_write_struct(&png, &info);
         error = "the PNG encoder failed (out of memory?)";
@@ -135,4 +136,7 @@ bool vk_encode(const vk_Film &film, const std::string &name, Bytes &file, std::s
     return false;
 }
 
-bool vk_isPictureName(const std::string &name) { return formatOf(name) != nullptr; }
+bool vk_isPictureName(const std::string &name)
+{
+    return formatOf(name) != nullptr;
+}

@@ -11,11 +11,11 @@
 
 namespace
 {
-constexpr int   FIRST_SAMPLES = 4; // a pixel; every further pass doubles them
-constexpr int   TILE = 8;          // pixels a side that are drawn together
-constexpr float QUIET = 0.010f;    // error at which a pixel stops, of full scale,
-constexpr float QUIET_COUNT = 64;  // where that many samples are the most
-constexpr float FILTER_WIDTH = 1;  // pixels to either side
+constexpr int FIRST_SAMPLES = 4;  // a pixel; every further pass doubles them
+constexpr int TILE = 8;           // pixels a side that are drawn together
+constexpr float QUIET = 0.009f;   // error at which a pixel stops, of full scale,
+constexpr float QUIET_COUNT = 64; // where that many samples are the most
+constexpr float FILTER_WIDTH = 1; // pixels to either side
 
 // Rays through a picture's points.
 class Lens
@@ -27,20 +27,21 @@ public:
     {
         const vk_Vec forward = vk_normalize(scene.camera.at - scene.camera.from);
         const vk_Vec right = vk_normalize(vk_cross(forward, scene.camera.up));
-        const float  pixel = 2 * std::tan(scene.camera.fov * VK_PI / 360) / std::min(myWidth, myHeight);
+        const float pixel =
+            2 * std::tan(scene.camera.fov * VK_PI / 360) / std::min(myWidth, myHeight);
         myForward = forward;
         myRight = right * pixel;
         myDown = vk_cross(forward, right) * pixel;
     }
     const vk_Vec &from() const { return myFrom; }
-    vk_Vec        direction(float x, float y) const
+    vk_Vec direction(float x, float y) const
     {
         return vk_normalize(myForward + myRight * (x - myWidth / 2) + myDown * (y - myHeight / 2));
     }
 
 private:
     vk_Vec myFrom, myForward, myRight, myDown;
-    float  myWidth, myHeight;
+    float myWidth, myHeight;
 };
 
 // A tent-shaped filter, drawn from instead of weighted by: each pixel then
@@ -62,10 +63,10 @@ vk_Colour seen(const vk_Colour &c)
 
 struct Pixel {
     vk_Colour sum;
-    vk_Colour before;    // seen mean when half of the samples were there
-    float     error = 0; // of the mean, estimated
-    int       count = 0;
-    bool      quiet = false;
+    vk_Colour before; // seen mean when half of the samples were there
+    float error = 0;  // of the mean, estimated
+    int count = 0;
+    bool quiet = false;
 
     vk_Colour mean() const { return sum * (1 / static_cast<float>(count)); }
 
@@ -100,17 +101,17 @@ public:
         const auto at = static_cast<std::size_t>(y * myScene.width + x);
         vk_develop(pixel.mean(), &myFilm.bytes[3 * at]);
     }
-    int   width() const { return myScene.width; }
-    int   height() const { return myScene.height; }
-    int   mostSamples() const { return myScene.samples; }
+    int width() const { return myScene.width; }
+    int height() const { return myScene.height; }
+    int mostSamples() const { return myScene.samples; }
     float tolerance() const { return myTolerance; }
 
 private:
     vk_Colour light(int x, int y, vk_Sampler sampler) const
     {
         const vk_Square at = sampler.square();
-        const vk_Vec    direction = myLens.direction(static_cast<float>(x) + .5f + tent(at.u),
-                                                     static_cast<float>(y) + .5f + tent(at.v));
+        const vk_Vec direction = myLens.direction(static_cast<float>(x) + .5f + tent(at.u),
+                                                  static_cast<float>(y) + .5f + tent(at.v));
         const vk_Colour light = myTracer.radiance(myLens.from(), direction, sampler) * myGain;
         // What is whiter than white must not outweigh its neighbours at an edge.
         const float largest = vk_largest(light);
@@ -120,11 +121,11 @@ private:
     }
 
     const vk_Scene &myScene;
-    vk_Tracer       myTracer;
-    Lens            myLens;
-    vk_Film        &myFilm;
-    float           myGain;
-    float           myTolerance;
+    vk_Tracer myTracer;
+    Lens myLens;
+    vk_Film &myFilm;
+    float myGain;
+    float myTolerance;
 };
 
 // A square of pixels, drawn in passes that double the samples of those pixels
@@ -179,7 +180,7 @@ private:
     float errorAround(int x, int y) const
     {
         float sum = 0;
-        int   count = 0;
+        int count = 0;
         for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
             for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count)
                 sum += myPixels[j][i].error;
@@ -187,8 +188,8 @@ private:
     }
 
     const Picture &myPicture;
-    int            myLeft, myTop, myColumns, myRows;
-    Pixel          myPixels[TILE][TILE];
+    int myLeft, myTop, myColumns, myRows;
+    Pixel myPixels[TILE][TILE];
 };
 
 void drawTiles(const Picture &picture, int threads)
@@ -198,7 +199,7 @@ void drawTiles(const Picture &picture, int threads)
     // More threads than processors are wanted when somebody asks for them.
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism,
                                     static_cast<std::size_t>(threads));
-    tbb::task_arena           arena(threads);
+    tbb::task_arena arena(threads);
     arena.execute([&] {
         tbb::parallel_for(0, columns * rows, [&](int i) {
             Tile(picture, i % columns * TILE, i / columns * TILE).draw();
@@ -212,7 +213,7 @@ int vk_threadCount()
     constexpr long MOST_THREADS = 100;
 
     const char *const wish = std::getenv("VELDRIN_MAXTHREADS");
-    const long        count = wish != nullptr ? std::strtol(wish, nullptr, 10) : 0;
+    const long count = wish != nullptr ? std::strtol(wish, nullptr, 10) : 0;
     if (count > 0)
         return static_cast<int>(std::min(count, MOST_THREADS));
     return tbb::info::default_concurrency();

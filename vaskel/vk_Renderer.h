@@ -13,5 +13,4 @@ int vk_threadCount();
 // Draws the scene. The film depends on the scene only, not on the number of
 // threads. A pixel stops early when its samples agree. False and a message when
 // memory or ray tracing failed.
-[[nodiscard]] bool vk_render(const vk_Scene &scene, int threads, vk_Film &film,
-                             std::string &error);
+[[nodiscard]] bool vk_render(const vk_Scene &scene, int threads, vk_Film &film, std::string &error);

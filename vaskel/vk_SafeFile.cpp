@@ -15,7 +15,7 @@ namespace
 constexpr int SIGNALS[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGXFSZ, SIGXCPU};
 
 // What the handler removes; valid while armed.
-char                  doomed[PATH_MAX];
+char doomed[PATH_MAX];
 volatile sig_atomic_t isArmed = 0;
 
 // Only what POSIX calls async-signal-safe.
@@ -83,7 +83,10 @@ unsigned newFileMode()
 }
 } // namespace
 
-vk_SafeFile::~vk_SafeFile() { discard(); }
+vk_SafeFile::~vk_SafeFile()
+{
+    discard();
+}
 
 bool vk_SafeFile::fail(const char *what, int code)
 {
@@ -109,7 +112,7 @@ bool vk_SafeFile::open(const std::string &target)
 {
     myTarget = resolved(target);
     struct stat there = {};
-    const bool  exists = stat(myTarget.c_str(), &there) == 0;
+    const bool exists = stat(myTarget.c_str(), &there) == 0;
     if (exists && !S_ISREG(there.st_mode)) {
         myError = "cannot replace '" + target + "': not a regular file";
         return false;

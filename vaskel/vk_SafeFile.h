@@ -41,6 +41,6 @@ private:
     std::string myTarget;
     std::string myTemporary;
     std::string myError;
-    int         myFile = -1;
-    unsigned    myMode = 0;
+    int myFile = -1;
+    unsigned myMode = 0;
 };

@@ -41,7 +41,10 @@ std::uint32_t secondReversed(std::uint32_t index)
 }
 
 // The top 24 bits: what a float holds below 1.
-float unit(std::uint32_t x) { return static_cast<float>(x >> 8) * 0x1p-24f; }
+float unit(std::uint32_t x)
+{
+    return static_cast<float>(x >> 8) * 0x1p-24f;
+}
 } // namespace
 
 std::uint32_t vk_hash(std::uint32_t x)
@@ -59,7 +62,7 @@ vk_Square vk_Sampler::square()
     const std::uint32_t index = scramble(myIndex, seed);
     // The first dimension is the index with its bits reversed, so reversing
     // before scrambling cancels out.
-    const std::uint32_t first = scrambleReversed(index, vk_hash(seed + 1));
-    const std::uint32_t second = scrambleReversed(secondReversed(index), vk_hash(seed + 2));
+    const std::uint32_t first = scrambleReversed(index, seed * 0x9e3779b1u);
+    const std::uint32_t second = scrambleReversed(secondReversed(index), seed * 0x85ebca6bu);
     return {unit(reverseBits(first)), unit(reverseBits(second))};
 }

@@ -20,7 +20,7 @@ public:
 
     // The next pair and the next single number, each in [0, 1).
     vk_Square square();
-    float     number() { return square().u; }
+    float number() { return square().u; }
 
     // Goes on with the pairs numbered from a place that earlier uses do not
     // reach, so that a path's later parts keep their own pairs.

@@ -22,7 +22,8 @@ static_assert(std::size(CAMERA) == CAMERA_FOV + 1);
 
 constexpr float NEUTRAL = .214f; // half of the scale in the file
 
-template <class Function> vk_Shader<Function> firstOf(const vk_ShaderTable<Function> &table)
+template <class Function>
+vk_Shader<Function> firstOf(const vk_ShaderTable<Function> &table)
 {
     return {table.rows, vk_Values(table.rows->params)};
 }
@@ -31,9 +32,9 @@ template <class Function> vk_Shader<Function> firstOf(const vk_ShaderTable<Funct
 struct vk_SceneReader::Statement {
     const char *word;
     const char *arguments;
-    Handler     handler;
+    Handler handler;
     const char *what;
-    bool        takesLine = false; // as it stands, whatever its quotes
+    bool takesLine = false; // as it stands, whatever its quotes
 };
 
 // doc/scene.md has the same rows.
@@ -233,7 +234,7 @@ bool vk_SceneReader::doCamera()
         return false;
     const vk_Camera camera = {values.vec(CAMERA_FROM), values.vec(CAMERA_AT), values.vec(CAMERA_UP),
                               values.number(CAMERA_FOV)};
-    const vk_Vec    view = vk_normalize(camera.at - camera.from);
+    const vk_Vec view = vk_normalize(camera.at - camera.from);
     if (vk_length(camera.at - camera.from) < 1e-4f)
         return wrong("camera expected 'from' and 'at' to be apart");
     if (vk_length(vk_cross(view, vk_normalize(camera.up))) < 1e-3f || vk_length(camera.up) < 1e-6f)
@@ -251,7 +252,7 @@ bool vk_SceneReader::doBackground()
         return wrong("background expected 'on', or 'off' and a colour" +
                      (choice.empty() ? "" : ", found " + vk_quoted(choice)));
     constexpr vk_Param OFF[] = {{"off", VK_COLOUR, {NEUTRAL, NEUTRAL, NEUTRAL}, 0, 1000, ""}};
-    vk_Values          values{vk_ParamTable(OFF)};
+    vk_Values values{vk_ParamTable(OFF)};
     if (myWords.size() > 2 && !vk_parseParams(OFF, "background", myWords, 1, values, myError))
         return false;
     myScene->showsEnvironment = false;
@@ -270,11 +271,26 @@ bool vk_SceneReader::doEnvironment()
     return doShader(VK_ENVIRONMENT_SHADERS, myScene->environment);
 }
 
-bool vk_SceneReader::doFloor() { return doShader(VK_SURFACE_SHADERS, myScene->floor); }
-bool vk_SceneReader::doShadow() { return doShader(VK_SHADOW_SHADERS, myScene->shadow); }
-bool vk_SceneReader::doFog() { return doShader(VK_FOG_SHADERS, myScene->fog); }
-bool vk_SceneReader::doSurface() { return doShader(VK_SURFACE_SHADERS, myState.surface); }
-bool vk_SceneReader::doDisplace() { return doShader(VK_DISPLACE_SHADERS, myState.displace); }
+bool vk_SceneReader::doFloor()
+{
+    return doShader(VK_SURFACE_SHADERS, myScene->floor);
+}
+bool vk_SceneReader::doShadow()
+{
+    return doShader(VK_SHADOW_SHADERS, myScene->shadow);
+}
+bool vk_SceneReader::doFog()
+{
+    return doShader(VK_FOG_SHADERS, myScene->fog);
+}
+bool vk_SceneReader::doSurface()
+{
+    return doShader(VK_SURFACE_SHADERS, myState.surface);
+}
+bool vk_SceneReader::doDisplace()
+{
+    return doShader(VK_DISPLACE_SHADERS, myState.displace);
+}
 
 bool vk_SceneReader::doLightPlace()
 {
@@ -372,10 +388,10 @@ bool vk_SceneReader::doDefault()
     if (mySeen.count(myWords[0]) == 0)
         return obey();
     // Checked all the same, on a scene and a state that are thrown away.
-    vk_Scene        scratch;
+    vk_Scene scratch;
     vk_Scene *const scene = myScene;
-    const State     state = myState;
-    const bool      ended = myEnded;
+    const State state = myState;
+    const bool ended = myEnded;
     myScene = &scratch;
     const bool good = obey();
     myScene = scene;

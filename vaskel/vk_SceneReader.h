@@ -42,9 +42,9 @@ private:
 
     // What the next light and the next shape get.
     struct State {
-        vk_Words          lightPlace;
-        vk_Transform      transform;
-        vk_SurfaceShader  surface;
+        vk_Words lightPlace;
+        vk_Transform transform;
+        vk_SurfaceShader surface;
         vk_DisplaceShader displace;
     };
 
@@ -84,15 +84,15 @@ private:
     bool doDefault();
     bool doEnd();
 
-    std::string              myName;
-    vk_Scene                *myScene;
-    int                      myLineNumber = 0;
-    std::string              myLine;
-    vk_Words                 myWords;
-    float                    myNumbers[3] = {0, 0, 0}; // of takesNumbers()
-    std::string              myError;
+    std::string myName;
+    vk_Scene *myScene;
+    int myLineNumber = 0;
+    std::string myLine;
+    vk_Words myWords;
+    float myNumbers[3] = {0, 0, 0}; // of takesNumbers()
+    std::string myError;
     std::vector<std::string> myMessages;
-    std::set<std::string>    mySeen; // words of statements used without `default`
-    bool                     myEnded = false;
-    State                    myState;
+    std::set<std::string> mySeen; // words of statements used without `default`
+    bool myEnded = false;
+    State myState;
 };

@@ -9,31 +9,35 @@
 #include "vaskel/vk_Nearest.h"
 #include "vaskel/vk_Params.h"
 
-template <class Function> struct vk_ShaderRow {
-    const char   *name;
-    const char   *what; // one line for the list
+template <class Function>
+struct vk_ShaderRow {
+    const char *name;
+    const char *what; // one line for the list
     vk_ParamTable params;
-    Function     *function;
+    Function *function;
 };
 
-template <class Function> struct vk_Shader {
+template <class Function>
+struct vk_Shader {
     const vk_ShaderRow<Function> *row = nullptr; // null: none chosen
-    vk_Values                     values;
+    vk_Values values;
 
     explicit operator bool() const { return row != nullptr; }
 
     // What the function makes of the values and its other arguments.
-    template <class... Arguments> auto operator()(const Arguments &...arguments) const
+    template <class... Arguments>
+    auto operator()(const Arguments &...arguments) const
     {
         return row->function(values, arguments...);
     }
 };
 
 // A table of one type of shader. Rows end before `rows + count`.
-template <class Function> struct vk_ShaderTable {
-    const char                   *type; // "surface", ...
+template <class Function>
+struct vk_ShaderTable {
+    const char *type; // "surface", ...
     const vk_ShaderRow<Function> *rows;
-    std::size_t                   count;
+    std::size_t count;
 
     const vk_ShaderRow<Function> *begin() const { return rows; }
     const vk_ShaderRow<Function> *end() const { return rows + count; }
@@ -53,7 +57,7 @@ template <class Function>
 [[nodiscard]] bool vk_parseShader(const vk_ShaderTable<Function> &table, const vk_Words &words,
                                   vk_Shader<Function> &shader, std::string &error)
 {
-    const std::string_view        name = words.size() > 1 ? vk_shaderName(words[1]) : "";
+    const std::string_view name = words.size() > 1 ? vk_shaderName(words[1]) : "";
     std::vector<std::string_view> known;
     for (const vk_ShaderRow<Function> &row : table) {
         known.push_back(row.name);

@@ -6,7 +6,8 @@
 
 namespace
 {
-template <class Function> void append(std::string &text, const vk_ShaderTable<Function> &table)
+template <class Function>
+void append(std::string &text, const vk_ShaderTable<Function> &table)
 {
     for (const vk_ShaderRow<Function> &row : table) {
         text += std::string(table.type) + " " + row.name + ": " + row.what + "\n";

@@ -17,7 +17,7 @@ void sphere(const vk_Values &p, vk_MeshBuilder &builder)
 {
     const float radius = p.number(SPHERE_RADIUS);
     builder.patch(192, 96, [&](float u, float v) {
-        const float  around = TURN * u, up = VK_PI * (v - .5f);
+        const float around = TURN * u, up = VK_PI * (v - .5f);
         const vk_Vec n = {std::cos(up) * std::sin(around), std::sin(up),
                           std::cos(up) * std::cos(around)};
         return vk_Vertex{n * radius + vk_Vec{0, radius, 0}, n, u, v};
@@ -38,9 +38,9 @@ void grid(const vk_Values &p, vk_MeshBuilder &builder)
     const float width = p.number(GRID_WIDTH), height = p.number(GRID_HEIGHT);
     const float wave = p.number(GRID_WAVE);
     builder.patch(120, 120, [&](float u, float v) {
-        const float  across = TURN * 1.5f * u, lean = 1.8f * v;
+        const float across = TURN * 1.5f * u, lean = 1.8f * v;
         const vk_Vec at = {width * (u - .5f), height * v, wave * std::sin(across + lean)};
-        const float  slope = wave * std::cos(across + lean);
+        const float slope = wave * std::cos(across + lean);
         const vk_Vec n = {-slope * TURN * 1.5f / width, -slope * 1.8f / height, 1};
         return vk_Vertex{at, vk_normalize(n), u, v};
     });
@@ -86,16 +86,19 @@ vk_Vec blended(const unsigned short (&patch)[16], const float (&u)[4], const flo
 }
 
 // The data's z is up: turned about x.
-vk_Vec upright(const vk_Vec &p) { return {p.x, p.z, -p.y}; }
+vk_Vec upright(const vk_Vec &p)
+{
+    return {p.x, p.z, -p.y};
+}
 
 vk_Vertex teapotVertex(const unsigned short (&patch)[16], float u, float v)
 {
     // Where a row of points falls together, the slopes beside it say where the
     // surface faces.
-    const float     inside = std::clamp(v, 1e-3f, 1 - 1e-3f);
+    const float inside = std::clamp(v, 1e-3f, 1 - 1e-3f);
     const Bernstein bu(u), bv(v), beside(inside);
-    const vk_Vec    along = blended(patch, bu.slope, beside.weight);
-    const vk_Vec    up = blended(patch, bu.weight, beside.slope);
+    const vk_Vec along = blended(patch, bu.slope, beside.weight);
+    const vk_Vec up = blended(patch, bu.weight, beside.slope);
     return {upright(blended(patch, bu.weight, bv.weight)),
             upright(vk_normalize(vk_cross(along, up))), u, v};
 }

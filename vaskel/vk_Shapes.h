@@ -8,7 +8,7 @@
 #include <string_view>
 
 struct vk_ShapeRow {
-    const char   *word;
+    const char *word;
     vk_ParamTable params;
     void (*build)(const vk_Values &, vk_MeshBuilder &);
 };

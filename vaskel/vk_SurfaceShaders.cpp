@@ -81,10 +81,10 @@ constexpr vk_Param CHECKER[] = {
 vk_Material checker(const vk_Values &p, const vk_SurfacePoint &point)
 {
     // The small shift keeps a floor at y = 0 off the planes between checks.
-    const vk_Vec  at = point.position * (1 / p.number(CHECKER_SIZE)) + vk_grey(1e-3f);
-    const float   cells = std::floor(at.x) + std::floor(at.y) + std::floor(at.z);
-    const bool    odd = std::fmod(cells, 2.0f) != 0;
-    vk_Material   material;
+    const vk_Vec at = point.position * (1 / p.number(CHECKER_SIZE)) + vk_grey(1e-3f);
+    const float cells = std::floor(at.x) + std::floor(at.y) + std::floor(at.z);
+    const bool odd = std::fmod(cells, 2.0f) != 0;
+    vk_Material material;
     material.diffuse = p.vec(odd ? CHECKER_DIFF2 : CHECKER_DIFF1);
     material.edge = p.vec(CHECKER_SPEC);
     material.specular = material.edge * straightReflectance(1.5f);

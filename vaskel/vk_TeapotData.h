@@ -11,4 +11,4 @@ constexpr int VK_TEAPOT_POINT_COUNT = 306;
 
 // Four rows of four points each, numbers into the points from 0.
 extern const unsigned short VK_TEAPOT_PATCHES[VK_TEAPOT_PATCH_COUNT][16];
-extern const float          VK_TEAPOT_POINTS[VK_TEAPOT_POINT_COUNT][3];
+extern const float VK_TEAPOT_POINTS[VK_TEAPOT_POINT_COUNT][3];

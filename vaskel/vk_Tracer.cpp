@@ -5,18 +5,18 @@
 namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
-constexpr int   MOST_SURFACES = 4;
-constexpr int   LIGHT_SAMPLES = 4;    // where a surface is seen or mirrored,
-constexpr int   SPREAD_SAMPLES = 1;   // and behind even scattering
-constexpr float FADE_NEAR = 12;       // the floor fades between these
-constexpr float FADE_FAR = 45;        // distances from the origin
-constexpr float BLUR = 0.5f;          // roughness behind even scattering
-constexpr float MOST_INDIRECT = 6;    // brighter strays are cut
-constexpr float EVEN_DENSITY = 1;     // scattering below it counts as even
+constexpr int MOST_SURFACES = 4;
+constexpr int LIGHT_SAMPLES = 4;   // where a surface is seen or mirrored,
+constexpr int SPREAD_SAMPLES = 1;  // and behind even scattering
+constexpr float FADE_NEAR = 12;    // the floor fades between these
+constexpr float FADE_FAR = 45;     // distances from the origin
+constexpr float BLUR = 0.5f;       // roughness behind even scattering
+constexpr float MOST_INDIRECT = 6; // brighter strays are cut
+constexpr float EVEN_DENSITY = 1;  // scattering below it counts as even
 
 // Pairs of the sampler that one surface may use, and where each begins.
 constexpr std::uint32_t PAIRS = 8 + LIGHT_SAMPLES;
-std::uint32_t           pairsOf(int surface, int round)
+std::uint32_t pairsOf(int surface, int round)
 {
     return PAIRS * static_cast<std::uint32_t>(MOST_SURFACES * round + surface);
 }
@@ -29,13 +29,13 @@ vk_Colour cut(const vk_Colour &c, float most)
 } // namespace
 
 struct vk_Tracer::Path {
-    vk_Vec    origin, direction;
+    vk_Vec origin, direction;
     vk_Colour gathered;
     vk_Colour weight = {1, 1, 1};
-    float     density = 0;  // of the last scattering
-    int       samples = 0;  // of lights there
-    int       surfaces = 0; // scattered at
-    bool      spread = false; // has been scattered evenly
+    float density = 0;   // of the last scattering
+    int samples = 0;     // of lights there
+    int surfaces = 0;    // scattered at
+    bool spread = false; // has been scattered evenly
 
     void add(const vk_Colour &light)
     {
@@ -48,13 +48,13 @@ vk_Tracer::vk_Tracer(const vk_Scene &scene, const vk_World &world)
     : myScene(scene), myWorld(world), myFog(scene.fog), myLighting(scene, world, myFog)
 {
     // Directions spread evenly over the sphere along a spiral.
-    constexpr int   COUNT = 256;
+    constexpr int COUNT = 256;
     constexpr float SHARE = 1.0f / COUNT;
     for (int i = 0; i < COUNT; ++i) {
-        const float     up = 1 - (2 * static_cast<float>(i) + 1) / COUNT;
-        const float     around = 2.39996323f * static_cast<float>(i); // the golden angle
-        const float     side = std::sqrt(1 - up * up);
-        const vk_Vec    way = {side * std::cos(around), up, side * std::sin(around)};
+        const float up = 1 - (2 * static_cast<float>(i) + 1) / COUNT;
+        const float around = 2.39996323f * static_cast<float>(i); // the golden angle
+        const float side = std::sqrt(1 - up * up);
+        const vk_Vec way = {side * std::cos(around), up, side * std::sin(around)};
         const vk_Colour light = scene.environment(way) * SHARE;
         myMean += light;
         mySlope[0] += light * (2 * way.x);
@@ -69,11 +69,11 @@ vk_Colour vk_Tracer::radiance(const vk_Vec &origin, const vk_Vec &direction,
     Path path;
     path.origin = origin;
     path.direction = direction;
-    vk_Hit      hit;
+    vk_Hit hit;
     vk_Material material;
     if (!arrive(path, hit, material, sampler))
         return path.gathered;
-    vk_Bsdf   bsdf = light(path, hit, material, LIGHT_SAMPLES, sampler);
+    vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, sampler);
     vk_Colour sum = path.gathered;
     const int rounds = bsdf.rounds();
     for (int round = 0; round < rounds; ++round) {
@@ -89,7 +89,7 @@ vk_Colour vk_Tracer::radiance(const vk_Vec &origin, const vk_Vec &direction,
 // What a path brings in from its second surface on.
 vk_Colour vk_Tracer::follow(Path path, vk_Sampler &sampler) const
 {
-    vk_Hit      hit;
+    vk_Hit hit;
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
         const bool isLast = path.spread || path.surfaces + 1 == MOST_SURFACES;
@@ -111,11 +111,11 @@ vk_Colour vk_Tracer::follow(Path path, vk_Sampler &sampler) const
 // is no surface, or none that scatters.
 bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sampler &sampler) const
 {
-    const bool  met = myWorld.intersect(path.origin, path.direction, hit);
+    const bool met = myWorld.intersect(path.origin, path.direction, hit);
     const float distance = met ? hit.distance : FOREVER;
     if (path.surfaces > 0)
-        path.add(myLighting.reached(path.origin, path.direction, distance, path.density,
-                                    path.samples));
+        path.add(
+            myLighting.reached(path.origin, path.direction, distance, path.density, path.samples));
     crossFog(path, distance, sampler);
     if (!met) {
         path.add(seen(path, path.direction));
@@ -140,7 +140,7 @@ vk_Colour vk_Tracer::seen(const Path &path, const vk_Vec &direction) const
 void vk_Tracer::fadeFloor(Path &path, const vk_Hit &hit) const
 {
     const vk_Vec &at = hit.position;
-    const float   faded = vk_smoothStep(FADE_NEAR, FADE_FAR, std::sqrt(at.x * at.x + at.z * at.z));
+    const float faded = vk_smoothStep(FADE_NEAR, FADE_FAR, std::sqrt(at.x * at.x + at.z * at.z));
     if (faded <= 0)
         return;
     const vk_Vec level = vk_normalize({path.direction.x, 0, path.direction.z});
@@ -155,8 +155,7 @@ void vk_Tracer::crossFog(Path &path, float distance, vk_Sampler &sampler) const
         return;
     vk_Colour light = myMean;
     if (path.surfaces == 0) {
-        const vk_Vec at =
-            myFog.place(path.origin, path.direction, distance, sampler.number());
+        const vk_Vec at = myFog.place(path.origin, path.direction, distance, sampler.number());
         light += myLighting.scattered(at, sampler);
     }
     path.add(myFog.albedo() * light * lost);
@@ -169,7 +168,7 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
                          vk_Sampler &sampler) const
 {
     // A smooth normal may face away from the viewer at a silhouette.
-    const vk_Vec  out = -path.direction;
+    const vk_Vec out = -path.direction;
     const vk_Vec &normal = vk_dot(hit.normal, out) > 0 ? hit.normal : hit.facet;
     const vk_Bsdf bsdf(material, normal, out, path.surfaces == 0);
     path.samples = samples;

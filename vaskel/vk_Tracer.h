@@ -31,20 +31,20 @@ public:
 private:
     struct Path;
 
-    bool      arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sampler &sampler) const;
-    void      fadeFloor(Path &path, const vk_Hit &hit) const;
-    void      crossFog(Path &path, float distance, vk_Sampler &sampler) const;
-    vk_Bsdf   light(Path &path, const vk_Hit &hit, const vk_Material &material, int samples,
-                    vk_Sampler &sampler) const;
-    bool      scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &next) const;
+    bool arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sampler &sampler) const;
+    void fadeFloor(Path &path, const vk_Hit &hit) const;
+    void crossFog(Path &path, float distance, vk_Sampler &sampler) const;
+    vk_Bsdf light(Path &path, const vk_Hit &hit, const vk_Material &material, int samples,
+                  vk_Sampler &sampler) const;
+    bool scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &next) const;
     vk_Colour follow(Path path, vk_Sampler &sampler) const;
     vk_Colour ambient(const vk_Vec &normal) const;
     vk_Colour seen(const Path &path, const vk_Vec &direction) const;
 
     const vk_Scene &myScene;
     const vk_World &myWorld;
-    vk_Fog          myFog;
-    vk_Lighting     myLighting;
-    vk_Colour       myMean;     // of the environment,
-    vk_Colour       mySlope[3]; // and how it leans along each axis
+    vk_Fog myFog;
+    vk_Lighting myLighting;
+    vk_Colour myMean;     // of the environment,
+    vk_Colour mySlope[3]; // and how it leans along each axis
 };

@@ -20,9 +20,9 @@ vk_Transform vk_Transform::rotation(float degrees, const vk_Vec &axis)
 {
     // Rodrigues' formula, applied to each axis.
     const vk_Vec k = vk_normalize(axis);
-    const float  angle = degrees * VK_PI / 180;
-    const float  c = std::cos(angle), s = std::sin(angle);
-    const auto   turned = [&](const vk_Vec &v) {
+    const float angle = degrees * VK_PI / 180;
+    const float c = std::cos(angle), s = std::sin(angle);
+    const auto turned = [&](const vk_Vec &v) {
         return v * c + vk_cross(k, v) * s + k * (vk_dot(k, v) * (1 - c));
     };
     vk_Transform t;
@@ -53,7 +53,7 @@ vk_Vec vk_Transform::normal(const vk_Vec &n) const
 
 vk_Transform vk_Transform::inverse() const
 {
-    const float  scale = 1 / determinant();
+    const float scale = 1 / determinant();
     const vk_Vec a = vk_cross(myY, myZ) * scale;
     const vk_Vec b = vk_cross(myZ, myX) * scale;
     const vk_Vec c = vk_cross(myX, myY) * scale;

@@ -24,22 +24,40 @@ constexpr vk_Vec operator-(const vk_Vec &a, const vk_Vec &b)
 {
     return {a.x - b.x, a.y - b.y, a.z - b.z};
 }
-constexpr vk_Vec operator-(const vk_Vec &a) { return {-a.x, -a.y, -a.z}; }
+constexpr vk_Vec operator-(const vk_Vec &a)
+{
+    return {-a.x, -a.y, -a.z};
+}
 constexpr vk_Vec operator*(const vk_Vec &a, const vk_Vec &b)
 {
     return {a.x * b.x, a.y * b.y, a.z * b.z};
 }
-constexpr vk_Vec operator*(const vk_Vec &a, float s) { return {a.x * s, a.y * s, a.z * s}; }
-constexpr vk_Vec operator*(float s, const vk_Vec &a) { return a * s; }
-constexpr vk_Vec &operator+=(vk_Vec &a, const vk_Vec &b) { return a = a + b; }
+constexpr vk_Vec operator*(const vk_Vec &a, float s)
+{
+    return {a.x * s, a.y * s, a.z * s};
+}
+constexpr vk_Vec operator*(float s, const vk_Vec &a)
+{
+    return a * s;
+}
+constexpr vk_Vec &operator+=(vk_Vec &a, const vk_Vec &b)
+{
+    return a = a + b;
+}
 constexpr bool operator==(const vk_Vec &a, const vk_Vec &b)
 {
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-constexpr vk_Vec vk_grey(float level) { return {level, level, level}; }
-constexpr vk_Vec vk_mix(const vk_Vec &a, const vk_Vec &b, float t) { return a + (b - a) * t; }
-constexpr float  vk_dot(const vk_Vec &a, const vk_Vec &b)
+constexpr vk_Vec vk_grey(float level)
+{
+    return {level, level, level};
+}
+constexpr vk_Vec vk_mix(const vk_Vec &a, const vk_Vec &b, float t)
+{
+    return a + (b - a) * t;
+}
+constexpr float vk_dot(const vk_Vec &a, const vk_Vec &b)
 {
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
@@ -47,10 +65,22 @@ constexpr vk_Vec vk_cross(const vk_Vec &a, const vk_Vec &b)
 {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-inline float  vk_length(const vk_Vec &a) { return std::sqrt(vk_dot(a, a)); }
-inline float  vk_largest(const vk_Vec &a) { return std::max(a.x, std::max(a.y, a.z)); }
-inline bool   vk_isFinite(const vk_Vec &a) { return std::isfinite(a.x + a.y + a.z); }
-inline vk_Vec vk_exp(const vk_Vec &a) { return {std::exp(a.x), std::exp(a.y), std::exp(a.z)}; }
+inline float vk_length(const vk_Vec &a)
+{
+    return std::sqrt(vk_dot(a, a));
+}
+inline float vk_largest(const vk_Vec &a)
+{
+    return std::max(a.x, std::max(a.y, a.z));
+}
+inline bool vk_isFinite(const vk_Vec &a)
+{
+    return std::isfinite(a.x + a.y + a.z);
+}
+inline vk_Vec vk_exp(const vk_Vec &a)
+{
+    return {std::exp(a.x), std::exp(a.y), std::exp(a.z)};
+}
 
 // Relative luminance (ITU-R BT.709).
 constexpr float vk_luminance(const vk_Colour &c)
@@ -86,10 +116,7 @@ struct vk_Frame {
         bitangent = {b, sign + unit.y * unit.y * a, -unit.y};
     }
 
-    vk_Vec toWorld(const vk_Vec &v) const
-    {
-        return tangent * v.x + bitangent * v.y + normal * v.z;
-    }
+    vk_Vec toWorld(const vk_Vec &v) const { return tangent * v.x + bitangent * v.y + normal * v.z; }
     vk_Vec toLocal(const vk_Vec &v) const
     {
         return {vk_dot(v, tangent), vk_dot(v, bitangent), vk_dot(v, normal)};

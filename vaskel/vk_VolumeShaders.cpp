@@ -47,7 +47,7 @@ constexpr vk_Param STUDIO[] = {
 
 vk_Colour studio(const vk_Values &p, const vk_Vec &direction)
 {
-    const float     up = direction.y;
+    const float up = direction.y;
     const vk_Colour sky =
         vk_mix(p.vec(STUDIO_HORIZON), p.vec(STUDIO_TOP), vk_smoothStep(-.1f, .8f, up));
     const float below = vk_smoothStep(.02f, -.25f, up);
@@ -64,6 +64,6 @@ static_assert(std::size(BUMPS) == BUMPS_SIZE + 1 && std::size(FOG) == FOG_RADIUS
 
 const vk_ShaderTable<vk_DisplaceFunction> VK_DISPLACE_SHADERS = {"displace", DISPLACE_ROWS,
                                                                  std::size(DISPLACE_ROWS)};
-const vk_ShaderTable<vk_FogFunction>      VK_FOG_SHADERS = {"fog", FOG_ROWS, std::size(FOG_ROWS)};
+const vk_ShaderTable<vk_FogFunction> VK_FOG_SHADERS = {"fog", FOG_ROWS, std::size(FOG_ROWS)};
 const vk_ShaderTable<vk_EnvironmentFunction> VK_ENVIRONMENT_SHADERS = {
     "environment", ENVIRONMENT_ROWS, std::size(ENVIRONMENT_ROWS)};

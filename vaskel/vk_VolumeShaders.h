@@ -13,9 +13,9 @@ extern const vk_ShaderTable<vk_DisplaceFunction> VK_DISPLACE_SHADERS;
 // A fog fills a ball around the origin: how much light it takes away per
 // length, and what share of that it scatters on, evenly in all directions.
 struct vk_Medium {
-    float     extinction = 0;
+    float extinction = 0;
     vk_Colour albedo;
-    float     radius = 0;
+    float radius = 0;
 };
 using vk_FogFunction = vk_Medium(const vk_Values &);
 using vk_FogShader = vk_Shader<vk_FogFunction>;

@@ -7,14 +7,14 @@
 #include <limits>
 
 struct vk_World::Shape {
-    vk_Mesh                 mesh;
-    vk_Transform            toShape;
+    vk_Mesh mesh;
+    vk_Transform toShape;
     const vk_SurfaceShader *surface;
 };
 
 struct vk_World::Embree {
     RTCDevice device = nullptr;
-    RTCScene  scene = nullptr;
+    RTCScene scene = nullptr;
 
     Embree() = default;
     Embree(const Embree &) = delete;
@@ -43,7 +43,7 @@ void vk_World::Embree::build() const
 void vk_World::Embree::attach(const vk_Mesh &mesh)
 {
     const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
-    void *const       points =
+    void *const points =
         rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
                                 sizeof(vk_Vec), mesh.vertices.size());
     void *const corners =
@@ -79,6 +79,7 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
     }
     if (myEmbree->scene != nullptr)
         myEmbree->build();
+    encloseShapes();
     if (myEmbree->failed())
         myError = "cannot set up ray tracing (out of memory?)";
 }
@@ -95,6 +96,37 @@ vk_Vec vk_Hit::start(const vk_Vec &direction) const
     return position + facet * (vk_dot(facet, direction) < 0 ? -off : off);
 }
 
+void vk_World::encloseShapes()
+{
+    constexpr float FAR = std::numeric_limits<float>::max();
+    constexpr float MARGIN = 1e-6f; // for rounding
+
+    vk_Vec low = {FAR, FAR, FAR}, high = -low;
+    for (const auto &shape : myShapes)
+        for (const vk_Vertex &vertex : shape->mesh.vertices) {
+            const vk_Vec &p = vertex.position;
+            low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+            high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+        }
+    myCentre = (low + high) * .5f;
+    for (const auto &shape : myShapes)
+        for (const vk_Vertex &vertex : shape->mesh.vertices) {
+            const vk_Vec off = vertex.position - myCentre;
+            myRadius2 = std::max(myRadius2, vk_dot(off, off) * (1 + MARGIN));
+        }
+}
+
+// Most rays of a small scene miss everything; this is cheaper than asking.
+bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const
+{
+    const vk_Vec way = myCentre - origin;
+    const float along = vk_dot(way, direction);
+    const float away2 = vk_dot(way, way);
+    if (away2 <= myRadius2)
+        return true;
+    return along > 0 && away2 - along * along <= myRadius2;
+}
+
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
 {
     if (!myScene.floor || direction.y == 0)
@@ -106,12 +138,12 @@ bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &d
 void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, float v,
                              vk_Hit &hit) const
 {
-    const Shape     &shape = *myShapes[geometry];
-    const auto      &corners = shape.mesh.triangles[triangle];
+    const Shape &shape = *myShapes[geometry];
+    const auto &corners = shape.mesh.triangles[triangle];
     const vk_Vertex &a = shape.mesh.vertices[corners[0]];
     const vk_Vertex &b = shape.mesh.vertices[corners[1]];
     const vk_Vertex &c = shape.mesh.vertices[corners[2]];
-    const float      w = 1 - u - v;
+    const float w = 1 - u - v;
     // More exact than along the ray.
     hit.position = a.position * w + b.position * u + c.position * v;
     hit.normal = vk_normalize(a.normal * w + b.normal * u + c.normal * v);
@@ -122,9 +154,9 @@ void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, floa
 
 bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const
 {
-    float      toFloor = std::numeric_limits<float>::infinity();
+    float toFloor = std::numeric_limits<float>::infinity();
     const bool onFloor = meetFloor(origin, direction, toFloor);
-    RTCRayHit  query = {};
+    RTCRayHit query = {};
     query.ray.org_x = origin.x;
     query.ray.org_y = origin.y;
     query.ray.org_z = origin.z;
@@ -134,7 +166,7 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
     query.ray.tfar = toFloor;
     query.ray.mask = ~0u;
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-    if (myEmbree->scene != nullptr) {
+    if (mayMeetShapes(origin, direction)) {
         RTCIntersectContext context;
         rtcInitIntersectContext(&context);
         rtcIntersect1(myEmbree->scene, &context, &query);
@@ -167,7 +199,7 @@ bool vk_World::occluded(const vk_Vec &origin, const vk_Vec &direction, float dis
     float toFloor = 0;
     if (meetFloor(origin, direction, toFloor) && toFloor < distance)
         return true;
-    if (myEmbree->scene == nullptr)
+    if (!mayMeetShapes(origin, direction))
         return false;
     RTCRay ray = {};
     ray.org_x = origin.x;

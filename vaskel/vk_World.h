@@ -11,13 +11,13 @@
 #include <string>
 
 struct vk_Hit {
-    float                   distance = 0;
-    vk_Vec                  position;
-    vk_Vec                  facet;  // unit normal of the geometry, to the ray's side
-    vk_Vec                  normal; // unit, smooth, to the ray's side
-    vk_SurfacePoint         point;  // for the surface shader
+    float distance = 0;
+    vk_Vec position;
+    vk_Vec facet;          // unit normal of the geometry, to the ray's side
+    vk_Vec normal;         // unit, smooth, to the ray's side
+    vk_SurfacePoint point; // for the surface shader
     const vk_SurfaceShader *surface = nullptr;
-    bool                    isFloor = false;
+    bool isFloor = false;
 
     // Where rays start that leave to a direction: off the surface, on that side.
     vk_Vec start(const vk_Vec &direction) const;
@@ -46,10 +46,14 @@ private:
     struct Embree;
 
     bool meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const;
+    bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const;
+    void encloseShapes();
     void describeShape(unsigned geometry, unsigned triangle, float u, float v, vk_Hit &hit) const;
 
-    const vk_Scene                     &myScene;
+    const vk_Scene &myScene;
     std::vector<std::unique_ptr<Shape>> myShapes; // by Embree's geometry number
-    std::unique_ptr<Embree>             myEmbree;
-    std::string                         myError;
+    std::unique_ptr<Embree> myEmbree;
+    vk_Vec myCentre;      // of a ball around all shapes;
+    float myRadius2 = -1; // the square, below 0: no shapes
+    std::string myError;
 };

@@ -19,7 +19,7 @@ using testing::HasSubstr;
 namespace
 {
 struct Result {
-    int         status = 0; // of the exit, or the signal with a minus
+    int status = 0; // of the exit, or the signal with a minus
     std::string out, err;
 };
 
@@ -27,18 +27,19 @@ struct Result {
 Result shell(const ScratchDirectory &folder, const std::string &lines)
 {
     const ScratchDirectory aside;
-    const std::string      script = aside.write(
+    const std::string script = aside.write(
         "script", "cd '" + folder.path() + "'\nvaskel='" BIN_DIR "/vaskel'\n" + lines + "\n");
-    const int status = std::system(("bash '" + script + "' >'" + aside.path("out") + "' 2>'" +
-                                    aside.path("err") + "'")
-                                       .c_str());
+    const int status = std::system(
+        ("bash '" + script + "' >'" + aside.path("out") + "' 2>'" + aside.path("err") + "'")
+            .c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
             fileContents(aside.path("out")), fileContents(aside.path("err"))};
 }
 
 int entries(const std::string &folder)
 {
-    return static_cast<int>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+    return static_cast<int>(
+        std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
 std::string sceneFor(const std::string &picture, const std::string &more = "")
@@ -67,20 +68,23 @@ TEST(Vaskel, FailuresAreToldAndLeaveThePictureAsItWas)
 {
     const struct {
         const char *what, *picture, *command, *message;
-        int         status;
+        int status;
     } cases[] = {
         {"bad statement", "p.jpg", "(cat s; echo sufrace) | \"$vaskel\"",
          "<stdin>:6: error: unknown statement 'sufrace'", 1},
         {"no such scene", "p.jpg", "\"$vaskel\" none", "cannot open 'none': No such file", 1},
         {"a folder as scene", "p.jpg", "\"$vaskel\" .", ".:0: error: cannot be read", 1},
-        {"empty scene", "p.jpg", "\"$vaskel\" </dev/null", "expected a statement 'picture NAME'", 1},
-        {"missing folder", "none/p.jpg", "\"$vaskel\" s", "cannot write 'none/p.jpg': No such file", 1},
+        {"empty scene", "p.jpg", "\"$vaskel\" </dev/null", "expected a statement 'picture NAME'",
+         1},
+        {"missing folder", "none/p.jpg", "\"$vaskel\" s", "cannot write 'none/p.jpg': No such file",
+         1},
         {"a folder as picture", "f.jpg", "mkdir f.jpg; \"$vaskel\" s; s=$?; rmdir f.jpg; exit $s",
          "not a regular file", 1},
         {"full device", "p.jpg",
          "(trap '' XFSZ; ulimit -f 0; \"$vaskel\" s 2>&1) | cat >&2; exit ${PIPESTATUS[0]}",
          "cannot write '", 1},
-        {"file size limit", "p.jpg", "(ulimit -f 0; exec \"$vaskel\" s); s=$?; exit $s", "", 128 + 25},
+        {"file size limit", "p.jpg", "(ulimit -f 0; exec \"$vaskel\" s); s=$?; exit $s", "",
+         128 + 25},
         {"unknown option", "p.jpg", "\"$vaskel\" --nonsense", "Usage: vaskel", 2},
         {"two scenes", "p.jpg", "\"$vaskel\" s s", "Usage: vaskel", 2},
         {"full standard output", "p.jpg", "\"$vaskel\" --help >/dev/full", "cannot write", 1},
@@ -114,7 +118,7 @@ TEST(Vaskel, SignalsEndItWithoutLeavingAFile)
         folder.write("s", sceneFor("p.jpg", "samples 65536\nsize 4096 4096\nlight v_area\n"));
         folder.write("p.jpg", "before");
         const std::string scene = folder.path("s");
-        const pid_t       child = fork();
+        const pid_t child = fork();
         if (child == 0) {
             signal(number, SIG_DFL);
             if (chdir(folder.path().c_str()) == 0)
@@ -136,7 +140,7 @@ TEST(Vaskel, SignalsEndItWithoutLeavingAFile)
 TEST(SafeFile, ReplacesWhatALinkPointsToAndKeepsPermissions)
 {
     const ScratchDirectory folder;
-    const std::string      target = folder.write("real/p.jpg", "before");
+    const std::string target = folder.write("real/p.jpg", "before");
     chmod(target.c_str(), 0640);
     fs::create_symlink(target, folder.path("link.jpg"));
     vk_SafeFile file;

@@ -49,9 +49,9 @@ TEST(Bsdf, IsReciprocal)
             for (const float b : {.2f, .7f, 1.0f}) {
                 SCOPED_TRACE(c.what);
                 const vk_Vec x = around(a, .3f), y = around(b, 2);
-                float        density = 0;
-                const float  xy = vk_Bsdf(c.material, UP, x, false).evaluate(y, density).x / b;
-                const float  yx = vk_Bsdf(c.material, UP, y, false).evaluate(x, density).x / a;
+                float density = 0;
+                const float xy = vk_Bsdf(c.material, UP, x, false).evaluate(y, density).x / b;
+                const float yx = vk_Bsdf(c.material, UP, y, false).evaluate(x, density).x / a;
                 EXPECT_NEAR(xy, yx, 1e-3f * (xy + yx));
             }
 }
@@ -63,10 +63,10 @@ TEST(Bsdf, ReflectsAtMostWhatArrives)
         for (const float cosine : {.05f, .3f, .7f, 1.0f}) {
             SCOPED_TRACE(c.what + " cosine " + std::to_string(cosine));
             const vk_Bsdf bsdf(c.material, UP, around(cosine, 1), false);
-            double        albedo = 0;
+            double albedo = 0;
             for (std::uint32_t i = 0; i < COUNT; ++i) {
-                vk_Sampler  sampler(7, i);
-                float       density = 0;
+                vk_Sampler sampler(7, i);
+                float density = 0;
                 const float scattered = bsdf.evaluate(bsdf.sample(sampler.square()), density).x;
                 albedo += density > 0 ? static_cast<double>(scattered / density) / COUNT : 0;
             }
@@ -87,11 +87,11 @@ TEST(Bsdf, DensityIsThatOfTheSamples)
                     continue; // too narrow to be counted evenly
                 SCOPED_TRACE(c.what + " cosine " + std::to_string(cosine));
                 const vk_Bsdf bsdf(c.material, UP, around(cosine, 1), split);
-                double        integral = 0, above = 0;
+                double integral = 0, above = 0;
                 for (std::uint32_t i = 0; i < COUNT; ++i) {
-                    vk_Sampler      sampler(3, i);
+                    vk_Sampler sampler(3, i);
                     const vk_Square at = sampler.square();
-                    float           density = 0;
+                    float density = 0;
                     static_cast<void>(bsdf.evaluate(around(at.u, 2 * VK_PI * at.v), density));
                     integral += static_cast<double>(density * 2 * VK_PI) / COUNT;
                     for (int round = 0; round < bsdf.rounds(); ++round)
@@ -109,8 +109,8 @@ TEST(Bsdf, LobesOfMirrorsAreFinite)
     mirror.rough = 0;
     for (const float cosine : {0.0f, 1e-6f, .5f, 1.0f}) {
         const vk_Bsdf bsdf(mirror, UP, around(cosine, 1), true);
-        float         density = 0;
-        const vk_Vec  in = bsdf.sample({.5f, .5f});
+        float density = 0;
+        const vk_Vec in = bsdf.sample({.5f, .5f});
         EXPECT_TRUE(vk_isFinite(bsdf.evaluate(in, density)));
         EXPECT_TRUE(std::isfinite(density));
     }

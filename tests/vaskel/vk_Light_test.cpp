@@ -7,12 +7,12 @@ namespace
 {
 std::unique_ptr<vk_Light> makeLight(const std::string &line)
 {
-    vk_Words           words = {"light"};
+    vk_Words words = {"light"};
     std::istringstream in(line);
     for (std::string word; in >> word;)
         words.push_back(word);
     vk_Shader<vk_LightFunction> shader;
-    std::string                 error;
+    std::string error;
     EXPECT_TRUE(vk_parseShader(VK_LIGHT_SHADERS, words, shader, error)) << error;
     return shader();
 }
@@ -33,14 +33,15 @@ TEST(Light, IntensityIsWhatWhiteMatteShowsAtTheTarget)
     constexpr int COUNT = 4096;
     for (const char *line : LIGHTS) {
         SCOPED_TRACE(line);
-        const auto   light = makeLight(line);
+        const auto light = makeLight(line);
         const vk_Vec facing = light->sample(TARGET, {.5f, .5f}).direction;
-        double       shown = 0;
+        double shown = 0;
         for (std::uint32_t i = 0; i < COUNT; ++i) {
-            vk_Sampler           sampler(5, i);
+            vk_Sampler sampler(5, i);
             const vk_LightSample sample = light->sample(TARGET, sampler.square());
-            const float          cosine = std::max(0.0f, vk_dot(sample.direction, facing));
-            shown += static_cast<double>(sample.radiance.x * cosine / (sample.density * VK_PI)) / COUNT;
+            const float cosine = std::max(0.0f, vk_dot(sample.direction, facing));
+            shown +=
+                static_cast<double>(sample.radiance.x * cosine / (sample.density * VK_PI)) / COUNT;
         }
         EXPECT_NEAR(.8, shown, .01);
     }
@@ -52,9 +53,9 @@ TEST(Light, RaysTowardsSamplesHitWithTheSameDensity)
         for (const vk_Vec &from : {TARGET, vk_Vec{2, 0, -3}}) {
             SCOPED_TRACE(line);
             const auto light = makeLight(line);
-            int        hits = 0;
+            int hits = 0;
             for (std::uint32_t i = 0; i < 256; ++i) {
-                vk_Sampler           sampler(9, i);
+                vk_Sampler sampler(9, i);
                 const vk_LightSample sample = light->sample(from, sampler.square());
                 const vk_LightSample hit = light->hit(from, sample.direction);
                 if (hit.density <= 0)
@@ -82,6 +83,7 @@ TEST(Sampler, EveryPairSpreadsItsFirstSixteenSamplesOverAllCells)
                 ++rows[static_cast<int>(at.v * 16)];
             }
             for (int i = 0; i < 16; ++i)
-                EXPECT_TRUE(cells[i] == 1 && columns[i] == 1 && rows[i] == 1) << pixel << " " << pair;
+                EXPECT_TRUE(cells[i] == 1 && columns[i] == 1 && rows[i] == 1)
+                    << pixel << " " << pair;
         }
 }

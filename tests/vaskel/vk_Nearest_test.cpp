@@ -6,9 +6,9 @@ TEST(Nearest, DistanceCountsSingleChanges)
 {
     const struct {
         const char *a, *b;
-        int         distance;
+        int distance;
     } cases[] = {
-        {"", "", 0},         {"light", "light", 0}, {"", "fog", 3},          {"lihgt", "light", 1},
+        {"", "", 0},          {"light", "light", 0}, {"", "fog", 3},          {"lihgt", "light", 1},
         {"ligt", "light", 1}, {"tube", "cube", 1},   {"spehre", "sphere", 1}, {"grid", "floor", 5},
     };
     for (const auto &c : cases) {

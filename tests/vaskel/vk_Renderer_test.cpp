@@ -19,17 +19,17 @@ constexpr char STUDIO[] = "picture p.png\ncamera\nfloor v_checker\n"
 
 void readScene(const std::string &lines, vk_Scene &scene)
 {
-    std::string      text = STUDIO + lines + "\n";
+    std::string text = STUDIO + lines + "\n";
     std::FILE *const file = fmemopen(text.data(), text.size(), "r");
-    vk_SceneReader   reader("s", scene);
+    vk_SceneReader reader("s", scene);
     EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
     std::fclose(file);
 }
 
 vk_Film draw(const std::string &lines, int threads = 2)
 {
-    vk_Scene    scene;
-    vk_Film     film;
+    vk_Scene scene;
+    vk_Film film;
     std::string error;
     readScene(lines, scene);
     EXPECT_TRUE(vk_render(scene, threads, film, error)) << error;
@@ -66,13 +66,14 @@ TEST(Renderer, MatteHalfShowsAsMiddleGrey)
 TEST(Renderer, ShadersShowWhatTheyDo)
 {
     const std::string ball = "size 48 48\nsamples 16\n";
-    const vk_Film     usual = draw(ball + "sphere\n");
+    const vk_Film usual = draw(ball + "sphere\n");
     // Right behind the ball lies its shadow.
     const vk_Film bright = draw(ball + "shadow v_noshadow\nsphere\n");
     EXPECT_GT(meanOf(bright, .75, .75, .95, .85), meanOf(usual, .75, .75, .95, .85) + 5);
     EXPECT_EQ(255, draw(ball + "surface v_constant color 100\nsphere\n").bytes[3 * (24 * 48 + 24)]);
     EXPECT_NEAR(128, draw(ball + "background off\nsphere\n").bytes[0], 1);
-    EXPECT_GT(meanOf(draw(ball + "exposure 1\nsphere\n"), 0, 0, 1, 1), meanOf(usual, 0, 0, 1, 1) + 20);
+    EXPECT_GT(meanOf(draw(ball + "exposure 1\nsphere\n"), 0, 0, 1, 1),
+              meanOf(usual, 0, 0, 1, 1) + 20);
     EXPECT_NE(usual.bytes, draw(ball + "fog v_fog\nsphere\n").bytes);
     EXPECT_NE(usual.bytes, draw(ball + "displace v_bumps\nsphere\n").bytes);
 }
@@ -85,7 +86,8 @@ TEST(Renderer, OddScenesGiveFiniteLight)
         "camera from 0 -3 5 at 0 1 0\nsphere",
         "surface v_plastic rough 0 ior 1\nsphere",
         "surface v_metal rough 0\nsphere\ntranslate 0 0 1\nsphere",
-        "lightplace from 0 1 0 to 0 1 0\nlight v_area\nlight v_point radius 0\nlight v_distant\nsphere",
+        "lightplace from 0 1 0 to 0 1 0\nlight v_area\nlight v_point radius 0\nlight "
+        "v_distant\nsphere",
         "light v_point color 1000 intensity 1000 radius 0\nsphere",
         "light v_area intensity 0\nlight v_area intensity 0\nlight v_area intensity 0\nsphere",
         "displace v_bumps height .5 size .05\nsphere radius .01",
@@ -98,13 +100,13 @@ TEST(Renderer, OddScenesGiveFiniteLight)
         SCOPED_TRACE(lines);
         vk_Scene scene;
         readScene(lines, scene);
-        const vk_World  world(scene);
+        const vk_World world(scene);
         const vk_Tracer tracer(scene, world);
         ASSERT_EQ("", world.error());
         const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
         for (std::uint32_t i = 0; i < 512; ++i) {
-            vk_Sampler      sampler(1, i);
-            const vk_Vec    way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
+            vk_Sampler sampler(1, i);
+            const vk_Vec way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
             const vk_Colour light = tracer.radiance(scene.camera.from, way, sampler);
             ASSERT_TRUE(vk_isFinite(light) && light.x >= 0 && light.y >= 0 && light.z >= 0);
         }
@@ -115,7 +117,7 @@ TEST(Renderer, ThreadCountFollowsTheEnvironment)
 {
     const struct {
         const char *value;
-        int         count;
+        int count;
     } cases[] = {{"1", 1}, {"7", 7}, {"100", 100}, {"101", 100}, {"99999999999999999999", 100}};
     for (const auto &c : cases) {
         setenv("VELDRIN_MAXTHREADS", c.value, 1);

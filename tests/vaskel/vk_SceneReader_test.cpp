@@ -14,15 +14,15 @@ namespace
 {
 struct Reading {
     std::unique_ptr<vk_Scene> scene = std::make_unique<vk_Scene>();
-    bool                      good = false;
-    std::vector<std::string>  messages;
+    bool good = false;
+    std::vector<std::string> messages;
 };
 
 Reading readText(std::string text)
 {
-    Reading          reading;
+    Reading reading;
     std::FILE *const file = fmemopen(text.data(), text.size(), "r");
-    vk_SceneReader   reader("s", *reading.scene);
+    vk_SceneReader reader("s", *reading.scene);
     reading.good = reader.read(file);
     reading.messages = reader.messages();
     std::fclose(file);
@@ -124,14 +124,16 @@ TEST(SceneReader, WhatIsNoSceneIsRefused)
         {"zero bytes", std::string("cam\0era\n", 8)},
         {"a line without end", std::string(5000000, 'x')},
         {"a picture's bytes", "\xff\xd8\xff\xe0\x10JFIF\n\x01\x02"},
-        {"a hundred thousand lights", [] {
+        {"a hundred thousand lights",
+         [] {
              std::string lights;
              for (int i = 0; i < 100000; ++i)
                  lights += "light v_point\n";
              return lights;
          }()},
         {"quotes left open", "picture 'p.jpg\n"},
-        {"many defaults on one line", [] {
+        {"many defaults on one line",
+         [] {
              std::string line;
              for (int i = 0; i < 100000; ++i)
                  line += "default ";
@@ -160,9 +162,9 @@ TEST(SceneReader, QuotedPictureNamesMayHoldAnything)
     const struct {
         const char *line, *name;
     } cases[] = {
-        {"picture \"a b.jpg\"", "a b.jpg"},       {"picture \"it's.jpg\"", "it's.jpg"},
-        {"picture \"a\"b.jpg\"", "a\"b.jpg"},     {"picture \"-$HOME%s//.jpg\" ", "-$HOME%s//.jpg"},
-        {"picture plain.png // c", "plain.png"},  {"default picture \"a b.jpeg\"", "a b.jpeg"},
+        {"picture \"a b.jpg\"", "a b.jpg"},      {"picture \"it's.jpg\"", "it's.jpg"},
+        {"picture \"a\"b.jpg\"", "a\"b.jpg"},    {"picture \"-$HOME%s//.jpg\" ", "-$HOME%s//.jpg"},
+        {"picture plain.png // c", "plain.png"}, {"default picture \"a b.jpeg\"", "a b.jpeg"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.line);
@@ -174,12 +176,14 @@ TEST(SceneReader, QuotedPictureNamesMayHoldAnything)
 
 TEST(SceneReader, DefaultsGiveWayToWhatCameBefore)
 {
-    const Reading plain = readLines("default light v_area\ndefault light v_area\ndefault exposure 2");
+    const Reading plain =
+        readLines("default light v_area\ndefault light v_area\ndefault exposure 2");
     EXPECT_EQ(2u, plain.scene->lights.size());
     EXPECT_EQ(2, plain.scene->exposure);
 
-    const Reading added = readLines("light v_point\nexposure 1\n"
-                                    "default light v_area\ndefault light v_area\ndefault exposure 2");
+    const Reading added =
+        readLines("light v_point\nexposure 1\n"
+                  "default light v_area\ndefault light v_area\ndefault exposure 2");
     EXPECT_TRUE(added.good);
     EXPECT_EQ(1u, added.scene->lights.size());
     EXPECT_EQ(1, added.scene->exposure);
@@ -193,7 +197,7 @@ TEST(SceneReader, ParametersComeByNameInAnyOrder)
     ASSERT_TRUE(reading.good) << testing::PrintToString(reading.messages);
     ASSERT_EQ(2u, reading.scene->shapes.size());
     const vk_ShapeEntry &ball = reading.scene->shapes[0];
-    const vk_Material    material = ball.surface(vk_SurfacePoint{});
+    const vk_Material material = ball.surface(vk_SurfacePoint{});
     EXPECT_STREQ("v_plastic", ball.surface.row->name);
     EXPECT_FLOAT_EQ(.4f, material.rough);
     EXPECT_FLOAT_EQ(.2f, material.diffuse.y); // one number is a grey

@@ -7,7 +7,7 @@ namespace
 vk_Mesh build(const char *word, const vk_DisplaceShader &displace, const vk_Transform &transform)
 {
     const vk_ShapeRow *row = vk_findShape(word);
-    vk_MeshBuilder     builder(transform, displace);
+    vk_MeshBuilder builder(transform, displace);
     row->build(vk_Values(row->params), builder);
     return builder.take();
 }
@@ -21,7 +21,7 @@ double agreement(const vk_Mesh &mesh)
         const vk_Vertex &a = mesh.vertices[corners[0]];
         const vk_Vertex &b = mesh.vertices[corners[1]];
         const vk_Vertex &c = mesh.vertices[corners[2]];
-        const vk_Vec     facet = vk_cross(b.position - a.position, c.position - a.position);
+        const vk_Vec facet = vk_cross(b.position - a.position, c.position - a.position);
         if (vk_length(facet) < 1e-9f)
             continue; // at a pole
         all += 1;
@@ -39,7 +39,7 @@ TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
     for (const char *word : {"sphere", "grid", "tube", "teapot"}) {
         SCOPED_TRACE(word);
         const vk_Mesh plain = build(word, {}, {});
-        float         lowest = 10, widest = 0;
+        float lowest = 10, widest = 0;
         for (const vk_Vertex &vertex : plain.vertices) {
             lowest = std::min(lowest, vertex.position.y);
             widest = std::max(widest, std::abs(vertex.position.x));
