@@ -1,4 +1,5 @@
 // Lines in, lines out: gathering, markers, include files and the input stack.
+#include "tests/support/ScopedVariable.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/preprocessed.h"
 
@@ -30,6 +31,20 @@ TEST(Lines, ContinuedLinesAreJoinedAndAnsweredByEmptyOnes)
         EXPECT_EQ(c.out, preprocessed("-P", c.in));
     }
     EXPECT_EQ("a b\n", preprocessed("-P", std::string("a\0b\n", 4)));
+}
+
+TEST(Lines, AnyNumberMayBeContinuedOrLeftOpen)
+{
+    std::string continued;
+    std::string conditions;
+    for (int i = 0; i < 100000; ++i) {
+        continued += "a\\\n";
+        conditions += "#if 1\n";
+    }
+    EXPECT_EQ(std::string(100000, 'a') + "b\n" + std::string(100000, '\n') + "100002\n",
+              preprocessed("-P", continued + "b\n__LINE__\n"));
+    EXPECT_EQ(std::string(100000, '\n') + "# error cpp error: \"in\":100000 Missing #endif",
+              preprocessed("-P", conditions));
 }
 
 TEST(Lines, NumbersFollowThePhysicalLines)
@@ -129,6 +144,30 @@ TEST_F(Includes, OldStyleNeedsNoHash)
     EXPECT_EQ("CPP Warning:  old style include detected " + myFolder.path("main.in") + ":1\n",
               testing::internal::GetCapturedStderr());
     EXPECT_EQ("include a.h\n", output("-P", "include a.h\n"));
+}
+
+TEST_F(Includes, AreSearchedAlongTheChosenPathWithItsCaret)
+{
+    const std::string pattern = myFolder.path("^");
+    const ScopedVariable path("VELDRIN_ZEL_PATH", pattern.c_str());
+    UT_PathSearch::rebuildAll();
+    myFolder.write("Fog/a.h", "fog\n");
+    myFolder.write("other/a.h", "other\n");
+    myFolder.write("other/b.h", "other b\n");
+    const struct {
+        const char *what, *caret, *name, *out;
+    } cases[] = {
+        {"the path's own", nullptr, "a.h", "fog\n"},
+        {"another comes behind", "other", "a.h", "fog\n"},
+        {"and is searched", "other", "b.h", "other b\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        CPP_Manager manager(UT_VELDRIN_ZEL_PATH_FOG, c.caret);
+        parseOptions(manager, "-P");
+        ASSERT_TRUE(manager.openFile(c.name, true));
+        EXPECT_EQ(c.out, allLines(manager));
+    }
 }
 
 TEST_F(Includes, PathListsGiveTheirExistingFolders)

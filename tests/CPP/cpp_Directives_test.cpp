@@ -78,6 +78,7 @@ TEST(Line, SetsNumberAndName)
     EXPECT_EQ("# 1 \"in\"\n# 20 \"other file\"\n21 \"other file\"\n",
               preprocessed("", "#line 20 \"other file\"\n__LINE__ __FILE__\n"));
     EXPECT_EQ("# 1 \"in\"\n# 20 \"open\"\nx\n", preprocessed("", "#line 20 \"open\nx\n"));
+    EXPECT_EQ("# 1 \"in\"\n# 1 \"in\"\n2\n", preprocessed("", "#line\n__LINE__\n"));
     EXPECT_EQ("\n8 \"in\"\n", preprocessed("-P", "#line 7\n__LINE__ __FILE__\n"));
     EXPECT_EQ("\n-2147483648\n", preprocessed("-P", "#line 2147483647\n__LINE__\n"));
 }

@@ -41,7 +41,8 @@ TEST_F(Vcpp, SeparatesTextFromDiagnostics)
 
 TEST_F(Vcpp, AWarningAloneIsNoFailure)
 {
-    EXPECT_EQ(0, run({"stdin"}, "#define A 1\n#define A 2\n").status);
+    for (const char *name : {"-", "stdin", "stdin.zel"})
+        EXPECT_EQ(0, run({name}, "#define A 1\n#define A 2\n").status);
 }
 
 TEST_F(Vcpp, ReadsTheFileOfAnyName)
@@ -54,6 +55,21 @@ TEST_F(Vcpp, ReadsTheFileOfAnyName)
         EXPECT_EQ(std::string("# error cpp error: \"") + name +
                       "\":2 Undefined directive \"foo\"\n",
                   vcpp.err);
+    }
+}
+
+TEST_F(Vcpp, NamesIncludesAsTheIncludingFileIsNamed)
+{
+    myFolder.write("main.in", "#include \"a.h\"\n#include \"./sub/b.h\"\n");
+    myFolder.write("a.h", "a\n");
+    myFolder.write("sub/a.h", "a below\n");
+    myFolder.write("sub/b.h", "#include \"a.h\"\n#include \"./a.h\"\n");
+    for (const char *name : {"main.in", "./main.in"}) {
+        const std::string marker = std::string("\"") + name + "\"\n";
+        EXPECT_EQ("# 1 " + marker + "\n# 1 \"a.h\"\na\n# 2 " + marker +
+                      "\n# 1 \"./sub/b.h\"\n\n# 1 \"./sub/a.h\"\na below\n"
+                      "# 2 \"./sub/b.h\"\n\n# 1 \"./a.h\"\na\n",
+                  run({name}).out);
     }
 }
 
