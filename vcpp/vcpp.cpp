@@ -29,9 +29,18 @@ const char USAGE[] = "Usage: vcpp [options] FILE\n"
                      "  --version        Print the version\n"
                      "Status: 0; 1 after an error in the text or in writing; 2 for bad usage.\n";
 
-bool startsWith(const UT_ScratchBuffer &line, const char *prefix)
+enum Kind { TEXT, WARNING, ERROR };
+
+Kind kindOf(const UT_ScratchBuffer &line)
 {
-    return std::strncmp(line.buffer(), prefix, std::strlen(prefix)) == 0;
+    if (line.buffer()[0] != '#')
+        return TEXT;
+    const auto startsWith = [&line](const char *prefix) {
+        return std::strncmp(line.buffer(), prefix, std::strlen(prefix)) == 0;
+    };
+    if (startsWith("# error cpp error: "))
+        return ERROR;
+    return startsWith("# warning cpp warning: ") ? WARNING : TEXT;
 }
 
 void printDiagnostic(const UT_ScratchBuffer &line)
@@ -66,14 +75,12 @@ int preprocess(CPP_Manager &manager)
     UT_ScratchBuffer line;
     int status = OK;
     while (manager.getLine(line)) {
-        const bool isError = startsWith(line, "# error cpp error: ");
-        if (isError || startsWith(line, "# warning cpp warning: ")) {
-            printDiagnostic(line);
-            status = isError ? FAILED : status;
-            continue;
-        }
+        const Kind kind = kindOf(line);
+        status = kind == ERROR ? FAILED : status;
         const auto length = static_cast<size_t>(line.length());
-        if (std::fwrite(line.buffer(), 1, length, stdout) != length)
+        if (kind != TEXT)
+            printDiagnostic(line);
+        else if (fwrite_unlocked(line.buffer(), 1, length, stdout) != length)
             return reportError(CANNOT_WRITE);
     }
     if (std::ferror(stdin) != 0)
