@@ -23,6 +23,8 @@ TEST(Comments, GoAndLeaveTheRestInItsPlace)
         {"hash comment", "-P -h", "a # b\n# c\n  # d\n#define A 1\nA\n", "a \n\n\n1\n"},
         {"hash first, in a block comment", "-P -h", "/*\n# */ a # b\n", "\n     a # b\n"},
         {"hash in quotes", "-P -h", "a '#' b\n", "a '#' b\n"},
+        {"hash and a blank", "-P -h", "# define A 1\nA\n", "\nA\n"},
+        {"hash not in front", "-P -h -C", "  #define A 1\nA\n", "\nA\n"},
         {"no hash comments with -C", "-P -h -C", "a # b\n  # c\n", "a # b\n\n"},
         {"hash comments alone with -c", "-P -h -c", "a // b # c\n", "a // b "},
         {"unknown directives with -h", "-P -h", "#foo\n#pragma x\nb\n", "\n\nb\n"},

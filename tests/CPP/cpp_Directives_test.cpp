@@ -31,6 +31,8 @@ TEST(Conditionals, EveryInputLineGivesOneOutputLine)
          "\n\n\nB\n\n\n\n"},
         {"inside skipped text", "#if 0\n#if 1\nX\n#else\nZ\n#endif\n#else\nY\n#endif\n",
          "\n\n\n\n\n\n\nY\n\n"},
+        {"ifdef inside skipped text",
+         "#if 0\n#ifndef A\nX\n#endif\n#ifdef A\n#else\nY\n#endif\n#endif\n", "\n\n\n\n\n\n\n\n\n"},
         {"two else", "#if 1\nA\n#else\nB\n#else\nC\n#endif\nD\n", "\nA\n\n\n\n\n\nD\n"},
         {"else behind done", "#if 1\n#elif 1\n#else\nA\n#elif 1\nB\n#endif\n", "\n\n\n\n\n\n\n"},
         {"false elif behind taken", "#if 1\nA\n#elif 0\nB\n#else\nC\n#endif\n", "\nA\n\n\n\n\n\n"},
@@ -40,6 +42,9 @@ TEST(Conditionals, EveryInputLineGivesOneOutputLine)
         {"not taken, not defined", "#if 0\n#define A 1\n#foo\n#include \"x\"\n#endif\nA\n",
          "\n\n\n\n\nA\n"},
     });
+    const std::string name(4096, 'x');
+    EXPECT_EQ("\n\nA\n\n",
+              preprocessed("-P", "#define " + name + "\n#ifdef " + name + "y\nA\n#endif\n"));
 }
 
 TEST(Conditionals, BadExpressionsAreReportedAndOpenNothing)
