@@ -1,35 +1,130 @@
 #include "UT/UT_SmallObjectPool.h"
 
-#include <gmock/gmock.h>
+#include "tests/support/Random.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <list>
+#include <map>
+#include <set>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace
 {
-std::vector<unsigned> sizesOf(const UT_SmallObjectPool &pool)
+// Which slots an allocator hands out, and what becomes of its pages. Without
+// tracking all pages count as one, whose number is 0.
+struct PlainPages {
+    size_t perPage = 0, stride = 0;
+    bool isTracking = false;
+    unsigned pages = 0, inUse = 0;
+    int reserve = -1;
+    std::set<unsigned> released;
+    std::list<unsigned> partial; // those with free slots
+    std::map<unsigned, std::vector<char *>> free;
+    std::map<char *, unsigned> pageOf;
+
+    // The next slot; `fresh` is the first one of a page that may have to be made.
+    char *take(char *fresh)
+    {
+        if (partial.empty())
+            makePage(fresh);
+        const unsigned page = partial.front();
+        reserve = static_cast<int>(page) == reserve ? -1 : reserve;
+        char *const slot = free[page].back();
+        free[page].pop_back();
+        if (free[page].empty())
+            partial.pop_front();
+        pageOf[slot] = page;
+        ++inUse;
+        return slot;
+    }
+    void makePage(char *first)
+    {
+        unsigned page = released.empty() ? pages++ : *released.rbegin();
+        released.erase(page);
+        page = isTracking ? page : 0;
+        partial.push_front(page);
+        for (size_t i = perPage; i-- > 0;)
+            free[page].push_back(first + i * stride);
+    }
+    void giveBack(char *slot)
+    {
+        const unsigned page = pageOf[slot];
+        if (free[page].empty())
+            partial.push_front(page);
+        free[page].push_back(slot);
+        --inUse;
+        if (!isTracking || free[page].size() < perPage)
+            return;
+        if (reserve >= 0) {
+            const auto old = static_cast<unsigned>(reserve);
+            released.insert(old);
+            partial.remove(old);
+            free.erase(old);
+        }
+        reserve = static_cast<int>(page);
+    }
+};
+
+void expectPages(PlainPages &plain, const UT_FixedAllocator &allocator)
 {
-    std::vector<unsigned> sizes;
-    for (const UT_FixedAllocator *const allocator : pool.allocators())
-        sizes.push_back(allocator->objectSize());
-    return sizes;
+    ASSERT_EQ(plain.inUse, allocator.inUse());
+    ASSERT_EQ(plain.pages, allocator.pages());
+    ASSERT_EQ(plain.released.size(), allocator.releasedPages());
+    ASSERT_EQ(plain.reserve, allocator.reservePage());
 }
 } // namespace
 
-TEST(SmallObjectPool, EachSizeHasItsOwnAllocatorInAscendingOrder)
+TEST(SmallObjectPool, HandsOutSlotsFromPagesOfEachSize)
 {
-    UT_SmallObjectPool pool(true, 16, 128, true);
-    for (const unsigned size : {8u, 1u, 128u, 4u, 8u, 1u})
-        pool.release(pool.allocate(size), size);
-    EXPECT_THAT(sizesOf(pool), testing::ElementsAre(1, 4, 8, 128));
-    for (const UT_FixedAllocator *const allocator : pool.allocators())
-        EXPECT_EQ(0u, allocator->inUse()) << allocator->objectSize();
+    const struct {
+        unsigned size, slot;
+    } sizes[] = {{20, 24}, {8, 8}, {1, 8}, {4, 8}, {9, 16}, {128, 128}, {0, 8}};
+    Random random;
+    SCOPED_TRACE(random.seed());
+    for (const size_t perPage : {1u, 2u, 3u, 64u})
+        for (const bool isTracking : {true, false}) {
+            SCOPED_TRACE(testing::Message() << perPage << " slots a page, tracking " << isTracking);
+            UT_SmallObjectPool pool(isTracking, static_cast<unsigned>(perPage), 128, isTracking);
+            std::map<unsigned, PlainPages> plain;
+            std::vector<std::pair<char *, unsigned>> live; // and their sizes
+            for (int step = 0; step < 4000; ++step) {
+                if (live.empty() || random.below(100) < (step / 1000 % 2 == 0 ? 55 : 45)) {
+                    const auto &c = sizes[random.below(std::size(sizes))];
+                    const size_t stride = isTracking ? c.slot + sizeof(void *) : c.slot;
+                    PlainPages &pages = plain[c.size];
+                    std::tie(pages.perPage, pages.stride, pages.isTracking) =
+                        std::tie(perPage, stride, isTracking);
+                    char *const slot = static_cast<char *>(pool.allocate(c.size));
+                    ASSERT_EQ(0u, reinterpret_cast<uintptr_t>(slot) % alignof(void *));
+                    ASSERT_EQ(slot, pages.take(slot));
+                    std::memset(slot, step % 100, c.size);
+                    live.emplace_back(slot, c.size);
+                } else {
+                    std::swap(live[random.below(live.size())], live.back());
+                    const auto [slot, size] = live.back();
+                    ASSERT_EQ(std::string(size, size ? *slot : ' '), std::string(slot, size));
+                    plain[size].giveBack(slot);
+                    pool.release(slot, size);
+                    live.pop_back();
+                }
+                ASSERT_EQ(plain.size(), pool.allocators().entries());
+                auto allocator = pool.allocators().begin(); // in ascending order, too
+                for (auto &[size, pages] : plain) {
+                    ASSERT_EQ(size, (*allocator)->objectSize());
+                    expectPages(pages, **allocator++);
+                }
+            }
+        }
 }
 
 TEST(SmallObjectPool, SizesAboveTheLimitBypassThePages)
 {
     UT_SmallObjectPool pool(true, 16, 128, false);
     pool.release(pool.allocate(129), 129);
-    EXPECT_TRUE(sizesOf(pool).empty());
+    EXPECT_EQ(0u, pool.allocators().entries());
 }
 
 TEST(SmallObjectPool, AThreadSafePoolServesThreadsAtOnce)
