@@ -17,6 +17,22 @@ bool startsWith(const char *text, const char *prefix)
     return std::strncmp(text, prefix, std::strlen(prefix)) == 0;
 }
 
+// Kept for the life of the process.
+UT_StringList &absolutePrefixes()
+{
+    static UT_StringList &thePrefixes = *new UT_StringList;
+    return thePrefixes;
+}
+
+bool startsWithAbsolutePrefix(const char *name)
+{
+    const UT_StringList &prefixes = absolutePrefixes();
+    for (int i = 0; i < prefixes.entries(); i++)
+        if (startsWith(name, prefixes(i)))
+            return true;
+    return startsWith(name, "/") || startsWith(name, "op:");
+}
+
 constexpr int MAX_DIRECTORY_BYTES = 4096;
 
 bool appendWorkingDirectory(UT_ScratchBuffer &out)
@@ -52,13 +68,17 @@ bool UTisAbsolutePath(const char *name)
 {
     if (name == nullptr)
         return false;
-    for (;;) {
-        if (startsWith(name, "/") || startsWith(name, "op:"))
-            return true;
+    while (*name != '\0' && !startsWithAbsolutePrefix(name)) {
         if (!startsWith(name, "file:"))
             return false;
         name += std::strlen("file:");
     }
+    return *name != '\0';
+}
+
+void UTaddAbsolutePrefix(const char *prefix)
+{
+    absolutePrefixes().append(prefix);
 }
 
 bool UTisReadable(const char *path)

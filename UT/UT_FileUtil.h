@@ -12,8 +12,12 @@ class UT_StringList;
 // "/...", "./..." or "../...": a name that is used as it is and never searched.
 bool UTisExplicitPath(const char *name);
 
-// Begins with "/" or "op:", once any "file:" in front is taken away.
+// Begins with "/", "op:" or an added prefix, once any "file:" in front is taken away.
 bool UTisAbsolutePath(const char *name);
+
+// From now on names that begin with `prefix` are absolute: for programs with name
+// spaces of their own. Cannot be undone. REQUIRES: prefix != nullptr
+void UTaddAbsolutePrefix(const char *prefix);
 
 // May be read by this process's real user (access, R_OK); folders count.
 bool UTisReadable(const char *path);
