@@ -11,7 +11,7 @@
 
 namespace
 {
-// The letter's place in the specification; null when it is no option.
+// The letter's place in the option list; null when it is no option.
 const char *findLetter(const char *optionSpec, char letter)
 {
     const bool isAscii = static_cast<signed char>(letter) > 0;

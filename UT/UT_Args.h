@@ -1,6 +1,6 @@
 // A program's arguments: takes the options out, keeps the operands.
 //
-// An option specification such as "bg:qr:s" lists the option letters; a letter
+// An option list such as "bg:qr:s" holds the option letters; a letter
 // followed by colons takes as many values (at most four). Options are looked for
 // before the first operand only; "--" ends them, a lone "-" is an operand. They
 // may be clustered ("-bs"), and a value may be attached ("-gball").

@@ -50,18 +50,18 @@ int readNumber(const char *&p)
     return value;
 }
 
-void warnOfText(const char *start, const UT_String &specification)
+void warnOfText(const char *start, const UT_String &conversion)
 {
     const UT_String before(start, false, static_cast<int>(std::strcspn(start, "%")));
-    const char *after = start + before.length() + specification.length();
+    const char *after = start + before.length() + conversion.length();
     if (before.isNonEmpty()) {
         std::cerr << "Warning: extra text \"";
         before.writeText(std::cerr);
-        std::cerr << "\" before format string \"" << specification.text() << "\" ignored.\n\r";
+        std::cerr << "\" before format string \"" << conversion.text() << "\" ignored.\n\r";
     }
     if (*after != '\0')
         std::cerr << "Warning: extra text \"" << after << "\" after format string \""
-                  << specification.text() << "\" ignored." << std::endl;
+                  << conversion.text() << "\" ignored." << std::endl;
 }
 } // namespace
 

@@ -1,4 +1,4 @@
-// A printf conversion specification as the format of an output stream.
+// A printf conversion as the format of an output stream.
 #pragma once
 
 #include <iosfwd>
@@ -8,6 +8,6 @@
 // precision and one of the conversions d o x X e E f g G. Everything that
 // decides a number's looks is set; as with any stream, the width holds for one output.
 //
-// False, and the stream stays as it is, when `format` has no such specification.
+// False, and the stream stays as it is, when `format` has no such conversion.
 // Text in front of it or behind it is ignored with a warning on standard error.
 bool UTapplyFormat(std::ostream &os, const char *format);
