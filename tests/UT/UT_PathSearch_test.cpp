@@ -1,148 +1,105 @@
 #include "UT/UT_PathSearch.h"
 
-#include "UT/UT_FileUtil.h"
+#include "tests/support/Cases.h"
 #include "tests/support/FreshProcess.h"
+#include "tests/support/PlainText.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/ScratchDirectory.h"
 
-#include <algorithm>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace
 {
-// A scratch home with its package folder, and a scratch installation; the shared
-// paths are rebuilt for them. In texts of the tests '%' is the scratch folder.
+std::string shown(const UT_StringList &list)
+{
+    return joined(list.toVector());
+}
+
+// Works in a scratch folder with a home "h", its package folder and an installation "v";
+// the main path leads to these two.
 class PathSearch : public testing::Test
 {
 protected:
     PathSearch()
     {
-        myScratch.makeDirectory("home/veldrin9.0");
-        myScratch.makeDirectory("vdx/veldrin");
-        myHome.set(real("%/home").c_str());
-        myVdx.set(real("%/vdx").c_str());
+        fs::current_path(myScratch.path());
+        fs::create_directories("h/veldrin9.0");
+        fs::create_directories("v/veldrin");
+        myHome.set("h");
+        myVdx.set("v");
         UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
     }
-
-    std::string real(std::string text) const
-    {
-        for (size_t at; (at = text.find('%')) != std::string::npos;)
-            text.replace(at, 1, myScratch.path());
-        return text;
-    }
-
-    // The texts with ',' between them.
-    std::string shown(const UT_StringList &list) const
-    {
-        std::string all;
-        for (std::string text : list.toVector()) {
-            const size_t at = text.find(myScratch.path());
-            if (at != std::string::npos)
-                text.replace(at, myScratch.path().size(), "%");
-            all += (all.empty() ? "" : ",") + text;
-        }
-        return all;
-    }
+    ~PathSearch() override { fs::current_path(myBefore); }
 
     UT_PathSearch mainPath() const { return {nullptr, ENV_VELDRIN_PATH, nullptr, -1}; }
 
-    // All folders of a pattern without a setting, based on the main path.
-    std::string allDirs(const std::string &pattern, const char *caret = nullptr,
-                        int base = UT_VELDRIN_PATH) const
-    {
-        return shown(UT_PathSearch(real(pattern).c_str(), -1, caret, base).getAllDirs());
-    }
-
+    const fs::path myBefore = fs::current_path();
     ScratchDirectory myScratch;
-    ScopedVariable myHome{"HOME", nullptr};
-    ScopedVariable myVdx{"VDX", nullptr};
-    ScopedVariable myPath{"VELDRIN_PATH", nullptr};
-    ScopedVariable myVip{"VIP", nullptr};
-    ScopedVariable mySite{"VSITE", nullptr};
-    ScopedVariable myJob{"JOB", nullptr};
+    ScopedVariable myHome{"HOME", nullptr}, myVdx{"VDX", nullptr}, myPath{"VELDRIN_PATH", nullptr},
+        myVip{"VIP", nullptr}, mySite{"VSITE", nullptr}, myJob{"JOB", nullptr};
 };
-
-[[noreturn]] void buildFirstPaths(const std::string &home)
-{
-    UTsetenv("HOME", home.c_str());
-    const UT_PathSearch first("x", -1, nullptr, -1);
-    const std::string made = home + "/veldrin9.0";
-    const mode_t mask = umask(0);
-    umask(mask);
-    const auto expected = static_cast<fs::perms>(0777 & ~mask);
-    const bool isMade = UTisDirectory(made.c_str()) && fs::status(made).permissions() == expected;
-    fs::remove(made);
-    const UT_PathSearch second("x", -1, nullptr, -1);
-    std::exit(isMade && !fs::exists(made) ? 0 : 1);
-}
 } // namespace
 
 TEST_F(PathSearch, TheMainPathIsBuiltFromWhatIsSet)
 {
-    EXPECT_EQ("%/home/veldrin9.0,%/vdx/veldrin", shown(mainPath().getDirs()));
-    myVip.set(real("%/vip").c_str());
-    mySite.set(real("%/site").c_str());
-    EXPECT_EQ("%/vip,%/home/veldrin9.0,%/site/veldrin9.0,%/vdx/veldrin",
-              shown(mainPath().getAllDirs()));
-    EXPECT_EQ("%/home/veldrin9.0,%/vdx/veldrin", shown(mainPath().getDirs()));
-    EXPECT_EQ("$VIP,$HOME/veldrin9.0,$VSITE/veldrin9.0,$VDX/veldrin",
+    EXPECT_EQ("h/veldrin9.0|v/veldrin|", shown(mainPath().getAllDirs()));
+    myVip.set("vip");
+    mySite.set("site");
+    EXPECT_EQ("vip|h/veldrin9.0|site/veldrin9.0|v/veldrin|", shown(mainPath().getAllDirs()));
+    EXPECT_EQ("h/veldrin9.0|v/veldrin|", shown(mainPath().getDirs()));
+    EXPECT_EQ("$VIP|$HOME/veldrin9.0|$VSITE/veldrin9.0|$VDX/veldrin|",
               shown(mainPath().getAbbreviatedDirs()));
-    myPath.set("/site/x;&:@/y^z/=");
-    EXPECT_EQ("/site/x,%/vip,%/home/veldrin9.0,%/site/veldrin9.0,%/vdx/veldrin,@/yz/%/vip",
+    myPath.set("s/x;&:@/y^z/=");
+    EXPECT_EQ("s/x|vip|h/veldrin9.0|site/veldrin9.0|v/veldrin|@/yz/vip|",
               shown(mainPath().getAllDirs()));
 }
 
 TEST_F(PathSearch, PatternsListFolders)
 {
     myJob.set("/proj");
-    const struct {
-        const char *pattern, *expected;
-    } cases[] = {
-        {"a::b;;c/", "a,b,c"},
-        {";/;//:x/y///", "/,/,x/y"},
-        {"a\\\\;\\", "a,\\"},
-        {"$JOB/lib;${JOB}s;'$JOB'", "/proj/lib,/projs,$JOB"},
-        {"~/x", "%/home/x"},
-        {"@", "%/home/veldrin9.0,%/vdx/veldrin"},
-        {"@/", "%/home/veldrin9.0,%/vdx/veldrin"},
-        {"@/d;@/e", "%/home/veldrin9.0/d,%/vdx/veldrin/d,%/home/veldrin9.0/e,%/vdx/veldrin/e"},
-        {"@x;a/@", "@x,a/@"},
-        {"^/^;=x", "Caret/^,x"},
-        {"a;&", "a,a,&"}, // the pattern is its own default
-        {"", ""},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.pattern);
-        EXPECT_EQ(c.expected, allDirs(c.pattern, "Caret"));
-    }
-    EXPECT_EQ("/x", allDirs("^/x"));
-    EXPECT_EQ("@/x,@", allDirs("@/x;@", nullptr, -1));
+    myPath.set("h;v");
+    UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
+    expectEach({"a::b;;c/ -> a|b|c|", ";/;//:x/y/// -> /|/|x/y|", "a\\\\;\\ -> a|\\|",
+                "$JOB/lib;'$JOB' -> /proj/lib|$JOB|", "~/x -> h/x|", "@;@/ -> h|v|h|v|",
+                "@/d;@/e -> h/d|v/d|h/e|v/e|", "@x;a/@ -> @x|a/@|", "@/^/^;=x= -> h/C/^|v/C/^|x=|",
+                "a;&;&/ -> a|a|&|&|&|", " -> "},
+               [](const char *pattern) { // its own default, too
+                   return shown(UT_PathSearch(pattern, -1, "C", UT_VELDRIN_PATH).getAllDirs());
+               });
+    EXPECT_EQ("/x|@/x|@|", shown(UT_PathSearch("^/x;@/x;@", -1, nullptr, -1).getAllDirs()));
+    const ScopedVariable zel("VELDRIN_ZEL_PATH", "/z/^;&"), dso("VELDRIN_DSO_PATH", nullptr);
+    const UT_PathSearch set("@/d;&", ENV_VELDRIN_ZEL_PATH, "Fog", UT_VELDRIN_PATH);
+    EXPECT_EQ("/z/Fog|h/d|v/d|&|", shown(set.getAllDirs()));
+    const UT_PathSearch plugins("d_^", ENV_VELDRIN_DSO_PATH, "ignored", -1);
+    EXPECT_EQ("d_linux_intel|", shown(plugins.getAllDirs()));
 }
 
 TEST_F(PathSearch, KnownPathsFollowTheirTable)
 {
     const ScopedVariable none[] = {{"VELDRIN_DSO_PATH", nullptr}, {"VELDRIN_UI_PATH", nullptr}};
+    fs::create_directory("v/config");
+    myPath.set("h;v");
+    UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
     const struct {
         UT_KnownPath path;
         const char *expected;
     } cases[] = {
-        {UT_VELDRIN_DSO_PATH, "%/home/veldrin9.0/dso_linux_intel,%/vdx/veldrin/dso_linux_intel,"
-                              "%/home/veldrin9.0/dso,%/vdx/veldrin/dso"},
-        {UT_VELDRIN_OTLSCAN_PATH, "%/home/veldrin9.0/otls,%/vdx/veldrin/otls"},
-        {UT_VELDRIN_ZEL_PATH_SURFACE, ".,%/home/veldrin9.0/zel/Surface,%/vdx/veldrin/zel/Surface"},
-        {UT_VELDRIN_MACRO_PATH,
-         "%/home/veldrin9.0/scripts/opmacros,%/vdx/veldrin/scripts/opmacros"},
-        {UT_VELDRIN_OUTLINEFONT_PATH, "%/home/veldrin9.0/fonts,%/vdx/veldrin/fonts"},
+        {UT_VELDRIN_DSO_PATH, "h/dso_linux_intel|v/dso_linux_intel|h/dso|v/dso|"},
+        {UT_VELDRIN_OTL_PATH, "h|v|"},
+        {UT_VELDRIN_OTLSCAN_PATH, "h/otls|v/otls|"},
+        {UT_VELDRIN_CLIP_PATH, ".|h/clips|v/clips|h/clip|v/clip|"},
+        {UT_VELDRIN_ZEL_PATH_SURFACE, ".|h/zel/Surface|v/zel/Surface|"},
+        {UT_VELDRIN_UI_PATH, ".|h/config|v/config|"},
+        {UT_VELDRIN_UI_ICON_PATH, "./Icons|v/config/Icons|"},
+        {UT_VELDRIN_MACRO_PATH, "h/scripts/opmacros|v/scripts/opmacros|"},
+        {UT_VELDRIN_OUTLINEFONT_PATH, "h/fonts|v/fonts|"},
     };
-    UT_PathSearch::getInstance(UT_VELDRIN_OTLSCAN_PATH); // and with it its base
-    UT_PathSearch::getInstance(UT_VELDRIN_OTL_PATH).rebuild();
     for (const auto &c : cases) {
-        SCOPED_TRACE(UT_EnvControl::getVariableName(UTgetKnownPath(c.path).variable));
         UT_PathSearch &shared = UT_PathSearch::getInstance(c.path);
         shared.rebuild(); // it may be older than this test's folders
         EXPECT_EQ(c.expected, shown(shared.getAllDirs()));
@@ -150,170 +107,122 @@ TEST_F(PathSearch, KnownPathsFollowTheirTable)
     }
 }
 
-TEST_F(PathSearch, ASettingReplacesTheDefaultOrAddsToIt)
-{
-    const ScopedVariable set("VELDRIN_ZEL_PATH", "/z/^;&");
-    const UT_PathSearch path("@/d;&", ENV_VELDRIN_ZEL_PATH, "Fog", UT_VELDRIN_PATH);
-    EXPECT_EQ("/z/Fog,%/home/veldrin9.0/d,%/vdx/veldrin/d,&", shown(path.getAllDirs()));
-}
-
-TEST_F(PathSearch, ThePluginPathHasThePlatformsTag)
-{
-    const UT_PathSearch path("d_^", ENV_VELDRIN_DSO_PATH, "ignored", -1);
-    EXPECT_EQ("d_linux_intel", shown(path.getAllDirs()));
-}
-
 TEST_F(PathSearch, ReconfiguringAppendsAndRebuildingStartsAnew)
 {
     const std::unique_ptr<UT_PathSearch> path(UT_PathSearch::getNewInstance(UT_VELDRIN_PATH));
-    path->reconfigure(real("%/^/veldrin").c_str(), ENV_VELDRIN_ZEL_PATH, "vdx", -1);
+    path->reconfigure("^/veldrin", ENV_VELDRIN_ZEL_PATH, "v", -1);
     path->reconfigure(nullptr, -1, "home", -1);
-    EXPECT_EQ("%/home/veldrin9.0,%/vdx/veldrin,%/vdx/veldrin,%/home/veldrin",
+    EXPECT_EQ(12, path->getMaxNameLength());
+    EXPECT_EQ(20, path->addDirectory("h/longer than any of"));
+    EXPECT_EQ(20, path->getMaxNameLength());
+    EXPECT_EQ("h/veldrin9.0|v/veldrin|v/veldrin|home/veldrin|h/longer than any of|",
               shown(path->getAllDirs()));
-    EXPECT_EQ("%/home/veldrin9.0,%/vdx/veldrin,%/vdx/veldrin", shown(path->getDirs()));
-    EXPECT_EQ(4, path->getAbbreviatedDirs().entries());
-    const int before = path->getMaxNameLength();
-    EXPECT_EQ(before + 1,
-              path->addDirectory(std::string(static_cast<size_t>(before) + 1, 'x').c_str()));
-    EXPECT_EQ(before + 1, path->getMaxNameLength());
-    EXPECT_EQ(5, path->getAbbreviatedDirs().entries());
+    EXPECT_EQ("h/veldrin9.0|v/veldrin|v/veldrin|", shown(path->getDirs()));
+    EXPECT_EQ("$HOME/veldrin9.0|$VDX/veldrin|$VDX/veldrin|home/veldrin|$HOME/longer than any of|",
+              shown(path->getAbbreviatedDirs()));
     path->rebuild();
-    EXPECT_EQ("%/home/veldrin", shown(path->getAllDirs()));
-    EXPECT_EQ(static_cast<int>(real("%/home/veldrin").size()), path->getMaxNameLength());
-    EXPECT_EQ(2, UT_PathSearch::getInstance(UT_VELDRIN_PATH).getAllDirs().entries());
-}
-
-TEST_F(PathSearch, RebuildingAllFollowsTheEnvironment)
-{
+    EXPECT_EQ("home/veldrin|", shown(path->getAllDirs()));
+    EXPECT_EQ(12, path->getMaxNameLength());
     const UT_PathSearch &shared = UT_PathSearch::getInstance(UT_VELDRIN_PATH);
     myPath.set("/elsewhere");
-    EXPECT_EQ("%/home/veldrin9.0,%/vdx/veldrin", shown(shared.getAllDirs()));
+    EXPECT_EQ("h/veldrin9.0|v/veldrin|", shown(shared.getAllDirs()));
     UT_PathSearch::rebuildAll();
-    EXPECT_EQ("/elsewhere", shown(shared.getAllDirs()));
+    EXPECT_EQ("/elsewhere|", shown(shared.getAllDirs()));
 }
 
 TEST_F(PathSearch, TheLongestKnownFolderIsAbbreviated)
 {
-    myJob.set(real("%/home/job").c_str());
-    mySite.set(real("%/home").c_str());
+    myJob.set("h/job");
+    mySite.set("h");
     myVip.set("");
-    const ScopedVariable temp("VELDRIN_TEMP_DIR", "/elsewhere");
-    const UT_PathSearch path(real("%/home;%/home/job/x;%/home/jobs;%/other").c_str(), -1, nullptr,
-                             -1);
-    EXPECT_EQ("$HOME,$JOB/x,$HOME/jobs,%/other", shown(path.getAbbreviatedDirs()));
+    const ScopedVariable temp("VELDRIN_TEMP_DIR", "/t");
+    const UT_PathSearch path("h;h/job/x;h/jobs;/other;/t/x", -1, nullptr, -1);
+    EXPECT_EQ("$HOME|$JOB/x|$HOME/jobs|/other|$VELDRIN_TEMP_DIR/x|",
+              shown(path.getAbbreviatedDirs()));
 }
 
-TEST_F(PathSearch, TheFirstMatchWins)
+TEST_F(PathSearch, TheFirstMatchWinsAndExplicitNamesAreNotSearched)
 {
-    myScratch.write("home/veldrin9.0/both", "");
-    myScratch.write("vdx/veldrin/both", "");
-    myScratch.write("vdx/veldrin/one", "");
-    myScratch.makeDirectory("vdx/veldrin/dir");
+    for (const char *file : {"h/veldrin9.0/both", "v/veldrin/both", "v/veldrin/one", "here"})
+        myScratch.write(file, "");
+    fs::create_directory("v/veldrin/dir");
     const UT_PathSearch path = mainPath();
-    UT_String result;
-    EXPECT_TRUE(path.findFile(result, "both"));
-    EXPECT_EQ(real("%/home/veldrin9.0/both"), result.toStdString());
-    EXPECT_TRUE(path.findFile(result, "dir"));
-    EXPECT_FALSE(path.findDirectory(result, "both"));
-    EXPECT_EQ(nullptr, result.text());
-    EXPECT_TRUE(path.findDirectory(result, "dir", UT_PathSearch::KEEP_NAME));
-    EXPECT_EQ(real("%/vdx/veldrin/dir"), result.toStdString());
-    EXPECT_FALSE(path.findFile(result, "none", UT_PathSearch::KEEP_NAME));
-    EXPECT_STREQ("none", result);
-    EXPECT_FALSE(path.findFile(result, nullptr));
-
-    UT_StringList list;
-    EXPECT_EQ(2, path.findAllFiles("both", list));
-    EXPECT_EQ(0, path.findAllDirectories("one", list));
-    EXPECT_EQ(1, path.findAllDirectories("dir", list));
-    EXPECT_EQ("%/home/veldrin9.0/both,%/vdx/veldrin/both,%/vdx/veldrin/dir", shown(list));
+    // What is found first, then all there is.
+    const auto finding = [&path](auto findFirst, auto findAll) {
+        return [&path, findFirst, findAll](const char *name) {
+            UT_String result("old"), kept("old");
+            const bool isFound = (path.*findFirst)(result, name, UT_PathSearch::CLEAR_RESULT);
+            EXPECT_EQ(isFound, (path.*findFirst)(kept, name, UT_PathSearch::KEEP_NAME));
+            EXPECT_STREQ(isFound ? result.text() : name, kept);
+            UT_StringList list;
+            const int count = (path.*findAll)(name, list);
+            EXPECT_EQ(count, list.entries());
+            return orNull(result) + ' ' + shown(list);
+        };
+    };
+    expectEach({"both -> h/veldrin9.0/both h/veldrin9.0/both|v/veldrin/both|",
+                "one -> v/veldrin/one v/veldrin/one|", "dir -> v/veldrin/dir v/veldrin/dir|",
+                "none -> (null) ", "./one -> (null) ", "./here -> ./here ./here|",
+                "here -> (null) ", "(null) -> (null) "},
+               finding(&UT_PathSearch::findFile, &UT_PathSearch::findAllFiles));
+    expectEach({"both -> (null) ", "dir -> v/veldrin/dir v/veldrin/dir|", "./v -> ./v ./v|"},
+               finding(&UT_PathSearch::findDirectory, &UT_PathSearch::findAllDirectories));
 
     const char *const names[] = {"none", "one", "both", nullptr};
+    UT_String result;
     EXPECT_TRUE(path.findFileFromList(result, UT_StringList(names)));
-    EXPECT_EQ(real("%/home/veldrin9.0/both"), result.toStdString());
+    EXPECT_STREQ("h/veldrin9.0/both", result);
     EXPECT_FALSE(path.findDirectoryFromList(result, UT_StringList(names)));
     EXPECT_EQ(nullptr, result.text());
-}
-
-TEST_F(PathSearch, ExplicitNamesAreNotSearched)
-{
-    const std::string file = myScratch.write("vdx/veldrin/one", "");
-    const UT_PathSearch path = mainPath();
-    UT_String result;
-    UT_StringList list;
-    EXPECT_FALSE(path.findFile(result, "./one"));
-    EXPECT_EQ(0, path.findAllFiles("/one", list));
-    EXPECT_TRUE(UT_PathSearch("", -1, nullptr, -1).findFile(result, file.c_str()));
-    EXPECT_EQ(file, result.toStdString());
-    EXPECT_EQ(1, path.findAllFiles(file.c_str(), list));
 }
 
 TEST_F(PathSearch, FoldersThatCannotBeUsedAreOnlyListed)
 {
     myScratch.write("plain", "");
-    myScratch.makeDirectory("locked");
-    myScratch.write("locked/x", "");
-    fs::permissions(myScratch.path("locked"), fs::perms::none);
-    const UT_PathSearch path(real("%/none;%/plain;%/locked").c_str(), -1, nullptr, -1);
-    EXPECT_EQ(geteuid() == 0 ? "%/locked" : "", shown(path.getDirs())); // root may all
-    EXPECT_EQ(3, path.getAllDirs().entries());
-    fs::permissions(myScratch.path("locked"), fs::perms::owner_all);
+    fs::create_directory("locked");
+    fs::permissions("locked", fs::perms::none);
+    const UT_PathSearch path("none;plain;locked", -1, nullptr, -1);
+    EXPECT_EQ(geteuid() == 0 ? "locked|" : "", shown(path.getDirs())); // root may all
+    EXPECT_EQ("none|plain|locked|", shown(path.getAllDirs()));
+    fs::permissions("locked", fs::perms::owner_all);
 }
 
 TEST_F(PathSearch, ExtensionsMatchInAnyCase)
 {
-    for (const char *name : {"a.otl", "b.OTL", "c.otl.bak", "otl", "sub/d.otl"})
-        myScratch.write(std::string("vdx/veldrin/") + name, "");
-    const UT_PathSearch path = mainPath();
-    const struct {
-        bool fullPath;
-        const char *subdir;
-        std::vector<std::string> expected;
-    } cases[] = {
-        {false, nullptr, {"a.otl", "b.OTL"}},
-        {true, nullptr, {real("%/vdx/veldrin/a.otl"), real("%/vdx/veldrin/b.OTL")}},
-        {true, "sub", {real("%/vdx/veldrin/sub/d.otl")}},
-        {true, "none", {}},
-    };
-    for (const auto &c : cases) {
-        UT_StringList list;
-        list.append("before");
-        EXPECT_EQ(static_cast<int>(c.expected.size()) + 1,
-                  path.matchAllFiles(".otl", c.fullPath, list, c.subdir));
-        list.remove(0);
-        list.sort(true, false); // folders have an order of their own
-        EXPECT_EQ(c.expected, list.toVector());
-    }
+    for (const std::string name : {"a.otl", "b.OTL", "c.otl.bak", "otl", "sub/d.x.otl"})
+        myScratch.write("v/veldrin/" + name, "");
+    UT_StringList list;
+    EXPECT_EQ(2, mainPath().matchAllFiles(".otl", false, list));
+    EXPECT_EQ(4, mainPath().matchAllFiles(".oTl", true, list));
+    EXPECT_EQ(5, mainPath().matchAllFiles(".otl", true, list, "sub"));
+    list.sort(true, false); // folders have an order of their own
+    EXPECT_EQ("a.otl|b.OTL|v/veldrin/a.otl|v/veldrin/b.OTL|v/veldrin/sub/d.x.otl|", shown(list));
 }
 
 TEST_F(PathSearch, PrefixesAreStrippedFromTheEndOfThePath)
 {
-    const std::string outer = myScratch.makeDirectory("p");
-    const std::string inner = myScratch.makeDirectory("p/q");
-    myPath.set((inner + ";" + outer).c_str());
+    fs::create_directories("p/q");
+    myPath.set("p/q;p");
     UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
-    const struct {
-        const char *path, *last, *longest; // null: no match
-    } cases[] = {
-        {"%/p/q/r/s", "q/r/s", "r/s"}, {"%/p/q", "q", ""},      {"%/p", "", ""},
-        {"%/pp/x", nullptr, nullptr},  {"x", nullptr, nullptr},
+    const auto stripping = [](auto strip) {
+        return [strip](UT_String &path) { return strip(path, UT_VELDRIN_PATH); };
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.path);
-        const std::string full = real(c.path);
-        UT_String last(full.c_str()), longest(full.c_str());
-        EXPECT_EQ(c.last != nullptr, UT_PathSearch::stripSearchPrefix(last, UT_VELDRIN_PATH));
-        EXPECT_EQ(c.longest != nullptr,
-                  UT_PathSearch::stripLongestPrefix(longest, UT_VELDRIN_PATH));
-        EXPECT_STREQ(c.last != nullptr ? c.last : full.c_str(), last);
-        EXPECT_STREQ(c.longest != nullptr ? c.longest : full.c_str(), longest);
-    }
+    expectEdits({"p/q/r/s -> 1 q/r/s", "p -> 1 ", "pp/x -> 0 pp/x", "(null) -> 0 (null)"},
+                stripping(UT_PathSearch::stripSearchPrefix));
+    expectEdits({"p/q/r/s -> 1 r/s", "p/q -> 1 ", "p/qq -> 1 qq", "x -> 0 x", "(null) -> 0 (null)"},
+                stripping(UT_PathSearch::stripLongestPrefix));
 }
 
 TEST(FirstPathSearch, MakesTheUsersPackageFolderOnce)
 {
-    if (!isFreshProcess())
-        GTEST_SKIP();
-    const ScratchDirectory home;
-    EXPECT_EXIT(buildFirstPaths(home.path()), testing::ExitedWithCode(0), "");
+    const ScratchDirectory scratch;
+    if (!isFreshProcess({"HOME=" + scratch.path("new/home")}))
+        return;
+    const std::string made = std::string(UTgetenv("HOME")) + "/veldrin9.0";
+    umask(027);
+    const UT_PathSearch first("x", -1, nullptr, -1);
+    EXPECT_EQ(0750, static_cast<int>(fs::status(made).permissions()));
+    fs::remove(made);
+    const UT_PathSearch second("x", -1, nullptr, -1);
+    EXPECT_FALSE(fs::exists(made));
 }

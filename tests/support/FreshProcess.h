@@ -1,11 +1,10 @@
-// For tests of what happens once in a process, in a child of it (EXPECT_EXIT).
+// For tests of what happens once in a process.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
-// Whether no other test has run, or will run, in this process: so with ctest, which
-// gives each test its own. Otherwise such a test skips itself.
-inline bool isFreshProcess()
-{
-    return testing::UnitTest::GetInstance()->test_to_run_count() == 1;
-}
+// Runs the calling test again, in a process of its own with this environment, and
+// gives true there: that is where the test does its work. Gives false in the process
+// that asked, where a failure in the other one counts as well.
+bool isFreshProcess(std::vector<std::string> environment);
