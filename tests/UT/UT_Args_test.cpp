@@ -1,16 +1,17 @@
 #include "UT/UT_Args.h"
+
 #include "UT/UT_ScratchBuffer.h"
-#include "UT/UT_String.h"
+#include "tests/support/Cases.h"
 #include "tests/support/PlainText.h"
 
-#include <gtest/gtest.h>
+#include <cstring>
 #include <unistd.h>
 
 namespace
 {
 // A writable argv of the words in `line`; an argument set of it.
 struct Line {
-    explicit Line(const char *line) : words(plainSplitWords(line))
+    explicit Line(const std::string &line) : words(plainSplitWords(line))
     {
         for (std::string &word : words)
             argv.push_back(word.data());
@@ -24,211 +25,141 @@ struct Line {
     UT_Args args;
 };
 
-// Each letter seen with its place and values: "g1=ball,q4,".
-std::string optionsOf(const UT_Args &args)
+// Each letter seen with its place and values, then the words left: "g1=ball q4 | x y".
+std::string shown(const UT_Args &args)
 {
     std::string all;
     for (char c = 1; c != 127; ++c) {
-        if (args.found(c) == 0)
-            continue;
-        all += c + std::to_string(args.found(c));
+        const int place = args.found(c);
+        all += place != 0 ? c + std::to_string(place) : "";
         for (int slot = 0; slot < 4; ++slot)
-            if (args.getValue(c, slot) != nullptr)
+            if (place != 0 && args.getValue(c, slot) != nullptr)
                 all += std::string("=") + args.getValue(c, slot);
-        all += ',';
+        all += place != 0 ? " " : "";
     }
-    return all;
-}
-
-std::string operandsOf(const UT_Args &args)
-{
-    std::string all;
+    if (args.argc() < 0)
+        return all + "incomplete " + args.argv(1);
+    all += '|';
     for (int i = 1; i < args.argc(); ++i)
-        all += std::string(args.argv(i)) + '|';
+        all += std::string(" ") + args.argv(i);
+    EXPECT_EQ(nullptr, args.argv(args.argc()));
     return all;
 }
 
-std::string commandLine(const UT_Args &args, int firstArg, bool withOptions, const char *before)
+auto stripped(const char *letters)
 {
-    UT_ScratchBuffer out;
-    out.append(before);
-    EXPECT_TRUE(args.makeCommandLine(out, firstArg, withOptions));
-    return out.buffer();
+    return [letters](const std::string &in) {
+        Line line("prog " + in);
+        line.args.stripOptions(letters);
+        return shown(line.args);
+    };
 }
 } // namespace
 
 TEST(Args, TakesOptionsOutAndKeepsOperands)
 {
-    const struct {
-        const char *spec, *line, *options;
-        int argc;
-        const char *operands;
-    } cases[] = {
-        {"bg:qr:s", "prog -bs file", "b1,s1,", 2, "file|"},
-        {"bg:qr:s", "prog -gsphere x", "g1=sphere,", 2, "x|"},
-        {"bg:qr:s", "prog -g sphere -r prman x y", "g1=sphere,r3=prman,", 3, "x|y|"},
-        {"bg:qr:s", "prog -r", "", -1, ""},
-        {"bg:qr:s", "prog -r -q x", "r1=-q,", 2, "x|"},
-        {"bg:qr:s", "prog -q", "q1,", 1, ""},
-        {"bg:qr:s", "prog x -q", "", 3, "x|-q|"},
-        {"bg:qr:s", "prog -qz y", "q1,", 3, "-qz|y|"},
-        {"bg:qr:s", "prog -b -zq y", "b1,", 3, "-zq|y|"},
-        {"bg:qr:s", "prog -- -q", "", 2, "-q|"},
-        {"bg:qr:s", "prog -q --", "q1,", 1, ""},
-        {"bg:qr:s", "prog - x", "", 3, "-|x|"},
-        {"bg:qr:s", "prog -q - x", "q1,", 3, "-|x|"},
-        {"bg:qr:s", "prog -bgqs x", "b1,g1=qs,", 2, "x|"},
-        {"bg:qr:s", "prog -bg cube -q -q x", "b1,g1=cube,q4,", 2, "x|"},
-        {"bg:qr:s", "prog -gx -g y z", "g2=y,", 2, "z|"},
-        {"bg:qr:s", "prog -g -- x", "g1=--,", 2, "x|"},
-        {"bg:qr:s", "prog", "", 1, ""},
-        {"x::", "prog -xA B c", "x1=A=B,", 2, "c|"},
-        {"x::", "prog -x A B c", "x1=A=B,", 2, "c|"},
-        {"x::", "prog -xA", "", -1, ""},
-        {"x::::y", "prog -x 1 2 3 4 -y 5", "x1=1=2=3=4,y6,", 2, "5|"},
-        {"x::::::y", "prog -x1 2 3 4 -y 5", "x1=1=2=3=4,y5,", 2, "5|"},
-        {"x::", "prog -xA B -xC", "", -1, ""},
-        {"bg:qr:s", "prog -: x", ":1,", 2, "x|"},
-        {nullptr, "prog -q x", "", 3, "-q|x|"},
-        {"", "prog -q x", "", 3, "-q|x|"},
-        {"q", "prog -q\xe9 x", "q1,", 3, "-q\xe9|x|"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.line);
-        Line line(c.line);
-        line.args.stripOptions(c.spec);
-        EXPECT_EQ(c.options, optionsOf(line.args));
-        EXPECT_EQ(c.argc, line.args.argc());
-        EXPECT_EQ(c.operands, operandsOf(line.args));
-        if (c.argc >= 0)
-            EXPECT_EQ(nullptr, line.args.argv(c.argc));
-        else
-            EXPECT_STREQ(line.words[1].c_str(), line.args.argv(1)) << "left as it was";
-    }
+    expectEach({"-bs file -> b1 s1 | file", "-gsphere x -> g1=sphere | x",
+                "-gx -r y z -> g1=x r2=y | z", "-r -> incomplete -r", "-r -q x -> r1=-q | x",
+                "-q -> q1 |", "x -q -> | x -q", "-qz y -> q1 | -qz y", "-- -q -> | -q",
+                "-q -- -> q1 |", "- x -> | - x", "-q - x -> q1 | - x", "-bgqs x -> b1 g1=qs | x",
+                " -> |", "-: x -> :1 | x", "-bg x -q -q y -> b1 g1=x q4 | y",
+                "-gx -g y z -> g2=y | z", "-g -- x -> g1=-- | x", "-q\xe9 x -> q1 | -q\xe9 x"},
+               stripped("bg:qr:s"));
+    expectEach({"-xA B c -> x1=A=B | c", "-x A B c -> x1=A=B | c", "-xA -> incomplete -xA",
+                "-xA B -xC -> incomplete -xA", "-xA B -x C D -> x3=C=D |",
+                "-w1 2 3 4 -x 5 6 7 -> w1=1=2=3=4 x5=5=6 | 7"},
+               stripped("x::w:::::"));
+    expectEach({"-q x -> | -q x"}, stripped(""));
+    expectEach({"-q x -> | -q x"}, stripped(nullptr));
+    std::string many;
+    for (int i = 0; i < 256; ++i)
+        many += "-b ";
+    EXPECT_EQ("b255 |", stripped("b")(many)) << "256 would not be seen";
 }
 
-TEST(Args, ASecondScanForgetsTheFirst)
+TEST(Args, NothingOfAnOlderScanOrVectorStays)
 {
     Line line("prog -b x -q");
     line.args.stripOptions("bq");
-    EXPECT_EQ("b1,", optionsOf(line.args));
     line.args.setArg(1, "-q");
     line.args.appendArg("y");
-    EXPECT_EQ("-q|-q|y|", operandsOf(line.args));
+    EXPECT_EQ("b1 | -q -q y", shown(line.args));
     line.args.stripOptions("bq");
-    EXPECT_EQ("q2,", optionsOf(line.args));
-    EXPECT_EQ("y|", operandsOf(line.args));
-}
-
-TEST(Args, ANewVectorLeavesNothingOfTheOld)
-{
-    Line line("prog a b c");
+    EXPECT_EQ("q2 | y", shown(line.args));
     line.args.initialize(2, line.argv.data());
-    EXPECT_EQ(nullptr, line.args.argv(2));
-    line.args.setArg(1, "-r");
-    line.args.stripOptions("r:");
+    line.args.stripOptions("b:");
+    EXPECT_EQ("incomplete -b", shown(line.args));
     line.args.appendArg("x");
-    EXPECT_EQ(0, line.args.argc());
-    EXPECT_STREQ("x", line.args.argv(2));
+    EXPECT_STREQ("x", line.args.argv(2)) << "behind the last word";
 }
 
 TEST(Args, RebuildsTheCommandLine)
 {
     Line line("'my prog' -b -gsph -x 'a b' '' op1 '' 'o p'");
     line.args.stripOptions("bg:x::");
-    EXPECT_EQ("my prog -b -g sph -x 'a b' '' op1 '' 'o p'",
-              commandLine(line.args, 0, true, "gone"));
-    EXPECT_EQ("my prog op1 '' 'o p'", commandLine(line.args, 0, false, ""));
-    EXPECT_EQ("cd;op1 '' 'o p'", commandLine(line.args, 1, false, "cd;"));
-    EXPECT_EQ("; -b -g sph -x 'a b' '' 'o p'", commandLine(line.args, 3, true, ";"));
-    EXPECT_EQ("", commandLine(line.args, 9, false, ""));
+    const auto rebuilt = [&line](int firstArg, bool withOptions) {
+        UT_ScratchBuffer out;
+        out.append("cd;");
+        EXPECT_TRUE(line.args.makeCommandLine(out, firstArg, withOptions));
+        return std::string(out.buffer());
+    };
+    EXPECT_EQ("my prog -b -g sph -x 'a b' '' op1 '' 'o p'", rebuilt(0, true));
+    EXPECT_EQ("my prog op1 '' 'o p'", rebuilt(0, false));
+    EXPECT_EQ("cd;op1 '' 'o p'", rebuilt(1, false));
+    EXPECT_EQ("cd; -b -g sph -x 'a b' '' 'o p'", rebuilt(3, true));
+    EXPECT_EQ("cd;", rebuilt(9, false));
     UT_String out("old");
     EXPECT_TRUE(line.args.makeCommandLine(out, 0));
-    EXPECT_STREQ("my prog -b -g sph -x 'a b' '' op1 '' 'o p'", out);
-}
-
-TEST(Args, ListsTheOptionsSeen)
-{
-    Line line("prog -r a -gb -x C D");
-    line.args.stripOptions("g:r:x::");
+    EXPECT_EQ(rebuilt(0, true), out.text());
     testing::internal::CaptureStdout();
     line.args.dumpOptions();
-    EXPECT_EQ("g=b\nr=a\nx=C\n", testing::internal::GetCapturedStdout());
+    EXPECT_EQ("b=\ng=sph\nx=a b\n", testing::internal::GetCapturedStdout());
 }
 
 TEST(Args, QuotesWhatAShellWouldNotTake)
 {
-    const struct {
-        const char *word, *quoted;
-    } cases[] = {
-        {"it's", R"('it\'s')"},
-        {"", "''"},
-        {"plain-1.x/*;[!", "plain-1.x/*;[!"},
-        {"a b", "'a b'"},
-    };
-    for (const auto &c : cases) {
+    for (int c = 0; c < 256; ++c) {
+        const std::string word = c == 0 ? "" : std::string("a") + static_cast<char>(c);
+        const std::string escaped = c == '\'' ? "a\\'" : word;
+        const bool isQuoted = std::strchr(" \t\"\\'$#=&<>|()", c) != nullptr;
         UT_ScratchBuffer out;
-        UT_Args::appendQuotedWord(out, c.word, false);
-        EXPECT_STREQ(c.quoted, out.buffer());
-        UT_Args::appendQuotedWord(out, c.word, true);
-        EXPECT_EQ(std::string(c.quoted) + " " + c.quoted, out.buffer());
-    }
-    for (const char special : std::string(" \t\"\\$#=&<>|()")) {
-        const std::string word = std::string("a") + special;
-        UT_ScratchBuffer out;
-        UT_Args::appendQuotedWord(out, word.c_str(), false);
-        EXPECT_EQ("'" + word + "'", out.buffer());
+        UT_Args::appendQuotedWord(out, word.c_str(), c == 'x');
+        EXPECT_EQ((c == 'x' ? " " : "") + (isQuoted ? '\'' + escaped + '\'' : word), out.buffer());
     }
 }
-
-namespace
-{
-// Every answer with its value and the next word's index: "a1 b=x3 ?z3 -1@4".
-std::string getoptTrace(const char *spec, const char *words)
-{
-    Line line(words);
-    std::string trace;
-    optind = 1;
-    for (;;) {
-        const int c = getopt(line.argc(), line.argv.data(), spec);
-        if (c == -1)
-            return trace + "end" + std::to_string(optind);
-        trace += static_cast<char>(c);
-        if (c == '?')
-            trace += static_cast<char>(optopt);
-        else if (optarg != nullptr)
-            trace += std::string("=") + optarg;
-        trace += std::to_string(optind) + ' ';
-    }
-}
-} // namespace
 
 TEST(Getopt, ReadsOptionsUpToTheFirstOperand)
 {
-    const struct {
-        const char *spec, *line, *trace, *messages;
-    } cases[] = {
-        {"ab:", "prog -ab", "a1 ?b2 end2", "prog: option requires an argument -- b\n"},
-        {"ab:", "prog -ab x y", "a1 b=x3 end3", ""},
-        {"ab:", "prog -abx -a y", "a1 b=x2 a3 end3", ""},
-        {"ab:", "prog -b -a x", "b=-a3 end3", ""},
-        {"ab:", "prog -a -- -a", "a2 end3", ""},
-        {"ab:", "prog - -a", "end1", ""},
-        {"ab:", "prog x -a", "end1", ""},
-        {"ab:", "a/prog -az:a", "a1 ?z1 ?:1 a2 end2",
-         "a/prog: illegal option -- z\na/prog: illegal option -- :\n"},
-        {"ab:", "prog", "end1", ""},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.line);
-        opterr = 1;
+    for (const int messages : {1, 0}) {
+        opterr = messages;
         testing::internal::CaptureStderr();
-        EXPECT_EQ(c.trace, getoptTrace(c.spec, c.line));
-        EXPECT_EQ(c.messages, testing::internal::GetCapturedStderr());
-        opterr = 0;
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(c.trace, getoptTrace(c.spec, c.line));
-        EXPECT_EQ("", testing::internal::GetCapturedStderr());
+        // Every answer with its value and the next word's index.
+        expectEach({"-ab -> a1 ?b2 end2", "-ab x y -> a1 b=x3 end3", "-abx -a y -> a1 b=x2 a3 end3",
+                    "-b -a x -> b=-a3 end3", "-a -- -a -> a2 end3", "- -a -> end1", " -> end1",
+                    "-az:a -> a1 ?z1 ?:1 a2 end2", "x -a -> end1"},
+                   [](const std::string &in) {
+                       Line line("a/prog " + in);
+                       std::string trace;
+                       optind = 1;
+                       for (int c; (c = getopt(line.argc(), line.argv.data(), "ab:")) != -1;) {
+                           trace += static_cast<char>(c);
+                           if (c == '?')
+                               trace += static_cast<char>(optopt);
+                           else if (optarg != nullptr)
+                               trace += std::string("=") + optarg;
+                           trace += std::to_string(optind) + ' ';
+                       }
+                       return trace + "end" + std::to_string(optind);
+                   });
+        EXPECT_EQ(messages == 0 ? ""
+                                : "a/prog: option requires an argument -- b\n"
+                                  "a/prog: illegal option -- z\na/prog: illegal option -- :\n",
+                  testing::internal::GetCapturedStderr());
     }
     opterr = 1;
+    Line longer("prog -abc"), other("prog -a");
+    for (Line *line : {&longer, &other}) { // a caller that turns to another vector
+        optind = 1;
+        EXPECT_EQ('a', getopt(line->argc(), line->argv.data(), "abc"));
+    }
 }

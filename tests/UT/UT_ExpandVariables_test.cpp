@@ -1,14 +1,11 @@
 #include "UT/UT_ExpandVariables.h"
 
-#include "UT/UT_EnvControl.h"
 #include "UT/UT_ScratchBuffer.h"
-#include "UT/UT_String.h"
+#include "tests/support/Cases.h"
+#include "tests/support/PlainText.h"
 #include "tests/support/ScopedVariable.h"
 
-#include <cstring>
-#include <gtest/gtest.h>
-#include <map>
-#include <string>
+#include <pwd.h>
 
 namespace
 {
@@ -25,187 +22,75 @@ const char *runCommand(const char *command, void *)
 {
     static std::string theOutput;
     theOutput = std::string("<") + command + ">";
-    return std::strcmp(command, "fail") == 0 ? nullptr : theOutput.c_str();
+    return std::string(command) == "fail" ? nullptr : theOutput.c_str();
 }
 
-Variables someVariables()
-{
-    return {{"JOB", "/proj"}, {"B", "X"},     {"AX", "ok"},        {"F", "7"},
-            {"D", "$JOB"},    {"F3x", "f3x"}, {"N", "/a/b/c.txt"}, {"N:t", "odd"},
-            {"", "nameless"}, {"NEG", "-7"},  {"JOB_X", "job x"},  {"_", "low"}};
-}
+const Variables SOME = {{"B", "X"}, {"AX", "ok"}, {"D", "$B"},    {"F", "7"},       {"F3x", "f3x"},
+                        {"", "-"},  {"_", "low"}, {"N:t", "odd"}, {"J_1", "/p/c.t"}};
 
-std::string expanded(const char *in, const Variables &given = someVariables(),
-                     bool inComments = true)
+// The count of replacements and the text.
+std::string expanded(const char *in, Variables variables = SOME, bool inComments = true,
+                     UT_CommandRunner runner = nullptr)
 {
-    Variables variables = given;
     UT_ScratchBuffer out;
-    UTexpandVariables(out, in, lookUp, &variables, true, inComments);
-    return out.buffer();
+    out.append("old");
+    const int count =
+        UTexpandVariables(out, in, lookUp, runner, &variables, true, true, inComments);
+    return std::to_string(count) + ' ' + out.buffer();
 }
-
-struct Case {
-    const char *in, *out;
-};
 } // namespace
 
-TEST(ExpandVariables, ReferencesBecomeValues)
+TEST(ExpandVariables, AgreesWithThePlainExpansion)
 {
-    const Case cases[] = {
-        {"$JOB/lib", "/proj/lib"},
-        {"${JOB}lib", "/projlib"},
-        {"$JOB_X-", "job x-"},
-        {"$UNSET/x", "/x"},
-        {"$", "$"},
-        {"a$/b$ $-", "a$/b$ $-"},
-        {"$_", "low"},
-        {"$D", "$JOB"}, // a value is not expanded
-        {"${A${B}}", "ok"},
-        {"${A$B}", "ok"},
-        {"${}", "nameless"},
-        {"$${B}", "$X"},
-        {"${JOB/lib", "${JOB/lib"},
-        {"$B ${JOB {} $B 'x'", "X ${JOB {} $B 'x'"},
-        {"}${B}{", "}X{"},
-        {"${{B}}", ""},            // the name is {B}
-        {"${'}B'}", "namelessB}"}, // the name ends at the first brace
-        {"${B$}", ""},
-        {"$B$B", "XX"},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.in);
-        EXPECT_EQ(c.out, expanded(c.in));
+    const ScopedVariable home("HOME", "/home/u");
+    const Variables variables = {{"B", "X"}, {"X", "B"}, {"F", "-7.r"}, {"", "+"}};
+    for (const std::string alphabet :
+         {"$B{}", "$B\\'~ ", "$F3_:r", "$B{}'\\", "/*$\n\\'B", "`$B\\'{}"}) {
+        const bool runs = alphabet[0] == '`';
+        const bool inComments = alphabet[0] != '/';
+        forEachString(alphabet, alphabet.size() < 6 ? 7 : 5, [&](const std::string &in) {
+            PlainExpansion plain = {variables, "/home/u", runs, inComments};
+            const std::string out = plain.of(in);
+            ASSERT_EQ(std::to_string(plain.count) + ' ' + out,
+                      expanded(in.c_str(), variables, inComments, runs ? runCommand : nullptr))
+                << in;
+        });
     }
-    EXPECT_EQ("", expanded(nullptr));
+}
+
+TEST(ExpandVariables, FollowsItsRules)
+{
+    const ScopedVariable home("HOME", "/home/u");
+    expectEach({"$J_1/lib ${B}lib $UNSET:t/x $/ a$ -> 2 /p/c.t/lib Xlib /x $/ a$",
+                "$D ${A${B}} ${NO${B}} ${{B}} ${'}B'} -> 5 $B ok   -B}",
+                "$B ${J {} $B -> 1 X ${J {} $B",
+                "$J_1:t:r! $J_1:s/p/z/ $J_1: t $F3x -> 4 c! /z/c.t /p/c.t: t f3x",
+                "${N:t} ${J_1}:t -> 2 odd /p/c.t:t",
+                "\\$B \\\\$B a\\b '$B' $B 'a\\'b -> 2 $B \\X a\\b $B X a\\'b",
+                "~/x a~b ''~ ~~ ~nosuchuser9/x -> 3 /home/u/x a~b /home/u /home/u~ ~nosuchuser9/x",
+                "$B ~ $UNSET `x` // $B -> 3 X /home/u  `x` // X", "(null) -> 0 "},
+               [](const char *in) { return expanded(in); });
+    expectEach({"// $B\n$B -> 1 // $B\nX", "/*/ '$B */$B -> 1 /*/ '$B */X", "${//B} -> 0 "},
+               [](const char *in) { return expanded(in, SOME, false); });
+    expectEach({"a`b $B`c -> 1 a<b $B>c", "`fail`x -> 0 x", "`open -> 1 <open>"},
+               [](const char *in) { return expanded(in, SOME, true, runCommand); });
+    const passwd *root = getpwnam("root");
+    ASSERT_NE(nullptr, root);
+    EXPECT_EQ(std::string("1 ") + root->pw_dir + "/x", expanded("~root/x"));
+    const ScopedVariable on("VELDRIN8_COMPATIBILITY", "1");
+    EXPECT_EQ("1 /p/c.t:t", expanded("$J_1:t"));
 }
 
 TEST(ExpandVariables, FrameReferencesArePadded)
 {
-    const struct {
-        const char *value, *in, *out;
-    } cases[] = {
-        {"7", "$F", "7"},        {"7", "$F3", "007"},     {"7", "${F3}", "007"},
-        {"7", "$F3x", "f3x"},    {"-7", "$F4", "-007"},   {"+7", "$F4", "+007"},
-        {"ab", "$F4", "  ab"},   {"-a", "$F4", "  -a"},   {"1234", "$F2", "1234"},
-        {"", "$F2", "  "},       {"7a", "$F4", "007a"},   {"7", "$F0", "7"},
-        {"a.b", "$F5:r", "  a"}, {"7", "$F3_", "unders"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(std::string(c.in) + " of " + c.value);
-        EXPECT_EQ(c.out, expanded(c.in, {{"F", c.value}, {"F3x", "f3x"}, {"F3_", "unders"}}));
+    const char *const cases[][2] = {{"7", "1 007"},  {"-7", "1 -07"}, {"+7", "1 +07"},
+                                    {"ab", "1  ab"}, {"-a", "1  -a"}, {"12", "1 012"},
+                                    {"", "1    "},   {"7a", "1 07a"}, {"1234", "1 1234"}};
+    for (const auto &[value, out] : cases) {
+        for (const char *in : {"$F3", "${F3}", "$F03"})
+            EXPECT_EQ(out, expanded(in, {{"F", value}})) << in << " of " << value;
     }
-    EXPECT_EQ(9999u, expanded("$F99999999999999999999").size());
-}
-
-TEST(ExpandVariables, ModifiersApplyUnlessTheToggleIsOn)
-{
-    const Case off[] = {
-        {"$N:t", "c.txt"},          {"$N:r", "/a/b/c"},
-        {"$N:t:r!", "c!"},          {"$N:s/a/z/ ", "/z/b/c.txt "},
-        {"$N: t", "/a/b/c.txt: t"}, {"$UNSET:t/x", "/x"},
-        {"${N}:t", "/a/b/c.txt:t"}, {"${N:t}", "odd"},
-    };
-    for (const Case &c : off) {
-        SCOPED_TRACE(c.in);
-        EXPECT_EQ(c.out, expanded(c.in));
-    }
-    const ScopedVariable on("VELDRIN8_COMPATIBILITY", "1");
-    EXPECT_EQ("/a/b/c.txt:t", expanded("$N:t"));
-}
-
-TEST(ExpandVariables, BackslashesAndQuotesKeepText)
-{
-    const Case cases[] = {
-        {"\\$JOB", "$JOB"},
-        {"\\\\$JOB", "\\/proj"},
-        {"\\\\\\$JOB", "\\$JOB"},
-        {"a\\b", "a\\b"},
-        {"\\~ \\' \\`", "~ ' `"},
-        {"'$JOB' $B", "$JOB X"},
-        {"'a\\'$B' $B", "a\\'$B X"},
-        {"$B 'open $B", "X open $B"},
-        {"\\", "\\"},
-        {"`x $B`", "`x X`"}, // without a runner
-        {"${'$B'}", ""},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.in);
-        EXPECT_EQ(c.out, expanded(c.in));
-    }
-}
-
-TEST(ExpandVariables, TildesAtTheStartOfAWordAreHomes)
-{
-    const ScopedVariable home("HOME", "/home/u");
-    const Case cases[] = {
-        {"~/x", "/home/u/x"},
-        {"a~b", "a~b"},
-        {"a ~\t~", "a /home/u\t/home/u"},
-        {"~nosuchuser9/x", "~nosuchuser9/x"},
-        {"$B~", "X~"},
-        {"''~", "/home/u"},
-        {"~root/x", "/root/x"},
-        {"~~", "/home/u~"},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.in);
-        EXPECT_EQ(c.out, expanded(c.in));
-    }
-}
-
-TEST(ExpandVariables, CommentsAreCopiedWhenAsked)
-{
-    const Case cases[] = {
-        {"// $B\n$B", "// $B\nX"},
-        {"/* $B */$B", "/* $B */X"},
-        {"/*/ $B */$B", "/*/ $B */X"},
-        {"/* '\n' ~ \\$B */'$B'", "/* '\n' ~ $B */$B"},
-        {"// /* \n$B", "// /* \nX"},
-        {"a/b $B", "a/b X"},
-        {"/* $B", "/* $B"},
-        {"${//B}", ""}, // the name itself has no comments
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.in);
-        EXPECT_EQ(c.out, expanded(c.in, someVariables(), false));
-    }
-    EXPECT_EQ("// X", expanded("// $B"));
-}
-
-TEST(ExpandVariables, ARunnerReplacesCommands)
-{
-    const Case cases[] = {
-        {"a`b $B`c", "a<b $B>c"}, {"`x\\`y`z", "<x\\`y>z"}, {"``", "<>"},        {"`fail`x", "x"},
-        {"`open", "<open>"},      {"${`B`}", ""},           {"\\`a`b", "`a<b>"},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.in);
-        Variables variables = someVariables();
-        UT_ScratchBuffer out;
-        UTexpandVariables(out, c.in, lookUp, runCommand, &variables, true, true, true);
-        EXPECT_STREQ(c.out, out.buffer());
-    }
-}
-
-TEST(ExpandVariables, SwitchedOffKindsAreOrdinary)
-{
-    UT_ScratchBuffer out;
-    UTexpandVariables(out, "$HOME ~ ${HOME}", nullptr, nullptr, nullptr, false, false, true);
-    EXPECT_STREQ("$HOME ~ ${HOME}", out.buffer());
-}
-
-TEST(ExpandVariables, TheCountIsThatOfReplacements)
-{
-    const struct {
-        const char *in;
-        int count;
-    } cases[] = {{"$JOB ~ $UNSET", 2}, {"${A${B}}", 2}, {"${NO${B}}", 1}, {"a", 0}, {"'$B'", 0}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.in);
-        Variables variables = someVariables();
-        UT_ScratchBuffer out;
-        EXPECT_EQ(c.count, UTexpandVariables(out, c.in, lookUp, &variables, true, true));
-    }
+    EXPECT_EQ(2 + 9999u, expanded("$F99999999999999999999").size());
 }
 
 TEST(ExpandVariables, AMillionNestedBracesAreExpandedInOnePass)
@@ -214,18 +99,17 @@ TEST(ExpandVariables, AMillionNestedBracesAreExpandedInOnePass)
     std::string in;
     for (int i = 0; i < depth; i++)
         in += "${";
-    EXPECT_EQ(in + "B", expanded((in + "B").c_str())); // unbalanced
+    EXPECT_EQ("0 " + in + "B", expanded((in + "B").c_str())); // unbalanced
     in += "B" + std::string(depth, '}');
-    EXPECT_EQ("B", expanded(in.c_str(), {{"B", "C"}, {"C", "B"}})); // they take turns
+    EXPECT_EQ("1000000 B", expanded(in.c_str(), {{"B", "C"}, {"C", "B"}})); // they take turns
 }
 
-TEST(ExpandVariables, AStringTakesTheExpandedText)
+TEST(ExpandVariables, TheEnvironmentIsTheUsualPlaceToLookNamesUp)
 {
     const ScopedVariable job("JOB", "/proj");
-    UT_String text("$JOB/${JOB}");
-    text.substituteVariables();
-    EXPECT_STREQ("/proj//proj", text);
-    UT_String unset;
-    unset.substituteVariables();
-    EXPECT_STREQ("", unset);
+    expectEdits({"$JOB/${JOB} //~' -> /proj//proj //~", "(null) -> "},
+                [](UT_String &s) { s.substituteVariables(); });
+    UT_ScratchBuffer out;
+    UTexpandVariables(out, "$JOB ~ '${JOB}'", nullptr, nullptr, nullptr, false, false, true);
+    EXPECT_STREQ("$JOB ~ ${JOB}", out.buffer());
 }

@@ -1,254 +1,148 @@
-#include "UT/UT_String.h"
+#include "tests/support/Cases.h"
+#include "tests/support/PlainText.h"
 
-#include <gtest/gtest.h>
+#include <filesystem>
+#include <regex>
 #include <sstream>
 
 namespace
 {
-struct Edit {
-    const char *before, *after;
-};
+// "" for a path that climbs above the root.
+std::string plainCollapse(const std::string &path)
+{
+    std::vector<std::string> kept;
+    std::istringstream in(path);
+    for (std::string part; std::getline(in, part, '/');) {
+        if (part == ".." && kept.empty())
+            return "";
+        if (part == "..")
+            kept.pop_back();
+        else if (!part.empty() && part != ".")
+            kept.push_back(part);
+    }
+    std::string result = kept.empty() ? "/" : "";
+    for (const std::string &part : kept)
+        result += '/' + part;
+    return result;
+}
 } // namespace
 
 TEST(StringEdit, ChangesASuffix)
 {
-    const struct {
-        const char *before, *after;
-        bool changed;
-    } cases[] = {
-        {"x/y.palette", "x/y.jpg", true}, {".palette", ".jpg", true},
-        {"y.pal", "y.pal", false},        {"x.palette/y", "x.palette/y", false},
-        {nullptr, nullptr, false},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.before));
-        UT_String s(c.before);
-        EXPECT_EQ(c.changed, s.changeSuffix(".palette", ".jpg"));
-        EXPECT_STREQ(c.after, s);
-    }
+    expectEdits({"x/y.palette -> 1 x/y.jpg", ".palette -> 1 .jpg", "y.pal -> 0 y.pal",
+                 "x.palette/y -> 0 x.palette/y", "(null) -> 0 (null)"},
+                [](UT_String &s) { return s.changeSuffix(".palette", ".jpg"); });
 }
 
-TEST(StringEdit, ReplacesText)
+TEST(StringEdit, ReplacementsAreNotSearchedAgain)
 {
-    const struct {
-        const char *text, *find, *by;
-        bool all;
-        const char *result;
-        int count;
-    } cases[] = {
-        {"banana", "a", "aa", true, "baanaanaa", 3}, {"banana", "a", "aa", false, "baanana", 1},
-        {"banana", "ana", "", true, "bna", 1},       {"aaaa", "aa", "b", true, "bb", 2},
-        {"abc", "x", "y", true, "abc", 0},           {"abc", "", "y", true, "abc", 0},
-        {"abc", nullptr, "y", true, "abc", 0},       {"abc", "a", nullptr, true, "abc", 0},
-        {nullptr, "a", "b", true, nullptr, 0},
+    const auto replacing = [](const char *find, const char *by, bool all) {
+        return [=](UT_String &s) { return s.replaceText(find, by, all); };
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.find));
-        UT_String s(c.text);
-        EXPECT_EQ(c.count, s.replaceText(c.find, c.by, c.all));
-        EXPECT_STREQ(c.result, s);
+    expectEdits({"banana -> 3 baanaanaa", "aa -> 2 aaaa", "x -> 0 x", "(null) -> 0 (null)"},
+                replacing("a", "aa", true));
+    expectEdits({"banana -> 1 baanana", "a -> 1 aa"}, replacing("a", "aa", false));
+    expectEdits({"banana -> 1 bna", "anaana -> 2 "}, replacing("ana", "", true));
+    expectEdits({"abc -> 0 abc", " -> 0 "}, replacing("", "y", true));
+    expectEdits({"abc -> 0 abc"}, replacing(nullptr, "y", true));
+    expectEdits({"abc -> 0 abc"}, replacing("a", nullptr, true));
+}
+
+TEST(StringEdit, WordsAreFoundAndReplacedAsRegularExpressionsBoundThem)
+{
+    const std::pair<std::string, const char *> words[] = {
+        {"a", "\\ba\\b"}, {"a1", "\\ba1\\b"}, {"a.a", "\\ba[.]a\\b"}};
+    for (const auto &each : words) {
+        const std::string &word = each.first;
+        const std::regex bounded(each.second);
+        forEachString("a_ .1", 5, [&](const std::string &text) {
+            std::smatch match;
+            const bool isFound = std::regex_search(text, match, bounded);
+            const UT_String s(text.c_str());
+            const char *found = s.findWord(word.c_str());
+            ASSERT_EQ(isFound ? s.text() + match.position() : nullptr, found) << text;
+            ASSERT_EQ(isFound, s.contains(word.c_str(), true));
+            UT_String first(s), all(s);
+            first.replaceWord(word.c_str(), "+", false);
+            all.replaceWord(word.c_str(), "+", true);
+            const auto once = std::regex_constants::format_first_only;
+            ASSERT_EQ(std::regex_replace(text, bounded, "+", once), first.text());
+            ASSERT_EQ(std::regex_replace(text, bounded, "+"), all.text());
+        });
     }
+    expectEdits({"\001a\177a\351 -> 2 \001+\177+\351", "a-a2 -> 1 +-a2", "(null) -> 0 (null)"},
+                [](UT_String &s) { return s.replaceWord("a", "+", true); });
 }
 
 TEST(StringEdit, CollapsesAbsolutePaths)
 {
-    const Edit cases[] = {
-        {"/a//./b/../c/", "/a/c"},
-        {"/", "/"},
-        {"//", "/"},
-        {"/.", "/"},
-        {"/a/..", "/"},
-        {"/a/../b", "/b"},
-        {"/.../..b/.c", "/.../..b/.c"},
-        {"/..", nullptr},
-        {"/a/../../b", nullptr},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.before);
-        UT_String s(c.before);
-        EXPECT_EQ(c.after != nullptr, s.collapseAbsolutePath());
-        if (c.after != nullptr) {
-            EXPECT_STREQ(c.after, s);
+    forEachString("/.a", 8, [](const std::string &rest) {
+        const std::string expected = plainCollapse('/' + rest);
+        UT_String s(('/' + rest).c_str());
+        ASSERT_EQ(!expected.empty(), s.collapseAbsolutePath()) << rest;
+        if (!expected.empty()) {
+            ASSERT_EQ(expected, s.text()) << rest;
         }
-    }
-    for (const char *other : {"relative/x", "./a//b", "", static_cast<const char *>(nullptr)}) {
-        UT_String s(other);
-        EXPECT_FALSE(s.collapseAbsolutePath());
-        EXPECT_STREQ(other, s);
-    }
-}
-
-TEST(StringEdit, QuotesWhatASplitterWouldTakeApart)
-{
-    const Edit cases[] = {
-        {"a b", R"("a b")"},          {R"("a b")", R"("a b")"},
-        {R"(a "b\)", R"("a \"b\\")"}, {R"(a"b)", R"(a"b)"},
-        {"a\vb", "\"a\vb\""},         {"a\rb", "a\rb"},
-        {R"("a b)", R"("\"a b")"},    {"", ""},
-        {nullptr, nullptr},
-    };
-    for (const auto &c : cases) {
-        UT_String s(c.before);
-        s.quoteIfSpaced();
-        EXPECT_STREQ(c.after, s);
-    }
-}
-
-TEST(StringEdit, MakesQuotedTexts)
-{
-    const struct {
-        const char *text;
-        char quote;
-        const char *result;
-    } cases[] = {
-        {"ab", '\'', "'ab'"},
-        {"it's", '\'', R"("it's")"},
-        {"it's", '"', R"("it's")"},
-        {R"(a"b)", '"', R"('a"b')"},
-        {R"(a"b)", '\'', R"('a"b')"},
-        {R"(a'"b)", '"', R"("a'\"b")"},
-        {R"(a'"b)", '\'', R"('a\'"b')"},
-        {R"(a\b)", '"', R"("a\\b")"},
-        {"", '"', R"("")"},
-    };
-    for (const auto &c : cases)
-        EXPECT_STREQ(c.result, UT_String(c.text).makeQuoted(c.quote)) << c.text;
-}
-
-TEST(StringEdit, DecodesEscapes)
-{
-    UT_String s(R"(a\n\r\t\\\q\")");
-    s.decodeEscapes();
-    EXPECT_STREQ("a\n\r\t\\q\"", s);
-    s = "a\\";
-    s.decodeEscapes();
-    EXPECT_STREQ("a\\", s) << "nothing to escape";
-}
-
-TEST(StringEdit, MakesIdentifiers)
-{
-    const struct {
-        const char *text, *allowed, *result;
-        int changes;
-    } cases[] = {
-        {"ok_1", "", "ok_1", 0}, {"a-b.c", "", "a_b_c", 2}, {"a-b.c", ".", "a_b.c", 1},
-        {"9x", "", "_9x", 1},    {".x", ".", "_.x", 1},     {"-x", "", "_x", 1},
-        {"\xe9", "", "_", 1},    {"9-", nullptr, "_9_", 2},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.text);
-        UT_String s(c.text);
-        EXPECT_EQ(c.changes, s.makeIdentifier(c.allowed));
-        EXPECT_STREQ(c.result, s);
-    }
-}
-
-TEST(StringEdit, ReplacesWholeWords)
-{
-    const struct {
-        const char *text;
-        bool all;
-        const char *result;
-        int count;
-    } cases[] = {
-        {"a an a.a", true, "the an the.the", 3},
-        {"a an a.a", false, "the an a.a", 1},
-        {"an _a a1", true, "an _a a1", 0},
-        {"", true, "", 0},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.text);
-        UT_String s(c.text);
-        EXPECT_EQ(c.count, s.replaceWord("a", "the", c.all));
-        EXPECT_STREQ(c.result, s);
-    }
+    });
+    expectEdits({"relative/x -> 0 relative/x", "./a//b -> 0 ./a//b", "(null) -> 0 (null)"},
+                [](UT_String &s) { return s.collapseAbsolutePath(); });
 }
 
 TEST(StringEdit, LeadsFromOneFolderToAnother)
 {
-    const struct {
-        const char *from, *to, *path;
-    } cases[] = {
-        {"/a/b", "/a/c/d", "../c/d"},  {"/a", "/a/b/", "b"},   {"/a/b/", "/a", ".."},
-        {"/a//x/../b", "/a/./b", "."}, {"/", "/a", "a"},       {"/a/b", "/", "../.."},
-        {"/ab", "/a", "../a"},         {"/a", "/ab", "../ab"}, {"/", "/", "."},
-        {"a", "/b", nullptr},          {"/a", "/..", nullptr}, {nullptr, "/", nullptr},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.from));
-        UT_String s("old");
-        EXPECT_EQ(c.path != nullptr, s.makeRelativePath(c.from, c.to));
-        EXPECT_STREQ(c.path != nullptr ? c.path : "old", s);
-    }
+    const char *const folders[] = {"/", "/a", "/ab/", "/a/b", "/a/c/d", "/a//x/../b/.", "/c/a/b"};
+    for (const char *from : folders)
+        for (const char *to : folders) {
+            UT_String s;
+            EXPECT_TRUE(s.makeRelativePath(from, to));
+            const std::filesystem::path goal = plainCollapse(to);
+            EXPECT_EQ(goal.lexically_relative(plainCollapse(from)), s.text()) << from << ' ' << to;
+        }
+    expectEdits({"a -> 0 a", "/.. -> 0 /..", "(null) -> 0 (null)"}, [](UT_String &s) {
+        return s.makeRelativePath(s, "/b") || s.makeRelativePath("/b", s);
+    });
+}
+
+TEST(StringEdit, QuotesWhatASplitterWouldTakeApart)
+{
+    expectEdits({"a b -> \"a b\"", "\"a b\" -> \"a b\"", "\"a b -> \"\\\"a b\"", "a\"b -> a\"b",
+                 "a \\ -> \"a \\\\\"", "a\vb -> \"a\vb\"", "a\rb -> a\rb", "(null) -> (null)"},
+                [](UT_String &s) { s.quoteIfSpaced(); });
+    // The other quote is used when only that saves backslashes.
+    expectEdits(
+        {"a\\b -> 'a\\\\b'", "it's -> \"it's\"", "a\"b -> 'a\"b'", "'\" -> '\\'\"'", " -> ''"},
+        [](UT_String &s) { s.assignCopy(s.makeQuoted('\'')); });
+    expectEdits({"a\\b -> \"a\\\\b\"", "it's -> \"it's\"", "a\"b -> 'a\"b'", "'\" -> \"'\\\"\""},
+                [](UT_String &s) { s.assignCopy(s.makeQuoted('"')); });
+    expectEdits({"a\\n\\r\\t\\\\\\q\\\" -> a\n\r\t\\q\"", "a\\ -> a\\", "(null) -> (null)"},
+                [](UT_String &s) { s.decodeEscapes(); });
+}
+
+TEST(StringEdit, MakesIdentifiers)
+{
+    expectEdits({"ok_1 -> 0 ok_1", "a-b.c -> 2 a_b_c", "9- -> 2 _9_", "\xe9 -> 1 _"},
+                [](UT_String &s) { return s.makeIdentifier(nullptr); });
+    expectEdits({"a-b.c -> 1 a_b.c", ".x -> 1 _.x", "-x -> 1 _x", " -> 0 "},
+                [](UT_String &s) { return s.makeIdentifier("."); });
 }
 
 TEST(StringEdit, HandlesTheNumberBehindAName)
 {
-    const struct {
-        const char *name, *number, *stripped, *next;
-    } cases[] = {
-        {"shot099", "099", "shot", "shot100"},
-        {"a9", "9", "a", "a10"},
-        {"7", "7", "", "8"},
-        {"a1b", nullptr, "a1b", "a1b1"},
-        {"x07", "07", "x", "x08"},
-        {"", nullptr, "", "1"},
-        {"n99999999999999999999", "99999999999999999999", "n", "n100000000000000000000"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        UT_String s(c.name);
-        EXPECT_STREQ(c.number, s.findNumber());
-        EXPECT_EQ(c.number != nullptr, s.stripNumber());
-        EXPECT_STREQ(c.stripped, s);
-        s = c.name;
-        s.incrementNumber();
-        EXPECT_STREQ(c.next, s);
-    }
-    EXPECT_EQ(nullptr, UT_String().findNumber());
+    expectEdits({"shot099 -> 1 shot", "7 -> 1 ", "a1b -> 0 a1b", "(null) -> 0 (null)"},
+                [](UT_String &s) { return s.stripNumber(); });
+    expectEdits({"shot099 -> shot100", "a9 -> a10", "a1b -> a1b1", "x07 -> x08", "(null) -> 1",
+                 "99999999999999999999 -> 100000000000000000000"},
+                [](UT_String &s) { s.incrementNumber(); });
 }
 
 TEST(StringEdit, TidiesWhiteSpace)
 {
-    const struct {
-        const char *text, *trimmed, *collapsed, *tabless;
-    } cases[] = {
-        {" a \t b\n", "a \t b", "a b", " a   b\n"},
-        {"\ta\n\tb", "a\n\tb", "a b", "    a\n    b"},
-        {"abcd\te", "abcd\te", "abcd e", "abcd    e"},
-        {" \v\f", "", "", " \v\f"},
-        {"a", "a", "a", "a"},
-        {nullptr, nullptr, nullptr, nullptr},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.text));
-        UT_String trimmed(c.text), collapsed(c.text), tabless(c.text);
-        trimmed.trimSpace();
-        collapsed.collapseSpace();
-        tabless.expandTabs(4);
-        tabless.expandTabs(0);
-        EXPECT_STREQ(c.trimmed, trimmed);
-        EXPECT_STREQ(c.collapsed, collapsed);
-        EXPECT_STREQ(c.tabless, tabless);
-    }
-    UT_String s("a-b,c-");
-    EXPECT_EQ(3, s.removeChars("-,"));
-    EXPECT_STREQ("abc", s);
-}
-
-TEST(StringEdit, WritesItselfAsOneWord)
-{
-    const Edit cases[] = {
-        {"hello world", R"("hello world")"},
-        {R"(a"b)", R"(a\"b)"},
-        {R"(a\ b)", R"("a\\ b")"},
-        {"plain", "plain"},
-        {"", R"("")"},
-        {nullptr, R"("")"},
-    };
-    for (const auto &c : cases) {
-        std::ostringstream out;
-        UT_String(c.before).writeText(out);
-        EXPECT_EQ(c.after, out.str());
-    }
+    expectEdits({" a \t b\n -> a \t b", "\v\f -> ", "a -> a", "(null) -> (null)"},
+                [](UT_String &s) { s.trimSpace(); });
+    expectEdits({" a \t b\n -> a b", "\v\f -> ", "a -> a", "(null) -> (null)"},
+                [](UT_String &s) { s.collapseSpace(); });
+    expectEdits({"\ta\n\tb -> 1     a\n    b", "abcd\te -> 1 abcd    e", "(null) -> 1 (null)"},
+                [](UT_String &s) { return s.expandTabs(0), s.expandTabs(4), 1; });
+    expectEdits({"a-b,c- -> 3 abc", "a -> 0 a", "(null) -> 0 (null)"},
+                [](UT_String &s) { return s.removeChars("-,"); });
 }

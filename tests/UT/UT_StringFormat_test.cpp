@@ -1,7 +1,8 @@
 #include "UT/UT_StringFormat.h"
 
+#include "tests/support/Cases.h"
+
 #include <cstdio>
-#include <gtest/gtest.h>
 #include <iomanip>
 #include <sstream>
 
@@ -9,83 +10,55 @@
 
 namespace
 {
-std::string printed(const char *format, double value)
-{
-    char text[200];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
-std::string printed(const char *format, int value)
-{
-    char text[200];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
+// Every flag and size in front of the conversions: a stream writes what printf does.
 template <typename Number>
-std::string streamed(const char *format, Number value)
+void expectPrintfs(const std::string &conversions, std::initializer_list<const char *> sizes,
+                   std::initializer_list<Number> values)
+{
+    for (const std::string flags : {"", "#", "+", "-", "0", "+0", "-0", "#0", "#-+"})
+        for (const char *size : sizes)
+            for (const char conversion : conversions)
+                for (const Number value : values) {
+                    const std::string format = '%' + flags + size + conversion;
+                    char printed[200];
+                    std::snprintf(printed, sizeof printed, format.c_str(), value);
+                    std::ostringstream out;
+                    out << std::hex << std::left << std::uppercase << std::setfill('*')
+                        << std::showpos;
+                    EXPECT_TRUE(UTapplyFormat(out, format.c_str()));
+                    out << value;
+                    EXPECT_EQ(printed, out.str()) << format;
+                }
+}
+
+// What is said about a format, behind what "x" looks like where it had no effect.
+std::string warnings(const char *format)
 {
     std::ostringstream out;
-    out << std::hex << std::left << std::uppercase << std::setfill('*') << std::showpos;
-    EXPECT_TRUE(UTapplyFormat(out, format));
-    out << value;
-    return out.str();
+    out << std::setw(4) << std::setfill('.');
+    testing::internal::CaptureStderr();
+    if (!UTapplyFormat(out, format))
+        out << 'x';
+    return out.str() + testing::internal::GetCapturedStderr();
 }
 } // namespace
 
 TEST(StringFormat, AStreamWritesNumbersAsPrintfDoes)
 {
-    for (const char *flags : {"", "#", "+", "-", "0", "+0", "-0", "#0", "#-+"}) {
-        for (const char *size : {"", "1", "12", ".0", ".3", "14.2"}) {
-            for (const char conversion : std::string("eEfgG")) {
-                const std::string format = std::string("%") + flags + size + conversion;
-                for (const double value : {0.0, -1.5, 123456789.25, 1e-7})
-                    EXPECT_EQ(printed(format.c_str(), value), streamed(format.c_str(), value))
-                        << format;
-            }
-        }
-        for (const char *size : {"", "1", "12"}) {
-            for (const char conversion : std::string("doxX")) {
-                const std::string format = std::string("%") + flags + size + conversion;
-                for (const int value : {0, 7, 255, -255})
-                    EXPECT_EQ(printed(format.c_str(), value), streamed(format.c_str(), value))
-                        << format;
-            }
-        }
-    }
+    expectPrintfs("eEfgG", {"", "1", "12", ".0", ".3", "14.2"}, {0.0, -1.5, 123456789.25, 1e-7});
+    expectPrintfs("doxX", {"", "1", "12"}, {0, 7, 255, -255});
 }
 
-TEST(StringFormat, WarnsOfTextAroundTheSpecification)
+TEST(StringFormat, WarnsOfTextAroundTheConversion)
 {
-    const struct {
-        const char *format, *warnings;
-    } cases[] = {
-        {"%5d", ""},
-        {"n=%5d", "Warning: extra text \"n=\" before format string \"%5d\" ignored.\n\r"},
-        {"%d%%", "Warning: extra text \"%%\" after format string \"%d\" ignored.\n"},
-        {"a \"b %.3f c d",
-         "Warning: extra text \"\"a \\\"b \"\" before format string \"%.3f\" ignored.\n\r"
-         "Warning: extra text \" c d\" after format string \"%.3f\" ignored.\n"},
-    };
-    for (const auto &c : cases) {
-        std::ostringstream out;
-        testing::internal::CaptureStderr();
-        EXPECT_TRUE(UTapplyFormat(out, c.format));
-        EXPECT_EQ(c.warnings, testing::internal::GetCapturedStderr());
-    }
-}
-
-TEST(StringFormat, WithoutASpecificationTheStreamStaysAsItIs)
-{
-    for (const char *format :
-         {"", "d", "x %", "%5", "%q", "%5.2s", static_cast<const char *>(nullptr)}) {
-        std::ostringstream out;
-        out << std::setw(4) << std::setfill('.');
-        testing::internal::CaptureStderr();
-        EXPECT_FALSE(UTapplyFormat(out, format));
-        EXPECT_EQ("", testing::internal::GetCapturedStderr());
-        out << 7;
-        EXPECT_EQ("...7", out.str());
-    }
+    expectEach({"%5d -> ",
+                "n=%5d -> Warning: extra text \"n=\" before format string \"%5d\" ignored.\n\r",
+                "%d%% -> Warning: extra text \"%%\" after format string \"%d\" ignored.\n",
+                "a \"b %.3f c -> "
+                "Warning: extra text \"\"a \\\"b \"\" before format string \"%.3f\" ignored.\n\r"
+                "Warning: extra text \" c\" after format string \"%.3f\" ignored.\n",
+                // without a conversion nothing changes
+                " -> ...x", "d -> ...x", "x % -> ...x", "%5 -> ...x", "%q -> ...x", "%5.2s -> ...x",
+                "(null) -> ...x"},
+               warnings);
 }

@@ -1,31 +1,6 @@
-#include "UT/UT_String.h"
 #include "UT/UT_WordList.h"
+#include "tests/support/Cases.h"
 #include "tests/support/PlainText.h"
-
-#include <gtest/gtest.h>
-
-TEST(StringMatch, MatchesTheWholeText)
-{
-    const struct {
-        const char *text, *pattern;
-        bool exact, anyCase;
-    } cases[] = {
-        {"file.c", "*.c", true, true},    {"file.c", "*.C", false, true},
-        {"file.c", "file", false, false}, {"", "*", true, true},
-        {"", "?", false, false},          {"", "", true, true},
-        {"ab", "a**b", true, true},       {"ab", "[xa]?", true, true},
-        {"a", "[A]", false, true},        {"a", "[]", false, false},
-        {"a", "[a", false, false},        {"b", "[a-c]", false, false},
-        {"*", "\\*", true, true},         {"a", "\\*", false, false},
-        {"abab", "*a*b", true, true},     {nullptr, "*", false, false},
-        {"a", nullptr, false, false},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.pattern));
-        EXPECT_EQ(c.exact, UT_String(c.text).match(c.pattern));
-        EXPECT_EQ(c.anyCase, UT_String(c.text).match(c.pattern, false));
-    }
-}
 
 TEST(StringMatch, AgreesWithThePlainMatcher)
 {
@@ -38,6 +13,18 @@ TEST(StringMatch, AgreesWithThePlainMatcher)
                           UT_String(text.c_str()).match(pattern.c_str(), exact))
                     << text << " with " << pattern;
     });
+}
+
+TEST(StringMatch, SetsKnowNoRangesAndMustBeClosed)
+{
+    for (const char *matching : {"?", "[xbc]", "b", "**b", "\\b", "*[a-b]*"})
+        EXPECT_TRUE(UT_String("b").match(matching)) << matching;
+    for (const char *other : {"[a-c]", "[^a]", "[]", "[b", "B", "b?", "\\*", "", "[]b]"})
+        EXPECT_FALSE(UT_String("b").match(other)) << other;
+    EXPECT_FALSE(UT_String().match("*") || UT_String("a").match(nullptr));
+    const UT_String s("one two");
+    EXPECT_TRUE(s.contains("e t") && s.contains("e?t", false, true) && s.contains(""));
+    EXPECT_FALSE(s.contains("e?t") || s.contains("E?t", false, true) || UT_String().contains(""));
 }
 
 TEST(StringMatch, TheRightmostMatchingPatternDecides)

@@ -1,71 +1,65 @@
-#include "UT/UT_String.h"
+#include "tests/support/Cases.h"
+#include "tests/support/PlainText.h"
 
-#include <gtest/gtest.h>
+#include <regex>
 
-TEST(StringModifiers, AppliesModifiers)
+namespace
 {
-    const char *path = "/x/y/file.tar.gz";
+std::string modified(const char *text, const char *modifiers)
+{
+    UT_String s(text);
+    const bool changed = s.applyModifiers(modifiers);
+    EXPECT_EQ(orNull(text) != orNull(s), changed) << modifiers;
+    return orNull(s);
+}
+} // namespace
+
+TEST(StringModifiers, PartsOfAPathAreWhatARegularExpressionLeaves)
+{
     const struct {
-        const char *text, *modifiers, *result;
+        const char *modifier, *pattern, *left;
     } cases[] = {
-        {path, ":r", "/x/y/file.tar"},
-        {path, ":ar", "/x/y/file"},
-        {path, ":h", "/x/y"},
-        {path, ":ah", ""},
-        {path, ":t", "file.tar.gz"},
-        {path, ":e", "gz"},
-        {path, ":s/file/f/", "/x/y/f.tar.gz"},
-        {path, ":t:r", "file.tar"},
-        {path, ":tail:e", "gz"},
-        {path, ":z:", path},
-        {"a.b/c", ":ar", "a.b/c"},
-        {"a.b/c", ":e", "a.b/c"},
-        {"x/y/z", ":ah", "x"},
-        {"name", ":h:t", "name"},
-        {"ABcd", ":u", "ABCd"},
-        {"abCD", ":l", "abcD"},
-        {"Abc d", ":au", "ABC D"},
-        {"Abc D", ":al", "abc d"},
-        {"aXa", ":s/a/b/", "bXa"},
-        {"aXa", ":as/a/b/", "bXb"},
-        {"aXa", ":s/a/b", "bXa"},
-        {"aXa", ":s/a", "aXa"},
-        {"aXa", ":s/a:l", "axa"},
-        {"aXa", ":s/a/b:l", "bxa"},
-        {"a/b  c/d", ":gt", "b d"},
-        {"a/b c/d\t", ":gt", "b d "},
-        {"aa aa", ":gs/a/b/", "ba ba"},
-        {"aa aa", ":gas/a/b/", "bb bb"},
-        {"a.b.c d.e.f", ":agr", "a d"},
-        {"", ":u", ""},
-        {nullptr, ":u", nullptr},
+        {":r", "\\.[^/.]*$", ""},
+        {":ar", "(\\.[^/.]*)+$", ""},
+        {":h", "/[^/]*$", ""},
+        {":ah", "/.*$", ""},
+        {":e", "^.*\\.([^/.]*)$", "$1"},
+        {":ae", "^.*\\.([^/.]*)$", "$1"},
+        {":t", "^.*/", ""},
+        {":at", "^.*/", ""},
+        {":z:", "^$", ""},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.text) + c.modifiers);
-        UT_String s(c.text);
-        s.applyModifiers(c.modifiers);
-        EXPECT_STREQ(c.result, s);
+        const std::regex pattern(c.pattern);
+        forEachString("a./", 6, [&](const std::string &text) {
+            ASSERT_EQ(std::regex_replace(text, pattern, c.left), modified(text.c_str(), c.modifier))
+                << text << c.modifier;
+        });
     }
 }
 
-TEST(StringModifiers, MeasuresANameWithItsModifiers)
+TEST(StringModifiers, ModifiersFollowOneAnother)
 {
-    const struct {
-        const char *text;
-        int length;
-    } cases[] = {
-        {"N_1/x", 3},
-        {"N:t/x", 3},
-        {"N: x", 1},
-        {"N:", 1},
-        {":t:r x", 4},
-        {"s/x", 1},
-        {":s/a/b/c/d", 8},
-        {":s/a/b/:t/", 9},
-        {"N:s.a", 3},
-        {"", 0},
-        {":s/a/b/:s/c/d//", 14},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(c.length, UT_String::modifierNameLength(c.text)) << c.text;
+    expectEach({"/x/f.tar.gz:tail:r -> f.tar", "ABcdE:u -> ABCdE", "abCD:l -> abcD",
+                "Abc d:au -> ABC D", "Abc D:al -> abc d", "aXa:s/a/b/ -> bXa", "aXa:as/a/b/ -> bXb",
+                "aXa:s/a/b -> bXa", "aXa:s/a -> aXa", "aXa:s/a:l -> axa", "aXa:s/a/b:l -> bxa",
+                "a/b  c/d:gt -> b d", " a/b c/d\t:gt -> b d ", "aa aa:gs/a/b/ -> ba ba",
+                "aa aa:gas/a/b/ -> bb bb", "a.b.c d.e:agr -> a d", "a:t:zu:u -> A", ":u -> "},
+               [](const std::string &in) {
+                   const size_t colon = in.find(':');
+                   return modified(in.substr(0, colon).c_str(), in.c_str() + colon);
+               });
+    EXPECT_EQ("(null)", modified(nullptr, ":u"));
+    EXPECT_EQ("ab", modified("ab", "u"));
+}
+
+TEST(StringModifiers, ANameEndsBehindItsModifiers)
+{
+    for (const std::string in : {"N_1|/x", "N:t|/x", "N|: x", "N|:", ":t:r| x", "s|/x", ":gs|/x",
+                                 "|", ":s/a/b/|c/d", ":s/a/b/:t|/", "N:s|.a", ":s/a/b/:s/c/d/|/"}) {
+        const size_t end = in.find('|');
+        const std::string text = in.substr(0, end) + in.substr(end + 1);
+        EXPECT_EQ(static_cast<int>(end), UT_String::modifierNameLength(text.c_str())) << in;
+    }
+    EXPECT_EQ(0, UT_String::modifierNameLength(nullptr));
 }

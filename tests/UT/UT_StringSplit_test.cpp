@@ -1,141 +1,109 @@
-#include "UT/UT_String.h"
 #include "UT/UT_WordList.h"
+#include "tests/support/Cases.h"
 #include "tests/support/PlainText.h"
 
-#include <gtest/gtest.h>
+#include <sstream>
 
 namespace
 {
-std::string wordsOf(const UT_WordList &words)
+// What `split` puts into a list, the answer checked.
+template <class Split>
+std::string wordsOf(const char *text, Split split)
 {
-    return joined(std::vector<std::string>(words.getArgv(), words.getArgv() + words.getArgc()));
+    UT_String s(text);
+    UT_WordList words;
+    const int count = split(s, words);
+    EXPECT_EQ(words.getArgc(), count);
+    return joined(std::vector<std::string>(words.getArgv(), words.getArgv() + count));
+}
+
+// The same by a form that fills an array.
+template <class Split>
+std::string arrayOf(const char *text, int room, Split split)
+{
+    char stale[] = "stale";
+    char *argv[] = {stale, stale, stale, stale, stale, stale, stale, stale};
+    UT_String s(text);
+    const int count = split(s, argv, room);
+    EXPECT_EQ(nullptr, argv[count]);
+    return joined(std::vector<std::string>(argv, argv + count));
+}
+
+std::string splitWords(const char *text)
+{
+    return wordsOf(text, [](UT_String &s, UT_WordList &words) {
+        words.setArg(4, "stale");
+        return s.splitWords(words);
+    });
 }
 } // namespace
-
-TEST(StringSplit, QuotesKeepWordsTogether)
-{
-    const struct {
-        const char *text, *words;
-    } cases[] = {
-        {"VVaskel \"v_plastic diff 1 0 0\"", "VVaskel|v_plastic diff 1 0 0|"},
-        {"a\\\"b", "a\"b|"},
-        {"\"a\\\"b\"", "a\\\"b|"},
-        {"''", "|"},
-        {"  ", ""},
-        {"\"ab\"cd", "abcd|"},
-        {"'a b", "a b|"},
-        {"a\\b \\", "a\\b|\\|"},
-        {"\\'\"x y\"", "'x y|"},
-        {"\t\r\n\v\fa\r", "a|"},
-        {"'a\"b'\"c'd\"", "a\"bc'd|"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.text);
-        UT_String s(c.text);
-        UT_WordList words;
-        words.setArg(4, "stale");
-        const int count = s.splitWords(words);
-        EXPECT_EQ(c.words, wordsOf(words));
-        EXPECT_EQ(words.getArgc(), count);
-    }
-    UT_WordList words;
-    words.setArg(0, "stale");
-    EXPECT_EQ(0, UT_String().splitWords(words));
-    EXPECT_EQ(0, words.getArgc());
-}
 
 TEST(StringSplit, AgreesWithThePlainSplitter)
 {
     forEachString("a \"'\\", 6, [](const std::string &text) {
-        UT_String s(text.c_str());
-        UT_WordList words;
-        s.splitWords(words);
-        ASSERT_EQ(joined(plainSplitWords(text)), wordsOf(words)) << text;
+        ASSERT_EQ(joined(plainSplitWords(text)), splitWords(text.c_str())) << text;
     });
+}
+
+TEST(StringSplit, QuotesKeepWordsTogether)
+{
+    expectEach({"VVaskel \"v_plastic diff 1 0 0\" -> VVaskel|v_plastic diff 1 0 0|",
+                "a\\\"b \"a\\\"b\" '' a\\b \\ -> a\"b|a\\\"b||a\\b|\\|",
+                "\"ab\"cd 'a\"b'\"c'd\" \\'\"x y\" 'a b -> abcd|a\"bc'd|'x y|a b|",
+                "\t\r\n\v\fa\r -> a|", "   -> ", "(null) -> "},
+               splitWords);
 }
 
 TEST(StringSplit, AFixedArrayTakesOneWordLessAndANull)
 {
-    char stale[] = "stale";
-    const struct {
-        const char *text;
-        int room, count;
-    } cases[] = {
-        {"a b c", 8, 3}, {"a b c", 4, 3}, {"a b c", 3, 2}, {"a b c", 1, 0}, {" ", 3, 0},
+    const auto split = [](UT_String &s, char **argv, int room) {
+        return s.splitWordsInto(argv, room);
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.room);
-        char *argv[8] = {stale, stale, stale, stale, stale, stale, stale, stale};
-        UT_String s(c.text);
-        EXPECT_EQ(c.count, s.splitWordsInto(argv, c.room));
-        EXPECT_EQ(nullptr, argv[c.count]);
-    }
-    char *untouched[1] = {stale};
-    EXPECT_EQ(0, UT_String("a").splitWordsInto(untouched, 0));
-    EXPECT_EQ(stale, untouched[0]);
+    EXPECT_EQ("a|b|c|", arrayOf("a b c", 8, split));
+    EXPECT_EQ("a|b|c|", arrayOf("a b c", 4, split));
+    EXPECT_EQ("a|b|", arrayOf("a b c", 3, split));
+    EXPECT_EQ("", arrayOf("a b c", 1, split) + arrayOf(" ", 3, split));
+    EXPECT_EQ(0, UT_String("a").splitWordsInto(nullptr, 0));
 }
 
 TEST(StringSplit, FieldsBetweenRunsOrSingleSeparators)
 {
-    const struct {
-        const char *text, *byRuns, *bySingle;
-    } cases[] = {
-        {"a,b", "a|b|", "a|b|"}, {",a,,b,", "a|b|", "|a||b|"},  {",", "", "|"},
-        {",,", "", "||"},        {"a;b,c", "a|b|c|", "a;b|c|"}, {"a b", "a b|", "a b|"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.text);
-        UT_String runs(c.text), single(c.text);
-        UT_WordList byRuns, bySingle;
-        const int runCount = runs.splitAt(byRuns, ",;");
-        const int singleCount = single.splitAtChar(bySingle, ',');
-        EXPECT_EQ(c.byRuns, wordsOf(byRuns));
-        EXPECT_EQ(c.bySingle, wordsOf(bySingle));
-        EXPECT_EQ(byRuns.getArgc(), runCount);
-        EXPECT_EQ(bySingle.getArgc(), singleCount);
-
-        char *argv[8];
-        UT_String again(c.text);
-        ASSERT_EQ(runCount, again.splitAt(argv, 8, ",;"));
-        EXPECT_EQ(c.byRuns, joined(std::vector<std::string>(argv, argv + runCount)));
-        again = c.text;
-        ASSERT_EQ(singleCount, again.splitAtChar(argv, 8, ','));
-        EXPECT_EQ(c.bySingle, joined(std::vector<std::string>(argv, argv + singleCount)));
-    }
-    for (const char *nothing : {static_cast<const char *>(nullptr), ""}) {
-        UT_WordList words;
-        words.setArg(0, "kept");
-        EXPECT_EQ(0, UT_String(nothing).splitAt(words, ","));
-        EXPECT_EQ(0, UT_String(nothing).splitAtChar(words, ','));
-        EXPECT_STREQ("kept", words.getArg(0));
-    }
+    const auto byRuns = [](UT_String &s, auto &&...to) { return s.splitAt(to..., ",;"); };
+    const auto bySingle = [](UT_String &s, auto &&...to) { return s.splitAtChar(to..., ','); };
+    forEachString("ab,;", 5, [&](const std::string &text) {
+        std::string runs, single;
+        std::istringstream fields(text);
+        for (std::string field, part; std::getline(fields, field, ',');) {
+            single += field + '|';
+            for (std::istringstream parts(field); std::getline(parts, part, ';');)
+                runs += part.empty() ? "" : part + '|';
+        }
+        ASSERT_EQ(runs, wordsOf(text.c_str(), byRuns)) << text;
+        ASSERT_EQ(runs, arrayOf(text.c_str(), 8, byRuns)) << text;
+        ASSERT_EQ(single, wordsOf(text.c_str(), bySingle)) << text;
+        ASSERT_EQ(single, arrayOf(text.c_str(), 8, bySingle)) << text;
+    });
+    EXPECT_EQ("a|", arrayOf("a,b", 2, byRuns));
+    UT_WordList words;
+    words.setArg(0, "kept");
+    for (UT_String nothing : {UT_String(), UT_String("")})
+        EXPECT_EQ(0, nothing.splitAt(words, ",") + nothing.splitAtChar(words, ','));
+    EXPECT_STREQ("kept", words.getArg(0));
 }
 
 TEST(StringSplit, TokensFollowTheCallersRules)
 {
-    const UT_String::TokenRules shell = {" \t", "\"'", '\\', false};
-    const UT_String::TokenRules fields = {",;", "'", '\0', true};
-    const UT_String::TokenRules nothing = {nullptr, nullptr, '\0', false};
-    const struct {
-        const char *text;
-        const UT_String::TokenRules *rules;
-        const char *tokens;
-    } cases[] = {
-        {" a 'b \"c'd\t\"\" ", &shell, "a|b \"cd||"},
-        {"a\\ b \\' c\\", &shell, "a b|'|c\\|"},
-        {"'open end", &shell, "open end|"},
-        {"a,,b;'c,d',", &fields, "a||b|c,d|"},
-        {",", &fields, "|"},
-        {"a 'b'", &nothing, "a 'b'|"},
-        {"", &fields, ""},
+    const auto tokens = [](const UT_String::TokenRules &rules) {
+        return [rules](const char *in) {
+            return wordsOf(in, [&](UT_String &s, UT_WordList &words) {
+                words.setArg(2, "stale");
+                return s.tokenize(words, rules);
+            });
+        };
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.text);
-        UT_String s(c.text);
-        UT_WordList words;
-        words.setArg(2, "stale");
-        const int count = s.tokenize(words, *c.rules);
-        EXPECT_EQ(c.tokens, wordsOf(words));
-        EXPECT_EQ(words.getArgc(), count);
-    }
+    expectEach({" a 'b \"c'd\t\"\"  -> a|b \"cd||", "a\\ b \\' c\\ -> a b|'|c\\|",
+                "'open end -> open end|", "(null) -> "},
+               tokens({" \t", "\"'", '\\', false}));
+    expectEach({"a,,b;'c,d', -> a||b|c,d|", ", -> |", " -> "}, tokens({",;", "'", '\0', true}));
+    expectEach({"a 'b' -> a 'b'|"}, tokens({nullptr, nullptr, '\0', false}));
 }

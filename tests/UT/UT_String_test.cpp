@@ -1,253 +1,156 @@
-#include "UT/UT_String.h"
+#include "tests/support/Cases.h"
+#include "tests/support/PlainText.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
+#include <regex>
 
 TEST(String, BorrowsUntilAnEditAndNeverWritesWhatItBorrowed)
 {
     const char *literal = "abc";
     UT_String s(literal);
     const UT_String copy(s);
-    EXPECT_EQ(literal, copy.text());
     s += "def";
     EXPECT_STREQ("abcdef", s);
-    EXPECT_STREQ("abc", literal);
     s = copy;
     EXPECT_EQ(literal, s.text());
     s.makeOwned();
-    EXPECT_NE(literal, s.text());
     const char *owned = s.text();
+    EXPECT_NE(literal, owned);
     s.makeOwned();
     s.assignCopy("abc");
     s = s.text();
     s = *&s;
     EXPECT_EQ(owned, s.text()) << "already owned and equal";
+    s.assignCopy(s.text() + 1);
+    s += s.text();
+    EXPECT_STREQ("bcbc", s) << "parts of itself";
 }
 
 TEST(String, ALengthOwnsExactlySoManyCharacters)
 {
-    const struct {
-        const char *text;
-        int length;
-        const char *bytes;
-    } cases[] = {
-        {"abc", 2, "ab\0"},
-        {"ab", 4, "ab\0\0\0"},
-        {"abc", 0, "\0"},
-        {nullptr, 3, "\0"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.bytes);
-        const size_t bytes = c.text == nullptr ? 1 : static_cast<size_t>(c.length) + 1;
-        const UT_String made(c.text, false, c.length);
-        EXPECT_EQ(0, std::memcmp(c.bytes, made.text(), bytes));
-        UT_String assigned("old", true);
-        assigned.assignCopy(c.text, c.length);
-        EXPECT_EQ(0, std::memcmp(c.bytes, assigned.text(), bytes));
+    for (const char *text : {static_cast<const char *>(nullptr), "", "ab", "abc"}) {
+        for (const size_t length : {0U, 2U, 4U}) {
+            std::string expected(text != nullptr ? text : "");
+            expected.resize(length); // the NUL behind it counts too
+            const UT_String made(text, false, static_cast<int>(length));
+            EXPECT_EQ(expected + '\0', std::string(made.text(), length + 1));
+            UT_String assigned("old", true);
+            assigned.assignCopy(text, static_cast<int>(length));
+            EXPECT_EQ(expected + '\0', std::string(assigned.text(), length + 1));
+        }
     }
 }
 
 TEST(String, UnsetBecomesEmptyOnlyWhenItIsOwned)
 {
-    UT_String s;
-    EXPECT_EQ(nullptr, UT_String(nullptr, true).text());
-    EXPECT_EQ(nullptr, UT_String(UT_String::ALWAYS_DEEP, nullptr).text());
-    s.makeOwned();
-    EXPECT_STREQ("", s);
-    s.clear();
-    EXPECT_EQ(nullptr, s.text());
-    s.assignCopy(nullptr);
-    EXPECT_STREQ("", s);
-    s.clear();
-    s.makeOwned();
-    EXPECT_EQ(nullptr, s.text()) << "an owned unset text stays";
-    s = UT_String(nullptr);
-    s.makeOwned();
-    EXPECT_STREQ("", s) << "a borrowed one does not";
     const UT_String deep(UT_String::ALWAYS_DEEP, nullptr);
-    UT_String copy(deep);
-    copy.makeOwned();
-    EXPECT_EQ(nullptr, copy.text());
-    s += nullptr;
-    EXPECT_STREQ("", s);
-    s.assignCopy("x");
-    s += nullptr;
-    EXPECT_STREQ("x", s);
+    UT_String s, owned(nullptr, true), copy(deep), cleared("x", true);
+    cleared.clear();
+    for (UT_String *each : {&owned, &copy, &cleared}) {
+        each->makeOwned();
+        EXPECT_EQ(nullptr, each->text()) << "an owned unset text stays";
+    }
+    owned = UT_String(nullptr);
+    for (UT_String *each : {&s, &owned}) {
+        each->makeOwned();
+        EXPECT_STREQ("", *each) << "a borrowed one does not";
+    }
+    cleared.assignCopy(nullptr);
+    copy += nullptr;
+    EXPECT_STREQ("", cleared);
+    EXPECT_STREQ("", copy);
+    EXPECT_STREQ("x", UT_String("x") += nullptr);
 }
 
 TEST(String, AlwaysDeepCopiesOnEveryWayIn)
 {
     const char *literal = "abc";
-    UT_String deep(UT_String::ALWAYS_DEEP, literal);
-    const UT_String borrowed(literal);
-    const UT_String copy(deep);
-    EXPECT_NE(literal, deep.text());
+    UT_String deep(UT_String::ALWAYS_DEEP, literal), assigned(deep), plain(literal);
+    assigned = plain;
+    UT_String copy(deep);
     EXPECT_NE(deep.text(), copy.text());
-    EXPECT_STREQ("abc", copy);
-    deep = borrowed;
-    EXPECT_NE(literal, deep.text());
-    deep = literal;
-    EXPECT_NE(literal, deep.text());
-
-    UT_String plain(literal);
     const char *owned = deep.text();
     deep.swap(plain);
     EXPECT_EQ(owned, plain.text());
-    EXPECT_NE(literal, deep.text());
-    EXPECT_STREQ("abc", deep);
+    plain = literal;
+    EXPECT_EQ(literal, plain.text());
+    for (const UT_String *each : {&deep, &assigned, &copy}) {
+        EXPECT_NE(literal, each->text());
+        EXPECT_STREQ("abc", *each);
+    }
+    assigned = literal;
+    EXPECT_NE(literal, assigned.text());
 }
 
-TEST(String, CopiesAndAppendsPartsOfItself)
+TEST(String, WritesAndReadsNumbers)
 {
-    UT_String s("abc", true);
-    s.assignCopy(s.text() + 1);
-    EXPECT_STREQ("bc", s);
-    s += s.text();
-    EXPECT_STREQ("bcbc", s);
-}
-
-TEST(String, SprintfGrowsToTheTextAndGivesItsLength)
-{
-    for (const int length : {0, 1, 254, 255, 256, 257, 511, 512, 5000}) {
-        SCOPED_TRACE(length);
+    UT_String s;
+    for (const int length : {0, 255, 256, 5000}) {
         const std::string text(static_cast<size_t>(length), 'x');
-        UT_String s("old", true);
         EXPECT_EQ(length, s.sprintf("%s", text.c_str()));
         EXPECT_EQ(text, s.toStdString());
     }
-    UT_String s("old");
     EXPECT_GT(0, s.sprintf("%ls", L"\x3b1")) << "no such character in the C locale";
     EXPECT_EQ(nullptr, s.text());
-}
-
-TEST(String, WritesNumbers)
-{
-    UT_String s;
     s.setInteger(INT32_MIN);
     EXPECT_STREQ("-2147483648", s);
     s.setInteger(UINT32_MAX);
     EXPECT_STREQ("4294967295", s);
-    for (const auto &[value, text] : std::initializer_list<std::pair<int64_t, const char *>>{
-             {0, "0"},
-             {-999, "-999"},
-             {1000, "1,000"},
-             {-123456, "-123,456"},
-             {1234567, "1,234,567"},
-             {INT64_MIN, "-9,223,372,036,854,775,808"}}) {
-        s.setGroupedInteger(value);
-        EXPECT_STREQ(text, s);
-    }
+    expectEach({"0 -> 0", "-999 -> -999", "1000 -> 1,000", "-123456 -> -123,456",
+                "-9223372036854775808 -> -9,223,372,036,854,775,808"},
+               [&s](const char *in) {
+                   s.setGroupedInteger(std::strtoll(in, nullptr, 10));
+                   return s.toStdString();
+               });
+    expectEach({"12abc -> 12 12.0", " -7.5e1 -> -7 -75.0", "x -> 0 0.0", "010 -> 10 10.0",
+                "(null) -> 0 0.0", "2147483648 -> 2147483647 2147483648.0",
+                "-2147483649 -> -2147483648 -2147483649.0"},
+               [&s](const char *in) {
+                   s.sprintf("%d %.1f", UT_String(in).toInt(), UT_String(in).toFloat());
+                   return s.toStdString();
+               });
 }
 
-TEST(String, ComparesItsEnds)
+TEST(String, AnEqualTextStartsButDoesNotEndIt)
 {
-    const struct {
-        const char *text, *part;
-        bool starts, ends;
-    } cases[] = {
-        {"a.jpg", ".jpg", false, true}, {".jpg", ".jpg", true, false}, {"abc", "ab", true, false},
-        {"ab", "abc", false, false},    {"abc", "", false, false},     {"", "", false, false},
-        {nullptr, "a", false, false},   {"a", nullptr, false, false},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.text) + " " + testing::PrintToString(c.part));
-        EXPECT_EQ(c.starts, UT_String(c.text).startsWith(c.part));
-        EXPECT_EQ(c.ends, UT_String(c.text).endsWith(c.part));
-    }
+    expectEach({"a.jpg .jpg -> 01", ".jpg .jpg -> 10", "aba a -> 11", "a aba -> 00", "ab b -> 01",
+                "ba b -> 10", "a '' -> 00", "'' '' -> 00", "(null) a -> 00", "a (null) -> 00"},
+               [](const char *in) {
+                   const auto words = plainSplitWords(in);
+                   const UT_String text(words[0] == "(null)" ? nullptr : words[0].c_str());
+                   const char *part = words[1] == "(null)" ? nullptr : words[1].c_str();
+                   return std::string(text.startsWith(part) ? "1" : "0") +
+                          (text.endsWith(part) ? "1" : "0");
+               });
+    EXPECT_EQ(2, UT_String("abca").countChar('a') + UT_String().countChar('a'));
 }
 
-TEST(String, FindsWordsBetweenDelimiters)
+TEST(String, RecognisesNumbersAsRegularExpressionsDo)
 {
-    const struct {
-        const char *text, *word;
-        long at;
-    } cases[] = {
-        {"a foo b", "foo", 2},  {"foobar foo", "foo", 7}, {"(foo)", "foo", 1},
-        {"foo", "foo", 0},      {"foo_1", "foo", -1},     {"_foo", "foo", -1},
-        {"2foo", "foo", -1},    {"foo2", "foo", -1},      {"\001foo\177", "foo", 1},
-        {"\351foo", "foo", 1},  {"ba.a.a", "a.a", 3},     {"aa a", "a", 3},
-        {"a\tfoo\n", "foo", 2}, {"", "foo", -1},          {nullptr, "foo", -1},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.text));
-        const UT_String s(c.text);
-        const char *found = s.findWord(c.word);
-        EXPECT_EQ(c.at, found == nullptr ? -1 : found - s.text());
-        EXPECT_EQ(c.at >= 0, s.contains(c.word, true));
+    for (const bool allowSpace : {false, true}) {
+        const std::string space = allowSpace ? " *" : "";
+        const std::regex integer(space + "[+-]?\\d+" + space), marks(space + "[+.]+" + space),
+            number(space + "[+-]?(\\d+\\.?\\d*|\\.\\d+)([eE][+-]?\\d+)?" + space);
+        forEachString("1+.e ", 5, [&](const std::string &text) {
+            const UT_String s(text.c_str());
+            const bool isNumber = std::regex_match(text, number);
+            ASSERT_EQ(std::regex_match(text, integer), s.isInteger(allowSpace)) << text;
+            ASSERT_EQ(isNumber, s.isNumber(allowSpace, false)) << text;
+            ASSERT_EQ(isNumber || std::regex_match(text, marks), s.isNumber(allowSpace, true))
+                << text;
+        });
     }
-}
-
-TEST(String, ContainsATextOrAPattern)
-{
-    const UT_String s("one two");
-    EXPECT_TRUE(s.contains("e t"));
-    EXPECT_FALSE(s.contains("e?t"));
-    EXPECT_TRUE(s.contains("e?t", false, true));
-    EXPECT_FALSE(s.contains("E?t", false, true));
-    EXPECT_EQ(2, s.countChar('o'));
-    EXPECT_EQ(0, UT_String().countChar('o'));
-}
-
-TEST(String, RecognisesNumbers)
-{
-    // Each flag: 'i' an integer, 'n' a number; capitals when space is allowed.
-    const struct {
-        const char *text, *kinds;
-    } cases[] = {
-        {"12", "inIN"}, {"-12", "inIN"}, {"+12", "inIN"}, {" 12\t", "IN"}, {"1 2", ""},
-        {"1.5", "nN"},  {"-1.5", "nN"},  {".5", "nN"},    {"5.", "nN"},    {"1.2.3", ""},
-        {"1e5", "nN"},  {"1E-5", "nN"},  {"1e+5", "nN"},  {"1e5e5", ""},   {"abc", ""},
-        {"12a", ""},    {"1e", ""},      {"1e+", ""},     {"e5", ""},      {"+-1", ""},
-        {"1 -2", ""},   {"", ""},        {nullptr, ""},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.text));
-        const UT_String s(c.text);
-        std::string kinds;
-        kinds += s.isInteger(false) ? "i" : "";
-        kinds += s.isNumber(false, true) ? "n" : "";
-        kinds += s.isInteger(true) ? "I" : "";
-        kinds += s.isNumber(true, false) ? "N" : "";
-        EXPECT_EQ(c.kinds, kinds);
-    }
-    for (const char *noDigits : {"-", "+", ".", "-.", "+-.", ".."}) {
-        SCOPED_TRACE(noDigits);
-        EXPECT_TRUE(UT_String(noDigits).isNumber(false, true));
-        EXPECT_FALSE(UT_String(noDigits).isNumber(false, false));
-    }
+    expectEach({"-1E-5 -> 1", "\t-1\r\n -> 1", "1, -> 0", "1e5e5 -> 0", "-1x -> 0", "(null) -> 0"},
+               [](const char *in) { return UT_String(in).isNumber(true, true) ? "1" : "0"; });
 }
 
 TEST(String, KnowsWhiteSpaceAndWildcards)
 {
-    for (const char c : {' ', '\t', '\n', '\v', '\f'})
-        EXPECT_TRUE(UT_String((std::string("a") + c).c_str(), true).hasWhitespace()) << int{c};
-    EXPECT_FALSE(UT_String("a\rb").hasWhitespace());
-    EXPECT_FALSE(UT_String().hasWhitespace());
-    for (const char *wild : {"a b", "a,", "?", "*a", "[a]"})
-        EXPECT_TRUE(UT_String::hasWildcards(wild)) << wild;
-    EXPECT_FALSE(UT_String::hasWildcards("a]b\tc"));
-    EXPECT_FALSE(UT_String::hasWildcards(nullptr));
-}
-
-TEST(String, ReadsNumbers)
-{
-    const struct {
-        const char *text;
-        int whole;
-        double real;
-    } cases[] = {
-        {"12abc", 12, 12},
-        {" -7.5e1", -7, -75},
-        {"x", 0, 0},
-        {"010", 10, 10},
-        {"", 0, 0},
-        {nullptr, 0, 0},
-        {"2147483648", INT32_MAX, 2147483648.0},
-        {"-2147483649", INT32_MIN, -2147483649.0},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.text));
-        EXPECT_EQ(c.whole, UT_String(c.text).toInt());
-        EXPECT_DOUBLE_EQ(c.real, UT_String(c.text).toFloat());
+    for (int c = 1; c < 256; ++c) {
+        const char text[] = {'a', static_cast<char>(c), '\0'};
+        EXPECT_EQ(std::strchr(" \t\n\v\f", text[1]) != nullptr, UT_String(text).hasWhitespace())
+            << c;
+        EXPECT_EQ(std::strchr(" ,?*[", text[1]) != nullptr, UT_String::hasWildcards(text)) << c;
     }
+    EXPECT_FALSE(UT_String().hasWhitespace() || UT_String::hasWildcards(nullptr));
 }

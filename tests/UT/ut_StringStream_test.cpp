@@ -1,16 +1,14 @@
 #include "UT/UT_ErrorManager.h"
 #include "UT/UT_IStream.h"
-#include "UT/UT_String.h"
+#include "tests/support/Cases.h"
+#include "tests/support/PlainText.h"
 
 #include <cerrno>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <sstream>
-#include <string>
 
 namespace
 {
-
 std::string saved(const UT_String &text, bool binary)
 {
     std::ostringstream os;
@@ -19,36 +17,36 @@ std::string saved(const UT_String &text, bool binary)
     return os.str();
 }
 
+std::string loaded(const std::string &bytes, bool binary)
+{
+    UT_IStream is(bytes.data(), static_cast<int>(bytes.size()), binary);
+    UT_String text("old");
+    EXPECT_TRUE(text.load(is));
+    return text.toStdString();
+}
 } // namespace
 
 TEST(StringStream, WhatIsSavedIsLoadedAgain)
 {
+    forEachString("a\"\\ \t", 5, [](const std::string &text) {
+        for (const bool binary : {false, true})
+            if (binary || text[0] != '\\' || UT_String(text.c_str()).hasWhitespace()) {
+                ASSERT_EQ(text, loaded(saved(text.c_str(), binary), binary));
+            }
+    });
     const std::string longText(65535, 'x');
-    const struct {
-        const char *what;
-        std::string text, asText, asBinary;
-    } cases[] = {
-        {"word", "word", "word", std::string("\0\4word", 6)},
-        {"words", "hello world", "\"hello world\"", std::string("\0\13", 2) + "hello world"},
-        {"quote", "a\"b", "a\\\"b", std::string("\0\3a\"b", 5)},
-        {"quotes and space", "a\\ \"b", "\"a\\\\ \\\"b\"", std::string("\0\5a\\ \"b", 7)},
-        {"quote in front", "\"a", "\\\"a", std::string("\0\2\"a", 4)},
-        {"empty", "", "\"\"", std::string(2, '\0')},
-        {"long", longText, longText, std::string("\xff\xff\0\0\xff\xff", 6) + longText},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        for (const bool binary : {false, true}) {
-            const std::string bytes = saved(c.text.c_str(), binary);
-            EXPECT_EQ(binary ? c.asBinary : c.asText, bytes);
-            UT_IStream is(bytes.data(), static_cast<int>(bytes.size()), binary);
-            UT_String loaded;
-            EXPECT_TRUE(loaded.load(is));
-            EXPECT_EQ(c.text, loaded.toStdString());
-        }
-    }
-    EXPECT_EQ("\"\"", saved(nullptr, false));
+    for (const bool binary : {false, true})
+        EXPECT_EQ(longText, loaded(saved(longText.c_str(), binary), binary));
+    EXPECT_EQ(std::string("\xff\xff\0\0\xff\xff", 6) + longText, saved(longText.c_str(), true));
+    EXPECT_EQ(std::string("\0\4word", 6), saved("word", true));
     EXPECT_EQ(std::string(2, '\0'), saved(nullptr, true));
+    expectEach({"hello world -> \"hello world\"", "a\"b -> a\\\"b", "a\\ b -> \"a\\\\ b\"",
+                "a\vb -> \"a\vb\"", " -> \"\"", "(null) -> \"\""},
+               [](const char *in) { return saved(in, false); });
+    UT_IStream nothing(" ", 1, false);
+    UT_String unset("old");
+    EXPECT_FALSE(unset.load(nothing));
+    EXPECT_EQ(nullptr, unset.text());
 }
 
 TEST(StringStream, AFullDeviceIsPosted)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,21 @@ std::vector<std::string> plainSplitWords(const std::string &text);
 
 // What UT_String::match answers.
 bool plainMatch(const char *text, const char *pattern, bool caseSensitive);
+
+// What UTexpandVariables makes of a text when it looks names up in `variables`, `home`
+// is HOME, no user is known and a command's output is "<command>". Recursive.
+struct PlainExpansion {
+    std::map<std::string, std::string> variables;
+    std::string home;
+    bool runsCommands = false;
+    bool inComments = true;
+    int count = 0; // of replacements so far
+
+    std::string of(const std::string &in, bool isNested = false);
+
+private:
+    std::string valueOf(const std::string &name, const std::string &modifiers);
+};
 
 // The words with a '|' behind each.
 std::string joined(const std::vector<std::string> &words);
