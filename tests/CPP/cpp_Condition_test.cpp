@@ -73,6 +73,18 @@ TEST(Condition, IsTrueFalseOrASyntaxError)
     }
 }
 
+TEST(Condition, TakesTextsOfUpTo1024Characters)
+{
+    CPP_Manager manager;
+    const std::string longest(1024, 'n');
+    for (const std::string quote : {"", "\""}) {
+        const std::string head = "!strcmp(" + quote + longest;
+        const std::string tail = quote + "," + longest + ")";
+        EXPECT_EQ(1, evaluateCondition(manager, (head + tail).c_str(), false));
+        EXPECT_EQ(-1, evaluateCondition(manager, (head + "n" + tail).c_str(), false));
+    }
+}
+
 TEST(Condition, StaysFlatHoweverDeepTheParentheses)
 {
     CPP_Manager manager;

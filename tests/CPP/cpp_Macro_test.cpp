@@ -2,7 +2,7 @@
 #include "CPP/cpp_Macro.h"
 #include "tests/support/preprocessed.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace
 {
@@ -62,6 +62,14 @@ TEST(Macros, AreReplaced)
 TEST(Macros, BackslashesGoInFrontOfPlainCharacters)
 {
     EXPECT_EQ("\\x . \" \\n \\ '", expanded("", "\\\\x \\. \\\" \\n \\\\ \\'"));
+}
+
+TEST(Macros, TellDateAndTimeInQuotes)
+{
+    // A day's tens are a blank below 10.
+    EXPECT_THAT(expanded("", "__DATE__ __TIME__"),
+                testing::MatchesRegex("\"[A-Z][a-z][a-z] [ 1-3][0-9] 20[0-9][0-9]\" "
+                                      "\"[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\""));
 }
 
 TEST(Macros, FailuresStopTheRun)
@@ -174,6 +182,10 @@ TEST(Macros, FromCallers)
     EXPECT_FALSE(manager.isMacroDefined(""));
     EXPECT_TRUE(manager.undefineMacro("  A rest", result));
     EXPECT_FALSE(manager.isMacroDefined("A"));
+    const std::string longest(1024, 'n');
+    manager.defineMacro(longest.c_str(), result, false);
+    manager.undefineMacro((longest + "n").c_str(), result);
+    EXPECT_FALSE(manager.isMacroDefined(longest.c_str()));
 
     UT_IStream in("", 0, false);
     ASSERT_TRUE(manager.openStream(&in, "name"));
