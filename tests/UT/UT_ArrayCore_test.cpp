@@ -159,7 +159,7 @@ protected:
 };
 
 using Arrays = testing::Types<UT_IntegerArray, UT_VoidPtrArray, UT_RefArray<Value>>;
-TYPED_TEST_SUITE(ArrayCore, Arrays);
+TYPED_TEST_SUITE(ArrayCore, Arrays, ); // the comma: pedantic clang wants all arguments
 
 template <class Array>
 void ArrayCore<Array>::change()
