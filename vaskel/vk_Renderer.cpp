@@ -1,13 +1,12 @@
 #include "vaskel/vk_Renderer.h"
 
+#include "UT/UT_EnvControl.h"
 #include "vaskel/vk_Tracer.h"
 
 #include <tbb/global_control.h>
 #include <tbb/info.h>
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
-
-#include <cstdlib>
 
 namespace
 {
@@ -210,13 +209,8 @@ void drawTiles(const Picture &picture, int threads)
 
 int vk_threadCount()
 {
-    constexpr long MOST_THREADS = 100;
-
-    const char *const wish = std::getenv("VELDRIN_MAXTHREADS");
-    const long count = wish != nullptr ? std::strtol(wish, nullptr, 10) : 0;
-    if (count > 0)
-        return static_cast<int>(std::min(count, MOST_THREADS));
-    return tbb::info::default_concurrency();
+    const int wish = UT_EnvControl::instance().getInt(ENV_VELDRIN_MAXTHREADS);
+    return wish > 0 ? wish : tbb::info::default_concurrency();
 }
 
 bool vk_render(const vk_Scene &scene, int threads, vk_Film &film, std::string &error)

@@ -6,8 +6,8 @@
 
 #include <string>
 
-// How many threads the environment asks for: VELDRIN_MAXTHREADS from 1 to 100,
-// or as many as there are processors when it is unset, 0, below or no number.
+// How many threads the setting VELDRIN_MAXTHREADS asks for; as many as there are
+// processors when it is 0 or below.
 int vk_threadCount();
 
 // Draws the scene. The film depends on the scene only, not on the number of
