@@ -143,10 +143,9 @@ TEST(Getopt, ReadsOptionsUpToTheFirstOperand)
                        optind = 1;
                        for (int c; (c = getopt(line.argc(), line.argv.data(), "ab:")) != -1;) {
                            trace += static_cast<char>(c);
-                           if (c == '?')
-                               trace += static_cast<char>(optopt);
-                           else if (optarg != nullptr)
-                               trace += std::string("=") + optarg;
+                           trace += c == '?'            ? std::string(1, static_cast<char>(optopt))
+                                    : optarg != nullptr ? std::string("=") + optarg
+                                                        : "";
                            trace += std::to_string(optind) + ' ';
                        }
                        return trace + "end" + std::to_string(optind);

@@ -21,10 +21,10 @@ TEST(FileNames, AreExplicitOrAbsoluteByTheirBeginning)
                });
 }
 
-TEST(Folders, AreToldFromFilesThroughLinks)
+TEST(Folders, AreToldFromFilesAndMade)
 {
     const ScratchDirectory scratch;
-    scratch.write("file", "");
+    const std::string file = scratch.write("file", "");
     scratch.makeDirectory("c:");
     fs::create_directory_symlink(scratch.path(), scratch.path("link"));
     fs::create_symlink("nowhere", scratch.path("dangling"));
@@ -36,17 +36,11 @@ TEST(Folders, AreToldFromFilesThroughLinks)
                });
     EXPECT_TRUE(UTisDirectory("")) << "as /";
     EXPECT_FALSE(UTisDirectory(nullptr) || UTisReadable(nullptr));
-}
-
-TEST(Folders, AreMadeWithThoseAboveThem)
-{
-    const ScratchDirectory scratch;
     const std::string deep = scratch.path("a//b/c/");
     EXPECT_FALSE(UTmakeDir(deep.c_str(), 0777));
     EXPECT_TRUE(UTmakeDirs(deep.c_str(), 0700) && UTmakeDirs(deep.c_str(), 0700));
     for (const char *made : {"a", "a/b", "a/b/c"})
         EXPECT_EQ(fs::perms::owner_all, fs::status(scratch.path(made)).permissions());
-    const std::string file = scratch.write("file", "");
     EXPECT_FALSE(UTmakeDir(file.c_str(), 0777) || UTmakeDirs((file + "/x/y").c_str(), 0777));
     EXPECT_FALSE(UTmakeDirs(nullptr, 0777) || UTmakeDir("", 0777));
 }

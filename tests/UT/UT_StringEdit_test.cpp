@@ -27,15 +27,11 @@ std::string plainCollapse(const std::string &path)
 }
 } // namespace
 
-TEST(StringEdit, ChangesASuffix)
+TEST(StringEdit, ReplacesSuffixesAndTexts)
 {
     expectEdits({"x/y.palette -> 1 x/y.jpg", ".palette -> 1 .jpg", "y.pal -> 0 y.pal",
                  "x.palette/y -> 0 x.palette/y", "(null) -> 0 (null)"},
                 [](UT_String &s) { return s.changeSuffix(".palette", ".jpg"); });
-}
-
-TEST(StringEdit, ReplacementsAreNotSearchedAgain)
-{
     const auto replacing = [](const char *find, const char *by, bool all) {
         return [=](UT_String &s) { return s.replaceText(find, by, all); };
     };
@@ -74,7 +70,7 @@ TEST(StringEdit, WordsAreFoundAndReplacedAsRegularExpressionsBoundThem)
                 [](UT_String &s) { return s.replaceWord("a", "+", true); });
 }
 
-TEST(StringEdit, CollapsesAbsolutePaths)
+TEST(StringEdit, CollapsesAndRelatesPaths)
 {
     forEachString("/.a", 8, [](const std::string &rest) {
         const std::string expected = plainCollapse('/' + rest);
@@ -86,10 +82,6 @@ TEST(StringEdit, CollapsesAbsolutePaths)
     });
     expectEdits({"relative/x -> 0 relative/x", "./a//b -> 0 ./a//b", "(null) -> 0 (null)"},
                 [](UT_String &s) { return s.collapseAbsolutePath(); });
-}
-
-TEST(StringEdit, LeadsFromOneFolderToAnother)
-{
     const char *const folders[] = {"/", "/a", "/ab/", "/a/b", "/a/c/d", "/a//x/../b/.", "/c/a/b"};
     for (const char *from : folders)
         for (const char *to : folders) {
@@ -118,16 +110,12 @@ TEST(StringEdit, QuotesWhatASplitterWouldTakeApart)
                 [](UT_String &s) { s.decodeEscapes(); });
 }
 
-TEST(StringEdit, MakesIdentifiers)
+TEST(StringEdit, ChangesNames)
 {
     expectEdits({"ok_1 -> 0 ok_1", "a-b.c -> 2 a_b_c", "9- -> 2 _9_", "\xe9 -> 1 _"},
                 [](UT_String &s) { return s.makeIdentifier(nullptr); });
     expectEdits({"a-b.c -> 1 a_b.c", ".x -> 1 _.x", "-x -> 1 _x", " -> 0 "},
                 [](UT_String &s) { return s.makeIdentifier("."); });
-}
-
-TEST(StringEdit, HandlesTheNumberBehindAName)
-{
     expectEdits({"shot099 -> 1 shot", "7 -> 1 ", "a1b -> 0 a1b", "(null) -> 0 (null)"},
                 [](UT_String &s) { return s.stripNumber(); });
     expectEdits({"shot099 -> shot100", "a9 -> a10", "a1b -> a1b1", "x07 -> x08", "(null) -> 1",

@@ -13,10 +13,6 @@ TEST(StringMatch, AgreesWithThePlainMatcher)
                           UT_String(text.c_str()).match(pattern.c_str(), exact))
                     << text << " with " << pattern;
     });
-}
-
-TEST(StringMatch, SetsKnowNoRangesAndMustBeClosed)
-{
     for (const char *matching : {"?", "[xbc]", "b", "**b", "\\b", "*[a-b]*"})
         EXPECT_TRUE(UT_String("b").match(matching)) << matching;
     for (const char *other : {"[a-c]", "[^a]", "[]", "[b", "B", "b?", "\\*", "", "[]b]"})

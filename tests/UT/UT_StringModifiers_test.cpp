@@ -14,28 +14,23 @@ std::string modified(const char *text, const char *modifiers)
 }
 } // namespace
 
-TEST(StringModifiers, PartsOfAPathAreWhatARegularExpressionLeaves)
+TEST(StringModifiers, TakeAwayWhatARegularExpressionFinds)
 {
-    const struct {
-        const char *modifier, *pattern, *left;
-    } cases[] = {
-        {":r", "\\.[^/.]*$", ""},
-        {":ar", "(\\.[^/.]*)+$", ""},
-        {":h", "/[^/]*$", ""},
-        {":ah", "/.*$", ""},
-        {":e", "^.*\\.([^/.]*)$", "$1"},
-        {":ae", "^.*\\.([^/.]*)$", "$1"},
-        {":t", "^.*/", ""},
-        {":at", "^.*/", ""},
-        {":z:", "^$", ""},
-    };
-    for (const auto &c : cases) {
-        const std::regex pattern(c.pattern);
-        forEachString("a./", 6, [&](const std::string &text) {
-            ASSERT_EQ(std::regex_replace(text, pattern, c.left), modified(text.c_str(), c.modifier))
-                << text << c.modifier;
-        });
-    }
+    const char *const cases[][2] = {{":r", "\\.[^/.]*$"},
+                                    {":ar", "(\\.[^/.]*)+$"},
+                                    {":h", "/[^/]*$"},
+                                    {":ah", "/.*$"},
+                                    {":t", "^.*/"},
+                                    {":at", "^.*/"},
+                                    {":e", "^.*\\.(?=[^/.]*$)"},
+                                    {":ae", "^.*\\.(?=[^/.]*$)"},
+                                    {":z:", "^$"}};
+    for (const auto &[modifier, pattern] : cases)
+        forEachString(
+            "a./", 6, [modifier = modifier, away = std::regex(pattern)](const std::string &text) {
+                ASSERT_EQ(std::regex_replace(text, away, ""), modified(text.c_str(), modifier))
+                    << text << modifier;
+            });
 }
 
 TEST(StringModifiers, ModifiersFollowOneAnother)
@@ -56,7 +51,7 @@ TEST(StringModifiers, ModifiersFollowOneAnother)
 TEST(StringModifiers, ANameEndsBehindItsModifiers)
 {
     for (const std::string in : {"N_1|/x", "N:t|/x", "N|: x", "N|:", ":t:r| x", "s|/x", ":gs|/x",
-                                 "|", ":s/a/b/|c/d", ":s/a/b/:t|/", "N:s|.a", ":s/a/b/:s/c/d/|/"}) {
+                                 "|", ":s/a/b/c|/d", ":s/a/b/:t|/", "N:s|.a", ":s/a/b/:s/c/d/|/"}) {
         const size_t end = in.find('|');
         const std::string text = in.substr(0, end) + in.substr(end + 1);
         EXPECT_EQ(static_cast<int>(end), UT_String::modifierNameLength(text.c_str())) << in;

@@ -38,24 +38,16 @@ std::string splitWords(const char *text)
 }
 } // namespace
 
-TEST(StringSplit, AgreesWithThePlainSplitter)
+TEST(StringSplit, QuotesKeepWordsTogetherAsInThePlainSplitter)
 {
     forEachString("a \"'\\", 6, [](const std::string &text) {
         ASSERT_EQ(joined(plainSplitWords(text)), splitWords(text.c_str())) << text;
     });
-}
-
-TEST(StringSplit, QuotesKeepWordsTogether)
-{
     expectEach({"VVaskel \"v_plastic diff 1 0 0\" -> VVaskel|v_plastic diff 1 0 0|",
                 "a\\\"b \"a\\\"b\" '' a\\b \\ -> a\"b|a\\\"b||a\\b|\\|",
                 "\"ab\"cd 'a\"b'\"c'd\" \\'\"x y\" 'a b -> abcd|a\"bc'd|'x y|a b|",
                 "\t\r\n\v\fa\r -> a|", "   -> ", "(null) -> "},
                splitWords);
-}
-
-TEST(StringSplit, AFixedArrayTakesOneWordLessAndANull)
-{
     const auto split = [](UT_String &s, char **argv, int room) {
         return s.splitWordsInto(argv, room);
     };

@@ -1,32 +1,28 @@
 #include "UT/UT_WordList.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <vector>
 
 TEST(WordList, SetsWordsAsAVectorWithANullBehindThem)
 {
-    const char *const word = "w";
-    const struct {
-        int index;
-        const char *value;
-    } steps[] = {{2, word},      {0, word},   {1, nullptr},   {3, nullptr}, {253, word},
-                 {254, word},    {255, word}, {256, nullptr}, {5000, word}, {4999, word},
-                 {300, nullptr}, {300, word}, {0, nullptr}};
     UT_WordList words;
     char **const inlineSlots = words.getArgv();
     std::vector<const char *> plain;
-    size_t most = 0;
-    for (const auto &[at, value] : steps) {
-        const size_t index = static_cast<size_t>(at);
-        if (index >= plain.size() || value == nullptr)
-            plain.resize(index + (value != nullptr ? 1 : 0));
-        if (value != nullptr)
-            plain[index] = value;
+    int most = 0;
+    // Where a word is set, or null at ~index.
+    for (const int step : {2, 0, ~1, ~3, 253, 254, 255, ~256, 5000, 4999, ~300, 300, ~0}) {
+        const int index = step < 0 ? ~step : step;
+        const char *value = step < 0 ? nullptr : "w";
+        if (step < 0 || index >= static_cast<int>(plain.size()))
+            plain.resize(static_cast<size_t>(step < 0 ? index : index + 1));
+        if (step >= 0)
+            plain[static_cast<size_t>(index)] = value;
         most = std::max(most, index + 2);
-        words.setArg(at, value);
-        ASSERT_EQ(static_cast<int>(plain.size()), words.getArgc()) << at;
-        ASSERT_TRUE(std::equal(plain.begin(), plain.end(), words.getArgv())) << at;
-        ASSERT_EQ(nullptr, words.getArgv()[plain.size()]) << at;
-        ASSERT_EQ(most <= 256, words.getArgv() == inlineSlots) << at;
+        words.setArg(index, value);
+        ASSERT_EQ(static_cast<int>(plain.size()), words.getArgc()) << step;
+        ASSERT_TRUE(std::equal(plain.begin(), plain.end(), words.getArgv())) << step;
+        ASSERT_EQ(nullptr, words.getArgv()[plain.size()]) << step;
+        ASSERT_EQ(most <= 256, words.getArgv() == inlineSlots) << step;
     }
 }
