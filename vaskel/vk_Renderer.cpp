@@ -8,6 +8,8 @@
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
+#include <new>
+
 namespace
 {
 constexpr int FIRST_SAMPLES = 4;  // a pixel; every further pass doubles them
@@ -205,15 +207,7 @@ void drawTiles(const Picture &picture, int threads)
         });
     });
 }
-} // namespace
-
-int vk_threadCount()
-{
-    const int wish = UT_EnvControl::instance().getInt(ENV_VELDRIN_MAXTHREADS);
-    return wish > 0 ? wish : tbb::info::default_concurrency();
-}
-
-bool vk_render(const vk_Scene &scene, int threads, vk_Film &film, std::string &error)
+bool drawScene(const vk_Scene &scene, int threads, vk_Film &film, std::string &error)
 {
     const vk_World world(scene);
     error = world.error();
@@ -224,4 +218,21 @@ bool vk_render(const vk_Scene &scene, int threads, vk_Film &film, std::string &e
     film.bytes.assign(3 * static_cast<std::size_t>(scene.width * scene.height), 0);
     drawTiles(Picture(scene, world, film), threads);
     return true;
+}
+} // namespace
+
+int vk_threadCount()
+{
+    const int wish = UT_EnvControl::instance().getInt(ENV_VELDRIN_MAXTHREADS);
+    return wish > 0 ? wish : tbb::info::default_concurrency();
+}
+
+bool vk_render(const vk_Scene &scene, int threads, vk_Film &film, std::string &error)
+{
+    // Waits in the end for the threads to be gone. No harm when others keep
+    // them busy.
+    tbb::task_scheduler_handle scheduler{tbb::attach{}};
+    const bool good = drawScene(scene, threads, film, error);
+    static_cast<void>(tbb::finalize(scheduler, std::nothrow));
+    return good;
 }
