@@ -57,6 +57,8 @@ TEST_F(PathSearch, TheMainPathIsBuiltFromWhatIsSet)
     myPath.set("s/x;&:@/y^z/=");
     EXPECT_EQ("s/x|vip|h/veldrin9.0|site/veldrin9.0|v/veldrin|@/yz/vip|",
               shown(mainPath().getAllDirs()));
+    myHome.set("");
+    EXPECT_EQ("s/x|vip|site/veldrin9.0|v/veldrin|@/yz/vip|", shown(mainPath().getAllDirs()));
 }
 
 TEST_F(PathSearch, PatternsListFolders)
