@@ -70,7 +70,10 @@ struct PlainArray {
     }
     void setCapacity(unsigned n) { all.resize(std::min(entries(), slots = n)); }
     void reverse() { std::reverse(all.begin(), all.end()); }
-    void cycle(unsigned n) { std::rotate(all.rbegin(), all.rbegin() + n % entries(), all.rend()); }
+    void cycle(unsigned n)
+    {
+        std::rotate(all.rbegin(), all.rbegin() + static_cast<int>(n % entries()), all.rend());
+    }
     void constant(T value) { std::fill(all.begin(), all.end(), value); }
     void moveBlock(unsigned from, unsigned to, unsigned count)
     {
