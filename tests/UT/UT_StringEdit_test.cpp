@@ -74,7 +74,7 @@ TEST(StringEdit, CollapsesAndRelatesPaths)
 {
     forEachString("/.a", 8, [](const std::string &rest) {
         const std::string expected = plainCollapse('/' + rest);
-        UT_String s(('/' + rest).c_str());
+        UT_String s(('/' + rest).c_str(), true);
         ASSERT_EQ(!expected.empty(), s.collapseAbsolutePath()) << rest;
         if (!expected.empty()) {
             ASSERT_EQ(expected, s.text()) << rest;
