@@ -70,8 +70,9 @@ TEST(ExpandVariables, FollowsItsRules)
                 "~/x a~b ''~ ~~ ~nosuchuser9/x -> 3 /home/u/x a~b /home/u /home/u~ ~nosuchuser9/x",
                 "$B ~ $UNSET `x` // $B -> 3 X /home/u  `x` // X", "(null) -> 0 "},
                [](const char *in) { return expanded(in); });
-    expectEach({"// $B\n$B -> 1 // $B\nX", "/*/ '$B */$B -> 1 /*/ '$B */X", "${//B} -> 0 "},
-               [](const char *in) { return expanded(in, SOME, false); });
+    expectEach(
+        {"// $B\n$B -> 1 // $B\nX", "/*/ '$B */$B -> 1 /*/ '$B */X", "${//$B}/**//$B -> 2 /**//X"},
+        [](const char *in) { return expanded(in, SOME, false); });
     expectEach({"a`b $B`c -> 1 a<b $B>c", "`fail`x -> 0 x", "`open -> 1 <open>"},
                [](const char *in) { return expanded(in, SOME, true, runCommand); });
     const passwd *root = getpwnam("root");

@@ -163,10 +163,12 @@ TEST_F(PathSearch, TheFirstMatchWinsAndExplicitNamesAreNotSearched)
     expectEach({"both -> (null) ", "dir -> v/veldrin/dir v/veldrin/dir|", "./v -> ./v ./v|"},
                finding(&UT_PathSearch::findDirectory, &UT_PathSearch::findAllDirectories));
 
-    const char *const names[] = {"none", "one", "both", nullptr};
+    const char *const names[] = {"none", "one", "both", "./here", nullptr};
     UT_String result;
     EXPECT_TRUE(path.findFileFromList(result, UT_StringList(names)));
     EXPECT_STREQ("h/veldrin9.0/both", result);
+    EXPECT_TRUE(path.findFileFromList(result, UT_StringList(names + 3)));
+    EXPECT_STREQ("./here", result);
     EXPECT_FALSE(path.findDirectoryFromList(result, UT_StringList(names)));
     EXPECT_EQ(nullptr, result.text());
 }
