@@ -61,10 +61,14 @@ bool ut_StreamStreamBuf::seek(int64_t pos, int whence)
         setError();
         return false;
     }
+    const bool hadFailed = myStream.fail();
     myStream.seekg(static_cast<std::streamoff>(pos), DIRECTIONS[whence]);
-    if (myStream.fail())
-        setError();
-    return !myStream.fail();
+    if (!myStream.fail())
+        return true;
+    setError();
+    if (!hadFailed) // or the stream would refuse the next position, too
+        myStream.clear(myStream.rdstate() & ~std::ios_base::failbit);
+    return false;
 }
 
 bool ut_StreamStreamBuf::isEof()

@@ -1,13 +1,16 @@
 #include "UT/UT_IStreamBuf.h"
 
-#include "UT/UT_IStream.h"
+#include "UT/UT_IFStream.h"
 #include "UT/UT_ScratchBuffer.h"
+#include "tests/support/Deflated.h"
+#include "tests/support/PlainReader.h"
+#include "tests/support/Random.h"
 #include "tests/support/ScratchDirectory.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -15,203 +18,170 @@
 
 namespace
 {
-
-const std::string TEXT = "0123456789 abcdef";
-
-std::string bytesOf(UT_IStream &is, int n)
-{
-    std::string bytes(static_cast<size_t>(n), '\0');
-    bytes.resize(static_cast<size_t>(is.bread(bytes.data(), n)));
-    return bytes;
-}
-
 // The same text behind every kind of source that has positions.
 class Sources
 {
 public:
-    Sources() : myInput(TEXT), myFile(std::fopen(myScratch.write("file", TEXT).c_str(), "rb"))
+    explicit Sources(const std::string &text)
+        : size(static_cast<int>(text.size())), myText(text), myInput(text),
+          myFile(std::fopen(myScratch.write("file", text).c_str(), "rb"))
     {
-        all.emplace_back("file", new UT_IStream(myFile, false));
-        all.emplace_back("stream", new UT_IStream(myInput, false));
-        all.emplace_back("memory", new UT_IStream(TEXT.data(), size(), false));
-        const std::string around = "before" + TEXT + "after";
-        UT_IStreamBuf *outer = UT_IStreamBuf::openFile(myScratch.write("outer", around).c_str());
-        all.emplace_back("range",
-                         new UT_IStream(UT_IStreamBuf::makeRange(*outer, 6, size()), false));
-        outer->release();
+        all["file"].reset(new UT_IStream(myFile, false));
+        all["named file"].reset(new UT_IFStream(myScratch.path("file").c_str(), false));
+        all["stream"].reset(new UT_IStream(myInput, false));
+        all["memory"].reset(new UT_IStream(myText.data(), size, false));
+        addView("range", text, [this](UT_IStream &is) { return is.newRangeStream(6, size); });
+        addView("zlib", deflated(text), [](UT_IStream &is) { return is.newZLibStream(); });
+        addView("zipped", gzipped(text), [](UT_IStream &is) { return is.newGZipStream(); });
     }
     ~Sources() { std::fclose(myFile); }
 
-    static int size() { return static_cast<int>(TEXT.size()); }
-
-    std::vector<std::pair<std::string, std::unique_ptr<UT_IStream>>> all;
+    const int size;
+    std::map<std::string, std::unique_ptr<UT_IStream>> all;
 
 private:
+    // A view of a file with some bytes around those wanted.
+    template <class View>
+    void addView(const char *kind, const std::string &bytes, View view)
+    {
+        UT_IFStream whole(myScratch.write(kind, "before" + bytes + "after").c_str(), false);
+        whole.seekg(6, 0);
+        all[kind].reset(view(whole));
+    }
+
+    const std::string myText;
     ScratchDirectory myScratch;
     std::istringstream myInput;
     FILE *myFile;
 };
-
 } // namespace
 
-TEST(IStreamBuf, EverySourceReadsTheSameBytes)
+TEST(IStreamBuf, EverySourceReadsAndMovesInItsText)
 {
-    Sources sources;
+    Random random;
+    std::string text;
+    while (text.size() < 20000)
+        text += random.text({"one", "two", " ", "\n", "3"}, 50);
+    Sources sources(text);
     for (auto &[kind, is] : sources.all) {
-        SCOPED_TRACE(kind);
-        UT_ScratchBuffer text;
-        EXPECT_EQ('0', is->peekChar());
-        EXPECT_EQ("01", bytesOf(*is, 2));
-        EXPECT_TRUE(is->getWord(text));
-        EXPECT_STREQ("23456789", text.buffer());
-        EXPECT_EQ(10, is->tellg()) << "the buffered bytes do not count";
-        EXPECT_EQ(" abcdef", bytesOf(*is, 7));
-        EXPECT_FALSE(is->hasError());
-        EXPECT_EQ(-1, is->peekChar());
-        EXPECT_FALSE(is->getWord(text));
-        EXPECT_TRUE(is->isEof());
-    }
-}
-
-TEST(IStreamBuf, EverySourceMovesToTheSamePositions)
-{
-    const struct {
-        const char *what;
-        int64_t pos;
-        int whence;
-        bool good;
-        int64_t position;
-        const char *next;
-    } cases[] = {
-        {"start", 0, 0, true, 0, "012"},
-        {"back from the end", -3, 2, true, 14, "def"},
-        {"on from there", -10, 1, true, 7, "789"},
-        {"the end itself", Sources::size(), 0, true, Sources::size(), ""},
-        {"before the start", -1, 0, false, -1, ""},
-        {"far before the start", INT64_MIN, 2, false, -1, ""},
-        {"unknown whence", 0, 3, false, -1, ""},
-    };
-    Sources sources;
-    for (auto &[kind, is] : sources.all) {
-        for (const auto &c : cases) {
-            SCOPED_TRACE(kind + ": " + c.what);
-            EXPECT_EQ(c.good, is->seekg(c.pos, c.whence));
-            EXPECT_EQ(!c.good, is->hasError());
-            EXPECT_EQ(!c.good, is->getSource().hasError());
-            if (c.good) {
-                EXPECT_EQ(c.position, is->tellg());
+        PlainReader plain{text};
+        for (int step = 0; step < 1000; ++step) {
+            SCOPED_TRACE(kind + ", seed " + std::to_string(random.seed()));
+            UT_ScratchBuffer found;
+            const size_t left = text.size() - plain.position;
+            const size_t operation = random.below(6);
+            if (operation == 0) {
+                const auto target = static_cast<int64_t>(random.below(text.size() + 1));
+                const int whence = static_cast<int>(random.below(kind.find("z") == 0 ? 2 : 3));
+                const int64_t origins[] = {0, is->getSource().tell(), sources.size};
+                ASSERT_TRUE(is->seekg(target - origins[whence], whence));
+                plain.position = static_cast<size_t>(target);
+            } else if (operation == 1) {
+                std::string bytes(random.below(std::min<size_t>(left, 9000) + 1), '\0');
+                const int count = static_cast<int>(bytes.size());
+                ASSERT_EQ(count, is->bread(&bytes[0], count));
+                ASSERT_EQ(text.substr(plain.position, bytes.size()), bytes);
+                plain.position += bytes.size();
+            } else if (operation == 2) {
+                const bool isThere = is->getLine(found, '\n');
+                ASSERT_EQ(plain.line('\n'),
+                          isThere ? PlainReader::Text(found.buffer()) : std::nullopt);
+                ASSERT_TRUE(isThere || is->isEof());
+            } else {
+                const int next = left > 0 ? text[plain.position] : -1;
+                ASSERT_EQ(next, is->peekChar());
+                ASSERT_EQ(next, operation == 3 ? is->getChar() : next);
+                plain.position += operation == 3 && left > 0;
             }
-            EXPECT_EQ(c.next, bytesOf(*is, static_cast<int>(std::strlen(c.next))));
+            ASSERT_EQ(static_cast<int64_t>(plain.position), is->tellg());
+            ASSERT_FALSE(is->hasError());
         }
     }
 }
 
-TEST(IStreamBuf, MemoryEndsAtItsSize)
+TEST(IStreamBuf, NoSourceMovesOutOfItsText)
 {
-    UT_IStream is("abc", 3, false);
-    EXPECT_TRUE(is.seekg(3, 0));
-    EXPECT_FALSE(is.seekg(4, 0));
-    EXPECT_TRUE(is.hasError());
-    EXPECT_TRUE(is.isEof());
-    EXPECT_TRUE(is.seekg(-1, 2));
-    EXPECT_EQ('c', is.getChar());
+    Sources sources("text");
+    const std::pair<int64_t, int> moves[] = {{-1, 0}, {INT64_MIN, 2}, {0, 3}, {INT64_MAX, 1}};
+    for (auto &[kind, is] : sources.all)
+        for (const auto &[pos, whence] : moves) {
+            SCOPED_TRACE(kind + ": " + std::to_string(pos));
+            EXPECT_FALSE(is->seekg(pos, whence));
+            EXPECT_TRUE(is->hasError());
+            EXPECT_TRUE(is->seekg(0, 0));
+            EXPECT_EQ('t', is->getChar());
+        }
+    EXPECT_TRUE(sources.all["memory"]->seekg(4, 0) && sources.all["memory"]->isEof());
+    EXPECT_FALSE(sources.all["memory"]->seekg(5, 0));
+    EXPECT_FALSE(UT_IStream(nullptr, 5, false).seekg(1, 0)) << "no block is an empty one";
 }
 
 TEST(IStreamBuf, ARangeEndsWithItsLengthOrItsInnerSource)
 {
     const struct {
-        const char *what;
         int64_t start, length;
         const char *line;
-    } cases[] = {
-        {"inside", 2, 3, "234"}, {"to the end", 11, INT64_MAX, "abcdef"},
-        {"empty", 3, 0, ""},     {"negative", 3, -1, ""},
-        {"outside", 100, 3, ""}, {"in front", -1, 3, ""},
-    };
+    } cases[] = {{2, 3, "234"}, {7, INT64_MAX, "789"}, {3, 0, ""},
+                 {3, -1, ""},   {100, 3, ""},          {-1, 3, ""}};
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        const UT_IStream whole(TEXT.data(), Sources::size(), true);
-        std::unique_ptr<UT_IStream> range(whole.newRangeStream(c.start, c.length));
+        SCOPED_TRACE(testing::Message() << c.start << ", " << c.length);
+        const UT_IStream whole("0123456789", 10, true);
+        const std::unique_ptr<UT_IStream> range(whole.newRangeStream(c.start, c.length));
         UT_ScratchBuffer line;
         EXPECT_TRUE(range->isBinary());
         EXPECT_EQ(*c.line != '\0', range->getLine(line, '\n'));
         EXPECT_STREQ(c.line, line.buffer());
         EXPECT_TRUE(range->isEof());
         EXPECT_EQ(-1, range->peekChar());
+        // Behind it lies its end, in front of it an error.
+        range->seekg(c.length, 0);
+        EXPECT_EQ(-1, range->getChar());
+        EXPECT_FALSE(range->seekg(-1, 0));
+        EXPECT_TRUE(range->hasError());
     }
 }
 
-TEST(IStreamBuf, BehindARangeLiesItsEndAndInFrontAnError)
+TEST(IStreamBuf, TheFirstErrorCountsAndARangeTellsThatOfItsInnerSource)
 {
-    const UT_IStream whole(TEXT.data(), Sources::size(), false);
-    std::unique_ptr<UT_IStream> range(whole.newRangeStream(4, 4));
-    EXPECT_TRUE(range->seekg(6, 0));
-    EXPECT_TRUE(range->isEof());
-    EXPECT_FALSE(range->seekg(-2, 0));
-    EXPECT_TRUE(range->hasError());
-    EXPECT_TRUE(range->seekg(-1, 2));
-    EXPECT_EQ('7', range->getChar());
-    EXPECT_EQ(-1, range->getChar());
-}
-
-TEST(IStreamBuf, ARangeTellsItsInnerSourcesError)
-{
-    ScratchDirectory scratch;
-    UT_IStreamBuf *directory = UT_IStreamBuf::openFile(scratch.path().c_str());
-    UT_IStream range(UT_IStreamBuf::makeRange(*directory, 0, 10), false);
-    directory->release();
-    UT_ScratchBuffer line;
-    EXPECT_FALSE(range.getLine(line, '\n'));
-    EXPECT_TRUE(range.hasError());
-}
-
-TEST(IStreamBuf, OnlyTheFirstErrorCounts)
-{
-    UT_IStreamBuf *source = UT_IStreamBuf::makeEmpty();
+    UT_IStreamBuf *const source = UT_IStreamBuf::makeEmpty();
     source->setError("first");
     source->setError("second");
-    EXPECT_STREQ("first", source->getErrorText());
-    EXPECT_FALSE(source->seekg(0, 0));
+    UT_IStream range(UT_IStreamBuf::makeRange(*source, 0, 0), false);
     EXPECT_FALSE(source->hasError()) << "the seek forgets it before it fails";
-    source->release();
-}
-
-TEST(IStreamBuf, ANullFileHasAnErrorFromTheStart)
-{
-    UT_IStream is(static_cast<FILE *>(nullptr), false);
+    source->setError("third");
     UT_ScratchBuffer line;
-    EXPECT_FALSE(is.getLine(line, '\n'));
-    EXPECT_TRUE(is.hasError());
+    EXPECT_FALSE(range.getLine(line, '\n'));
+    EXPECT_STREQ("third", range.getSource().getErrorText());
+    source->release();
+
+    UT_IStream none(static_cast<FILE *>(nullptr), false);
+    EXPECT_FALSE(none.getLine(line, '\n'));
+    EXPECT_TRUE(none.hasError());
 }
 
 namespace
 {
-
 // In a process of its own, with `text` as standard input: two streams share it.
 // Ends with status 0 when both saw what they should.
-[[noreturn]] void readStdinTwice(const char *text, bool lineMode, const std::string &expected)
+[[noreturn]] void readStdinTwice(const std::string &text, bool lineMode,
+                                 const std::string &expected)
 {
     int ends[2];
-    if (pipe(ends) != 0 || write(ends[1], text, std::strlen(text)) < 0)
+    if (pipe(ends) != 0 || write(ends[1], text.data(), text.size()) < 0)
         std::abort();
     dup2(ends[0], 0);
     close(ends[1]);
-
     UT_IStream::setStdinLineMode(lineMode);
     UT_ScratchBuffer line;
     std::string seen;
-    {
-        UT_IStream first(stdin, false);
-        if (first.getLine(line, '\n'))
-            seen += std::string(line.buffer()) + "|";
-    }
+    if (UT_IStream(stdin, false).getLine(line, '\n'))
+        seen += std::string(line.buffer()) + "|";
     UT_IStream second(std::cin, false);
     while (second.getLine(line, ';'))
         seen += std::string(line.buffer()) + "|";
     std::cerr << seen;
     std::_Exit(seen == expected ? 0 : 1);
 }
-
 } // namespace
 
 TEST(StdinDeathTest, AllStreamsShareStandardInput)

@@ -14,7 +14,12 @@ int TrickleSource::peekChar()
 
 const char *TrickleSource::fillBuffer(int &start, int &end)
 {
+    std::vector<char> chunk;
+    for (bool isCut = isEof(); !isCut; isCut = isEof() || (myCuts >> (myPosition - 1) % 64 & 1))
+        chunk.push_back(myText[myPosition++]);
+    chunk.shrink_to_fit();
+    myChunk.swap(chunk);
     start = 0;
-    end = read(myChunk, 1);
-    return end > 0 ? myChunk : nullptr;
+    end = static_cast<int>(myChunk.size());
+    return end > 0 ? myChunk.data() : nullptr;
 }

@@ -1,15 +1,20 @@
-// A source that gives out its text in chunks of one byte, so that every reader
-// meets a chunk's end at every place.
+// A source that gives out its text in small chunks, so that readers meet a chunk's
+// end at every place.
 #pragma once
 
 #include "UT/UT_IStreamBuf.h"
 
 #include <string>
+#include <vector>
 
 class TrickleSource : public UT_IStreamBuf
 {
 public:
-    explicit TrickleSource(const std::string &text) : myText(text) {}
+    // Bit i of `cuts` ends a chunk behind each byte whose number is i modulo 64.
+    explicit TrickleSource(const std::string &text, uint64_t cuts = UINT64_MAX)
+        : myText(text), myCuts(cuts)
+    {
+    }
 
     int read(void *dst, int n) override;
     int peekChar() override;
@@ -20,6 +25,7 @@ public:
 
 private:
     std::string myText;
+    uint64_t myCuts;
     size_t myPosition = 0;
-    char myChunk[1] = {};
+    std::vector<char> myChunk; // of just its size, so that sanitizers see who goes beyond
 };
