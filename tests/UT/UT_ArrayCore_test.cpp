@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <vector>
 
 namespace
@@ -20,205 +21,148 @@ struct Element { // nothing looks where the pointers point
     static void set(Value &e, unsigned n) { e.assign(n != 0, static_cast<int>(n)); }
 };
 
-// The arrays' operations and their growth, told with a vector.
-template <class T, unsigned AHEAD>
-struct PlainArray {
-    std::vector<T> all;
-    unsigned slots = 0;
-
-    auto begin() const { return all.begin(); }
-    auto end() const { return all.end(); }
-    auto at(size_t i) { return all.begin() + static_cast<ptrdiff_t>(i); }
-    T &operator()(unsigned i) { return all[i]; }
-    unsigned entries() const { return static_cast<unsigned>(all.size()); }
-    unsigned capacity() const { return slots; }
-    bool operator==(const PlainArray &other) const { return all == other.all; }
-
-    unsigned grown(unsigned n) { return n + (n <= 127 ? 4 : n <= 1023 ? 128 : n / 8); }
-    unsigned open(unsigned i, unsigned count, unsigned ahead)
-    {
-        const unsigned before = std::max(entries(), i);
-        slots = before + count > slots ? grown(before + count - 1 + ahead) : slots;
-        all.resize(before);
-        all.insert(at(i), count, T());
-        return i;
-    }
-    unsigned insert(unsigned i) { return open(i, 1, i < entries() ? AHEAD : 0); }
-    unsigned insertGap(unsigned i, unsigned count) { return open(i, count, 0); }
-    unsigned insertAt(T value, unsigned i) { return all[open(i, 1, 0)] = value, i; }
-    unsigned append(T value)
-    {
-        const unsigned i = open(entries(), 1, AHEAD);
-        return all[i] = value, i;
-    }
-    unsigned removeIndex(unsigned i) { return all.erase(at(i)), i; }
-    int find(T value, unsigned start = 0)
-    {
-        const auto found = std::find(at(start), all.end(), value);
-        return found == all.end() ? -1 : static_cast<int>(found - all.begin());
-    }
-    int findAndRemove(T value)
-    {
-        const int i = find(value);
-        return i < 0 ? i : static_cast<int>(removeIndex(static_cast<unsigned>(i)));
-    }
-    unsigned concat(PlainArray other)
-    {
-        slots += slots - entries() <= other.entries() ? other.entries() : 0;
-        all.insert(all.end(), other.begin(), other.end());
-        return entries();
-    }
-    void setCapacity(unsigned n) { all.resize(std::min(entries(), slots = n)); }
-    void reverse() { std::reverse(all.begin(), all.end()); }
-    void cycle(unsigned n)
-    {
-        std::rotate(all.rbegin(), all.rbegin() + static_cast<int>(n % entries()), all.rend());
-    }
-    void constant(T value) { std::fill(all.begin(), all.end(), value); }
-    void moveBlock(unsigned from, unsigned to, unsigned count)
-    {
-        const std::vector<T> moved(at(from), at(from + count));
-        all.erase(at(from), at(from + count));
-        all.insert(at(to), moved.begin(), moved.end());
-    }
-    void sort(UT_Compare) { std::sort(all.begin(), all.end(), std::less<T>()); }
-    unsigned sortedInsert(T value)
-    {
-        const auto place = std::lower_bound(all.begin(), all.end(), value, std::less<T>());
-        const auto i = static_cast<unsigned>(place - all.begin());
-        return i < entries() && all[i] == value ? i : insertAt(value, i);
-    }
-    void merge(PlainArray other, int direction, bool unique)
-    {
-        all.insert(all.end(), other.begin(), other.end());
-        sort(nullptr);
-        if (unique)
-            all.erase(std::unique(all.begin(), all.end()), all.end());
-        if (direction <= 0)
-            reverse();
-    }
-    void unite(PlainArray other) { merge(other, 1, true); }
-    void intersect(PlainArray other) { keepWhere(other, true); }
-    void subtract(PlainArray other) { keepWhere(other, false); }
-    void keepWhere(PlainArray other, bool present)
-    {
-        const auto goes = [&](const T &t) { return (other.find(t) >= 0) != present; };
-        all.erase(std::remove_if(all.begin(), all.end(), goes), all.end());
-    }
-    int bsearch(const void *key, UT_Compare) { return find(*static_cast<const T *>(key)); }
-};
-
 template <class Array>
 class ArrayCore : public testing::Test
 {
 protected:
     using T = std::decay_t<decltype(*Array().begin())>;
     using List = std::vector<T>;
-    using Plain = PlainArray<T, std::is_same_v<Array, UT_VoidPtrArray>>;
+    static constexpr unsigned AHEAD = std::is_same_v<Array, UT_VoidPtrArray>;
 
+    static bool less(const T &a, const T &b) { return std::less<T>()(a, b); }
     static int compare(const void *a, const void *b)
     {
         const T &first = *static_cast<const T *>(a), &second = *static_cast<const T *>(b);
-        return std::less<T>()(first, second) ? -1 : first != second;
+        return less(first, second) ? -1 : first != second;
     }
-    template <class A>
-    static A of(const List &values)
+    static Array arrayOf(const List &values)
     {
-        A made;
+        Array made;
         for (const T &element : values)
             made.append(element);
         return made;
     }
-    template <class A>
-    static List listOf(const A &a)
-    {
-        return List(a.begin(), a.end());
-    }
+    static List listOf(const Array &a) { return List(a.begin(), a.end()); }
+
     unsigned below(size_t limit) { return static_cast<unsigned>(random.below(limit)); }
     List values(size_t count)
     {
-        List list(count);
-        for (T &element : list)
+        List values(count);
+        for (T &element : values)
             Element::set(element, below(12));
-        return list;
+        return values;
     }
 
-    // Does the same to both, now and then.
-    template <class Operation>
-    void both(Operation operation)
+    // Makes room in the list as the array does, for copies of the value.
+    unsigned open(unsigned index, unsigned count, unsigned ahead, const T &value)
     {
-        if (plain.all.empty() || below(3) > 0 || HasFailure())
-            return;
-        EXPECT_EQ(operation(plain), operation(array));
-        EXPECT_EQ(plain.all, listOf(array));
-        EXPECT_EQ(plain.capacity(), array.capacity());
+        const auto before = std::max(static_cast<unsigned>(list.size()), index);
+        const unsigned n = before + count - 1 + ahead;
+        if (before + count > capacity)
+            capacity = n + (n <= 127 ? 4 : n <= 1023 ? 128 : n / 8);
+        list.resize(before);
+        list.insert(list.begin() + index, count, value);
+        return index;
     }
     void change();
 
     Random random;
     testing::ScopedTrace trace{__FILE__, __LINE__, random.seed()};
     Array array;
-    Plain plain;
+    List list; // what it should be
+    unsigned capacity = 0;
 };
 
 using Arrays = testing::Types<UT_IntegerArray, UT_VoidPtrArray, UT_RefArray<Value>>;
 TYPED_TEST_SUITE(ArrayCore, Arrays, ); // the comma: pedantic clang wants all arguments
 
+// Does one operation of many to the array and, in other words, to the list.
 template <class Array>
 void ArrayCore<Array>::change()
 {
-    const unsigned n = plain.entries(), at = below(n + 9), from = below(n + 1);
-    const unsigned count = below(n - from + 1), to = below(n - count + 1), kept = below(n + 1);
-    const List list = values(1 + below(5));
-    const T value = list[0];
-    const bool isNew = std::is_same_v<T, Value>; // and no leftover of an older element
-    const auto put = [&](T &slot) { return isNew ? slot : slot = value; };
-    both([&](auto &a) { return a.moveBlock(from, to, count), 0; });
-    both([&](auto &a) { return a.append(value); });
-    both([&](auto &a) { return a.append(a(0)); });
-    both([&](auto &a) { return a.insertAt(value, at); });
-    both([&](auto &a) { return a.insertAt(a(a.entries() - 1), 0); });
-    both([&](auto &a) { return put(a(a.insert(at))); });
-    both([&](auto &a) { return put(a(a.insert(0))); });
-    both([&](auto &a) { return put(a(a.insertGap(at, 1))); });
-    both([&](auto &a) { return a.insertGap(0, 3), put(a(0)), put(a(1)), put(a(2)); });
-    both([&](auto &a) { return a.removeIndex(kept % a.entries()); });
-    both([&](auto &a) { return a.find(value, kept % (a.entries() + 1)); });
-    both([&](auto &a) { return a.findAndRemove(value); });
-    both([&](auto &a) { return a.concat(of<std::decay_t<decltype(a)>>(list)); });
-    both([&](auto &a) { return a.concat(a); });
-    both([&](auto &a) { return a.setCapacity(kept), 0; });
-    both([&](auto &a) { return a.reverse(), 0; });
-    both([&](auto &a) { return a.cycle(at + n), 0; });
-    both([&](auto &a) { return a.sort(compare), a.bsearch(&value, compare) >= 0; });
-    both([&](auto &a) { return a.sort(compare), a.sortedInsert(value) < a.entries(); });
-    both([&](auto &a) { return a.constant(value), 0; });
-
-    Array copy(array);
-    EXPECT_TRUE(copy == array && copy.capacity() == array.entries());
-    copy.append(value);
-    EXPECT_TRUE(copy != array);
-    array.swap(copy);
-    EXPECT_EQ(copy.entries() + 1, array.entries());
-    array = copy; // into slots that are there
-    EXPECT_EQ(plain.grown(copy.entries() + std::is_same_v<Array, UT_VoidPtrArray>),
-              array.capacity());
-    plain.slots = array.capacity();
+    if (list.empty())
+        open(array.append({}), 1, AHEAD, {});
+    const auto n = static_cast<unsigned>(list.size());
+    const unsigned at = below(n + 9), from = below(n), count = 1 + below(n - from);
+    const unsigned to = below(n - count + 1);
+    const List more = values(below(6)), old = list;
+    const T value = values(1)[0];
+    const auto begin = list.begin(), end = list.end(), found = std::find(begin, end, value);
+    const int place = found == end ? -1 : static_cast<int>(found - begin);
+    const auto put = [&](unsigned i) { return std::is_same_v<T, Value> ? T() : array(i) = value; };
+    const T fresh = std::is_same_v<T, Value> ? T() : value; // others may hold anything at first
+    int number = static_cast<int>(below(18));
+    const auto both = [&](auto onArray, auto onList) {
+        if (number-- == 0) {
+            EXPECT_EQ(onList(), onArray());
+        }
+    };
+    both([&] { return array.append(value); }, [&] { return open(n, 1, AHEAD, value); });
+    both([&] { return array.append(array(from)); }, [&] { return open(n, 1, AHEAD, old[from]); });
+    both([&] { return array.insertAt(value, at); }, [&] { return open(at, 1, 0, value); });
+    both([&] { return array.insertAt(array(n - 1), 0); },
+         [&] { return open(0, 1, 0, old[n - 1]); });
+    both([&] { return put(array.insert(at)); },
+         [&] { return open(at, 1, at < n ? AHEAD : 0, fresh), fresh; });
+    both([&] { return array.insertGap(at, 2), put(at), put(at + 1); },
+         [&] { return open(at, 2, 0, fresh), fresh; });
+    both([&] { return array.removeIndex(from); }, [&] { return list.erase(begin + from), from; });
+    both([&] { return array.find(value); }, [&] { return place; });
+    both([&] { return array.find(value, from) >= 0; },
+         [&] { return std::find(begin + from, end, value) != end; });
+    both([&] { return array.findAndRemove(value); },
+         [&] { return list.erase(found, found + (place >= 0)), place; });
+    both([&] { return array.setCapacity(at + 1), 0; },
+         [&] { return list.resize(std::min(n, capacity = at + 1)), 0; });
+    both([&] { return array.reverse(), 0; }, [&] { return std::reverse(begin, end), 0; });
+    both([&] { return array.cycle(2 * n + from), 0; },
+         [&] { return std::rotate(begin, end - from, end), 0; });
+    both([&] { return array.constant(value), 0; }, [&] { return std::fill(begin, end, value), 0; });
+    both([&] { return array.moveBlock(from, to, count), 0; },
+         [&] {
+             list.erase(begin + from, begin + from + count);
+             list.insert(list.begin() + to, old.begin() + from, old.begin() + from + count);
+             return 0;
+         });
+    both([&] { return at % 2 ? array.concat(array) : array.concat(arrayOf(more)); },
+         [&] {
+             const List &other = at % 2 ? old : more;
+             capacity += capacity - n <= other.size() ? static_cast<unsigned>(other.size()) : 0;
+             list.insert(end, other.begin(), other.end());
+             return static_cast<unsigned>(list.size());
+         });
+    both([&] { return array.sort(compare), array.bsearch(&value, compare) >= 0; },
+         [&] { return std::sort(begin, end, less), place >= 0; });
+    both([&] { return array.sort(compare), array(array.sortedInsert(value)); },
+         [&] {
+             std::sort(begin, end, less);
+             const auto index = std::lower_bound(begin, end, value, less) - begin;
+             return place < 0 ? open(static_cast<unsigned>(index), 1, 0, value), value : value;
+         });
+    ASSERT_EQ(list, listOf(array));
+    ASSERT_EQ(capacity, array.capacity());
 }
 } // namespace
 
-TYPED_TEST(ArrayCore, EveryOperationDoesWhatItDoesToAVector)
+TYPED_TEST(ArrayCore, EveryOperationDoesWhatItDoesToAList)
 {
-    for (const size_t start : {0u, 3u, 120u, 127u, 1020u, 1023u, 2000u})
-        for (int round = 0; round < 20; ++round) {
-            this->plain.all = this->values(start);
-            this->plain.slots = static_cast<unsigned>(start);
-            this->array.setCapacity(0);
-            this->array = this->template of<TypeParam>(this->plain.all);
-            ASSERT_EQ(this->plain.append({}), this->array.append({}));
-            for (int step = 0; step < 10; ++step)
-                this->change();
-        }
+    for (int round = 0; round < 300 && !this->HasFailure(); ++round) {
+        const unsigned starts[] = {0, 3, 120, 127, 1020, 1023, 2000};
+        this->capacity = starts[round % 7];
+        this->list = this->values(this->capacity);
+        this->array.setCapacity(0);
+        this->array = this->arrayOf(this->list);
+        for (int step = 0; step < 40 && !this->HasFailure(); ++step)
+            this->change();
+    }
+    TypeParam copy(this->array), longer(copy);
+    longer.append(copy(0));
+    EXPECT_TRUE(copy == this->array && copy != longer);
+    const unsigned slots = longer.capacity();
+    longer.swap(copy);
+    EXPECT_EQ(slots, copy.capacity());
+    copy = longer; // into slots that are there
+    EXPECT_TRUE(copy == longer && copy.capacity() == slots);
 }
 
 TYPED_TEST(ArrayCore, AHeapKeepsParentsAtHalfTheIndexAndPopsTheGreatest)
@@ -231,31 +175,36 @@ TYPED_TEST(ArrayCore, AHeapKeepsParentsAtHalfTheIndexAndPopsTheGreatest)
                 ASSERT_LE(0, this->compare(&this->array(i / 2), &this->array(i)));
         }
         std::sort(values.rbegin(), values.rend());
-        values.push_back({});
+        values.push_back({}); // from the empty one
         for (const auto &value : values)
             ASSERT_EQ(value, this->array.heapPop());
     }
 }
 
-TYPED_TEST(ArrayCore, SetOperationsDoWhatTheyDoToVectors)
+TYPED_TEST(ArrayCore, SetOperationsDoWhatTheStandardOnesDo)
 {
-    for (unsigned round = 0; round < 500; ++round) {
-        auto mine = this->values(round % 9), theirs = this->values(round % 7);
+    using Values = typename TestFixture::List;
+    for (unsigned round = 0; round < 1000; ++round) {
+        Values mine = this->values(round % 9), theirs = this->values(round % 7);
         std::sort(mine.begin(), mine.end());
         std::sort(theirs.begin(), theirs.end());
-        const auto same = [&](const auto &edit) {
-            auto a = this->template of<TypeParam>(mine);
-            auto b = this->template of<typename TestFixture::Plain>(mine);
-            edit(a, this->template of<TypeParam>(theirs));
-            edit(b, this->template of<typename TestFixture::Plain>(theirs));
-            ASSERT_EQ(b.all, this->listOf(a));
+        Values all, united, common, rest;
+        std::merge(mine.begin(), mine.end(), theirs.begin(), theirs.end(), std::back_inserter(all));
+        std::unique_copy(all.begin(), all.end(), std::back_inserter(united));
+        for (const auto &t : mine)
+            (std::count(theirs.begin(), theirs.end(), t) ? common : rest).push_back(t);
+        const auto expect = [&](const Values &expected, auto edit) {
+            TypeParam edited = this->arrayOf(mine);
+            edit(edited, this->arrayOf(theirs));
+            ASSERT_EQ(expected, this->listOf(edited));
         };
-        same([&](auto &a, const auto &b) { a.merge(b, 1, round % 2 > 0); });
-        same([](auto &a, const auto &b) { a.unite(b); });
-        same([](auto &a, const auto &b) { a.intersect(b); });
-        same([](auto &a, const auto &b) { a.subtract(b); });
-        std::reverse(mine.begin(), mine.end());
-        std::reverse(theirs.begin(), theirs.end());
-        same([&](auto &a, const auto &b) { a.merge(b, -1, round % 2 > 0); });
+        expect(all, [](auto &a, const auto &b) { a.merge(b, 1, false); });
+        expect(united, [](auto &a, const auto &b) { a.unite(b); });
+        expect(common, [](auto &a, const auto &b) { a.intersect(b); });
+        expect(rest, [](auto &a, const auto &b) { a.subtract(b); });
+        for (Values *const one : {&mine, &theirs, &all, &united})
+            std::reverse(one->begin(), one->end());
+        expect(all, [](auto &a, const auto &b) { a.merge(b, -1, false); });
+        expect(united, [](auto &a, const auto &b) { a.merge(b, 0, true); });
     }
 }

@@ -1,167 +1,155 @@
 #include "UT/UT_ErrorManager.h"
 
-#include "UT/UT_EnvControl.h"
-#include "UT/UT_Environment.h"
+#include "tests/support/Random.h"
+#include "tests/support/ScopedVariable.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace
 {
+// What a manager holds: each record's code and severity.
+struct PlainManager {
+    std::vector<std::pair<int, int>> records;
 
-// A manager with one system error of each severity given, the codes from 1 on.
-void fill(UT_ErrorManager &manager, const std::string &severities)
+    int severity() const
+    {
+        int most = 0;
+        for (const auto &record : records)
+            most = std::max(most, record.second);
+        return most;
+    }
+    void add(std::pair<int, int> record, int severityBefore)
+    {
+        if (records.size() < 40 || record.second > severityBefore)
+            records.push_back(record);
+    }
+    // All messages are system errors.
+    std::string messages(int filter) const
+    {
+        std::string all;
+        for (const auto &[code, severity] : records) {
+            all += code == records[0].first ? "" : "\n";
+            if (filter == 0 || filter == severity)
+                all += std::string(std::strerror(code % 9 + 1)) + " (" + std::to_string(code) + ")";
+        }
+        return all;
+    }
+};
+
+void expectSame(const PlainManager &plain, UT_ErrorManager &manager)
 {
-    int code = 0;
-    for (const char c : severities)
-        manager.addError(new UT_Error("System", ++code, "", c - '0'));
+    ASSERT_EQ(plain.records.size(), static_cast<size_t>(manager.getNumErrors()));
+    for (int filter = 0; filter < 6; ++filter) {
+        UT_String out("old");
+        const auto matches = [=](const auto &record) { return !filter || record.second == filter; };
+        ASSERT_EQ(std::count_if(plain.records.begin(), plain.records.end(), matches),
+                  manager.getErrorMessages(out, filter, filter % 2));
+        ASSERT_EQ(plain.messages(filter), out.toStdString());
+    }
+    ASSERT_TRUE(manager.isRead());
 }
-
-std::string codesOf(const UT_ErrorManager &manager)
-{
-    std::string codes;
-    for (int i = 0; i < manager.getNumErrors(); ++i)
-        codes += std::to_string(manager.getError(i)->getCode());
-    return codes;
-}
-
 } // namespace
 
-TEST(ErrorManager, EachOperationMakesItsRecord)
+// Each record has a text of its own, so that its way can be followed.
+TEST(ErrorManager, RecordsComeAndGoAsInAList)
 {
-    UT_ErrorManager m;
-    EXPECT_EQ(0, m.getSeverity());
-    EXPECT_EQ(1, m.addMessage("T", 1, "x"));
-    EXPECT_EQ(2, m.addNote("T", 2));
-    EXPECT_EQ(3, m.addWarning("T", 3));
-    EXPECT_EQ(3, m.addCommonWarning(4));
-    EXPECT_EQ(4, m.addError("T", 5));
-    EXPECT_EQ(4, m.addCommonError(6));
-    errno = ENOENT;
-    EXPECT_EQ(4, m.addSystemError("y"));
-    EXPECT_EQ(5, m.addFatal("T", 8));
-    EXPECT_EQ(5, m.addMessage("T", 1, "later"));
+    Random random;
+    SCOPED_TRACE(random.seed());
+    UT_ErrorManager managers[2];
+    PlainManager plain[2];
+    const auto below = [&](size_t limit) { return static_cast<int>(random.below(limit)); };
+    for (int step = 0; step < 5000 && !testing::Test::HasFailure(); ++step) {
+        const size_t which = random.below(2), other = 1 - which;
+        UT_ErrorManager &m = managers[which];
+        PlainManager &p = plain[which];
+        const int size = m.getNumErrors();
+        if (below(10) > 0) {
+            const int severity = below(20) > 0 ? 1 + below(3) : 4 + below(2);
+            p.add({step, severity}, p.severity());
+            auto *error =
+                new UT_Error("System", step % 9 + 1, std::to_string(step).c_str(), severity);
+            EXPECT_EQ(p.severity(), m.addError(error));
+            EXPECT_TRUE(!m.isRead() || m.getNumErrors() == size);
+        } else if (below(4) == 0) {
+            const int index = below(50) - 2;
+            const UT_Error *const error = m.getError(index);
+            EXPECT_EQ(error ? index : -1, m.removeError(index));
+            if (error)
+                p.records.erase(p.records.begin() + index);
+            delete error;
+            EXPECT_EQ(p.severity(), m.getSeverity());
+        } else if (below(4) == 0) {
+            m.clearAndDestroyErrors();
+            p.records.clear();
+            EXPECT_TRUE(m.isRead() && m.getSeverity() == 0);
+        } else {
+            const int first = below(40) - 5, last = below(50) - 5, filter = below(5);
+            const bool copies = below(2) == 0;
+            const PlainManager before = plain[other];
+            int count = 0, index = 0;
+            plain[other].records.clear();
+            for (const auto &record : before.records) {
+                const bool isInside = index >= first && (last < 0 || index <= last);
+                const bool isTaken = isInside && (!filter || filter == record.second);
+                if (isTaken)
+                    p.add(record, p.severity());
+                if (!isTaken || copies)
+                    plain[other].records.push_back(record);
+                count += isTaken;
+                ++index;
+            }
+            EXPECT_EQ(count, m.stealErrors(managers[other], first, last, filter, copies));
+            EXPECT_EQ(plain[other].severity(), managers[other].getSeverity());
+            expectSame(plain[other], managers[other]);
+        }
+        expectSame(p, m);
+    }
+    const int count = managers[0].getNumErrors();
+    EXPECT_EQ(count, managers[0].stealErrors(managers[0], 0, -1, 0, false)) << "from itself";
+    EXPECT_EQ(count, managers[0].getNumErrors());
+}
 
+TEST(ErrorManager, FunctionsAddToTheTopOfTheStack)
+{
     const struct {
+        int (*add)();
         const char *type;
-        int code, index, severity;
-    } cases[] = {{"T", 1, 0, 1},      {"T", 2, 1, 2}, {"T", 3, 2, 3},
-                 {"Common", 4, 3, 3}, {"T", 5, 4, 4}, {"Common", 6, 5, 4},
-                 {"System", 2, 6, 4}, {"T", 8, 7, 5}, {"T", 9, -1, 0}};
+        int code, severity, highest;
+    } cases[] = {
+        {[] { return UTaddMessage("T", 1, "x"); }, "T", 1, 1, 1},
+        {[] { return UTaddNote("T", 2); }, "T", 2, 2, 2},
+        {[] { return UTaddWarning("T", 3, "x"); }, "T", 3, 3, 3},
+        {[] { return UTaddCommonWarning(4); }, "Common", 4, 3, 3},
+        {[] { return UTaddError("T", 5); }, "T", 5, 4, 4},
+        {[] { return UTaddCommonError(6, "x"); }, "Common", 6, 4, 4},
+        {[] { return UTaddSystemError(); }, "System", ENOENT, 4, 4},
+        {[] { return UTaddFatal("T", 8); }, "T", 8, 5, 5},
+        {[] { return UTaddError(new UT_Error("T", 9, "x", 1)); }, "T", 9, 1, 5},
+    };
+    UT_ErrorManager::pushManager();
+    UTaddNote("below", 1);
+    UT_ErrorManager::pushManager();
     for (const auto &c : cases) {
         SCOPED_TRACE(c.code);
-        EXPECT_EQ(c.index, m.findError(c.type, c.code));
-        EXPECT_EQ(c.severity, c.index < 0 ? 0 : m.getError(c.index)->getSeverity());
+        EXPECT_EQ(-1, UTfindError(c.type, c.code));
+        errno = ENOENT;
+        EXPECT_EQ(c.highest, c.add());
+        const int index = UTfindError(c.type, c.code);
+        ASSERT_EQ(&c - cases, index);
+        EXPECT_EQ(c.severity, UT_ErrorManager::getCurrent().getError(index)->getSeverity());
     }
-    EXPECT_STREQ("x", m.getError(0)->getText());
-}
-
-TEST(ErrorManager, AFullListTakesOnlyWhatIsWorse)
-{
-    UT_ErrorManager m;
-    fill(m, std::string(41, '3'));
-    EXPECT_EQ(40, m.getNumErrors());
-    EXPECT_EQ(4, m.addError("T", 1));
-    EXPECT_EQ(4, m.addError("T", 2));
-    EXPECT_EQ(41, m.getNumErrors());
-    EXPECT_EQ(-1, m.findError("T", 2));
-}
-
-TEST(ErrorManager, MessagesAreJoinedAndCountedBySeverity)
-{
-    UT_ErrorManager m;
-    fill(m, "343");
-    const std::string one = std::strerror(1), two = std::strerror(2), three = std::strerror(3);
-    UT_String out("old");
-    EXPECT_FALSE(m.isRead());
-    EXPECT_EQ(3, m.getErrorMessages(out, 0, true));
-    EXPECT_EQ(one + "\n" + two + "\n" + three, out.toStdString());
-    EXPECT_TRUE(m.isRead());
-    EXPECT_EQ(2, m.getErrorMessages(out, 3, false));
-    EXPECT_EQ(one + "\n\n" + three, out.toStdString());
-    m.addMessage("System", 1);
-    EXPECT_FALSE(m.isRead());
-
-    m.clearAndDestroyErrors();
-    EXPECT_TRUE(m.isRead());
-    EXPECT_EQ(0, m.getErrorMessages(out, 0, true));
-    EXPECT_STREQ("", out);
-    EXPECT_EQ(0, m.getSeverity());
-}
-
-TEST(ErrorManager, ConsecutiveMessagesOfOneSeverityArePrefixedOnce)
-{
-    UT_ErrorManager m;
-    UT_String out;
-    const char *table = SOURCE_DIR "/share/veldrin/error/Common";
-    m.addError(table, 4, "a");
-    m.addError(table, 4, "b");
-    m.getErrorMessages(out, 0, true);
-    EXPECT_STREQ("Error:       Unable to save: a\n             Unable to save: b", out);
-}
-
-TEST(ErrorManager, RecordsCanBeTakenOverAndTakenOut)
-{
-    const struct {
-        const char *what;
-        int first, last, filter;
-        bool copy;
-        int count;
-        const char *left, *taken;
-        int severityLeft;
-    } cases[] = {
-        {"all", 0, -1, 0, false, 4, "", "1234", 0},
-        {"some", 1, 2, 0, false, 2, "14", "23", 3},
-        {"one severity", 0, -1, 4, false, 1, "134", "2", 5},
-        {"clamped", -5, 99, 3, false, 1, "234", "1", 5},
-        {"copies", 1, -1, 0, true, 3, "1234", "234", 5},
-        {"nothing", 3, 1, 0, false, 0, "1234", "", 5},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        UT_ErrorManager from, to;
-        fill(from, "3452");
-        EXPECT_EQ(c.count, to.stealErrors(from, c.first, c.last, c.filter, c.copy));
-        EXPECT_EQ(c.left, codesOf(from));
-        EXPECT_EQ(c.taken, codesOf(to));
-        EXPECT_EQ(c.severityLeft, from.getSeverity());
-    }
-    UT_ErrorManager m;
-    fill(m, "354");
-    EXPECT_EQ(3, m.stealErrors(m, 0, -1, 0, false)) << "from itself";
-    EXPECT_EQ("123", codesOf(m));
-    const UT_Error *worst = m.getError(1);
-    EXPECT_EQ(1, m.removeError(1));
-    EXPECT_EQ(5, worst->getSeverity());
-    delete worst;
-    EXPECT_EQ(4, m.getSeverity());
-    EXPECT_EQ(-1, m.removeError(2));
-    EXPECT_EQ(nullptr, m.getError(-1));
-}
-
-TEST(ErrorManager, FunctionsWorkOnTheTopOfTheStack)
-{
-    UT_ErrorManager::pushManager();
-    EXPECT_EQ(3, UTaddWarning("T", 1, "x"));
-    UT_ErrorManager::pushManager();
-    EXPECT_EQ(0, UTgetErrorSeverity());
-    EXPECT_EQ(1, UTaddMessage("T", 1));
-    EXPECT_EQ(2, UTaddNote("T", 2));
-    EXPECT_EQ(3, UTaddCommonWarning(3));
-    EXPECT_EQ(4, UTaddError("T", 4));
-    EXPECT_EQ(4, UTaddCommonError(5));
-    EXPECT_EQ(4, UTaddSystemError());
-    EXPECT_EQ(5, UTaddFatal("T", 7));
-    EXPECT_EQ(5, UTaddError(new UT_Error("T", 8, "", 1)));
-    EXPECT_EQ(7, UTfindError("T", 8));
+    EXPECT_STREQ("x", UT_ErrorManager::getCurrent().getError(2)->getText());
     UT_ErrorManager::popManager();
-    EXPECT_EQ(3, UTgetErrorSeverity());
-    EXPECT_EQ(0, UTfindError("T", 1));
-    UT_ErrorManager::popManager();
+    EXPECT_EQ(2, UTgetErrorSeverity());
     while (UT_ErrorManager::getCurrent().getNumErrors() > 0)
         UT_ErrorManager::popManager();
+    UT_ErrorManager::popManager();
+    UT_ErrorManager::popManager();
     EXPECT_EQ(0, UTgetErrorSeverity()) << "an empty stack makes a manager";
 }
 
@@ -176,58 +164,36 @@ TEST(ErrorManager, AWatcherHearsOfErrorsOnly)
     UT_ErrorManager::setErrorHook([](const char *message) { watched += message; });
     m.addWarning("T", 1);
     m.addFatal("T", 2);
+    m.addSystemError();
     m.addError(new UT_Error("T", 3, "", 4));
-    EXPECT_EQ("", watched);
     m.addError(SOURCE_DIR "/share/veldrin/error/Common", 4, "x");
-    m.addError("T", 4);
     m.addCommonError(-1);
-    EXPECT_EQ("Error:       Unable to save: xT: unknown error: 4Common: unknown error: -1",
-              watched);
     UT_ErrorManager::setErrorHook(nullptr);
-    watched.clear();
     m.addError("T", 5);
-    EXPECT_EQ("", watched);
+    EXPECT_EQ("Error:       Unable to save: xCommon: unknown error: -1", watched);
 }
 
 TEST(ErrorManager, AFailedWriteIsPostedWhenItsDataAreLost)
 {
-    const std::string full = std::strerror(ENOSPC);
-    const struct {
-        int code;
-        const char *operation, *path;
-        bool good;
-        std::string text;
-    } cases[] = {
-        {0, "Write", "a", true, ""},
-        {ENOENT, "Write", "a", true, ""},
-        {ENOSPC, "Write", "a/b", false, "Write <" + full + "> a/b"},
-        {ENOSPC, nullptr, nullptr, false, " <" + full + "> "},
-        {ETIMEDOUT, "Write", "", false, "Write <" + std::string(std::strerror(ETIMEDOUT)) + "> "},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.code);
-        UT_ErrorManager::pushManager();
-        errno = c.code;
-        EXPECT_EQ(c.good, UTcheckSaveError(c.operation, c.path));
-        const UT_ErrorManager &m = UT_ErrorManager::getCurrent();
-        EXPECT_EQ(c.good ? -1 : 0, m.findError("Common", UT_COMMON_SAVE_FAILED));
-        EXPECT_EQ(c.text, c.good ? "" : m.getError(0)->getText());
-        UT_ErrorManager::popManager();
-    }
-}
-
-TEST(ErrorManager, FailedWritesAreReportedInFullWhenAskedFor)
-{
-    const auto report = [](const char *verbose) {
-        UTsetenv("VELDRIN_VERBOSE_ERROR", verbose);
-        UT_EnvControl::instance().updateVariable("VELDRIN_VERBOSE_ERROR");
-        testing::internal::CaptureStderr();
-        errno = ENOENT;
-        EXPECT_TRUE(UTcheckSaveError("Write", nullptr));
-        return testing::internal::GetCapturedStderr();
-    };
-    const std::string reason = std::strerror(ENOENT);
-    EXPECT_EQ("Veldrin Save error detected:errno 2 (" + reason + ") path() operation(Write)\n\r",
-              report("1"));
-    EXPECT_EQ("", report("0"));
+    for (int code = 0; code < 140; ++code)
+        for (const char *const word : {"Write", "", static_cast<const char *>(nullptr)}) {
+            const int losses[] = {EIO, EMFILE, ENOSPC, EROFS, ENOSTR, ENOSR, ETIMEDOUT};
+            const bool isLoss = std::count(std::begin(losses), std::end(losses), code) > 0;
+            const std::string reason = std::strerror(code), text = word ? word : "";
+            const bool isVerbose = code % 2 == 0;
+            const ScopedVariable verbose("VELDRIN_VERBOSE_ERROR", isVerbose ? "1" : "0");
+            UT_ErrorManager::pushManager();
+            testing::internal::CaptureStderr();
+            errno = code;
+            EXPECT_EQ(!isLoss, UTcheckSaveError(word, word));
+            const std::string report = "Veldrin Save error detected:errno " + std::to_string(code) +
+                                       " (" + reason + ") path(" + text + ") operation(" + text +
+                                       ")\n\r";
+            EXPECT_EQ(isVerbose && code ? report : "", testing::internal::GetCapturedStderr());
+            EXPECT_EQ(isLoss ? 0 : -1, UTfindError("Common", UT_COMMON_SAVE_FAILED));
+            const UT_Error *const error = UT_ErrorManager::getCurrent().getError(0);
+            EXPECT_EQ(isLoss ? text + " <" + reason + "> " + text : "",
+                      error ? error->getText() : "");
+            UT_ErrorManager::popManager();
+        }
 }

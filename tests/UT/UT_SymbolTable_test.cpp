@@ -167,21 +167,18 @@ TEST(SymbolTable, SizesGoUpAndDownAFixedLadder)
 
 TEST(SymbolTable, LoadFactorsStayOnTheirSidesOfEachOther)
 {
-    const float unset = -7;
     const struct {
         float minimum, maximum; // set in this order
         float resultingMinimum, resultingMaximum;
     } cases[] = {
-        {unset, 2, 0.1f, 2},        {unset, 0, 0.1f, 0.75f},       {unset, 0.1f, 0.1f, 0.75f},
-        {0.5f, unset, 0.5f, 0.75f}, {0, unset, 0, 0.75f},          {-1, unset, 0.375f, 0.75f},
-        {0.6f, 0.5f, 0.6f, 1.2f},   {0.75f, unset, 0.375f, 0.75f},
+        {0.1f, 2, 0.1f, 2},       {0.1f, 0, 0.1f, 0.75f}, {0.1f, 0.1f, 0.1f, 0.75f},
+        {0.5f, 1, 0.5f, 1},       {0, 0.75f, 0, 0.75f},   {-1, 0.75f, 0.375f, 0.75f},
+        {0.6f, 0.5f, 0.6f, 1.2f}, {0.75f, 2, 0.375f, 2},
     };
     for (const auto &c : cases) {
         UT_SymbolTable table;
-        if (c.minimum != unset)
-            table.setMinLoadFactor(c.minimum);
-        if (c.maximum != unset)
-            table.setMaxLoadFactor(c.maximum);
+        table.setMinLoadFactor(c.minimum);
+        table.setMaxLoadFactor(c.maximum);
         EXPECT_EQ(c.resultingMinimum, table.minLoadFactor()) << c.minimum;
         EXPECT_EQ(c.resultingMaximum, table.maxLoadFactor()) << c.maximum;
     }

@@ -8,57 +8,15 @@
 #include <cerrno>
 #include <cstdlib>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <iostream>
 #include <string>
 
 namespace
 {
-
-const std::string STAMP = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}: ";
-
 UT_Error error(int code, int severity = 4)
 {
     return UT_Error("T", code, "", severity);
 }
-
-} // namespace
-
-TEST(ErrorLog, AMessageIsNotRepeatedAtOnce)
-{
-    ScratchDirectory scratch;
-    const std::string file = scratch.path("log");
-    ut_ErrorLog log(file.c_str(), 3);
-    for (const int code : {1, 1, 2, 1, 2})
-        log.add(error(code));
-    EXPECT_THAT(fileContents(file), testing::MatchesRegex(STAMP + "T: unknown error: 1\n" + STAMP +
-                                                          "T: unknown error: 2\n"));
-}
-
-TEST(ErrorLog, OnlyErrorsOfItsLevelAreLogged)
-{
-    ScratchDirectory scratch;
-    const std::string file = scratch.write("log", "before\n");
-    ut_ErrorLog log(file.c_str(), 3);
-    log.add(error(1, 2));
-    log.add(error(2, 3));
-    EXPECT_THAT(fileContents(file),
-                testing::MatchesRegex("before\n" + STAMP + "T: unknown error: 2\n"));
-}
-
-TEST(ErrorLog, WithoutAFileNothingHappens)
-{
-    ScratchDirectory scratch;
-    ut_ErrorLog none(nullptr, 0), empty("", 0), folder(scratch.path().c_str(), 0);
-    for (ut_ErrorLog *log : {&none, &empty, &folder}) {
-        errno = ENOSPC;
-        log->add(error(1));
-        EXPECT_EQ(ENOSPC, errno);
-    }
-}
-
-namespace
-{
 
 // Shows the log on standard error and ends with the errors' severity.
 [[noreturn]] void logThroughManagers()
@@ -74,8 +32,31 @@ namespace
     }
     std::_Exit(UTgetErrorSeverity());
 }
-
 } // namespace
+
+TEST(ErrorLog, RecordsOfItsLevelAreAppendedAndNotRepeatedAtOnce)
+{
+    ScratchDirectory scratch;
+    const std::string file = scratch.write("log", "before\n");
+    ut_ErrorLog log(file.c_str(), 3);
+    for (const int code : {1, 1, 2, 1, 2, 3})
+        log.add(error(code, code == 3 ? 2 : 3));
+    const std::string stamp = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}: ";
+    EXPECT_THAT(fileContents(file),
+                testing::MatchesRegex("before\n" + stamp + "T: unknown error: 1\n" + stamp +
+                                      "T: unknown error: 2\n"));
+}
+
+TEST(ErrorLog, WithoutAFileNothingHappens)
+{
+    ScratchDirectory scratch;
+    ut_ErrorLog none(nullptr, 0), empty("", 0), folder(scratch.path().c_str(), 0);
+    for (ut_ErrorLog *log : {&none, &empty, &folder}) {
+        errno = ENOSPC;
+        log->add(error(1));
+        EXPECT_EQ(ENOSPC, errno);
+    }
+}
 
 // In a process of its own, since a process has one log for good; tests of this kind
 // run first, while nothing has been logged yet.
