@@ -208,3 +208,14 @@ TYPED_TEST(ArrayCore, SetOperationsDoWhatTheStandardOnesDo)
         expect(united, [](auto &a, const auto &b) { a.merge(b, 0, true); });
     }
 }
+
+TEST(IntegerArray, SortsAscendingAndPrintsItself)
+{
+    UT_IntegerArray array;
+    for (const int number : {3, INT32_MIN, -1, 2})
+        array.append(number);
+    array.sort();
+    testing::internal::CaptureStdout();
+    array.display();
+    EXPECT_EQ("-2147483648 -1 2 3 \n", testing::internal::GetCapturedStdout());
+}

@@ -31,7 +31,6 @@ constexpr size_t READERS = 9;
 // Reads in one of several ways from both, and compares.
 void readBoth(UT_IStream &is, PlainReader &plain, size_t reader)
 {
-    SCOPED_TRACE(testing::Message() << "reader " << reader << " at " << plain.position);
     UT_ScratchBuffer text;
     bool found = false, isFloating = false;
     int lines = 0, plainLines = 0;
@@ -64,7 +63,7 @@ void readBoth(UT_IStream &is, PlainReader &plain, size_t reader)
         plain.position += !plain.isAtEnd();
     }
     EXPECT_EQ(expected.has_value(), found);
-    EXPECT_EQ(expected.value_or(""), textOf(text));
+    EXPECT_EQ(expected.value_or(""), textOf(text)) << "reader " << reader;
     EXPECT_EQ(static_cast<int64_t>(plain.position), is.tellg());
     EXPECT_FALSE(is.hasError());
 }
@@ -75,13 +74,14 @@ void readAll(const std::string &text, uint64_t cuts, Next next)
 {
     if (testing::Test::HasFailure())
         return;
-    SCOPED_TRACE(testing::Message() << testing::PrintToString(text) << " cut " << cuts);
     UT_IStream is(new TrickleSource(text, cuts), false);
     PlainReader plain{text};
     for (size_t reads = 0; reads <= text.size() || !plain.isAtEnd(); ++reads)
         readBoth(is, plain, plain.isAtEnd() ? reads % (READERS - 1) : next());
     EXPECT_EQ(-1, is.getChar());
     EXPECT_TRUE(is.isEof());
+    if (testing::Test::HasFailure())
+        ADD_FAILURE() << "in " << testing::PrintToString(text) << " cut " << cuts;
 }
 } // namespace
 

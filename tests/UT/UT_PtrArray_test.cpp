@@ -6,17 +6,28 @@
 
 namespace
 {
-using Words = UT_PtrArray<const char *>;
-
 int compareTexts(const void *a, const void *b)
 {
     return std::strcmp(*static_cast<const char *const *>(a), *static_cast<const char *const *>(b));
 }
 } // namespace
 
+TEST(PtrArray, KeepsOneOfEachAndInTheGivenOrderWhenAskedTo)
+{
+    UT_PtrArray<const char *> sorted, unique;
+    std::string sortedAt, uniqueAt;
+    for (const char *const word : {"pear", "apple", "fig", "apple", "quince", "pear"}) {
+        sortedAt += std::to_string(sorted.sortedInsert(word, compareTexts));
+        uniqueAt += std::to_string(unique.uniqueAppend(sorted(0), *word != 'f'));
+    }
+    EXPECT_EQ("001032", sortedAt);
+    EXPECT_EQ(4u, sorted.entries());
+    EXPECT_EQ("012111", uniqueAt); // "pear" and then "apple", which is there twice
+}
+
 TEST(PtrArray, CollapseDropsNullsAndKeepsTheOrder)
 {
-    Words array;
+    UT_PtrArray<const char *> array;
     for (const char *const word : {"", "b", "", "", "a", "c", ""})
         array.append(*word ? word : nullptr);
     const unsigned capacity = array.capacity();
@@ -25,24 +36,4 @@ TEST(PtrArray, CollapseDropsNullsAndKeepsTheOrder)
     EXPECT_EQ(capacity, array.capacity());
     EXPECT_EQ(3u, array.collapseToFit());
     EXPECT_EQ(3u, array.capacity());
-}
-
-TEST(PtrArray, UniqueAppendLooksForTheValueOnlyWhenAsked)
-{
-    Words array;
-    const char *const words[] = {"a", "b"};
-    EXPECT_EQ(0u, array.uniqueAppend(words[0], true));
-    EXPECT_EQ(0u, array.uniqueAppend(words[0], true));
-    EXPECT_EQ(1u, array.uniqueAppend(words[0], false));
-    EXPECT_EQ(2u, array.uniqueAppend(words[1], true));
-}
-
-TEST(PtrArray, SortedInsertKeepsTheGivenOrderAndOneOfEachValue)
-{
-    Words array;
-    std::string indices;
-    for (const char *const word : {"pear", "apple", "fig", "apple", "quince", "pear"})
-        indices += std::to_string(array.sortedInsert(word, compareTexts));
-    EXPECT_EQ("001032", indices);
-    EXPECT_EQ(4u, array.entries());
 }

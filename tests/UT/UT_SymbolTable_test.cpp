@@ -2,13 +2,13 @@
 
 #include "tests/support/Random.h"
 
-#include <cinttypes>
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iomanip>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -36,14 +36,6 @@ std::string printed(const UT_SymbolTable &table, void (UT_SymbolTable::*print)(F
     return result;
 }
 
-std::string uniqueName(const UT_SymbolTable &table, const char *base)
-{
-    char *const name = table.makeUniqueName(base);
-    const std::string result(name);
-    std::free(name);
-    return result;
-}
-
 // What a table holds, and its size by the rules.
 struct PlainTable : std::map<std::string, void *> {
     const std::vector<int> mySizes = tableSizes();
@@ -60,10 +52,9 @@ struct PlainTable : std::map<std::string, void *> {
             uint32_t hash = 0;
             for (const char c : name)
                 hash = 37 * hash + static_cast<uint32_t>(static_cast<signed char>(c));
-            char number[20];
-            std::snprintf(number, sizeof number, "%08" PRIXPTR, reinterpret_cast<uintptr_t>(value));
-            chains[hash % static_cast<uint32_t>(*mySize)] << " \"" << name << "\" = 0x" << number
-                                                          << '\n';
+            std::ostream &chain = chains[hash % static_cast<uint32_t>(*mySize)];
+            chain << " \"" << name << "\" = 0x" << std::hex << std::uppercase << std::setfill('0')
+                  << std::setw(8) << reinterpret_cast<uintptr_t>(value) << '\n';
         }
         std::ostringstream all;
         for (const auto &[bucket, lines] : chains)
@@ -199,7 +190,10 @@ TEST(SymbolTable, StatisticsAreThoseOfTheChainsLengths)
 TEST(SymbolTable, UniqueNamesCountOnFromTheHighestNumber)
 {
     UT_SymbolTable table, merged;
-    EXPECT_EQ("obj1", uniqueName(table, "obj3"));
+    const auto uniqueName = [](const UT_SymbolTable &t, const char *base) {
+        return std::unique_ptr<char, decltype(&std::free)>(t.makeUniqueName(base), std::free);
+    };
+    EXPECT_STREQ("obj1", uniqueName(table, "obj3").get());
     for (const char *const name :
          {"obj1", "obj7", "objx9", "ob12", "007", "big99999999999999999999"})
         table.addSymbol(name, storage);
@@ -212,7 +206,7 @@ TEST(SymbolTable, UniqueNamesCountOnFromTheHighestNumber)
     } cases[] = {{"obj", "obj8"}, {"obj3", "obj8"}, {"objx", "objx10"}, {"o", "o1"},
                  {"42", "8"},     {nullptr, "8"},   {"a1b22", "a1b1"},  {"big", "big1"}};
     for (const auto &c : cases)
-        EXPECT_EQ(c.name, uniqueName(merged, c.base));
+        EXPECT_STREQ(c.name, uniqueName(merged, c.base).get());
 }
 
 TEST(SymbolTable, ANullNameIsTheEmptyOneAndOneWithANulInsideIsNeverFound)
