@@ -2,6 +2,7 @@
 
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
+#include "tests/support/Cases.h"
 #include "tests/support/PlainReader.h"
 #include "tests/support/PlainText.h"
 #include "tests/support/Random.h"
@@ -10,6 +11,8 @@
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <iomanip>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -118,48 +121,41 @@ TEST(IStream, ALockedBufferStaysAsItIsAndInlineCommentsAreCutWhenAskedFor)
     EXPECT_EQ("two ", textOf(next));
 }
 
-template <class T>
-T numberFrom(const std::string &text)
+// The number that a text holds, as each type reads it.
+template <class... T>
+std::string numbersFrom(const char *text)
 {
-    T values[2] = {77, 77};
-    EXPECT_EQ(1, streamOver(text).read(values, 2)) << "stops at the first missing one";
-    return values[0];
+    std::ostringstream all;
+    const auto add = [&](auto value) {
+        EXPECT_EQ(1, streamOver(text).read(&value, 2)) << "stops at the first missing one";
+        all << std::setprecision(12) << value << ' ';
+    };
+    (add(T()), ...);
+    return all.str();
 }
 
 TEST(IStream, NumbersAreReadAlikeOnEveryPlatform)
 {
-    const struct {
-        const char *in;
-        int32_t i32;
-        uint32_t u32;
-        int16_t i16;
-        int64_t i64;
-        double real;
-    } cases[] = {
-        {"2.5", 3, 3, 3, 2, 2.5},
-        {"-2.5", -2, 4294967294u, -2, -2, -2.5},
-        {"-7", -7, 4294967289u, -7, -7, -7},
-        {"1e3", 1000, 1000, 1000, 1, 1000},
-        {"70000", 70000, 70000, 4464, 70000, 70000},
-        {"5000000000", INT32_MAX, UINT32_MAX, -1, 5000000000, 5e9},
-        {"-5000000000", INT32_MIN, UINT32_MAX, 0, -5000000000, -5e9},
-        {"1e30", INT32_MAX, UINT32_MAX, -1, 1, 1e30},
-        {"8388609.0", 8388609, 8388609, 1, 8388609, 8388609},      // single precision loses no half
-        {"16777217.0", 16777216, 16777216, 0, 16777217, 16777217}, // but a whole
-        {"99999999999999999999", INT32_MAX, UINT32_MAX, -1, INT64_MAX, 1e20},
-        {"word", 0, 0, 0, 0, 0},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.in);
-        EXPECT_EQ(c.i32, numberFrom<int32_t>(c.in));
-        EXPECT_EQ(c.u32, numberFrom<uint32_t>(c.in));
-        EXPECT_EQ(c.i16, numberFrom<int16_t>(c.in));
-        EXPECT_EQ(static_cast<uint16_t>(c.u32), numberFrom<uint16_t>(c.in));
-        EXPECT_EQ(c.i64, numberFrom<int64_t>(c.in));
-        EXPECT_EQ(c.real, numberFrom<double>(c.in));
-        EXPECT_EQ(static_cast<float>(c.real), numberFrom<float>(c.in));
-    }
-    EXPECT_EQ(UINT64_MAX, numberFrom<uint64_t>("18446744073709551615"));
+    const auto show =
+        numbersFrom<int32_t, uint32_t, int16_t, uint16_t, int64_t, uint64_t, float, double>;
+    expectEach(
+        {"2.5 -> 3 3 3 3 2 2 2.5 2.5 ",
+         "-2.5 -> -2 4294967294 -2 65534 -2 18446744073709551614 -2.5 -2.5 ",
+         "-7 -> -7 4294967289 -7 65529 -7 18446744073709551609 -7 -7 ",
+         "1e3 -> 1000 1000 1000 1000 1 1 1000 1000 ",
+         "70000 -> 70000 70000 4464 4464 70000 70000 70000 70000 ",
+         "5000000000 -> 2147483647 4294967295 -1 65535 5000000000 5000000000 5000000000 "
+         "5000000000 ",
+         "-5000000000 -> -2147483648 4294967295 0 65535 -5000000000 18446744068709551616 "
+         "-5000000000 -5000000000 ",
+         "1e30 -> 2147483647 4294967295 -1 65535 1 1 1.00000001505e+30 1e+30 ",
+         "8388609.0 -> 8388609 8388609 1 1 8388609 8388609 8388609 8388609 ", // single precision
+                                                                              // loses no half
+         "16777217.0 -> 16777216 16777216 0 0 16777217 16777217 16777216 16777217 ", // but a whole
+         "99999999999999999999 -> 2147483647 4294967295 -1 65535 9223372036854775807 "
+         "18446744073709551615 1.00000002004e+20 1e+20 ",
+         "word -> 0 0 0 0 0 0 0 0 "},
+        show);
 }
 
 // Reads values in the stream's form, and compares their bytes.

@@ -1,5 +1,6 @@
 #include "UT/UT_SymbolTable.h"
 
+#include "tests/support/Cases.h"
 #include "tests/support/Random.h"
 
 #include <cstdlib>
@@ -190,10 +191,6 @@ TEST(SymbolTable, StatisticsAreThoseOfTheChainsLengths)
 TEST(SymbolTable, UniqueNamesCountOnFromTheHighestNumber)
 {
     UT_SymbolTable table, merged;
-    const auto uniqueName = [](const UT_SymbolTable &t, const char *base) {
-        return std::unique_ptr<char, decltype(&std::free)>(t.makeUniqueName(base), std::free);
-    };
-    EXPECT_STREQ("obj1", uniqueName(table, "obj3").get());
     for (const char *const name :
          {"obj1", "obj7", "objx9", "ob12", "007", "big99999999999999999999"})
         table.addSymbol(name, storage);
@@ -201,12 +198,14 @@ TEST(SymbolTable, UniqueNamesCountOnFromTheHighestNumber)
     merged.mergeTable(table);
     merged.mergeTable(merged);
     EXPECT_EQ(storage, merged.findOrAddSymbol("obj7"));
-    const struct {
-        const char *base, *name;
-    } cases[] = {{"obj", "obj8"}, {"obj3", "obj8"}, {"objx", "objx10"}, {"o", "o1"},
-                 {"42", "8"},     {nullptr, "8"},   {"a1b22", "a1b1"},  {"big", "big1"}};
-    for (const auto &c : cases)
-        EXPECT_STREQ(c.name, uniqueName(merged, c.base).get());
+    const auto uniqueName = [&](const char *base) {
+        return std::unique_ptr<char, decltype(&std::free)>(merged.makeUniqueName(base), std::free)
+                   .get() +
+               std::string();
+    };
+    expectEach({"obj -> obj8", "obj3 -> obj8", "objx -> objx10", "o -> o1", "42 -> 8",
+                "(null) -> 8", "a1b22 -> a1b1", "big -> big1"},
+               uniqueName);
 }
 
 TEST(SymbolTable, ANullNameIsTheEmptyOneAndOneWithANulInsideIsNeverFound)
