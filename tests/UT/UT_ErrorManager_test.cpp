@@ -59,7 +59,7 @@ TEST(ErrorManager, RecordsComeAndGoAsInAList)
     UT_ErrorManager managers[2];
     PlainManager plain[2];
     const auto below = [&](size_t limit) { return static_cast<int>(random.below(limit)); };
-    for (int step = 0; step < 5000 && !testing::Test::HasFailure(); ++step) {
+    for (int step = 0; step < 1500 && !testing::Test::HasFailure(); ++step) {
         const size_t which = random.below(2), other = 1 - which;
         UT_ErrorManager &m = managers[which];
         PlainManager &p = plain[which];
