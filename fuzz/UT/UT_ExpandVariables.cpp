@@ -1,0 +1,25 @@
+// Any text expands without harm; one with nothing to expand stays as it is.
+#include "UT/UT_ExpandVariables.h"
+
+#include "UT/UT_ScratchBuffer.h"
+#include "fuzz/fuzz.h"
+
+#include <cstring>
+
+static const char *lookUp(const char *name, void *)
+{
+    return std::strchr(name, 'x') == nullptr ? name : nullptr;
+}
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const std::string text = fuzzText(data, size).c_str();
+    UT_ScratchBuffer out;
+    for (const bool inComments : {false, true}) {
+        const int count = UTexpandVariables(out, text.c_str(), lookUp, nullptr, false, inComments);
+        fuzzExpectEqual(true, count >= 0 && out.length() == static_cast<int>(strlen(out.buffer())));
+    }
+    if (text.find_first_of("$'\\") == text.npos)
+        fuzzExpectEqual(text, out.buffer());
+    return 0;
+}
