@@ -52,10 +52,28 @@ void CPP_File::setPath(const char *path)
         myDirectory.clear();
 }
 
-void CPP_File::countLine()
+void CPP_File::countLines(int lines)
 {
     // #line may have put it anywhere, so it wraps.
-    myLineNumber = static_cast<int>(static_cast<uint32_t>(myLineNumber) + 1);
+    myLineNumber =
+        static_cast<int>(static_cast<uint32_t>(myLineNumber) + static_cast<uint32_t>(lines));
+}
+
+const char *CPP_File::takeRun(cpp_RunKind kind, int &length, int &lines)
+{
+    if (myStream == nullptr || myOwedNewlines > 0)
+        return nullptr;
+    const char *text = myStream->peekBuffered(length);
+    if (text == nullptr)
+        return nullptr;
+    length = static_cast<int>(runEnd(kind, text, text + length) - text);
+    if (length == 0)
+        return nullptr;
+    mySpecialFlag = mySpecialFlag || myStream->isSpecial();
+    myStream->skipBuffered(length);
+    lines = ::countLines(text, text + length);
+    countLines(lines);
+    return text;
 }
 
 bool CPP_File::readLogicalLine(UT_ScratchBuffer &line)
@@ -69,7 +87,7 @@ bool CPP_File::readLogicalLine(UT_ScratchBuffer &line)
     } else if (!joinLines(line)) {
         return false;
     }
-    countLine();
+    countLines(1);
     return true;
 }
 
@@ -78,20 +96,29 @@ bool CPP_File::joinLines(UT_ScratchBuffer &line)
     if (!myStream->readLine(line))
         return false;
     mySpecialFlag = mySpecialFlag || myStream->isSpecial();
-    while (takeBackslash(line)) {
-        if (endsInBackslash(line)) {
-            replaceNuls(line);
-            return true;
-        }
-        // At the end of the file nothing continues the line.
-        if (!myStream->readLine(myContinuation))
-            break;
-        mySpecialFlag = mySpecialFlag || myStream->isSpecial();
-        ++myOwedNewlines;
-        line.append(myContinuation.buffer(), myContinuation.length());
+    if (takeBackslash(line) && !takeContinuations(line)) {
+        replaceNuls(line);
+        return true;
     }
     line.append('\n');
     replaceNuls(line);
+    return true;
+}
+
+// False when the line ends in two backslashes, of which one is gone.
+bool CPP_File::takeContinuations(UT_ScratchBuffer &line)
+{
+    UT_ScratchBuffer next;
+    do {
+        if (endsInBackslash(line))
+            return false;
+        // At the end of the file nothing continues the line.
+        if (!myStream->readLine(next))
+            break;
+        mySpecialFlag = mySpecialFlag || myStream->isSpecial();
+        ++myOwedNewlines;
+        line.append(next.buffer(), next.length());
+    } while (takeBackslash(line));
     return true;
 }
 

@@ -6,6 +6,7 @@
 // lines, so that output lines stay on the number of their input lines.
 #pragma once
 
+#include "CPP/cpp_Runs.h"
 #include "UT/UT_IntegerArray.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
@@ -52,6 +53,10 @@ public:
     [[nodiscard]] bool readLogicalLine(UT_ScratchBuffer &line);
     bool isSpecial() const { return mySpecialFlag; }
 
+    // Takes all lines of the run that comes next, those that are in memory already,
+    // and counts them. Null when there is none. The text holds until the next line.
+    const char *takeRun(cpp_RunKind kind, int &length, int &lines);
+
     // ---- Conditionals: a stack, the innermost on top --------------------
     // On an empty stack all but push do nothing.
 
@@ -66,7 +71,8 @@ private:
     ~CPP_File();
 
     bool joinLines(UT_ScratchBuffer &line);
-    void countLine();
+    bool takeContinuations(UT_ScratchBuffer &line);
+    void countLines(int lines);
     int &topCondition() { return myConditions(myConditions.entries() - 1); }
 
     std::unique_ptr<CPP_Stream> myStream;
@@ -77,5 +83,4 @@ private:
     int myOwedNewlines = 0; // continuation lines not yet answered
     bool mySpecialFlag = false;
     int myRefCount = 1;
-    UT_ScratchBuffer myContinuation;
 };

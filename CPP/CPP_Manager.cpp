@@ -5,6 +5,7 @@
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_SmallFiles.h"
 #include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
 #include "UT/UT_IStream.h"
@@ -34,7 +35,8 @@ UT_IStream *standardInput()
 } // namespace
 
 CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
-    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(*this))
+    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(*this)),
+      mySmallFiles(new cpp_SmallFiles(*this))
 {
     const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
     myIncludePath.reset(UT_PathSearch::getNewInstance(known));
@@ -56,7 +58,7 @@ CPP_Manager::~CPP_Manager()
 
 CPP_Stream *CPP_Manager::newStream()
 {
-    return new cpp_DefStream;
+    return new cpp_DefStream(mySmallFiles.get());
 }
 
 void CPP_Manager::setFlag(Flag flag, bool on)
@@ -153,7 +155,7 @@ bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
         path.assignCopy(name);
     else
         path.sprintf("%s/%s", directory, name);
-    return access(path, R_OK) == 0;
+    return mySmallFiles->find(path) != nullptr || access(path, R_OK) == 0;
 }
 
 bool CPP_Manager::pushPath(const char *path)
@@ -218,6 +220,46 @@ bool CPP_Manager::getLine(UT_ScratchBuffer &line)
     return false;
 }
 
+bool CPP_Manager::getLines(const char *&text, int &length)
+{
+    if (takeRun(text, length))
+        return true;
+    if (!getLine(myOutput))
+        return false;
+    text = myOutput.buffer();
+    length = myOutput.length();
+    return true;
+}
+
+// Only where getLine() would read a source line and have nothing to put in front.
+bool CPP_Manager::takeRun(const char *&text, int &length)
+{
+    CPP_File *file = currentFile();
+    const bool isBusy = myBlankLinesOwed > 0 || hasFlag(STOPPED) || myPendingText.length() > 0;
+    if (isBusy || hasPoppedFile || file == nullptr)
+        return false;
+    const bool isDropped = hasFlag(IN_BLOCK_COMMENT) || file->isSkipping();
+    if (isDropped && hasFlag(OLD_STYLE_INCLUDE)) // which warns even there
+        return false;
+    int lines;
+    text = file->takeRun(isDropped ? cpp_RunKind::DROPPED : cpp_RunKind::KEPT, length, lines);
+    if (text == nullptr)
+        return false;
+    sawSpecialStream = sawSpecialStream || file->isSpecial();
+    if (isDropped) {
+        text = emptyLines(lines);
+        length = lines;
+    }
+    return true;
+}
+
+const char *CPP_Manager::emptyLines(int lines)
+{
+    while (myEmptyLines.length() < lines)
+        myEmptyLines.append('\n');
+    return myEmptyLines.buffer();
+}
+
 void CPP_Manager::takePendingText(UT_ScratchBuffer &out)
 {
     UT_ScratchBuffer &to = isPendingSource ? myLine : out;
@@ -277,18 +319,19 @@ void CPP_Manager::processLine(UT_ScratchBuffer &out)
 
 bool CPP_Manager::processIfDirective(const char *first, UT_ScratchBuffer &out)
 {
+    const bool isDirective = *first == '#';
+    if (!isDirective && !isOldInclude(first))
+        return false;
     UT_String result;
-    if (*first == '#') {
+    if (isDirective) {
         if (hasFlag(HASH_COMMENTS) && first != myLine.buffer())
             result = "\n";
         else
             processDirective(first + 1, result);
-    } else if (isOldInclude(first)) {
+    } else {
         std::fprintf(stderr, "CPP Warning:  old style include detected %s:%d\n",
                      currentFile()->getName(), currentFile()->getLineNumber());
         processDirective(first, result);
-    } else {
-        return false;
     }
     out.append(result);
     return true;

@@ -24,6 +24,7 @@
 #pragma once
 
 #include "CPP/CPP_File.h"
+#include "CPP/cpp_NameFilter.h"
 #include "UT/UT_PathSearch.h"
 #include "UT/UT_PtrArray.h"
 #include "UT/UT_ScratchBuffer.h"
@@ -35,6 +36,7 @@
 class CPP_Stream;
 class UT_IStream;
 class cpp_Expander;
+class cpp_SmallFiles;
 struct cpp_Macro;
 
 class CPP_Manager
@@ -91,6 +93,11 @@ public:
     [[nodiscard]] bool getLine(UT_String &line);
     [[nodiscard]] bool getLine(UT_ScratchBuffer &line);
 
+    // The same text in larger pieces, for those who only pass it on: one or more
+    // whole output lines, which hold until the next call. A line marker or a
+    // diagnostic comes alone.
+    [[nodiscard]] bool getLines(const char *&text, int &length);
+
     const char *getCurrentFileName() const; // "<unknown>" when none is open
 
     // ---- Macros --------------------------------------------------------
@@ -139,6 +146,8 @@ private:
     void stop(); // the diagnostic under way is the last line
 
     // emit
+    bool takeRun(const char *&text, int &length);
+    const char *emptyLines(int lines);
     void processLine(UT_ScratchBuffer &out);
     bool processIfDirective(const char *first, UT_ScratchBuffer &out);
     void expandInto(UT_ScratchBuffer &out);
@@ -152,6 +161,7 @@ private:
         __attribute__((format(printf, 4, 5)));
 
     // direct
+    bool namesMacro(const char *text) const; // the first word does
     void processDirective(const char *text, UT_String &result);
     void doIfdef(const Directive &directive);
     void doIfndef(const Directive &directive);
@@ -173,13 +183,14 @@ private:
     bool pushPath(const char *path);
     bool pushFile(CPP_File *file, const char *path);
 
-    void storeMacro(cpp_Macro *macro);
+    void storeMacro(const char *name, cpp_Macro *macro); // in place of one of that name
     bool applyOption(char letter, const char *value);
 
     std::unique_ptr<UT_PathSearch> myIncludePath;
     UT_ScratchBuffer myPendingText;  // the next output line, held back
     UT_PtrArray<CPP_File *> myFiles; // the innermost last
     UT_SymbolTable myMacros;         // values are cpp_Macro, deleted by us
+    cpp_NameFilter myMacroFilter;    // of all names that myMacros ever held
     unsigned myFlags = STRIP_COMMENTS | LINE_MARKERS | EXPAND_INCLUDE_NAMES;
     int myRecursionLimit;         // 0 means the default
     bool isPendingSource = false; // the held-back text is a source line, not output
@@ -187,6 +198,8 @@ private:
     bool sawSpecialStream = false;
     bool hasPoppedFile = false; // the next line read goes on in an outer file
     std::unique_ptr<cpp_Expander> myExpander;
+    std::unique_ptr<cpp_SmallFiles> mySmallFiles;
     UT_ScratchBuffer myLine;   // the source line under way
-    UT_ScratchBuffer myOutput; // for callers who want a string
+    UT_ScratchBuffer myOutput; // for callers who bring no buffer
+    UT_ScratchBuffer myEmptyLines;
 };

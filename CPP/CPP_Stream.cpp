@@ -2,6 +2,13 @@
 
 CPP_Stream::~CPP_Stream() = default;
 
+const char *CPP_Stream::peekBuffered(int &)
+{
+    return nullptr;
+}
+
+void CPP_Stream::skipBuffered(int) {}
+
 bool CPP_Stream::isSpecial() const
 {
     return false;

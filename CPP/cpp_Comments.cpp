@@ -36,6 +36,16 @@ bool holds(const UT_ScratchBuffer &line, char c)
     return std::memchr(line.buffer(), c, static_cast<size_t>(line.length())) != nullptr;
 }
 
+// The next slash from a position on; -1 when there is none.
+int findSlash(const UT_ScratchBuffer &line, int from)
+{
+    const int length = line.length() - from;
+    const void *slash =
+        length > 0 ? std::memchr(line.buffer() + from, '/', static_cast<size_t>(length)) : nullptr;
+    return slash != nullptr ? static_cast<int>(static_cast<const char *>(slash) - line.buffer())
+                            : -1;
+}
+
 void cut(UT_ScratchBuffer &line, int length)
 {
     line.truncate(length);
@@ -46,16 +56,16 @@ void cut(UT_ScratchBuffer &line, int length)
 // does not end on this line, which is then cut.
 int skipBlockComment(UT_ScratchBuffer &line, int from)
 {
-    char *start = line.buffer() + from;
-    const auto *end = static_cast<const char *>(
-        memmem(start, static_cast<size_t>(line.length() - from), "*/", 2));
-    if (end == nullptr) {
+    char *text = line.buffer();
+    int slash = findSlash(line, from + 1); // the sign's second character
+    while (slash >= 0 && text[slash - 1] != '*')
+        slash = findSlash(line, slash + 1);
+    if (slash < 0) {
         cut(line, from);
         return -1;
     }
-    const auto length = static_cast<size_t>(end + 2 - start);
-    std::memset(start, ' ', length);
-    return from + static_cast<int>(length);
+    std::memset(text + from, ' ', static_cast<size_t>(slash + 1 - from));
+    return slash + 1;
 }
 } // namespace
 

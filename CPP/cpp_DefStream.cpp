@@ -1,89 +1,120 @@
 #include "CPP/cpp_DefStream.h"
 
+#include "CPP/cpp_SmallFiles.h"
 #include "UT/UT_IStream.h"
 #include "UT/UT_ScratchBuffer.h"
 
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-namespace
-{
-bool isFolder(FILE *fp)
-{
-    struct stat info;
-    return fstat(fileno(fp), &info) == 0 && S_ISDIR(info.st_mode);
-}
-} // namespace
-
-cpp_DefStream::cpp_DefStream()
-    : myFile(stdin), myStream(nullptr), ownsFile(false), myNext(nullptr), myEnd(nullptr)
+cpp_DefStream::cpp_DefStream(cpp_SmallFiles *smallFiles) : mySmallFiles(smallFiles), myFile(stdin)
 {
 }
 
 cpp_DefStream::~cpp_DefStream()
 {
-    closeOwned();
+    close();
 }
 
-void cpp_DefStream::closeOwned()
+void cpp_DefStream::closeDescriptor()
 {
-    if (ownsFile)
-        std::fclose(myFile);
+    if (myDescriptor >= 0)
+        ::close(myDescriptor);
+    myDescriptor = -1;
+}
+
+void cpp_DefStream::close()
+{
+    closeDescriptor();
+    isOwn = false;
     myFile = nullptr;
     myStream = nullptr;
-    ownsFile = false;
     myNext = myEnd = nullptr;
 }
 
 bool cpp_DefStream::open(const char *path)
 {
-    closeOwned();
-    myFile = std::fopen(path, "rbe");
-    ownsFile = myFile != nullptr;
-    if (!ownsFile)
-        return false;
-    if (isFolder(myFile)) {
-        closeOwned();
-        return false;
+    close();
+    if (!takeWhole(mySmallFiles != nullptr ? mySmallFiles->find(path) : nullptr)) {
+        myDescriptor = ::open(path, O_RDONLY | O_CLOEXEC);
+        struct stat info;
+        if (myDescriptor < 0 || fstat(myDescriptor, &info) != 0 || S_ISDIR(info.st_mode)) {
+            close();
+            return false;
+        }
+        // A size of 0 may be that of a file which the system writes as it is read.
+        if (mySmallFiles != nullptr && S_ISREG(info.st_mode) && info.st_size > 0)
+            takeWhole(mySmallFiles->keep(path, myDescriptor, info.st_size));
+        if (myDescriptor >= 0 && myBlock == nullptr)
+            myBlock.reset(new char[BLOCK_BYTES]);
     }
-    std::setvbuf(myFile, nullptr, _IONBF, 0); // the block below is the only copy
-    if (myBlock == nullptr)
-        myBlock.reset(new char[BLOCK_BYTES]);
+    isOwn = true;
+    return true;
+}
+
+bool cpp_DefStream::takeWhole(const std::string *text)
+{
+    if (text == nullptr)
+        return false;
+    closeDescriptor();
+    myNext = text->data();
+    myEnd = myNext + text->size();
     return true;
 }
 
 void cpp_DefStream::setFile(FILE *fp)
 {
-    closeOwned();
+    close();
     myFile = fp;
 }
 
 void cpp_DefStream::setStream(UT_IStream *is)
 {
-    closeOwned();
+    close();
     myStream = is;
 }
 
 bool cpp_DefStream::readLine(UT_ScratchBuffer &line)
 {
-    if (ownsFile)
+    if (isOwn)
         return readFromBlock(line);
     if (myFile != nullptr)
         return line.getLine(myFile);
     return myStream != nullptr && myStream->getLine(line, '\n');
 }
 
+bool cpp_DefStream::fillBlock()
+{
+    if (myNext != myEnd)
+        return true;
+    ssize_t count = 0;
+    do
+        count = myDescriptor >= 0 ? read(myDescriptor, myBlock.get(), BLOCK_BYTES) : 0;
+    while (count < 0 && errno == EINTR);
+    if (count <= 0)
+        return false;
+    myNext = myBlock.get();
+    myEnd = myNext + count;
+    return true;
+}
+
+const char *cpp_DefStream::peekBuffered(int &length)
+{
+    if (!isOwn || !fillBlock())
+        return nullptr;
+    length = static_cast<int>(myEnd - myNext);
+    return myNext;
+}
+
 bool cpp_DefStream::readFromBlock(UT_ScratchBuffer &line)
 {
     line.clear();
     for (bool any = false;; any = true) {
-        if (myNext == myEnd) {
-            const size_t count = std::fread(myBlock.get(), 1, BLOCK_BYTES, myFile);
-            if (count == 0)
-                return any;
-            myNext = myBlock.get();
-            myEnd = myNext + count;
-        }
+        if (!fillBlock())
+            return any;
         const auto room = static_cast<size_t>(myEnd - myNext);
         const auto *newline = static_cast<const char *>(std::memchr(myNext, '\n', room));
         const char *end = newline != nullptr ? newline : myEnd;
@@ -100,5 +131,5 @@ bool cpp_DefStream::readFromBlock(UT_ScratchBuffer &line)
 
 bool cpp_DefStream::isOpen() const
 {
-    return myFile != nullptr || myStream != nullptr;
+    return isOwn || myFile != nullptr || myStream != nullptr;
 }

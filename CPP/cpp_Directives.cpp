@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace
 {
@@ -20,12 +21,12 @@ constexpr size_t MAX_TESTED_NAME = 4096;
 constexpr unsigned MAX_INCLUDE_DEPTH = 200;
 
 // The first word of `text`, cut at `most` characters.
-std::string firstWord(const char *text, size_t most)
+std::string_view firstWord(const char *text, size_t most)
 {
     size_t length = 0;
     while (length < most && text[length] != '\0' && !isSpace(text[length]))
         ++length;
-    return std::string(text, length);
+    return {text, length};
 }
 
 const char *lookUpIncludeName(const char *name, void *)
@@ -41,7 +42,7 @@ struct CPP_Manager::DirectiveRow {
         PASS_THROUGH // the same, and unknown where '#' starts comments
     };
 
-    const char *word;
+    std::string_view word;
     Where where;
     void (CPP_Manager::*apply)(const Directive &);
 };
@@ -70,7 +71,7 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
     if (hashComments && isSpace(*text))
         return;
     text = skipSpace(text);
-    const std::string word = firstWord(text, MAX_WORD);
+    const std::string_view word = firstWord(text, MAX_WORD);
     const char *argument = skipSpace(text + word.size());
 
     CPP_File &file = *currentFile();
@@ -87,21 +88,25 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
         }
     }
     if (!isSkipping && !hashComments)
-        diagnose(result, ERROR, "Undefined directive \"%s\"\n", word.c_str());
+        diagnose(result, ERROR, "Undefined directive \"%s\"\n", std::string(word).c_str());
+}
+
+bool CPP_Manager::namesMacro(const char *text) const
+{
+    const std::string_view name = firstWord(text, MAX_TESTED_NAME);
+    return findMacro(name.data(), name.size()) != nullptr;
 }
 
 void CPP_Manager::doIfdef(const Directive &directive)
 {
-    const std::string name = firstWord(directive.argument, MAX_TESTED_NAME);
-    directive.file.pushCondition(isMacroDefined(name.c_str()) ? CPP_File::TAKING
-                                                              : CPP_File::NOT_YET);
+    directive.file.pushCondition(namesMacro(directive.argument) ? CPP_File::TAKING
+                                                                : CPP_File::NOT_YET);
 }
 
 void CPP_Manager::doIfndef(const Directive &directive)
 {
-    const std::string name = firstWord(directive.argument, MAX_TESTED_NAME);
-    directive.file.pushCondition(isMacroDefined(name.c_str()) ? CPP_File::NOT_YET
-                                                              : CPP_File::TAKING);
+    directive.file.pushCondition(namesMacro(directive.argument) ? CPP_File::NOT_YET
+                                                                : CPP_File::TAKING);
 }
 
 void CPP_Manager::doIf(const Directive &directive)

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstring>
 #include <ctime>
+#include <string_view>
 
 namespace
 {
@@ -26,28 +27,54 @@ constexpr size_t BUDGET_PER_CHARACTER = 64; // of the line,
 constexpr int MAX_COUNTED = 1 << 23;        // up to this one
 constexpr size_t NESTED_MACRO_COST = 64;
 
-enum Class : unsigned char { PLAIN, SPACE, DIGIT, WORD, QUOTE, BACKSLASH };
+// What characters mean, as a set of these.
+enum Class : unsigned {
+    SPACE = 1,
+    NAME_START = 2,
+    DIGIT = 4,
+    QUOTE = 8,
+    BACKSLASH = 16,
+    LIST = 32 // counts in an argument list
+};
+constexpr unsigned NAME = NAME_START | DIGIT;
+constexpr unsigned ENDS_TEXT = NAME_START | QUOTE | BACKSLASH;
+constexpr unsigned ENDS_ARGUMENT_TEXT = LIST | QUOTE | BACKSLASH;
 
-constexpr std::array<Class, 256> makeClasses()
+constexpr std::array<unsigned char, 256> makeClasses()
 {
-    std::array<Class, 256> classes{};
+    std::array<unsigned char, 256> classes{};
     for (unsigned c = 0; c < 256; ++c) {
         const char here = static_cast<char>(c);
-        classes[c] = isNameStart(here)       ? WORD
-                     : isSpace(here)         ? SPACE
-                     : isDigit(here)         ? DIGIT
-                     : c == '"' || c == '\'' ? QUOTE
-                     : c == '\\'             ? BACKSLASH
-                                             : PLAIN;
+        const bool inList = here == '(' || here == ')' || here == ',' || here == '\n';
+        const unsigned all = (isNameStart(here) ? NAME_START : 0u) | (isSpace(here) ? SPACE : 0u) |
+                             (isDigit(here) ? DIGIT : 0u) | (inList ? LIST : 0u) |
+                             (here == '"' || here == '\'' ? QUOTE : 0u) |
+                             (here == '\\' ? BACKSLASH : 0u);
+        classes[c] = static_cast<unsigned char>(all);
     }
     return classes;
 }
 
-constexpr std::array<Class, 256> CLASSES = makeClasses();
+constexpr std::array<unsigned char, 256> CLASSES = makeClasses();
 
-Class classOf(char c)
+bool isOf(unsigned classes, char c)
 {
-    return CLASSES[static_cast<unsigned char>(c)];
+    return (CLASSES[static_cast<unsigned char>(c)] & classes) != 0;
+}
+
+// The first character of one of the classes, or else `end`.
+const char *find(unsigned classes, const char *from, const char *end)
+{
+    while (from < end && !isOf(classes, *from))
+        ++from;
+    return from;
+}
+
+const char *findOther(unsigned classes, const char *from, const char *end)
+{
+    while (from < end && isOf(classes, *from))
+        ++from;
+    return from;
 }
 
 // Behind the quote that closes the run starting at `quote`; null when none does.
@@ -81,20 +108,32 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
     myFile = &file;
     myOut = &out;
     myLimit = static_cast<size_t>(limit > 0 ? limit : DEFAULT_LIMIT);
-    myDepth = 0;
     myBudget = BUDGET + BUDGET_PER_CHARACTER * static_cast<size_t>(std::min(length, MAX_COUNTED));
-    if (myLevels.empty())
-        myLevels.emplace_back();
-    myLevels[0] = {text, text, text + length, std::string()};
+    goToLevel(0);
+    level().start = level().next = text;
+    level().end = text + length;
     for (;;) {
         if (!expandLevel())
             return false;
         if (level().next == level().end) {
             if (myDepth == 0)
                 return true;
-            --myDepth;
+            goToLevel(myDepth - 1);
         }
     }
+}
+
+cpp_Expander::Level &cpp_Expander::levelAt(size_t depth)
+{
+    if (depth == myLevels.size())
+        myLevels.push_back(std::make_unique<Level>());
+    return *myLevels[depth];
+}
+
+void cpp_Expander::goToLevel(size_t depth)
+{
+    myDepth = depth;
+    myLevel = &levelAt(depth);
 }
 
 bool cpp_Expander::spend(size_t bytes)
@@ -109,47 +148,48 @@ bool cpp_Expander::spend(size_t bytes)
 // Copies the current level up to its end, or to a macro that opens the next one.
 bool cpp_Expander::expandLevel()
 {
-    const size_t depth = myDepth;
-    while (depth == myDepth && level().next < level().end) {
-        Level &here = level();
-        const char *run = here.next;
-        const char *p = run;
-        while (p < here.end && classOf(*p) < WORD)
-            ++p;
-        append(*myOut, run, p);
-        here.next = p;
-        if (p == here.end)
-            return true;
-        switch (classOf(*p)) {
-        case WORD:
-            if (!expandWord())
+    Level &here = level();
+    while (&here == myLevel && here.next < here.end) {
+        size_t nameLength = 0;
+        const cpp_Macro *macro = nullptr;
+        const char *stop = findWork(here, macro, nameLength);
+        append(*myOut, here.next, stop);
+        here.next = stop + nameLength;
+        if (macro != nullptr) {
+            if (!expandMacro(*macro))
                 return false;
-            break;
-        case QUOTE:
-            if (!copyQuoted())
-                return false;
-            break;
-        default:
+        } else if (stop < here.end) {
+            if (isOf(QUOTE, *stop))
+                return fail("Mismatched quotation marks");
             copyBackslash();
         }
     }
     return true;
 }
 
-bool cpp_Expander::copyQuoted()
+// The next place where text is not copied as it is: at a macro, a backslash, or a
+// quote that nothing closes.
+const char *cpp_Expander::findWork(const Level &here, const cpp_Macro *&macro,
+                                   size_t &nameLength) const
 {
-    Level &here = level();
-    const char *quote = here.next;
-    if (quote > here.start && quote[-1] == '\\') {
-        append(*myOut, quote, ++here.next);
-        return true;
+    const char *p = here.next;
+    while ((p = find(ENDS_TEXT, p, here.end)) < here.end && !isOf(BACKSLASH, *p)) {
+        const char *end;
+        if (isOf(NAME_START, *p)) {
+            end = findOther(NAME, p, here.end);
+            const auto length = static_cast<size_t>(end - p);
+            macro = myManager.findMacro(p, length);
+            if (macro != nullptr)
+                nameLength = length;
+        } else {
+            const bool isBehindBackslash = p > here.start && p[-1] == '\\';
+            end = isBehindBackslash ? p + 1 : skipQuoted(p, here.end);
+        }
+        if (macro != nullptr || end == nullptr)
+            return p;
+        p = end;
     }
-    const char *end = skipQuoted(quote, here.end);
-    if (end == nullptr)
-        return fail("Mismatched quotation marks");
-    append(*myOut, quote, end);
-    here.next = end;
-    return true;
+    return p;
 }
 
 // A backslash goes when the next character is copied as it is. It stays in front
@@ -158,36 +198,17 @@ void cpp_Expander::copyBackslash()
 {
     Level &here = level();
     const char *next = here.next + 1;
-    const bool stays = next == here.end || classOf(*next) == WORD;
+    const bool stays = next == here.end || isOf(NAME_START, *next);
     append(*myOut, stays ? here.next : next, stays ? next : next + 1);
     here.next = stays ? next : next + 1;
 }
 
-bool cpp_Expander::expandWord()
-{
-    Level &here = level();
-    const char *start = here.next;
-    const char *end = start + 1;
-    while (end < here.end && isNameCharacter(*end))
-        ++end;
-    here.next = end;
-    const std::string_view name(start, static_cast<size_t>(end - start));
-    const cpp_Macro *macro = myManager.findMacro(start, name.size());
-    if (macro != nullptr)
-        return expandMacro(*macro, name);
-    append(*myOut, start, end);
-    return true;
-}
-
-bool cpp_Expander::expandMacro(const cpp_Macro &macro, std::string_view name)
+bool cpp_Expander::expandMacro(const cpp_Macro &macro)
 {
     if (macro.myBuiltin != cpp_Macro::NONE)
         return copyBuiltin(macro);
-    const bool takesArguments = macro.myNumArgs >= 0;
-    // The name's text may go when the argument list takes further lines.
-    const std::string ownName(takesArguments ? name : std::string_view());
-    if (takesArguments && !takeArguments(macro.myNumArgs))
-        return fail("Invalid arguments for macro \"" + ownName + "\"");
+    if (macro.myNumArgs >= 0 && !takeArguments(macro.myNumArgs))
+        return fail("Invalid arguments for macro \"" + macro.myName + "\"");
     if (myDepth + 1 >= myLimit)
         return fail(TOO_DEEP);
     if (macro.isPlain && macro.myNumArgs <= 0) {
@@ -196,18 +217,15 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro, std::string_view name)
         myOut->append(macro.myBody.data(), static_cast<int>(macro.myBody.size()));
         return true;
     }
-    if (myDepth + 1 == myLevels.size())
-        myLevels.emplace_back();
-    Level &next = myLevels[myDepth + 1];
-    next.owned.clear();
+    Level &next = levelAt(myDepth + 1);
     if (macro.myNumArgs > 0)
         fillIn(macro, next.owned);
     const std::string &text = macro.myNumArgs > 0 ? next.owned : macro.myBody;
-    if (!spend(text.size()))
-        return false;
-    ++myDepth;
     next.start = next.next = text.data();
     next.end = text.data() + text.size();
+    if (!spend(text.size()))
+        return false;
+    goToLevel(myDepth + 1);
     return true;
 }
 
@@ -255,8 +273,7 @@ bool cpp_Expander::skipSpace(bool acrossLines)
 {
     for (;;) {
         Level &here = level();
-        while (here.next < here.end && classOf(*here.next) == SPACE)
-            ++here.next;
+        here.next = findOther(SPACE, here.next, here.end);
         if (here.next < here.end)
             return true;
         if (!acrossLines || !readLine())
@@ -292,19 +309,23 @@ bool cpp_Expander::takeArgument(std::string &argument)
     if (!skipSpace(true))
         return false;
     int parentheses = 0;
-    for (;;) {
+    while (argument.size() < MAX_ARGUMENT) {
         Level &here = level();
-        if (here.next == here.end) {
+        const char *run = here.next;
+        here.next = find(ENDS_ARGUMENT_TEXT, run, here.end);
+        if (here.next > run) {
+            argument.append(run, static_cast<size_t>(here.next - run));
+        } else if (run == here.end) {
             if (!readLine())
                 return false;
-            continue;
+        } else {
+            if (parentheses == 0 && (*run == ',' || *run == ')'))
+                return !argument.empty();
+            if (!takeCharacter(argument, parentheses))
+                return false;
         }
-        const char c = *here.next;
-        if (parentheses == 0 && (c == ',' || c == ')'))
-            return !argument.empty();
-        if (!takeCharacter(argument, parentheses) || argument.size() >= MAX_ARGUMENT)
-            return false;
     }
+    return false;
 }
 
 bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
@@ -312,7 +333,7 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
     Level &here = level();
     const char *p = here.next;
     const bool isBehindBackslash = p > here.start && p[-1] == '\\';
-    if (classOf(*p) == QUOTE && !isBehindBackslash) {
+    if (isOf(QUOTE, *p) && !isBehindBackslash) {
         const char *end = skipQuoted(p, here.end);
         if (end == nullptr)
             return false;
@@ -337,20 +358,21 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
 // more than the budget.
 void cpp_Expander::fillIn(const cpp_Macro &macro, std::string &replacement) const
 {
-    const std::string &body = macro.myBody;
+    const std::string_view body = macro.myBody;
+    replacement.clear();
     for (size_t i = 0; i < body.size() && replacement.size() <= myBudget;) {
-        size_t digits = i + 1;
+        const size_t mark = std::min(body.find('#', i), body.size());
+        replacement.append(body, i, mark - i);
+        size_t digits = mark + 1;
         size_t index = 0;
-        while (body[i] == '#' && digits < body.size() && classOf(body[digits]) == DIGIT &&
-               index < myArguments.size())
+        while (digits < body.size() && isOf(DIGIT, body[digits]) && index < myArguments.size())
             index = index * 10 + static_cast<size_t>(body[digits++] - '0');
-        const bool isMark = body[i] == '#' && digits > i + 1 && digits < body.size() &&
-                            body[digits] == '#' && index < myArguments.size();
-        if (!isMark) {
-            replacement += body[i++];
-            continue;
-        }
-        replacement += myArguments[index];
-        i = digits + 1;
+        const bool isMark = digits > mark + 1 && digits < body.size() && body[digits] == '#' &&
+                            index < myArguments.size();
+        if (isMark)
+            replacement += myArguments[index];
+        else if (mark < body.size())
+            replacement += '#';
+        i = isMark ? digits + 1 : mark + 1;
     }
 }

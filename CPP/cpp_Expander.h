@@ -11,9 +11,8 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
+#include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 class CPP_File;
@@ -47,13 +46,14 @@ private:
     };
 
     bool fail(std::string message);
-    Level &level() { return myLevels[myDepth]; }
+    Level &level() { return *myLevel; }
+    Level &levelAt(size_t depth); // makes it, one behind the last
+    void goToLevel(size_t depth);
 
     bool expandLevel();
-    bool copyQuoted();
+    const char *findWork(const Level &here, const cpp_Macro *&macro, size_t &nameLength) const;
     void copyBackslash();
-    bool expandWord();
-    bool expandMacro(const cpp_Macro &macro, std::string_view name);
+    bool expandMacro(const cpp_Macro &macro);
     bool spend(size_t bytes); // false when it is more than is left
     bool copyBuiltin(const cpp_Macro &macro);
 
@@ -68,10 +68,11 @@ private:
     CPP_Manager &myManager;
     CPP_File *myFile = nullptr;
     UT_ScratchBuffer *myOut = nullptr;
-    // A deque, because levels point into their own texts and must not move. Those
-    // above myDepth are kept for their memory.
-    std::deque<Level> myLevels;
+    // Levels point into their own texts and must not move. Those above myDepth are
+    // kept for their memory.
+    std::vector<std::unique_ptr<Level>> myLevels;
     size_t myDepth = 0;
+    Level *myLevel = nullptr; // the one at that depth
     size_t myLimit = 0;
     size_t myBudget = 0; // what the line's macros may still stand for
     std::vector<std::string> myArguments;

@@ -165,15 +165,15 @@ bool cpp_Macro::isSameAs(const cpp_Macro &other) const
 
 const cpp_Macro *CPP_Manager::findMacro(const char *name) const
 {
-    void *value = nullptr;
-    return *name != '\0' && myMacros.findSymbol(name, &value) ? static_cast<cpp_Macro *>(value)
-                                                              : nullptr;
+    return findMacro(name, std::strlen(name));
 }
 
 const cpp_Macro *CPP_Manager::findMacro(const char *name, size_t length) const
 {
+    const bool mayBe = length > 0 && myMacroFilter.mayHold({name, length});
     void *value = nullptr;
-    return myMacros.findSymbol(name, length, &value) ? static_cast<cpp_Macro *>(value) : nullptr;
+    return mayBe && myMacros.findSymbol(name, length, &value) ? static_cast<cpp_Macro *>(value)
+                                                              : nullptr;
 }
 
 bool CPP_Manager::isMacroDefined(const char *name) const
@@ -181,13 +181,12 @@ bool CPP_Manager::isMacroDefined(const char *name) const
     return findMacro(name) != nullptr;
 }
 
-void CPP_Manager::storeMacro(cpp_Macro *macro)
+void CPP_Manager::storeMacro(const char *name, cpp_Macro *macro)
 {
-    const char *name = macro->myName.c_str();
-    const cpp_Macro *old = findMacro(name);
-    myMacros.deleteSymbol(name);
-    myMacros.addSymbol(name, macro);
-    delete old;
+    void *&stored = myMacros.findOrAddSymbol(name);
+    delete static_cast<cpp_Macro *>(stored);
+    stored = macro;
+    myMacroFilter.add(name);
 }
 
 bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool commandLineForm)
@@ -198,7 +197,7 @@ bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool co
     if (old != nullptr && !old->isSameAs(*macro))
         diagnose(result, WARNING, "Macro \"%s\" redefined.  %s", macro->myName.c_str(),
                  "Using later definition");
-    storeMacro(macro);
+    storeMacro(macro->myName.c_str(), macro);
     return true;
 }
 

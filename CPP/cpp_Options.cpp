@@ -52,7 +52,7 @@ const char CPP_Manager::VERSION[] = "9.0.653";
 void CPP_Manager::defineBuiltins()
 {
     for (const auto &row : BUILTINS)
-        myMacros.addSymbol(row.name, cpp_Macro::makeBuiltin(row.builtin));
+        storeMacro(row.name, cpp_Macro::makeBuiltin(row.builtin));
 
     int major = 0;
     int minor = 0;

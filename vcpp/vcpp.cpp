@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace
 {
@@ -31,22 +32,19 @@ const char USAGE[] = "Usage: vcpp [options] FILE\n"
 
 enum Kind { TEXT, WARNING, ERROR };
 
-Kind kindOf(const UT_ScratchBuffer &line)
+Kind kindOf(std::string_view text)
 {
-    if (line.buffer()[0] != '#')
-        return TEXT;
-    const auto startsWith = [&line](const char *prefix) {
-        return std::strncmp(line.buffer(), prefix, std::strlen(prefix)) == 0;
+    const auto startsWith = [text](std::string_view prefix) {
+        return text.substr(0, prefix.size()) == prefix;
     };
     if (startsWith("# error cpp error: "))
         return ERROR;
     return startsWith("# warning cpp warning: ") ? WARNING : TEXT;
 }
 
-void printDiagnostic(const UT_ScratchBuffer &line)
+void printDiagnostic(const std::string &line)
 {
-    const bool isEnded = line.buffer()[line.length() - 1] == '\n';
-    std::fprintf(stderr, "%s%s", line.buffer(), isEnded ? "" : "\n");
+    std::fprintf(stderr, "%s%s", line.c_str(), line.back() == '\n' ? "" : "\n");
 }
 
 int reportError(const char *what)
@@ -72,15 +70,16 @@ int print(const char *text)
 
 int preprocess(CPP_Manager &manager)
 {
-    UT_ScratchBuffer line;
+    const char *start;
+    int count;
     int status = OK;
-    while (manager.getLine(line)) {
-        const Kind kind = kindOf(line);
+    while (manager.getLines(start, count)) {
+        const std::string_view text(start, static_cast<size_t>(count));
+        const Kind kind = kindOf(text);
         status = kind == ERROR ? FAILED : status;
-        const auto length = static_cast<size_t>(line.length());
         if (kind != TEXT)
-            printDiagnostic(line);
-        else if (fwrite_unlocked(line.buffer(), 1, length, stdout) != length)
+            printDiagnostic(std::string(text));
+        else if (fwrite_unlocked(text.data(), 1, text.size(), stdout) != text.size())
             return reportError(CANNOT_WRITE);
     }
     if (std::ferror(stdin) != 0)

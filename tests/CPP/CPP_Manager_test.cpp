@@ -1,4 +1,5 @@
 // Lines in, lines out: gathering, markers, include files and the input stack.
+#include "tests/support/Random.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/preprocessed.h"
@@ -134,6 +135,75 @@ TEST_F(Includes, MissingEndifIsReportedForTheFileThatLacksIt)
     EXPECT_EQ("# 1 \"main.in\"\n\n# 1 \"open.h\"\n\nin\n"
               "# error cpp error: \"open.h\":2 Missing #endif# 2 \"main.in\"\nout\n",
               output("", "#include \"open.h\"\nout\n"));
+}
+
+// A stream's lines come one by one, whatever they hold.
+TEST_F(Includes, FilesInPiecesAreStreamsInLines)
+{
+    myFolder.write("g.h", "#ifndef G\n#define G 1\n2\n#endif\n");
+    Random random;
+    SCOPED_TRACE(random.seed());
+    for (int i = 0; i < 500; ++i) {
+        const std::string text = random.text(
+            {
+                "1 2\n",
+                "3 \\\n",
+                " \n",
+                "\n",
+                "4\r\n",
+                "x G\n",
+                "/*",
+                "*/",
+                "// 5\n",
+                "'6\n",
+                "#if 0\n",
+                "#else\n",
+                "#endif\n",
+                "#include \"g.h\"\n",
+                "#undef G\n",
+            },
+            30);
+        const std::string path = myFolder.write("main.in", text);
+        for (const char *options : {"", "-P", "-P -h", "-P -C"}) {
+            CPP_Manager byLines;
+            CPP_Manager byPieces;
+            parseOptions(byLines, options);
+            parseOptions(byPieces, options);
+            UT_IStream in(text.data(), static_cast<int>(text.size()), false);
+            ASSERT_TRUE(byLines.openStream(&in, path.c_str()) &&
+                        byPieces.openFile(path.c_str(), false));
+            ASSERT_EQ(allLines(byLines), allPieces(byPieces)) << options << '\n' << text;
+        }
+    }
+}
+
+TEST_F(Includes, GuardedFilesGiveEmptyLinesWhileTheirGuardIsDefined)
+{
+    const struct {
+        const char *text;
+        const char *first;
+        const char *again;
+    } cases[] = {
+        {"#ifndef A\n#define A\n1\n#endif", "\n\n1\n\n", "\n\n\n\n"},
+        {"#ifndef A\n#define A\n1\n#endif\n2\n", "\n\n1\n\n2\n", "\n\n\n\n2\n"},
+        {"#ifndef A\n#define A\n#else\n1\n#endif\n", "\n\n\n\n\n", "\n\n\n1\n\n"},
+        {"#ifndef A\n#define A\n#if 1\n#endif\n1\n#endif\n", "\n\n\n\n1\n\n", "\n\n\n\n\n\n"},
+        {"1\n#ifndef A\n#define A\n#endif\n", "1\n\n\n\n", "1\n\n\n\n"},
+        {"#ifndef A\n#define A /*\n#endif\n*/\n1\n#endif\n", "\n\n\n\n1\n\n", "\n\n\n\n\n\n"},
+        {"#ifndef A\n#define A\n1\n#endifx\n", "\n\n1\n", nullptr},
+    };
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.text);
+        myFolder.write("a.h", row.text);
+        const std::string include = "#include \"a.h\"\n";
+        const std::string first = std::string("\n") + row.first;
+        const std::string out = output("-P", include + include + "#undef A\n" + include);
+        if (row.again != nullptr) {
+            EXPECT_EQ(first + "\n" + row.again + "\n" + first, out);
+        } else {
+            EXPECT_NE(std::string::npos, out.find("Undefined directive \"endifx\""));
+        }
+    }
 }
 
 TEST_F(Includes, OldStyleNeedsNoHash)

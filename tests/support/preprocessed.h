@@ -17,6 +17,17 @@ inline std::string allLines(CPP_Manager &manager)
     return all;
 }
 
+// The same, in the pieces that getLines() gives.
+inline std::string allPieces(CPP_Manager &manager)
+{
+    std::string all;
+    const char *text;
+    int length;
+    while (manager.getLines(text, length))
+        all.append(text, static_cast<size_t>(length));
+    return all;
+}
+
 // Options as on a command line, with quotes as in UT_String::splitWords.
 inline int parseOptions(CPP_Manager &manager, const std::string &options)
 {

@@ -1,0 +1,108 @@
+#include "CPP/cpp_SmallFiles.h"
+
+#include "CPP/CPP_Manager.h"
+#include "CPP/cpp_Text.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+#include <unistd.h>
+
+namespace
+{
+bool startsWith(std::string_view text, std::string_view prefix)
+{
+    return text.substr(0, prefix.size()) == prefix;
+}
+
+bool isEmptyLine(std::string_view line)
+{
+    return std::all_of(line.begin(), line.end(), isSpace);
+}
+
+// Whether a line may stand inside a guard: no conditional, nor what might be one
+// under some option.
+bool isPlainLine(std::string_view line)
+{
+    const size_t hash = line.find('#');
+    if (hash == line.npos || !isEmptyLine(line.substr(0, hash)))
+        return true;
+    for (const char *word : {"#define ", "#undef ", "#include ", "#line ", "#pragma "})
+        if (startsWith(line, word))
+            return true;
+    return false;
+}
+
+std::string_view takeLine(std::string_view &text)
+{
+    const size_t length = std::min(text.find('\n'), text.size());
+    const std::string_view line = text.substr(0, length);
+    text.remove_prefix(std::min(length + 1, text.size()));
+    return line;
+}
+
+// The guard's name; empty when there is none.
+std::string guardOf(std::string_view text)
+{
+    constexpr std::string_view OPENING = "#ifndef ";
+    if (text.find('\\') != text.npos || text.find("/*") != text.npos)
+        return {};
+    const std::string_view first = takeLine(text);
+    std::string_view line = takeLine(text);
+    while (!text.empty() && isPlainLine(line))
+        line = takeLine(text);
+    if (!startsWith(first, OPENING) || !startsWith(line, "#endif") || !isEmptyLine(text) ||
+        (line.size() > 6 && !isSpace(line[6])))
+        return {};
+    std::string_view name = first.substr(OPENING.size());
+    const auto *end = std::find_if_not(name.begin(), name.end(), isNameCharacter);
+    const bool isWholeWord = end == name.end() || isSpace(*end);
+    return isWholeWord ? std::string(name.begin(), end) : std::string();
+}
+} // namespace
+
+struct cpp_SmallFiles::File {
+    std::string text;
+    std::string guard;
+    std::string emptyLines; // as many as the text has
+};
+
+cpp_SmallFiles::~cpp_SmallFiles()
+{
+    const auto deleteFile = [](void **value, const char *, void *) {
+        delete static_cast<File *>(*value);
+        return 1;
+    };
+    myFiles.traverseSymbols(deleteFile, nullptr);
+}
+
+const std::string *cpp_SmallFiles::find(const char *path) const
+{
+    void *value = nullptr;
+    if (!myFiles.findSymbol(path, &value))
+        return nullptr;
+    const auto *file = static_cast<const File *>(value);
+    // Old-style includes are reported even in skipped text.
+    const bool isSkipped = !myManager.hasFlag(CPP_Manager::OLD_STYLE_INCLUDE) &&
+                           myManager.findMacro(file->guard.c_str()) != nullptr;
+    return isSkipped ? &file->emptyLines : &file->text;
+}
+
+const std::string *cpp_SmallFiles::keep(const char *path, int descriptor, int64_t size)
+{
+    if (size > MAX_FILE || myTotal + size > MAX_TOTAL)
+        return nullptr;
+    auto file = std::make_unique<File>();
+    std::string &text = file->text;
+    text.resize(static_cast<size_t>(size));
+    if (read(descriptor, text.data(), text.size()) != static_cast<ssize_t>(size)) {
+        lseek(descriptor, 0, SEEK_SET);
+        return nullptr;
+    }
+    file->guard = guardOf(text);
+    const auto lines = std::count(text.begin(), text.end(), '\n') + (text.back() != '\n');
+    file->emptyLines.assign(static_cast<size_t>(lines), '\n');
+    myTotal += size;
+    myFiles.addSymbol(path, file.get());
+    return &file.release()->text;
+}

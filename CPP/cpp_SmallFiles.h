@@ -1,0 +1,44 @@
+// The texts of short files, each read once: include files come again and again.
+//
+// A guard is an #ifndef around all of a file's text, so that a file whose guard is
+// defined has nothing but empty lines to give. Only plain guards are recognised: "#"
+// and the word at the start of their lines, no other conditional, block comment or
+// backslash inside.
+//
+// What changes in a file after it was read is not seen. All texts together stay
+// within a fixed size; when that is used up, no more are kept.
+#pragma once
+
+#include "UT/UT_SymbolTable.h"
+
+#include <string>
+
+class CPP_Manager;
+
+class cpp_SmallFiles
+{
+public:
+    // The manager is asked whether guards are defined, and outlives this.
+    explicit cpp_SmallFiles(const CPP_Manager &manager) : myManager(manager) {}
+    ~cpp_SmallFiles();
+    cpp_SmallFiles(const cpp_SmallFiles &) = delete;
+    cpp_SmallFiles &operator=(const cpp_SmallFiles &) = delete;
+
+    // The text kept for a path, or what it comes down to while its guard is defined.
+    // Null when none is kept. It lives as long as this.
+    const std::string *find(const char *path) const;
+
+    // Reads a file of `size` bytes, open under the descriptor. Null when it is too
+    // long to keep or cannot be read; its position is then still the start.
+    const std::string *keep(const char *path, int descriptor, int64_t size);
+
+private:
+    static constexpr int64_t MAX_FILE = 32768;
+    static constexpr int64_t MAX_TOTAL = 4 << 20;
+
+    struct File;
+
+    const CPP_Manager &myManager;
+    UT_SymbolTable myFiles; // values are File, deleted by us
+    int64_t myTotal = 0;
+};
