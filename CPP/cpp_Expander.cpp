@@ -3,6 +3,7 @@
 #include "CPP/CPP_File.h"
 #include "CPP/CPP_Manager.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_Runs.h"
 #include "CPP/cpp_Text.h"
 #include "UT/UT_FormatTime.h"
 #include "UT/UT_ScratchBuffer.h"
@@ -75,6 +76,16 @@ const char *findOther(unsigned classes, const char *from, const char *end)
     while (from < end && isOf(classes, *from))
         ++from;
     return from;
+}
+
+// As find(ENDS_TEXT, ...). Words stand close together, numbers go on for long.
+const char *findTextEnd(const char *from, const char *end)
+{
+    constexpr int NEAR = 24;
+    if (end - from <= NEAR)
+        return find(ENDS_TEXT, from, end);
+    const char *near = find(ENDS_TEXT, from, from + NEAR);
+    return near < from + NEAR ? near : find(ENDS_TEXT, skipInert(near, end), end);
 }
 
 // Behind the quote that closes the run starting at `quote`; null when none does.
@@ -173,7 +184,7 @@ const char *cpp_Expander::findWork(const Level &here, const cpp_Macro *&macro,
                                    size_t &nameLength) const
 {
     const char *p = here.next;
-    while ((p = find(ENDS_TEXT, p, here.end)) < here.end && !isOf(BACKSLASH, *p)) {
+    while ((p = findTextEnd(p, here.end)) < here.end && !isOf(BACKSLASH, *p)) {
         const char *end;
         if (isOf(NAME_START, *p)) {
             end = findOther(NAME, p, here.end);

@@ -91,7 +91,7 @@ Bytes isControl(Bytes bytes)
     return _mm_cmpeq_epi8(_mm_max_epu8(bytes, last), last);
 }
 
-unsigned keptStops(const char *from)
+inline unsigned keptStops(const char *from)
 {
     const Bytes bytes = load(from);
     const Bytes newlines = equal(bytes, '\n');
@@ -127,6 +127,11 @@ const char *skipVectors(cpp_RunKind, const char *from, const char *)
 const char *runEnd(cpp_RunKind kind, const char *from, const char *end)
 {
     return behindLastNewline(from, firstStop(kind, skipVectors(kind, from, end), end));
+}
+
+const char *skipInert(const char *from, const char *end)
+{
+    return skipVectors(cpp_RunKind::KEPT, from, end);
 }
 
 const char *runEndByBytes(cpp_RunKind kind, const char *from, const char *end)

@@ -12,6 +12,9 @@ enum class cpp_RunKind { KEPT, DROPPED };
 // O(length up to the first byte that a stage acts on).
 const char *runEnd(cpp_RunKind kind, const char *from, const char *end);
 
+// A place up to which nothing ends a kept run, reached in large steps.
+const char *skipInert(const char *from, const char *end);
+
 int countLines(const char *from, const char *end); // newlines
 
 // The same, a byte at a time, for machines that compare no vectors.

@@ -98,6 +98,7 @@ private:
     char peek() const { return myPos + 1 < end() ? myIn[myPos + 1] : '\0'; }
 
     void step();
+    int plainRun() const;
     bool takeEscaped(char c);
     bool takeComment(char c);
     bool isTildeActive() const;
@@ -151,7 +152,16 @@ void ut_VariableExpander::step()
     else if (c == '\'')
         takeQuoted();
     else
-        copy(1);
+        copy(plainRun());
+}
+
+// How many characters from the current one on are copied, whatever comes before them.
+int ut_VariableExpander::plainRun() const
+{
+    if (!isExpandedInComments && !isNested())
+        return 1; // a comment's signs count
+    const auto length = static_cast<int>(std::strcspn(myIn + myPos, "\\$~`'"));
+    return std::clamp(length, 1, end() - myPos);
 }
 
 bool ut_VariableExpander::takeEscaped(char c)
