@@ -1,11 +1,12 @@
 # A thin front: everything real is in CMake, its presets and scripts/.
-.PHONY: help deps demo check fuzz format
+.PHONY: help deps demo check coverage fuzz format
 
 help:
-	@echo "make demo    install what is missing, build, render examples/ into build/demo/"
-	@echo "make check   install what is missing, build all presets, run all tests"
-	@echo "make fuzz    search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
-	@echo "make format  lay the sources out as .clang-format says"
+	@echo "make demo      install what is missing, build, render examples/ into build/demo/"
+	@echo "make check     install what is missing, build all presets, run all tests"
+	@echo "make coverage  tell how much of each folder's code the tests reach"
+	@echo "make fuzz      search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
+	@echo "make format    lay the sources out as .clang-format says"
 
 deps:
 	@scripts/install-deps.sh
@@ -15,6 +16,9 @@ demo: deps
 
 check: deps
 	@scripts/check.sh
+
+coverage: deps
+	@scripts/coverage.sh
 
 fuzz: deps
 	@scripts/fuzz.sh

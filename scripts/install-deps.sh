@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing need. Quiet when
-# nothing is missing; otherwise says what it installs. Needs root (or sudo)
-# only when something is missing.
+# Installs the Debian packages that building and testing need, and those named
+# as arguments. Quiet when nothing is missing; otherwise says what it installs.
+# Needs root (or sudo) only when something is missing.
 set -euo pipefail
 
 install_missing() {
@@ -27,7 +27,7 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 
 install_missing cmake ninja-build make g++ g++-multilib clang libclang-rt-14-dev clang-format \
-    googletest libembree-dev libtbb-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev lib32z1-dev
+    googletest libembree-dev libtbb-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev lib32z1-dev "$@"
 
 # Where the kernel does not run 32-bit programs, their tests need an emulator.
 /lib/ld-linux.so.2 --version >/dev/null 2>&1 || install_missing qemu-user
