@@ -61,20 +61,14 @@ TEST(ExpandVariables, AgreesWithThePlainExpansion)
 TEST(ExpandVariables, FollowsItsRules)
 {
     const ScopedVariable home("HOME", "/home/u");
-    expectEach({"$J_1/lib ${B}lib $UNSET:t/x $/ a$ -> 2 /p/c.t/lib Xlib /x $/ a$",
-                "$D ${A${B}} ${NO${B}} ${{B}} ${'}B'} -> 5 $B ok   -B}",
-                "$B ${J {} $B -> 1 X ${J {} $B",
-                "$J_1:t:r! $J_1:s/p/z/ $J_1: t $F3x -> 4 c! /z/c.t /p/c.t: t f3x",
-                "${N:t} ${J_1}:t -> 2 odd /p/c.t:t",
-                "\\$B \\\\$B a\\b '$B' $B 'a\\'b -> 2 $B \\X a\\b $B X a\\'b",
-                "~/x a~b ''~ ~~ ~nosuchuser9/x -> 3 /home/u/x a~b /home/u /home/u~ ~nosuchuser9/x",
-                "$B ~ $UNSET `x` // $B -> 3 X /home/u  `x` // X", "(null) -> 0 "},
-               [](const char *in) { return expanded(in); });
-    expectEach(
-        {"// $B\n$B -> 1 // $B\nX", "/*/ '$B */$B -> 1 /*/ '$B */X", "${//$B}/**//$B -> 2 /**//X"},
-        [](const char *in) { return expanded(in, SOME, false); });
-    expectEach({"a`b $B`c -> 1 a<b $B>c", "`fail`x -> 0 x", "`open -> 1 <open>"},
-               [](const char *in) { return expanded(in, SOME, true, runCommand); });
+    expectTable(
+        TEST_DATA "/data/variables",
+        {{"all", [](const char *in) { return expanded(in); }},
+         {"outside comments", [](const char *in) { return expanded(in, SOME, false); }},
+         {"with commands", [](const char *in) { return expanded(in, SOME, true, runCommand); }},
+         {"frames", [](const char *in) {
+              return expanded(in, {{"F", "-7"}});
+          }}});
     const passwd *root = getpwnam("root");
     ASSERT_NE(nullptr, root);
     EXPECT_EQ(std::string("1 ") + root->pw_dir + "/x", expanded("~root/x"));
@@ -82,15 +76,13 @@ TEST(ExpandVariables, FollowsItsRules)
     EXPECT_EQ("1 /p/c.t:t", expanded("$J_1:t"));
 }
 
-TEST(ExpandVariables, FrameReferencesArePadded)
+TEST(ExpandVariables, FrameReferencesArePaddedBehindTheSign)
 {
-    const char *const cases[][2] = {{"7", "1 007"},  {"-7", "1 -07"}, {"+7", "1 +07"},
-                                    {"ab", "1  ab"}, {"-a", "1  -a"}, {"12", "1 012"},
-                                    {"", "1    "},   {"7a", "1 07a"}, {"1234", "1 1234"}};
-    for (const auto &[value, out] : cases) {
-        for (const char *in : {"$F3", "${F3}", "$F03"})
-            EXPECT_EQ(out, expanded(in, {{"F", value}})) << in << " of " << value;
-    }
+    expectEach({"7 -> 1 007", "-7 -> 1 -07", "+7 -> 1 +07", "ab -> 1  ab", "-a -> 1  -a",
+                " -> 1    ", "7a -> 1 07a", "1234 -> 1 1234"},
+               [](const char *value) {
+                   return expanded("$F3", {{"F", value}});
+               });
     EXPECT_EQ(2 + 9999u, expanded("$F99999999999999999999").size());
 }
 
@@ -108,8 +100,8 @@ TEST(ExpandVariables, AMillionNestedBracesAreExpandedInOnePass)
 TEST(ExpandVariables, TheEnvironmentIsTheUsualPlaceToLookNamesUp)
 {
     const ScopedVariable job("JOB", "/proj");
-    expectEdits({"$JOB/${JOB} //~' -> /proj//proj //~", "(null) -> "},
-                [](UT_String &s) { s.substituteVariables(); });
+    expectEach({"$JOB/${JOB} //~' -> /proj//proj //~", "(null) -> "},
+               editing([](UT_String &s) { s.substituteVariables(); }));
     UT_ScratchBuffer out;
     UTexpandVariables(out, "$JOB ~ '${JOB}'", nullptr, nullptr, nullptr, false, false, true);
     EXPECT_STREQ("$JOB ~ ${JOB}", out.buffer());

@@ -128,7 +128,7 @@ std::string numbersFrom(const char *text)
     std::ostringstream all;
     const auto add = [&](auto value) {
         EXPECT_EQ(1, streamOver(text).read(&value, 2)) << "stops at the first missing one";
-        all << std::setprecision(12) << value << ' ';
+        all << (all.tellp() > 0 ? " " : "") << std::setprecision(12) << value;
     };
     (add(T()), ...);
     return all.str();
@@ -136,26 +136,10 @@ std::string numbersFrom(const char *text)
 
 TEST(IStream, NumbersAreReadAlikeOnEveryPlatform)
 {
-    const auto show =
-        numbersFrom<int32_t, uint32_t, int16_t, uint16_t, int64_t, uint64_t, float, double>;
-    expectEach(
-        {"2.5 -> 3 3 3 3 2 2 2.5 2.5 ",
-         "-2.5 -> -2 4294967294 -2 65534 -2 18446744073709551614 -2.5 -2.5 ",
-         "-7 -> -7 4294967289 -7 65529 -7 18446744073709551609 -7 -7 ",
-         "1e3 -> 1000 1000 1000 1000 1 1 1000 1000 ",
-         "70000 -> 70000 70000 4464 4464 70000 70000 70000 70000 ",
-         "5000000000 -> 2147483647 4294967295 -1 65535 5000000000 5000000000 5000000000 "
-         "5000000000 ",
-         "-5000000000 -> -2147483648 4294967295 0 65535 -5000000000 18446744068709551616 "
-         "-5000000000 -5000000000 ",
-         "1e30 -> 2147483647 4294967295 -1 65535 1 1 1.00000001505e+30 1e+30 ",
-         "8388609.0 -> 8388609 8388609 1 1 8388609 8388609 8388609 8388609 ", // single precision
-                                                                              // loses no half
-         "16777217.0 -> 16777216 16777216 0 0 16777217 16777217 16777216 16777217 ", // but a whole
-         "99999999999999999999 -> 2147483647 4294967295 -1 65535 9223372036854775807 "
-         "18446744073709551615 1.00000002004e+20 1e+20 ",
-         "word -> 0 0 0 0 0 0 0 0 "},
-        show);
+    expectTable(
+        TEST_DATA "/data/numbers",
+        {{"int32_t uint32_t int16_t uint16_t", numbersFrom<int32_t, uint32_t, int16_t, uint16_t>},
+         {"int64_t uint64_t float double", numbersFrom<int64_t, uint64_t, float, double>}});
 }
 
 // Reads values in the stream's form, and compares their bytes.

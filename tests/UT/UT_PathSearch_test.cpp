@@ -7,6 +7,7 @@
 #include "tests/support/ScratchDirectory.h"
 
 #include <filesystem>
+#include <list>
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,6 +19,33 @@ namespace
 std::string shown(const UT_StringList &list)
 {
     return joined(list.toVector());
+}
+
+UT_PathSearch &shared()
+{
+    return UT_PathSearch::getInstance(UT_VELDRIN_PATH);
+}
+
+UT_PathSearch mainPath()
+{
+    return {nullptr, ENV_VELDRIN_PATH, nullptr, -1};
+}
+
+// What is found first, then all there are.
+template <class First, class All>
+Show finding(First findFirst, All findAll)
+{
+    return [findFirst, findAll](const char *name) {
+        const UT_PathSearch path = mainPath();
+        UT_String result("old"), kept("old");
+        const bool isFound = (path.*findFirst)(result, name, UT_PathSearch::CLEAR_RESULT);
+        EXPECT_EQ(isFound, (path.*findFirst)(kept, name, UT_PathSearch::KEEP_NAME));
+        EXPECT_STREQ(isFound ? result.text() : name, kept);
+        UT_StringList list;
+        const int count = (path.*findAll)(name, list);
+        EXPECT_EQ(count, list.entries());
+        return orNull(result) + ' ' + shown(list);
+    };
 }
 
 // Works in a scratch folder with a home "h", its package folder and an installation "v";
@@ -32,48 +60,57 @@ protected:
         fs::create_directories("v/veldrin");
         myHome.set("h");
         myVdx.set("v");
-        UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
+        shared().rebuild();
     }
     ~PathSearch() override { fs::current_path(myBefore); }
 
-    UT_PathSearch mainPath() const { return {nullptr, ENV_VELDRIN_PATH, nullptr, -1}; }
+    // `show` of the main path while the words of the input are set.
+    template <class Lists>
+    static Show withSettings(Lists show)
+    {
+        return [show](const char *in) {
+            std::list<ScopedVariable> variables;
+            for (const std::string &word : plainSplitWords(in)) {
+                const size_t equals = word.find('=');
+                variables.emplace_back(word.substr(0, equals).c_str(), &word[equals + 1]);
+            }
+            return show(mainPath());
+        };
+    }
+    void setPath(const char *path)
+    {
+        myPath.set(path);
+        shared().rebuild();
+    }
 
     const fs::path myBefore = fs::current_path();
     ScratchDirectory myScratch;
     ScopedVariable myHome{"HOME", nullptr}, myVdx{"VDX", nullptr}, myPath{"VELDRIN_PATH", nullptr},
-        myVip{"VIP", nullptr}, mySite{"VSITE", nullptr}, myJob{"JOB", nullptr};
+        myVip{"VIP", nullptr}, mySite{"VSITE", nullptr}, myJob{"JOB", "/proj"};
 };
 } // namespace
 
-TEST_F(PathSearch, TheMainPathIsBuiltFromWhatIsSet)
+TEST_F(PathSearch, FoldersComeFromSettingsAndPatterns)
 {
-    EXPECT_EQ("h/veldrin9.0|v/veldrin|", shown(mainPath().getAllDirs()));
-    myVip.set("vip");
-    mySite.set("site");
-    EXPECT_EQ("vip|h/veldrin9.0|site/veldrin9.0|v/veldrin|", shown(mainPath().getAllDirs()));
-    EXPECT_EQ("h/veldrin9.0|v/veldrin|", shown(mainPath().getDirs()));
-    EXPECT_EQ("$VIP|$HOME/veldrin9.0|$VSITE/veldrin9.0|$VDX/veldrin|",
-              shown(mainPath().getAbbreviatedDirs()));
-    myPath.set("s/x;&:@/y^z/=");
-    EXPECT_EQ("s/x|vip|h/veldrin9.0|site/veldrin9.0|v/veldrin|@/yz/vip|",
-              shown(mainPath().getAllDirs()));
-    myHome.set("");
-    EXPECT_EQ("s/x|vip|site/veldrin9.0|v/veldrin|@/yz/vip|", shown(mainPath().getAllDirs()));
-}
-
-TEST_F(PathSearch, PatternsListFolders)
-{
-    myJob.set("/proj");
-    myPath.set("h;v");
-    UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
-    expectEach({"a::b;;c/ -> a|b|c|", ";/;//:x/y/// -> /|/|x/y|", "a\\\\;\\ -> a|\\|",
-                "$JOB/lib;'$JOB' -> /proj/lib|$JOB|", "~/x -> h/x|", "@;@/ -> h|v|h|v|",
-                "@/d;@/e -> h/d|v/d|h/e|v/e|", "@x;a/@ -> @x|a/@|", "@/^/^;=x= -> h/C/^|v/C/^|x=|",
-                "a;&;&/ -> a|a|&|&|&|", " -> "},
-               [](const char *pattern) { // its own default, too
-                   return shown(UT_PathSearch(pattern, -1, "C", UT_VELDRIN_PATH).getAllDirs());
-               });
+    myScratch.write("plain", "");
+    const auto both = [](const UT_PathSearch &path) {
+        return shown(path.getAllDirs()) + ' ' + shown(path.getDirs());
+    };
+    const auto abbreviated = [](const UT_PathSearch &path) {
+        return shown(path.getAbbreviatedDirs());
+    };
+    const auto byClass = [this](const char *pattern) {
+        setPath("h;v");
+        const std::string dirs =
+            shown(UT_PathSearch(pattern, -1, "C", UT_VELDRIN_PATH).getAllDirs());
+        myPath.set(nullptr);
+        return dirs;
+    };
+    expectTable(TEST_DATA "/data/paths", {{"main path", withSettings(both)},
+                                          {"abbreviated", withSettings(abbreviated)},
+                                          {"pattern", byClass}});
     EXPECT_EQ("/x|@/x|@|", shown(UT_PathSearch("^/x;@/x;@", -1, nullptr, -1).getAllDirs()));
+    setPath("h;v");
     const ScopedVariable zel("VELDRIN_ZEL_PATH", "/z/^;&"), dso("VELDRIN_DSO_PATH", nullptr);
     const UT_PathSearch set("@/d;&", ENV_VELDRIN_ZEL_PATH, "Fog", UT_VELDRIN_PATH);
     EXPECT_EQ("/z/Fog|h/d|v/d|&|", shown(set.getAllDirs()));
@@ -85,13 +122,12 @@ TEST_F(PathSearch, KnownPathsFollowTheirTable)
 {
     const ScopedVariable dso("VELDRIN_DSO_PATH", nullptr), ui("VELDRIN_UI_PATH", nullptr);
     fs::create_directory("v/config");
-    myPath.set("h;v");
-    UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
+    setPath("h;v");
     const auto known = [](UT_KnownPath path) {
-        UT_PathSearch &shared = UT_PathSearch::getInstance(path);
-        shared.rebuild(); // it may be older than this test's folders
-        EXPECT_EQ(&shared, &UT_PathSearch::getInstance(path));
-        return shown(shared.getAllDirs());
+        UT_PathSearch &one = UT_PathSearch::getInstance(path);
+        one.rebuild(); // it may be older than this test's folders
+        EXPECT_EQ(&one, &UT_PathSearch::getInstance(path));
+        return shown(one.getAllDirs());
     };
     EXPECT_EQ("h/dso_linux_intel|v/dso_linux_intel|h/dso|v/dso|", known(UT_VELDRIN_DSO_PATH));
     EXPECT_EQ("h|v|h/otls|v/otls|", known(UT_VELDRIN_OTL_PATH) + known(UT_VELDRIN_OTLSCAN_PATH));
@@ -118,22 +154,10 @@ TEST_F(PathSearch, ReconfiguringAppendsAndRebuildingStartsAnew)
     path->rebuild();
     EXPECT_EQ("home/veldrin|", shown(path->getAllDirs()));
     EXPECT_EQ(12, path->getMaxNameLength());
-    const UT_PathSearch &shared = UT_PathSearch::getInstance(UT_VELDRIN_PATH);
     myPath.set("/elsewhere");
-    EXPECT_EQ("h/veldrin9.0|v/veldrin|", shown(shared.getAllDirs()));
+    EXPECT_EQ("h/veldrin9.0|v/veldrin|", shown(shared().getAllDirs()));
     UT_PathSearch::rebuildAll();
-    EXPECT_EQ("/elsewhere|", shown(shared.getAllDirs()));
-}
-
-TEST_F(PathSearch, TheLongestKnownFolderIsAbbreviated)
-{
-    myJob.set("h/job");
-    mySite.set("h");
-    myVip.set("");
-    const ScopedVariable temp("VELDRIN_TEMP_DIR", "/t");
-    const UT_PathSearch path("h;h/job/x;h/jobs;/other;/t/x", -1, nullptr, -1);
-    EXPECT_EQ("$HOME|$JOB/x|$HOME/jobs|/other|$VELDRIN_TEMP_DIR/x|",
-              shown(path.getAbbreviatedDirs()));
+    EXPECT_EQ("/elsewhere|", shown(shared().getAllDirs()));
 }
 
 TEST_F(PathSearch, TheFirstMatchWinsAndExplicitNamesAreNotSearched)
@@ -141,47 +165,18 @@ TEST_F(PathSearch, TheFirstMatchWinsAndExplicitNamesAreNotSearched)
     for (const char *file : {"h/veldrin9.0/both", "v/veldrin/both", "v/veldrin/one", "here"})
         myScratch.write(file, "");
     fs::create_directory("v/veldrin/dir");
-    const UT_PathSearch path = mainPath();
-    // What is found first, then all there is.
-    const auto finding = [&path](auto findFirst, auto findAll) {
-        return [&path, findFirst, findAll](const char *name) {
-            UT_String result("old"), kept("old");
-            const bool isFound = (path.*findFirst)(result, name, UT_PathSearch::CLEAR_RESULT);
-            EXPECT_EQ(isFound, (path.*findFirst)(kept, name, UT_PathSearch::KEEP_NAME));
-            EXPECT_STREQ(isFound ? result.text() : name, kept);
-            UT_StringList list;
-            const int count = (path.*findAll)(name, list);
-            EXPECT_EQ(count, list.entries());
-            return orNull(result) + ' ' + shown(list);
-        };
-    };
-    expectEach({"both -> h/veldrin9.0/both h/veldrin9.0/both|v/veldrin/both|",
-                "one -> v/veldrin/one v/veldrin/one|", "dir -> v/veldrin/dir v/veldrin/dir|",
-                "none -> (null) ", "./one -> (null) ", "./here -> ./here ./here|",
-                "here -> (null) ", "(null) -> (null) "},
-               finding(&UT_PathSearch::findFile, &UT_PathSearch::findAllFiles));
-    expectEach({"both -> (null) ", "dir -> v/veldrin/dir v/veldrin/dir|", "./v -> ./v ./v|"},
-               finding(&UT_PathSearch::findDirectory, &UT_PathSearch::findAllDirectories));
-
+    expectTable(
+        TEST_DATA "/data/found",
+        {{"files", finding(&UT_PathSearch::findFile, &UT_PathSearch::findAllFiles)},
+         {"folders", finding(&UT_PathSearch::findDirectory, &UT_PathSearch::findAllDirectories)}});
     const char *const names[] = {"none", "one", "both", "./here", nullptr};
     UT_String result;
-    EXPECT_TRUE(path.findFileFromList(result, UT_StringList(names)));
+    EXPECT_TRUE(mainPath().findFileFromList(result, UT_StringList(names)));
     EXPECT_STREQ("h/veldrin9.0/both", result);
-    EXPECT_TRUE(path.findFileFromList(result, UT_StringList(names + 3)));
+    EXPECT_TRUE(mainPath().findFileFromList(result, UT_StringList(names + 3)));
     EXPECT_STREQ("./here", result);
-    EXPECT_FALSE(path.findDirectoryFromList(result, UT_StringList(names)));
+    EXPECT_FALSE(mainPath().findDirectoryFromList(result, UT_StringList(names)));
     EXPECT_EQ(nullptr, result.text());
-}
-
-TEST_F(PathSearch, FoldersThatCannotBeUsedAreOnlyListed)
-{
-    myScratch.write("plain", "");
-    fs::create_directory("locked");
-    fs::permissions("locked", fs::perms::none);
-    const UT_PathSearch path("none;plain;locked", -1, nullptr, -1);
-    EXPECT_EQ(geteuid() == 0 ? "locked|" : "", shown(path.getDirs())); // root may all
-    EXPECT_EQ("none|plain|locked|", shown(path.getAllDirs()));
-    fs::permissions("locked", fs::perms::owner_all);
 }
 
 TEST_F(PathSearch, ExtensionsMatchInAnyCase)
@@ -199,15 +194,15 @@ TEST_F(PathSearch, ExtensionsMatchInAnyCase)
 TEST_F(PathSearch, PrefixesAreStrippedFromTheEndOfThePath)
 {
     fs::create_directories("p/q");
-    myPath.set("p/q;p");
-    UT_PathSearch::getInstance(UT_VELDRIN_PATH).rebuild();
-    const auto stripping = [](auto strip) {
-        return [strip](UT_String &path) { return strip(path, UT_VELDRIN_PATH); };
-    };
-    expectEdits({"p/q/r/s -> 1 q/r/s", "p -> 1 ", "pp/x -> 0 pp/x", "(null) -> 0 (null)"},
-                stripping(UT_PathSearch::stripSearchPrefix));
-    expectEdits({"p/q/r/s -> 1 r/s", "p/q -> 1 ", "p/qq -> 1 qq", "x -> 0 x", "(null) -> 0 (null)"},
-                stripping(UT_PathSearch::stripLongestPrefix));
+    setPath("p/q;p");
+    expectEach({"p/q/r/s -> 1 q/r/s", "p -> 1 ", "pp/x -> 0 pp/x", "(null) -> 0 (null)"},
+               editing([](UT_String &path) {
+                   return UT_PathSearch::stripSearchPrefix(path, UT_VELDRIN_PATH);
+               }));
+    expectEach({"p/q/r/s -> 1 r/s", "p/q -> 1 ", "p/qq -> 1 qq", "x -> 0 x", "(null) -> 0 (null)"},
+               editing([](UT_String &path) {
+                   return UT_PathSearch::stripLongestPrefix(path, UT_VELDRIN_PATH);
+               }));
 }
 
 TEST(FirstPathSearch, MakesTheUsersPackageFolderOnce)

@@ -4,35 +4,35 @@
 
 #include "UT/UT_String.h"
 
+#include <functional>
 #include <gtest/gtest.h>
-#include <initializer_list>
+#include <map>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 inline std::string orNull(const char *text)
 {
     return text != nullptr ? text : "(null)";
 }
 
-// show(input) gives the output, and nothing is written into the input.
-template <class Show>
-void expectEach(std::initializer_list<const char *> rows, Show show)
-{
-    static const std::string ARROW = " -> ";
-    for (const std::string row : rows) {
-        const size_t arrow = row.find(ARROW);
-        const std::string in = row.substr(0, arrow);
-        const std::string out = show(in == "(null)" ? nullptr : in.c_str());
-        EXPECT_EQ(row, in + ARROW + out);
-    }
-}
+// Gives the output for an input.
+using Show = std::function<std::string(const char *)>;
+
+// Holds the rows against what `show` gives; nothing is written into the input.
+void expectEach(const std::vector<std::string> &rows, const Show &show);
+
+// The same for a file: a line "[name]" begins the rows of the operation of that name. Each
+// has rows. Empty lines and those that begin with "# " do not count. A row's text has
+// escapes as in C, but each \x with two digits, and may end behind the arrow.
+void expectTable(const std::string &file, const std::map<std::string, Show> &operations);
 
 // edit(string), for a string that borrows the input, answers and leaves what the output
 // tells, such as "1 text"; without an answer, "text".
 template <class Edit>
-void expectEdits(std::initializer_list<const char *> rows, Edit edit)
+Show editing(Edit edit)
 {
-    expectEach(rows, [&edit](const char *in) {
+    return [edit](const char *in) {
         UT_String s(in);
         if constexpr (std::is_void_v<decltype(edit(s))>) {
             edit(s);
@@ -41,5 +41,5 @@ void expectEdits(std::initializer_list<const char *> rows, Edit edit)
             const std::string answer = std::to_string(edit(s));
             return answer + ' ' + orNull(s);
         }
-    });
+    };
 }
