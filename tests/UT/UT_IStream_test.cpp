@@ -29,47 +29,7 @@ UT_IStream streamOver(std::string_view text, bool binary = false)
     return UT_IStream(text.data(), static_cast<int>(text.size()), binary);
 }
 
-constexpr size_t READERS = 9;
-
-// Reads in one of several ways from both, and compares.
-void readBoth(UT_IStream &is, PlainReader &plain, size_t reader)
-{
-    UT_ScratchBuffer text;
-    bool found = false, isFloating = false;
-    int lines = 0, plainLines = 0;
-    PlainReader::Text expected;
-    if (reader < 4) {
-        const char delimiter = reader ? '\n' : ';';
-        found = reader < 2    ? is.getLine(text, delimiter)
-                : reader == 2 ? is.getWord(text)
-                              : is.getString(text);
-        expected = reader < 2 ? plain.line(delimiter) : reader == 2 ? plain.word() : plain.string();
-    } else if (reader == 4) {
-        found = is.getSource().getNumberToken(text, isFloating);
-        expected = plain.number(isFloating);
-    } else if (reader == 5) {
-        lines = is.getNonCommentLine(text, ';', false);
-        expected = plain.nonCommentLine(';', plainLines);
-        found = lines > 0;
-        EXPECT_EQ(plainLines, lines);
-    } else if (reader == 6) {
-        EXPECT_EQ(plain.skipSpace(), is.skipWhitespace());
-    } else if (reader == 7) {
-        EXPECT_EQ(plain.line(';').has_value(), is.skipPast(';'));
-    } else {
-        const int next =
-            plain.isAtEnd() ? -1 : static_cast<signed char>(plain.text[plain.position]);
-        EXPECT_EQ(static_cast<char>(next), static_cast<char>(is.peekChar()));
-        EXPECT_EQ(next, is.getChar());
-        EXPECT_EQ(plain.isAtEnd() ? 0 : 1, is.unread(1));
-        EXPECT_EQ(next, is.getChar());
-        plain.position += !plain.isAtEnd();
-    }
-    EXPECT_EQ(expected.has_value(), found);
-    EXPECT_EQ(expected.value_or(""), textOf(text)) << "reader " << reader;
-    EXPECT_EQ(static_cast<int64_t>(plain.position), is.tellg());
-    EXPECT_FALSE(is.hasError());
-}
+constexpr size_t READERS = PlainReader::READERS;
 
 // Reads all of a text, whose chunks end as `cuts` says, in ways that `next` chooses.
 template <class Next>
@@ -79,8 +39,10 @@ void readAll(const std::string &text, uint64_t cuts, Next next)
         return;
     UT_IStream is(new TrickleSource(text, cuts), false);
     PlainReader plain{text};
-    for (size_t reads = 0; reads <= text.size() || !plain.isAtEnd(); ++reads)
-        readBoth(is, plain, plain.isAtEnd() ? reads % (READERS - 1) : next());
+    for (size_t reads = 0; reads <= text.size() || !plain.isAtEnd(); ++reads) {
+        const size_t reader = plain.isAtEnd() ? reads % (READERS - 1) : next();
+        EXPECT_EQ(plain.read(reader), readFrom(is, reader)) << "reader " << reader;
+    }
     EXPECT_EQ(-1, is.getChar());
     EXPECT_TRUE(is.isEof());
     if (testing::Test::HasFailure())

@@ -2,11 +2,14 @@
 // whole. Each reader gives nothing where the stream's one fails.
 #pragma once
 
+#include "UT/UT_IStream.h"
+
 #include <optional>
 #include <string>
 
 struct PlainReader {
     using Text = std::optional<std::string>;
+    static constexpr size_t READERS = 9;
 
     std::string text;
     size_t position = 0;
@@ -16,7 +19,12 @@ struct PlainReader {
     Text line(char delimiter);
     Text word();
     Text string();
-    Text number(bool isFloating); // only with the right `isFloating`
+    int number(Text &found); // 1 for one without a fraction or an exponent, 2 with them
+    int nonCommentLine(Text &found, char comment); // how many lines it took
 
-    Text nonCommentLine(char comment, int &lines);
+    // One of the readers, by number, reads: what it answers and finds, and its new place.
+    std::string read(size_t reader);
 };
+
+// The same with the stream's readers.
+std::string readFrom(UT_IStream &is, size_t reader);
