@@ -1,10 +1,14 @@
 #include "UT/UT_IZStream.h"
 
+#include "UT/UT_IFStream.h"
 #include "UT/UT_IGZStream.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "tests/support/Deflated.h"
+#include "tests/support/ScratchDirectory.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,21 +20,31 @@ UT_IStream streamOver(const std::string &bytes)
 }
 } // namespace
 
-TEST(IZStream, APeekedByteIsDeliveredByTheNextRead)
+TEST(IZStream, WhatOtherProgramsWroteIsReadUpToTheEndOfItsFirstMember)
 {
-    const std::string bytes = deflated("\x80x");
-    UT_IStream src = streamOver(bytes);
-    UT_IZStream is(src);
-    unsigned char c[2];
-    EXPECT_EQ(0x80, is.peekChar());
-    EXPECT_EQ(0x80, is.peekChar());
-    EXPECT_EQ(0, is.tellg());
-    EXPECT_EQ(1, is.bread(c, 1));
-    EXPECT_EQ(0x80, c[0]);
-    EXPECT_EQ('x', is.peekChar());
-    EXPECT_FALSE(is.isEof());
-    EXPECT_EQ(1, is.bread(c, 2));
-    EXPECT_EQ(-1, is.peekChar());
+    const std::string folder = TEST_DATA "/data/compressed/";
+    const std::string text = fileContents(folder + "text"); // any bytes
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        const std::string suffix = entry.path().extension();
+        if (suffix.empty())
+            continue;
+        SCOPED_TRACE(entry.path().string());
+        UT_IFStream src(entry.path().c_str(), true);
+        const std::unique_ptr<UT_IStream> is(suffix == ".gz" ? src.newGZipStream()
+                                                             : src.newZLibStream());
+        for (size_t piece = 1; piece < 2 * text.size(); piece *= 7) {
+            std::string found(text.size(), '\0');
+            for (size_t at = 0; at < text.size(); at += piece) {
+                const size_t wanted = std::min(piece, text.size() - at);
+                ASSERT_EQ(static_cast<unsigned char>(text[at]), is->peekChar());
+                EXPECT_EQ(static_cast<int>(wanted),
+                          is->bread(&found[at], static_cast<int>(wanted)));
+            }
+            EXPECT_EQ(text, found);
+            EXPECT_TRUE(is->peekChar() == -1 && is->isEof() && !is->hasError());
+            EXPECT_TRUE(is->seekg(0, 0));
+        }
+    }
 }
 
 TEST(IZStream, CorruptDataAreAnErrorAndTruncatedOnesTheEnd)
