@@ -1,10 +1,12 @@
 #include "UT/UT_IFStream.h"
 
+#include "UT/UT_FileUtil.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "tests/support/ScratchDirectory.h"
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -66,4 +68,24 @@ TEST(IFStream, AfterCloseOnlyWhatIsBufferedCanBeRead)
     EXPECT_EQ(4095, line.length());
     EXPECT_TRUE(is.isEof());
     EXPECT_FALSE(is.seekg(0, 0));
+}
+
+TEST(IFStream, FilesMayBeLargerThan4Gigabytes)
+{
+    ScratchDirectory scratch;
+    const std::string file = scratch.write("file", "");
+    const int64_t start = 5000000000;
+    std::ofstream(file).seekp(start) << "far line\nend"; // the rest takes no space
+    UT_IFStream named(file.c_str(), false);
+    FILE *const open = std::fopen(file.c_str(), "rb");
+    UT_IStream unnamed(open, false);
+    for (UT_IStream *is : {static_cast<UT_IStream *>(&named), &unnamed}) {
+        UT_ScratchBuffer line;
+        EXPECT_TRUE(is->seekg(start + 4, 0) && is->getLine(line, '\n'));
+        EXPECT_STREQ("line", line.buffer());
+        EXPECT_TRUE(is->seekg(-3, 2));
+        EXPECT_EQ(start + 9, is->tellg());
+    }
+    EXPECT_TRUE(UTisReadable(file.c_str()) && !UTisDirectory(file.c_str()));
+    std::fclose(open);
 }

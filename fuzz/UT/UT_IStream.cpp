@@ -1,0 +1,25 @@
+// Eight bytes say where the rest is cut into chunks, and in which order the readers
+// read it: they find what their plain twins do.
+#include "UT/UT_IStream.h"
+
+#include "fuzz/fuzz.h"
+#include "tests/support/PlainReader.h"
+#include "tests/support/TrickleSource.h"
+
+#include <cstring>
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    uint64_t cuts = 0;
+    if (size < sizeof cuts)
+        return 0;
+    std::memcpy(&cuts, data, sizeof cuts);
+    const std::string text = fuzzText(data + sizeof cuts, size - sizeof cuts);
+    UT_IStream is(new TrickleSource(text, cuts), false);
+    PlainReader plain{text};
+    for (size_t reads = 0; reads <= text.size(); ++reads) {
+        const size_t reader = (cuts >> reads % 60) % PlainReader::READERS;
+        fuzzExpectEqual(plain.read(reader), readFrom(is, reader));
+    }
+    return 0;
+}

@@ -1,0 +1,45 @@
+// Any bytes are read as the binary string that their plain reading gives, and any text
+// is loaded as it was saved, in both forms.
+#include "UT/UT_IStream.h"
+#include "UT/UT_String.h"
+#include "fuzz/fuzz.h"
+
+#include <sstream>
+
+// "unread" when something is missing. Up to 8 bytes of length, of all ones but the last.
+static std::string plainBinaryString(const std::string &bytes, size_t width)
+{
+    for (size_t at = 0; at + width <= bytes.size(); width *= 2) {
+        uint64_t length = 0;
+        for (const size_t end = at + width; at < end; ++at)
+            length = length << 8 | static_cast<unsigned char>(bytes[at]);
+        if (width == 8 || length != (uint64_t{1} << 8 * width) - 1)
+            return length <= bytes.size() - at ? bytes.substr(at, length).c_str() : "unread";
+    }
+    return "unread";
+}
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const std::string bytes = fuzzText(data, size);
+    for (const int width : {1, 2, 4, 8}) {
+        UT_IStream is(bytes.data(), static_cast<int>(size), true);
+        UT_String found("unread");
+        const bool isRead = is.readBinaryString(found, 8 * width);
+        fuzzExpectEqual(plainBinaryString(bytes, static_cast<size_t>(width)), found.text());
+        fuzzExpectEqual(true, isRead || found.toStdString() == "unread");
+    }
+    const UT_String text(bytes.c_str());
+    for (const bool binary : {false, true}) {
+        std::ostringstream os;
+        const bool isSaved = text.save(os, binary);
+        const std::string saved = os.str();
+        UT_IStream is(saved.data(), static_cast<int>(saved.size()), binary);
+        UT_String loaded;
+        fuzzExpectEqual(true, isSaved && loaded.load(is));
+        // A leading backslash is only kept by quotes.
+        if (binary || bytes[0] != '\\' || text.hasWhitespace())
+            fuzzExpectEqual(text.text(), loaded.text());
+    }
+    return 0;
+}
