@@ -1,6 +1,6 @@
 // vaskel: draws the scene of a file or of standard input.
+#include "vaskel/vk_Options.h"
 #include "vaskel/vk_Picture.h"
-#include "vaskel/vk_Renderer.h"
 #include "vaskel/vk_SafeFile.h"
 #include "vaskel/vk_SceneReader.h"
 #include "vaskel/vk_ShaderList.h"
@@ -9,22 +9,12 @@
 #include <cstdio>
 #include <cstring>
 
+#include <unistd.h>
+
 namespace
 {
 constexpr int FAILURE = 1;
 constexpr int BAD_COMMAND = 2;
-
-const char *const USAGE = "Usage: vaskel [options] [scene]\n"
-                          "Draws the picture that a scene describes. The scene is a file,\n"
-                          "or standard input when it is left out or '-'.\n"
-                          "Options:\n"
-                          "  --list-shaders  print the shaders with their parameters and end\n"
-                          "  --help          print this text and end\n"
-                          "  --version       print the version and end\n"
-                          "Environment:\n"
-                          "  VELDRIN_MAXTHREADS  how many threads draw, 1 to 100;\n"
-                          "                      0 or -1: one for each processor\n"
-                          "The scene language is described in doc/scene.md.\n";
 
 int fail(const std::string &message)
 {
@@ -40,7 +30,24 @@ int print(const std::string &text)
     return fail(std::string("cannot write: ") + std::strerror(errno));
 }
 
-int draw(const vk_Scene &scene)
+void showProgress(int percent)
+{
+    std::fprintf(stderr, "\r%3d %%%s", percent, percent == 100 ? "\r     \r" : "");
+}
+
+vk_RenderSettings settingsOf(const vk_Options &options, vk_Stats &stats)
+{
+    vk_RenderSettings settings;
+    settings.threads = vk_threadCount();
+    settings.quality = options.quality;
+    settings.samples = options.samples;
+    settings.stats = &stats;
+    if (options.quality->showsProgress && isatty(STDERR_FILENO) != 0)
+        settings.progress = showProgress;
+    return settings;
+}
+
+int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
 {
     // The place is tried before the work is done.
     vk_SafeFile file;
@@ -49,53 +56,60 @@ int draw(const vk_Scene &scene)
     std::string error;
     if (!file.open(scene.picture))
         return fail(file.error());
-    if (!vk_render(scene, vk_threadCount(), film, error) ||
-        !vk_encode(film, scene.picture, bytes, error))
+    if (!vk_render(scene, settingsOf(options, stats), film, error))
+        return fail(error);
+    const double start = vk_seconds();
+    if (!vk_encode(film, scene.picture, bytes, error))
         return fail(error);
     if (!file.commit(bytes.data(), bytes.size()))
         return fail(file.error());
+    stats.writing = vk_seconds() - start;
     return 0;
 }
 
-int readAndDraw(const char *name)
+int readAndDraw(const vk_Options &options)
 {
-    const bool isInput = std::strcmp(name, "-") == 0;
-    std::FILE *const file = isInput ? stdin : std::fopen(name, "rb");
+    vk_Stats stats;
+    const double start = vk_seconds();
+    const bool isInput = std::strcmp(options.scene, "-") == 0;
+    std::FILE *const file = isInput ? stdin : std::fopen(options.scene, "rb");
     if (file == nullptr)
-        return fail(std::string("cannot open '") + name + "': " + std::strerror(errno));
+        return fail(std::string("cannot open '") + options.scene + "': " + std::strerror(errno));
     vk_Scene scene;
-    vk_SceneReader reader(isInput ? "<stdin>" : name, scene);
+    vk_SceneReader reader(isInput ? "<stdin>" : options.scene, scene);
     const bool good = reader.read(file);
     if (!isInput)
         std::fclose(file);
     for (const std::string &message : reader.messages())
         std::fprintf(stderr, "%s\n", message.c_str());
-    return good ? draw(scene) : FAILURE;
-}
-
-// Whether an option is among the arguments, wherever it stands.
-bool has(int argc, char *const argv[], const char *option)
-{
-    for (int i = 1; i < argc; ++i)
-        if (std::strcmp(argv[i], option) == 0)
-            return true;
-    return false;
+    stats.reading = vk_seconds() - start;
+    if (!good)
+        return FAILURE;
+    const int status = draw(scene, options, stats);
+    if (options.stats && status == 0)
+        std::fputs(stats.text().c_str(), stderr);
+    return status;
 }
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    if (has(argc, argv, "--help"))
-        return print(USAGE);
-    if (has(argc, argv, "--version"))
-        return print("vaskel 1.0\n");
-    if (has(argc, argv, "--list-shaders"))
-        return print(vk_listShaders());
-    const bool isOption = argc == 2 && argv[1][0] == '-' && argv[1][1] != '\0';
-    if (argc > 2 || isOption) {
-        std::fprintf(stderr, "vaskel: error: expected one scene and no option but these\n%s",
-                     USAGE);
+    vk_Options options;
+    std::string error;
+    if (!vk_parseOptions(argc, argv, options, error)) {
+        fail(error);
+        std::fputs(vk_usage().c_str(), stderr);
         return BAD_COMMAND;
     }
-    return readAndDraw(argc == 2 ? argv[1] : "-");
+    switch (options.action) {
+    case VK_HELP:
+        return print(vk_usage());
+    case VK_VERSION:
+        return print("vaskel 1.0\n");
+    case VK_LIST_SHADERS:
+        return print(vk_listShaders());
+    case VK_DRAW:
+        break;
+    }
+    return readAndDraw(options);
 }

@@ -1,5 +1,7 @@
 #include "vaskel/vk_Lighting.h"
 
+#include "vaskel/vk_Stats.h"
+
 vk_Lighting::vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog)
     : myScene(scene), myWorld(world), myFog(fog), myBlocked(scene.shadow()),
       myCastsShadows(!(myBlocked == vk_grey(1)))
@@ -31,8 +33,10 @@ vk_Colour vk_Lighting::arriving(const vk_Vec &from, const vk_LightSample &light)
     constexpr float NOT_QUITE = 1 - 1e-5f; // a light must not hide itself
 
     const vk_Colour radiance = light.radiance * myFog.passes(from, light.direction, light.distance);
-    const bool isBlocked =
-        myCastsShadows && myWorld.occluded(from, light.direction, light.distance * NOT_QUITE);
+    if (!myCastsShadows)
+        return radiance;
+    ++vk_myRays.shadow;
+    const bool isBlocked = myWorld.occluded(from, light.direction, light.distance * NOT_QUITE);
     return isBlocked ? radiance * myBlocked : radiance;
 }
 

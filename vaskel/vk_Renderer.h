@@ -3,14 +3,42 @@
 
 #include "vaskel/vk_Film.h"
 #include "vaskel/vk_Scene.h"
+#include "vaskel/vk_Stats.h"
 
 #include <string>
+
+// How much work goes into a picture. A pixel is done when its error, as far as
+// its samples and those of its neighbours tell, is below the tolerance, or when
+// it has as many samples as the scene allows, times a factor.
+struct vk_Quality {
+    const char *name;
+    float samples;      // factor for the scene's most samples
+    float tolerance;    // error, of full scale
+    bool showsProgress; // worth waiting for, so say how long
+};
+inline constexpr vk_Quality VK_QUALITIES[] = {
+    {"draft", .25f, .022f, false},
+    {"default", 1, .009f, false},
+    {"final", 8, .0035f, true},
+};
+inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
+
+struct vk_RenderSettings {
+    int threads = 1;
+    const vk_Quality *quality = &VK_DEFAULT_QUALITY;
+    int samples = 0;           // for every pixel, quiet or not; 0: up to the quality
+    vk_Stats *stats = nullptr; // where to add what it took
+
+    // Called with 0 to 100, growing, from one thread at a time; null: nobody asks.
+    void (*progress)(int percent) = nullptr;
+};
 
 // How many threads the setting VELDRIN_MAXTHREADS asks for; as many as there are
 // processors when it is 0 or below.
 int vk_threadCount();
 
-// Draws the scene. The film depends on the scene only, not on the number of
-// threads. A pixel stops early when its samples agree. False and a message when
-// memory or ray tracing failed.
-[[nodiscard]] bool vk_render(const vk_Scene &scene, int threads, vk_Film &film, std::string &error);
+// Draws the scene. The film depends on the scene, the quality and the samples
+// only, not on the number of threads. False and a message when memory or ray
+// tracing failed.
+[[nodiscard]] bool vk_render(const vk_Scene &scene, const vk_RenderSettings &settings,
+                             vk_Film &film, std::string &error);

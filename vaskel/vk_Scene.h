@@ -26,6 +26,7 @@ struct vk_ShapeEntry {
 struct vk_Scene {
     static constexpr std::size_t MOST_LIGHTS = 64;
     static constexpr std::size_t MOST_SHAPES = 64;
+    static constexpr int MOST_SAMPLES = 65536; // a pixel
     static constexpr int LONGEST_SIDE = 8192;
     static constexpr int MOST_PIXELS = 1 << 24;
 

@@ -212,7 +212,7 @@ bool vk_SceneReader::doSize()
 
 bool vk_SceneReader::doSamples()
 {
-    if (!takesNumbers(1, 1, 1, 65536))
+    if (!takesNumbers(1, 1, 1, vk_Scene::MOST_SAMPLES))
         return false;
     myScene->samples = static_cast<int>(myNumbers[0]);
     return static_cast<float>(myScene->samples) == myNumbers[0] ||

@@ -1,5 +1,7 @@
 #include "vaskel/vk_Tracer.h"
 
+#include "vaskel/vk_Stats.h"
+
 #include <limits>
 
 namespace
@@ -111,6 +113,7 @@ vk_Colour vk_Tracer::follow(Path path, vk_Sampler &sampler) const
 // is no surface, or none that scatters.
 bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sampler &sampler) const
 {
+    ++(path.surfaces > 0 ? vk_myRays.scattered : vk_myRays.camera);
     const bool met = myWorld.intersect(path.origin, path.direction, hit);
     const float distance = met ? hit.distance : FOREVER;
     if (path.surfaces > 0)

@@ -86,6 +86,11 @@ TEST(Vaskel, FailuresAreToldAndLeaveThePictureAsItWas)
         {"file size limit", "p.jpg", "(ulimit -f 0; exec \"$vaskel\" s); s=$?; exit $s", "",
          128 + 25},
         {"unknown option", "p.jpg", "\"$vaskel\" --nonsense", "Usage: vaskel", 2},
+        {"no samples", "p.jpg", "\"$vaskel\" --samples 0 s", "expected a number from 1 to 65536",
+         2},
+        {"half samples", "p.jpg", "\"$vaskel\" s --samples 1.5", "expected a whole number", 2},
+        {"unknown quality", "p.jpg", "\"$vaskel\" --quality finel s", "nearest is 'final'", 2},
+        {"value left out", "p.jpg", "\"$vaskel\" s --quality", "expected a value", 2},
         {"two scenes", "p.jpg", "\"$vaskel\" s s", "Usage: vaskel", 2},
         {"full standard output", "p.jpg", "\"$vaskel\" --help >/dev/full", "cannot write", 1},
     };
@@ -109,6 +114,18 @@ TEST(Vaskel, HelpVersionAndListSucceedWhereverTheyStand)
     EXPECT_THAT(shell(folder, "\"$vaskel\" --version").out, HasSubstr("vaskel 1"));
     EXPECT_THAT(shell(folder, "\"$vaskel\" --list-shaders").out,
                 HasSubstr("    rough [0 to 1] (0.2) roughness of the coat"));
+}
+
+TEST(Vaskel, OptionsFixTheSamplesAndTellWhatItTook)
+{
+    const ScratchDirectory folder;
+    folder.write("s", sceneFor("p.png"));
+    const std::string fixed = shell(folder, "\"$vaskel\" --stats s --samples 5").err;
+    EXPECT_THAT(fixed, HasSubstr("1280 camera"));
+    EXPECT_THAT(fixed, HasSubstr("samples   5.00 a pixel\nNaN       0 pixels\n"));
+    EXPECT_THAT(shell(folder, "\"$vaskel\" --stats --quality draft -- s").err,
+                HasSubstr("samples   1.00 a pixel"));
+    EXPECT_EQ("", shell(folder, "\"$vaskel\" --quality final s").err);
 }
 
 TEST(Vaskel, SignalsEndItWithoutLeavingAFile)

@@ -32,7 +32,9 @@ vk_Film draw(const std::string &lines, int threads = 2)
     vk_Film film;
     std::string error;
     readScene(lines, scene);
-    EXPECT_TRUE(vk_render(scene, threads, film, error)) << error;
+    vk_RenderSettings settings;
+    settings.threads = threads;
+    EXPECT_TRUE(vk_render(scene, settings, film, error)) << error;
     return film;
 }
 

@@ -1,0 +1,98 @@
+// Pixels that are drawn together, and what they are drawn with.
+#pragma once
+
+#include "vaskel/vk_Renderer.h"
+#include "vaskel/vk_Tracer.h"
+
+// Rays through a picture's points.
+class vk_Lens
+{
+public:
+    explicit vk_Lens(const vk_Scene &scene);
+
+    const vk_Vec &from() const { return myFrom; }
+
+    // Unit, through a point in pixels from the picture's upper left corner.
+    vk_Vec direction(float x, float y) const
+    {
+        return vk_normalize(myForward + myRight * (x - myWidth / 2) + myDown * (y - myHeight / 2));
+    }
+
+private:
+    vk_Vec myFrom, myForward, myRight, myDown;
+    float myWidth, myHeight;
+};
+
+struct vk_Pixel {
+    vk_Colour sum;
+    vk_Colour before; // seen mean when half of the samples were there
+    float error = 0;  // of the mean, estimated
+    int count = 0;
+    bool quiet = false;
+    bool bad = false; // had a sample that was no number
+
+    vk_Colour mean() const { return sum * (1 / static_cast<float>(count)); }
+
+    // How far the second half of the samples moved the mean is about how far
+    // off the mean still is.
+    void judge();
+};
+
+// What all tiles share: where samples come from and where pixels go.
+class vk_Canvas
+{
+public:
+    // Keeps references to all but the settings.
+    vk_Canvas(const vk_Scene &scene, const vk_World &world, const vk_RenderSettings &settings,
+              vk_Film &film);
+
+    // Draws samples until the pixel has so many.
+    void sample(vk_Pixel &pixel, int x, int y, int count) const;
+
+    // Writes a finished pixel to the film.
+    void develop(const vk_Pixel &pixel, int x, int y) const;
+
+    int width() const { return myScene.width; }
+    int height() const { return myScene.height; }
+    int firstSamples() const { return myFirstSamples; }
+    int mostSamples() const { return myMostSamples; }
+    float tolerance() const { return myTolerance; } // squared
+
+private:
+    vk_Colour light(int x, int y, vk_Sampler sampler) const;
+
+    const vk_Scene &myScene;
+    vk_Tracer myTracer;
+    vk_Lens myLens;
+    vk_Film &myFilm;
+    float myGain;
+    float myTolerance;
+    int myMostSamples, myFirstSamples;
+};
+
+// A square of pixels, drawn in passes that double the samples of those pixels
+// that are not quiet yet. One pixel's error is a poor estimate; the mean over
+// its neighbours in the tile is a fair one. Tiles know nothing of each other,
+// so their order does not matter.
+class vk_Tile
+{
+public:
+    static constexpr int SIDE = 8; // pixels
+
+    vk_Tile(const vk_Canvas &canvas, int left, int top);
+    void draw();
+
+    // After draw().
+    std::uint64_t samples() const;
+    std::uint64_t badPixels() const;
+    int pixels() const { return myColumns * myRows; }
+
+private:
+    bool pass(int count);
+    void settle();
+    float errorAround(int x, int y) const;
+
+    const vk_Canvas &myCanvas;
+    int myLeft, myTop, myColumns, myRows;
+    vk_Pixel myPixels[SIDE][SIDE];
+};
