@@ -194,7 +194,8 @@ public:
     // when unset or empty, in double quotes when it holds white space, with a
     // backslash in front of each '"' and backslash. (UT_IStream::getString takes the
     // first byte of an unquoted word as it is: a text without white space that begins
-    // with a backslash comes back with one more.)
+    // with a backslash comes back with one more, and one with a carriage return as
+    // what is in front of it.)
     void writeText(std::ostream &os) const;
 
     // The text in quotes, with a backslash in front of each such quote and each

@@ -92,14 +92,14 @@ void ArrayCore<Array>::change()
     const int place = found == end ? -1 : static_cast<int>(found - begin);
     const auto put = [&](unsigned i) { return std::is_same_v<T, Value> ? T() : array(i) = value; };
     const T fresh = std::is_same_v<T, Value> ? T() : value; // others may hold anything at first
-    int number = static_cast<int>(below(18));
+    int number = static_cast<int>(below(17));
     const auto both = [&](auto onArray, auto onList) {
         if (number-- == 0) {
             EXPECT_EQ(onList(), onArray());
         }
     };
-    both([&] { return array.append(value); }, [&] { return open(n, 1, AHEAD, value); });
-    both([&] { return array.append(array(from)); }, [&] { return open(n, 1, AHEAD, old[from]); });
+    both([&] { return array.append(far % 2 ? value : array(from)); },
+         [&] { return open(n, 1, AHEAD, far % 2 ? value : old[from]); });
     both([&] { return array.insertAt(value, far); }, [&] { return open(far, 1, 0, value); });
     both([&] { return array.insertAt(array(n - 1), 0); },
          [&] { return open(0, 1, 0, old[n - 1]); });

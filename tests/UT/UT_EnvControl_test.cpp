@@ -81,12 +81,11 @@ TEST(EnvControl, NamesAreFoundByEnumerator)
         return orNull(UT_EnvControl::getVariableName(setting)) + ' ' +
                orNull(UT_EnvControl::getOldVariableName(setting)) + '|';
     };
-    EXPECT_EQ("VELDRIN_AUDIT_IO img_ioState|VELDRIN_MIP_READ MIP_READ|FPS (null)|(null) (null)|",
-              names(ENV_VELDRIN_AUDIT_IO) + names(ENV_VELDRIN_MIP_READ) + names(ENV_FPS) +
-                  names(UT_NUM_INT_CONTROLS));
-    EXPECT_EQ("VELDRIN_WF_GAMMA WF_GAMMA|VELDRIN_CHOP_UNITS UNITS|(null) (null)|(null) (null)|",
-              names(ENV_VELDRIN_WF_GAMMA) + names(ENV_VELDRIN_CHOP_UNITS) +
-                  names(UT_NUM_FLOAT_CONTROLS) + names(UT_NUM_STR_CONTROLS));
+    EXPECT_EQ("VELDRIN_AUDIT_IO img_ioState|FPS (null)|(null) (null)|",
+              names(ENV_VELDRIN_AUDIT_IO) + names(ENV_FPS) + names(UT_NUM_INT_CONTROLS));
+    EXPECT_EQ("VELDRIN_WF_GAMMA WF_GAMMA|(null) (null)|(null) (null)|",
+              names(ENV_VELDRIN_WF_GAMMA) + names(UT_NUM_FLOAT_CONTROLS) +
+                  names(UT_NUM_STR_CONTROLS));
 }
 
 TEST(EnvControl, FirstUseComputesAndExportsDefaults)

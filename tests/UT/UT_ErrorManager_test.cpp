@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
@@ -109,34 +109,23 @@ TEST(ErrorManager, RecordsComeAndGoAsInAList)
 
 TEST(ErrorManager, FunctionsAddToTheTopOfTheStack)
 {
-    const struct {
-        int (*add)();
-        const char *type;
-        int code, severity, highest;
-    } cases[] = {
-        {[] { return UTaddMessage("T", 1, "x"); }, "T", 1, 1, 1},
-        {[] { return UTaddNote("T", 2); }, "T", 2, 2, 2},
-        {[] { return UTaddWarning("T", 3, "x"); }, "T", 3, 3, 3},
-        {[] { return UTaddCommonWarning(4); }, "Common", 4, 3, 3},
-        {[] { return UTaddError("T", 5); }, "T", 5, 4, 4},
-        {[] { return UTaddCommonError(6, "x"); }, "Common", 6, 4, 4},
-        {[] { return UTaddSystemError(); }, "System", ENOENT, 4, 4},
-        {[] { return UTaddFatal("T", 8); }, "T", 8, 5, 5},
-        {[] { return UTaddError(new UT_Error("T", 9, "x", 1)); }, "T", 9, 1, 5},
-    };
     UT_ErrorManager::pushManager();
     UTaddNote("below", 1);
     UT_ErrorManager::pushManager();
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.code);
-        EXPECT_EQ(-1, UTfindError(c.type, c.code));
-        errno = ENOENT;
-        EXPECT_EQ(c.highest, c.add());
-        const int index = UTfindError(c.type, c.code);
-        ASSERT_EQ(&c - cases, index);
-        EXPECT_EQ(c.severity, UT_ErrorManager::getCurrent().getError(index)->getSeverity());
+    errno = ENOENT;
+    const int highest[] = {
+        UTaddMessage("T", 1, "x"), UTaddNote("T", 2),  UTaddWarning("T", 3, "x"),
+        UTaddCommonWarning(4),     UTaddError("T", 5), UTaddCommonError(6, "x"),
+        UTaddSystemError(),        UTaddFatal("T", 8), UTaddError(new UT_Error("T", 9, "x", 1))};
+    EXPECT_THAT(highest, testing::ElementsAre(1, 2, 3, 3, 4, 4, 4, 5, 5));
+    std::string all; // with their severities
+    for (int i = 0; const UT_Error *error = UT_ErrorManager::getCurrent().getError(i); ++i) {
+        all += std::string(error->getType()) + ' ' + std::to_string(error->getCode()) + ' ' +
+               std::to_string(error->getSeverity()) + error->getText() + '|';
+        EXPECT_EQ(i, UTfindError(error->getType(), error->getCode()));
     }
-    EXPECT_STREQ("x", UT_ErrorManager::getCurrent().getError(2)->getText());
+    EXPECT_EQ("T 1 1x|T 2 2|T 3 3x|Common 4 3|T 5 4|Common 6 4x|System 2 4|T 8 5|T 9 1x|", all);
+    EXPECT_EQ(-1, UTfindError("Common", 5));
     UT_ErrorManager::popManager();
     EXPECT_EQ(2, UTgetErrorSeverity());
     while (UT_ErrorManager::getCurrent().getNumErrors() > 0)
@@ -168,24 +157,23 @@ TEST(ErrorManager, AWatcherHearsOfErrorsOnly)
 
 TEST(ErrorManager, AFailedWriteIsPostedWhenItsDataAreLost)
 {
+    const auto isLoss = testing::AnyOf(EIO, EMFILE, ENOSPC, EROFS, ENOSTR, ENOSR, ETIMEDOUT);
     for (int code = 0; code < 140; ++code)
         for (const char *const word : {"Write", "", static_cast<const char *>(nullptr)}) {
-            const int losses[] = {EIO, EMFILE, ENOSPC, EROFS, ENOSTR, ENOSR, ETIMEDOUT};
-            const bool isLoss = std::count(std::begin(losses), std::end(losses), code) > 0;
+            const bool isLost = testing::Value(code, isLoss), isVerbose = code % 2 == 0;
             const std::string reason = std::strerror(code), text = word ? word : "";
-            const bool isVerbose = code % 2 == 0;
             const ScopedVariable verbose("VELDRIN_VERBOSE_ERROR", isVerbose ? "1" : "0");
             UT_ErrorManager::pushManager();
             testing::internal::CaptureStderr();
             errno = code;
-            EXPECT_EQ(!isLoss, UTcheckSaveError(word, word));
+            EXPECT_EQ(!isLost, UTcheckSaveError(word, word));
             const std::string report = "Veldrin Save error detected:errno " + std::to_string(code) +
                                        " (" + reason + ") path(" + text + ") operation(" + text +
                                        ")\n\r";
             EXPECT_EQ(isVerbose && code ? report : "", testing::internal::GetCapturedStderr());
-            EXPECT_EQ(isLoss ? 0 : -1, UTfindError("Common", UT_COMMON_SAVE_FAILED));
+            EXPECT_EQ(isLost ? 0 : -1, UTfindError("Common", UT_COMMON_SAVE_FAILED));
             const UT_Error *const error = UT_ErrorManager::getCurrent().getError(0);
-            EXPECT_EQ(isLoss ? text + " <" + reason + "> " + text : "",
+            EXPECT_EQ(isLost ? text + " <" + reason + "> " + text : "",
                       error ? error->getText() : "");
             UT_ErrorManager::popManager();
         }

@@ -2,6 +2,7 @@
 
 #include "UT/UT_IFStream.h"
 #include "UT/UT_ScratchBuffer.h"
+#include "tests/support/Cases.h"
 #include "tests/support/Deflated.h"
 #include "tests/support/PlainReader.h"
 #include "tests/support/Random.h"
@@ -118,27 +119,25 @@ TEST(IStreamBuf, NoSourceMovesOutOfItsText)
 
 TEST(IStreamBuf, ARangeEndsWithItsLengthOrItsInnerSource)
 {
-    const struct {
-        int64_t start, length;
-        const char *line;
-    } cases[] = {{2, 3, "234"}, {7, INT64_MAX, "789"}, {3, 0, ""},
-                 {3, -1, ""},   {100, 3, ""},          {-1, 3, ""}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.start << ", " << c.length);
-        const UT_IStream whole("0123456789", 10, true);
-        const std::unique_ptr<UT_IStream> range(whole.newRangeStream(c.start, c.length));
-        UT_ScratchBuffer line;
-        EXPECT_TRUE(range->isBinary());
-        EXPECT_EQ(*c.line != '\0', range->getLine(line, '\n'));
-        EXPECT_STREQ(c.line, line.buffer());
-        EXPECT_TRUE(range->isEof());
-        EXPECT_EQ(-1, range->peekChar());
-        // Behind it lies its end, in front of it an error.
-        range->seekg(c.length, 0);
-        EXPECT_EQ(-1, range->getChar());
-        EXPECT_FALSE(range->seekg(-1, 0));
-        EXPECT_TRUE(range->hasError());
-    }
+    expectEach({"2 3 -> 234", "7 9223372036854775807 -> 789", "3 0 -> ", "3 -1 -> ", "100 3 -> ",
+                "-1 3 -> "},
+               [](const char *in) {
+                   char *behind = nullptr;
+                   const int64_t start = std::strtoll(in, &behind, 10);
+                   const int64_t length = std::strtoll(behind, nullptr, 10);
+                   const UT_IStream whole("0123456789", 10, true);
+                   const std::unique_ptr<UT_IStream> range(whole.newRangeStream(start, length));
+                   UT_ScratchBuffer line;
+                   const bool isThere = range->getLine(line, '\n');
+                   EXPECT_EQ(isThere, line.length() > 0);
+                   EXPECT_TRUE(range->isBinary() && range->isEof() && range->peekChar() == -1);
+                   // Behind it lies its end, in front of it an error.
+                   range->seekg(length, 0);
+                   EXPECT_EQ(-1, range->getChar());
+                   EXPECT_FALSE(range->seekg(-1, 0));
+                   EXPECT_TRUE(range->hasError());
+                   return std::string(line.buffer());
+               });
 }
 
 TEST(IStreamBuf, TheFirstErrorCountsAndARangeTellsThatOfItsInnerSource)

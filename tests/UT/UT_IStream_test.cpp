@@ -128,39 +128,13 @@ TEST(IStream, BinaryValuesAreBigEndian)
         "0123456789abcdef\xff");
 }
 
-TEST(IStream, BinaryStringsTakeTheShortestLengthFormAllowed)
+TEST(IStream, BinaryStringsMayBeLong)
 {
-    const std::string longText(70000, 'x'), eight("\0\0\0\0\0\0\0\2", 8);
-    const struct {
-        int minBits;
-        std::string in;
-        const char *text; // null: fails, and the string stays
-    } cases[] = {
-        {8, "\2abc", "ab"},
-        {8, std::string("\xff\0\2abc", 6), "ab"},
-        {16, std::string("\0\3abc", 5), "abc"},
-        {16, std::string("\xff\xff\0\1\x11\x70", 6) + longText, longText.c_str()},
-        {8, "\xff\xff\xff\xff\xff\xff\xff" + eight + "ab", "ab"},
-        {64, eight + "ab", "ab"},
-        {8, std::string(1, '\0'), ""},
-        {16, std::string(1, '\0'), nullptr},
-        {8, "\5abc", nullptr},
-        {32,
-         "\x7f\xff\xff\xf0"
-         "abc",
-         nullptr},
-        {32,
-         "\xff\xff\xff\xf0"
-         "abc",
-         nullptr},
-        {64, std::string(8, '\xfe'), nullptr},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.minBits << ", " << c.in.substr(0, 20));
-        UT_String text("old");
-        EXPECT_EQ(c.text != nullptr, streamOver(c.in, true).readBinaryString(text, c.minBits));
-        EXPECT_STREQ(c.text ? c.text : "old", text);
-    }
+    const std::string longText(70000, 'x');
+    const std::string saved = std::string("\xff\xff\0\1\x11\x70", 6) + longText;
+    UT_String text;
+    EXPECT_TRUE(streamOver(saved, true).readBinaryString(text, 16));
+    EXPECT_EQ(longText, text.text());
 }
 
 TEST(IStream, StringsAreReadInTheFormAskedForAndFormsAreRestored)

@@ -127,9 +127,11 @@ int getNumber(UT_IStream &is, UT_ScratchBuffer &to)
 // The next character, which must come again after going back; -2 when it does not.
 int getTwice(UT_IStream &is, UT_ScratchBuffer &)
 {
+    const int64_t before = is.tellg();
     const int peeked = is.peekChar(), c = is.getChar();
+    const int64_t moved = is.tellg() - before; // byte 255 looks like the end
     const bool isAlike = static_cast<char>(peeked) == static_cast<char>(c);
-    return isAlike && is.unread(1) == (c != -1) && is.getChar() == c ? c : -2;
+    return isAlike && is.unread(1) == moved && is.getChar() == c ? c : -2;
 }
 } // namespace
 
