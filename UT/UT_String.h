@@ -193,9 +193,9 @@ public:
     // Writes the text as one word that a reader of quoted words takes back: ""
     // when unset or empty, in double quotes when it holds white space, with a
     // backslash in front of each '"' and backslash. (UT_IStream::getString takes the
-    // first byte of an unquoted word as it is: a text without white space that begins
-    // with a backslash comes back with one more, and one with a carriage return as
-    // what is in front of it.)
+    // first byte of an unquoted word as it is, and ends a word at a carriage return:
+    // without other white space, a text that begins with a backslash comes back with
+    // one more, and one with a carriage return in pieces.)
     void writeText(std::ostream &os) const;
 
     // The text in quotes, with a backslash in front of each such quote and each
