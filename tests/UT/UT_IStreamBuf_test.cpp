@@ -62,37 +62,28 @@ TEST(IStreamBuf, EverySourceReadsAndMovesInItsText)
     Random random;
     std::string text;
     while (text.size() < 20000)
-        text += random.text({"one", "two", " ", "\n", "3"}, 50);
+        text += random.text({"one", "two", " ", "\n", "3", ";", "\""}, 50);
     Sources sources(text);
     for (auto &[kind, is] : sources.all) {
         PlainReader plain{text};
         for (int step = 0; step < 1000; ++step) {
             SCOPED_TRACE(kind + ", seed " + std::to_string(random.seed()));
-            UT_ScratchBuffer found;
             const size_t left = text.size() - plain.position;
-            const size_t operation = random.below(6);
-            if (operation == 0) {
+            const size_t operation = random.below(PlainReader::READERS + 2);
+            if (operation == PlainReader::READERS) {
                 const auto target = static_cast<int64_t>(random.below(text.size() + 1));
                 const int whence = static_cast<int>(random.below(kind.find("z") == 0 ? 2 : 3));
                 const int64_t origins[] = {0, is->getSource().tell(), sources.size};
                 ASSERT_TRUE(is->seekg(target - origins[whence], whence));
                 plain.position = static_cast<size_t>(target);
-            } else if (operation == 1) {
+            } else if (operation > PlainReader::READERS) {
                 std::string bytes(random.below(std::min<size_t>(left, 9000) + 1), '\0');
                 const int count = static_cast<int>(bytes.size());
                 ASSERT_EQ(count, is->bread(&bytes[0], count));
                 ASSERT_EQ(text.substr(plain.position, bytes.size()), bytes);
                 plain.position += bytes.size();
-            } else if (operation == 2) {
-                const bool isThere = is->getLine(found, '\n');
-                ASSERT_EQ(plain.line('\n'),
-                          isThere ? PlainReader::Text(found.buffer()) : std::nullopt);
-                ASSERT_TRUE(isThere || is->isEof());
             } else {
-                const int next = left > 0 ? text[plain.position] : -1;
-                ASSERT_EQ(next, is->peekChar());
-                ASSERT_EQ(next, operation == 3 ? is->getChar() : next);
-                plain.position += operation == 3 && left > 0;
+                ASSERT_EQ(plain.read(operation), readFrom(*is, operation));
             }
             ASSERT_EQ(static_cast<int64_t>(plain.position), is->tellg());
             ASSERT_FALSE(is->hasError());

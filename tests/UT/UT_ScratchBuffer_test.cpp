@@ -15,9 +15,7 @@ TEST(ScratchBuffer, LeavesItsInlineBytesWithThe2000thCharacter)
     }
     text.append(static_cast<const char *>(nullptr));
     text.append("\0fgh", 2);
-    text.append(std::string(40997, 'x').c_str());
-    EXPECT_EQ(expected + '\0' + 'f' + std::string(40997, 'x'), std::string(text.buffer(), 49999));
-    EXPECT_EQ(49999, text.length());
+    EXPECT_EQ(expected + '\0' + 'f', std::string(text.buffer(), 9002));
     UT_String copy;
     text.truncate(4);
     text.copyToString(copy);
