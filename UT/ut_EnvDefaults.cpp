@@ -33,10 +33,7 @@ char *makeDesktopDir()
 {
     UT_String dir("$HOME/Desktop");
     dir.substituteVariables();
-    char *text = UTduplicate(dir.text());
-    if (dir.endsWith("/"))
-        text[dir.length() - 1] = '\0';
-    return text;
+    return UTduplicate(dir.text());
 }
 
 char *makeOs()

@@ -9,6 +9,7 @@
 #include "tests/support/ScratchDirectory.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <map>
@@ -144,9 +145,13 @@ TEST(IStreamBuf, TheFirstErrorCountsAndARangeTellsThatOfItsInnerSource)
     EXPECT_STREQ("third", range.getSource().getErrorText());
     source->release();
 
-    UT_IStream none(static_cast<FILE *>(nullptr), false);
-    EXPECT_FALSE(none.getLine(line, '\n'));
-    EXPECT_TRUE(none.hasError());
+    std::ifstream folder("/");
+    UT_IStream none(static_cast<FILE *>(nullptr), false), unreadable(folder, false);
+    for (UT_IStream *is : {&none, &unreadable}) {
+        EXPECT_EQ(-1, is->peekChar());
+        EXPECT_FALSE(is->getLine(line, '\n'));
+        EXPECT_TRUE(is->hasError());
+    }
 }
 
 namespace
