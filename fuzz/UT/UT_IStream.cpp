@@ -18,7 +18,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     UT_IStream is(new TrickleSource(text, cuts), false);
     PlainReader plain{text};
     for (size_t reads = 0; reads <= text.size(); ++reads) {
-        const size_t reader = (cuts >> reads % 60) % PlainReader::READERS;
+        const auto reader = static_cast<size_t>((cuts >> reads % 60) % PlainReader::READERS);
         fuzzExpectEqual(plain.read(reader), readFrom(is, reader));
     }
     return 0;

@@ -14,8 +14,11 @@ static std::string plainBinaryString(const std::string &bytes, size_t width)
         uint64_t length = 0;
         for (const size_t end = at + width; at < end; ++at)
             length = length << 8 | static_cast<unsigned char>(bytes[at]);
-        if (width == 8 || length != (uint64_t{1} << 8 * width) - 1)
-            return length <= bytes.size() - at ? bytes.substr(at, length).c_str() : "unread";
+        if (width < 8 && length == (uint64_t{1} << 8 * width) - 1)
+            continue;
+        if (length > bytes.size() - at)
+            break;
+        return bytes.substr(at, static_cast<size_t>(length)).c_str();
     }
     return "unread";
 }
