@@ -63,6 +63,12 @@ void appendPadded(UT_ScratchBuffer &out, const char *value, int width)
     out.append(value);
 }
 
+// What step() has to look at.
+bool isSign(char c)
+{
+    return c == '\\' || c == '$' || c == '~' || c == '`' || c == '\'';
+}
+
 // One expansion: step() takes one construct off the input and moves on, so every
 // character is looked at once. The previous character decides whether this one is
 // escaped, and whether a '~' begins a word; after constructs that leave no trace of
@@ -160,8 +166,9 @@ int ut_VariableExpander::plainRun() const
 {
     if (!isExpandedInComments && !isNested())
         return 1; // a comment's signs count
-    const auto length = static_cast<int>(std::strcspn(myIn + myPos, "\\$~`'"));
-    return std::clamp(length, 1, end() - myPos);
+    // Not beyond the frame, or the tail behind many frames is looked at by each.
+    const char *from = myIn + myPos + 1;
+    return static_cast<int>(std::find_if(from, myIn + end(), isSign) - (myIn + myPos));
 }
 
 bool ut_VariableExpander::takeEscaped(char c)
