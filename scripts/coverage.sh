@@ -8,7 +8,7 @@ scripts/install-deps.sh llvm
 cmake --preset coverage >/dev/null
 cmake --build --preset coverage
 rm -rf build/coverage/profiles
-ctest --preset coverage --parallel 2
+ctest --preset coverage --parallel "$(nproc)"
 
 cd build/coverage
 llvm-profdata merge -o all.profdata profiles/*.profraw

@@ -18,7 +18,8 @@ bool act(vk_Options &options, const char *, std::string &)
 
 bool takeStats(vk_Options &options, const char *, std::string &)
 {
-    return options.stats = true;
+    options.stats = true;
+    return true;
 }
 
 bool takeSamples(vk_Options &options, const char *value, std::string &error)
