@@ -1,55 +1,78 @@
 // How a material scatters light at one point, seen from one direction.
 //
-// Directions are unit vectors that point away from the surface. The models:
+// Directions are unit vectors that point away from the surface. The parts of a
+// material (vk_Material.h) after their sources:
 //
-//   boundary   microfacets with the distribution of Trowbridge and Reitz (GGX):
-//              Walter et al., "Microfacet Models for Refraction through Rough
-//              Surfaces", EGSR 2007; masking and shadowing of Smith in its
-//              height-correlated form: Heitz, JCGT 3(2), 2014; drawn from the
-//              visible normals: Heitz, JCGT 7(4), 2018; Fresnel reflectance
-//              after Schlick, 1994.
-//   base       the energy that the boundary lets through, spread evenly and
-//              reciprocally: Ashikhmin and Shirley, "An Anisotropic Phong BRDF
-//              Model", 2000; without a boundary it is Lambert's.
+//   coat, boundary, glass   microfacets, see vk_Microfacet.h
+//   sheen                   see vk_Sheen.h
+//   base                    the energy that the boundary lets through, spread evenly
+//                           and reciprocally: Ashikhmin and Shirley, "An Anisotropic
+//                           Phong BRDF Model", 2000; without a boundary Lambert's
 //
-// Both are symmetric in the two directions and never reflect more than arrives.
+// All but glass are symmetric in the two directions; glass is after division by
+// the square of the index of refraction on the light's side. None sends on more
+// than arrives. What lies below coat or sheen gets what these do not reflect, on
+// the way in and on the way out.
 #pragma once
 
 #include "vaskel/vk_Material.h"
+#include "vaskel/vk_Microfacet.h"
+
+// What reaches the viewer by way of the coat, the boundary and the glass (sharp),
+// and by way of the base and the sheen (even).
+struct vk_Scattered {
+    vk_Colour sharp, even;
+
+    vk_Colour sum() const { return sharp + even; }
+};
 
 class vk_Bsdf
 {
 public:
-    // Keeps a reference to the material. A split one draws its directions from
-    // the boundary and from the base once each, instead of from one of them by
-    // chance; densities are then those of both samples together.
+    // Keeps a reference to the material. A split one draws its directions once for
+    // each of two rounds, sharp and even (for glass reflected and refracted),
+    // instead of one of them by chance; densities are then those of both samples
+    // together. `along` is where u grows, needed where a material is brushed.
+    // `inside` says that the viewer looks from within glass.
     // REQUIRES: dot(normal, out) > 0
-    vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split);
+    vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split,
+            const vk_Vec &along = {}, bool inside = false);
 
     // How many samples are to be drawn: 2 when it is split and has two parts.
-    int rounds() const { return myBoundaryShare + myBaseShare > 1.5f ? 2 : 1; }
+    int rounds() const { return myRounds; }
+    bool isGlass() const { return myMaterial.isClear(); }
 
-    // Reflected radiance per irradiance from `in`, times the cosine there; and
-    // the density, per solid angle, with which sample() draws it. Both are 0
-    // below the surface.
-    vk_Colour evaluate(const vk_Vec &in, float &density) const;
+    // Reflected or refracted radiance per irradiance from `in`, times the cosine
+    // there; and the density, per solid angle, with which sample() draws it. Both
+    // are 0 below a surface that is not glass.
+    vk_Scattered evaluate(const vk_Vec &in, float &density) const;
 
-    // A direction drawn roughly as much as it scatters, the boundary's for
-    // round 0 and the base's for round 1 when they are split. May lie below
-    // the surface, where nothing arrives.
+    // A direction drawn roughly as much as it scatters, the sharp parts' for round
+    // 0 and the even ones' for round 1 when they are split. May be one from where nothing
+    // arrives, with density 0.
     vk_Vec sample(const vk_Square &at, int round = 0) const;
 
 private:
+    enum Part { COAT, BOUNDARY, SHEEN, BASE, PARTS, REFLECT = COAT, REFRACT = BOUNDARY };
+
+    void share(bool split);
+    void shareGlass(bool split);
     vk_Colour fresnel(float cosine) const;
     vk_Colour base(float cosIn) const;
-    vk_Vec visibleNormal(const vk_Square &at) const;
-    vk_Vec sampleBoundary(const vk_Square &at) const;
-    vk_Vec sampleBase(const vk_Square &at) const;
+    float below(float cosine) const;
+    vk_Scattered evaluateTop(const vk_Vec &in, float &density) const;
+    vk_Scattered evaluateGlass(const vk_Vec &in, float &density) const;
+    vk_Vec sampleGlass(Part part, const vk_Square &at) const;
+    vk_Vec samplePart(Part part, const vk_Square &at) const;
 
     const vk_Material &myMaterial;
-    vk_Frame myFrame;
-    vk_Vec myOut; // in the frame
-    float myAlpha;
-    float myBoundaryShare = 0; // samples from the boundary, 0 to 1,
-    float myBaseShare = 1;     // and from the base
+    vk_Frame myTop;    // of the coat and the sheen,
+    vk_Frame myBottom; // and of what lies below
+    vk_Vec myOut;      // in myTop
+    vk_Vec myLower;    // the same in myBottom
+    vk_Facets myFacets, myCoat;
+    float myEta;       // glass: index of the far side over the near side
+    float myBelow = 1; // share that coat and sheen leave on the way out
+    int myRounds = 1;
+    float myShare[PARTS] = {}; // samples of each part
 };

@@ -236,31 +236,9 @@ constexpr vk_ShaderRow<vk_LightFunction> LIGHT_ROWS[] = {
     {"v_asadlight", "another name of v_area", AREA, area},
 };
 
-enum { RAYSHADOW_COLOR };
-constexpr vk_Param RAYSHADOW[] = {
-    {"color", VK_COLOUR, {0, 0, 0}, 0, 1, "what is left of the light in a full shadow"},
-};
-
-vk_Colour rayShadow(const vk_Values &p)
-{
-    return p.vec(RAYSHADOW_COLOR);
-}
-vk_Colour noShadow(const vk_Values &)
-{
-    return vk_grey(1);
-}
-
-constexpr vk_ShaderRow<vk_ShadowFunction> SHADOW_ROWS[] = {
-    {"v_rayshadow", "shadows as lights cast them", RAYSHADOW, rayShadow},
-    {"v_noshadow", "lights shine through everything", {}, noShadow},
-};
-
 static_assert(std::size(AREA) == AREA_HEIGHT + 1 && std::size(POINT) == POINT_RADIUS + 1 &&
-              std::size(DISTANT) == DISTANT_ANGLE + 1 &&
-              std::size(RAYSHADOW) == RAYSHADOW_COLOR + 1);
+              std::size(DISTANT) == DISTANT_ANGLE + 1);
 } // namespace
 
 const vk_ShaderTable<vk_LightFunction> VK_LIGHT_SHADERS = {"light", LIGHT_ROWS,
                                                            std::size(LIGHT_ROWS)};
-const vk_ShaderTable<vk_ShadowFunction> VK_SHADOW_SHADERS = {"shadow", SHADOW_ROWS,
-                                                             std::size(SHADOW_ROWS)};

@@ -2,9 +2,19 @@
 
 #include "vaskel/vk_Stats.h"
 
+namespace
+{
+// Whether a direction leads into the shape.
+bool isBehind(const vk_Hit &hit, const vk_Vec &direction)
+{
+    return (vk_dot(hit.facet, direction) > 0) == hit.inside;
+}
+} // namespace
+
 vk_Lighting::vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog)
-    : myScene(scene), myWorld(world), myFog(fog), myBlocked(scene.shadow()),
-      myCastsShadows(!(myBlocked == vk_grey(1)))
+    : myScene(scene), myWorld(world), myFog(fog), myShadow(scene.shadow()),
+      myCastsShadows(!(myShadow.left == vk_grey(1))),
+      mySeesThrough((world.hasGlass() && myShadow.filter > 0) || myShadow.stain > 0)
 {
     for (const auto &light : scene.lights)
         myTotal += light->strength();
@@ -28,38 +38,94 @@ std::size_t vk_Lighting::pick(float at) const
     return i;
 }
 
-vk_Colour vk_Lighting::arriving(const vk_Vec &from, const vk_LightSample &light) const
+// Light of a sample at a point.
+vk_Colour vk_Lighting::arriving(const vk_Vec &from, const vk_Light &light,
+                                const vk_LightSample &sample) const
 {
     constexpr float NOT_QUITE = 1 - 1e-5f; // a light must not hide itself
 
-    const vk_Colour radiance = light.radiance * myFog.passes(from, light.direction, light.distance);
+    const vk_Colour radiance =
+        sample.radiance * myFog.passes(from, sample.direction, sample.distance);
     if (!myCastsShadows)
         return radiance;
     ++vk_myRays.shadow;
-    const bool isBlocked = myWorld.occluded(from, light.direction, light.distance * NOT_QUITE);
-    return isBlocked ? radiance * myBlocked : radiance;
+    const vk_Vec direction = shadowRay(from, light, sample);
+    const float distance = sample.distance * NOT_QUITE;
+    if (!myWorld.occluded(from, direction, distance))
+        return radiance;
+    const vk_Colour &left = myShadow.left;
+    if (!mySeesThrough)
+        return radiance * left;
+    return radiance * (left + (vk_grey(1) - left) * passing(from, direction, distance));
 }
 
-vk_Colour vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
-                                 vk_Sampler &sampler) const
+// Where a shadow comes from: beside the sample when shadows are softer or harder
+// than lights are wide.
+vk_Vec vk_Lighting::shadowRay(const vk_Vec &from, const vk_Light &light,
+                              const vk_LightSample &sample) const
+{
+    if (myShadow.soft == 1)
+        return sample.direction;
+    const vk_LightSample centre = light.sample(from, {.5f, .5f});
+    if (centre.density <= 0)
+        return sample.direction;
+    return vk_normalize(vk_mix(centre.direction, sample.direction, myShadow.soft));
+}
+
+// Share of light that passes all that lies on the way.
+vk_Colour vk_Lighting::passing(vk_Vec origin, const vk_Vec &direction, float distance) const
+{
+    constexpr int MOST_LAYERS = 8;
+
+    vk_Colour left = vk_grey(1);
+    for (int i = 0; i < MOST_LAYERS; ++i) {
+        vk_Hit hit;
+        ++vk_myRays.shadow;
+        if (!myWorld.intersect(origin, direction, hit) || hit.distance >= distance)
+            return left;
+        left = left * through(hit, direction);
+        if (vk_largest(left) < 1e-3f)
+            break;
+        distance -= hit.distance;
+        origin = hit.start(direction);
+    }
+    return {};
+}
+
+// What a surface lets pass straight on, and the glass in front of it.
+vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Vec &direction) const
+{
+    const vk_Material material = (*hit.surface)(hit.point);
+    if (!material.isClear())
+        return material.diffuse * myShadow.stain;
+    const float cosine = std::abs(vk_dot(hit.normal, direction));
+    const vk_Colour passes = material.passesStraight(cosine, hit.inside ? hit.distance : 0);
+    return passes * myShadow.filter;
+}
+
+vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
+                                    vk_Sampler &sampler) const
 {
     const std::size_t count = myScene.lights.size();
     const bool all = count <= static_cast<std::size_t>(samples);
     const std::size_t rounds = all ? count : static_cast<std::size_t>(samples);
     const float offset = all ? 0 : sampler.number();
-    vk_Colour sum;
+    vk_Scattered sum;
     for (std::size_t i = 0; i < rounds; ++i) {
         const float place = (static_cast<float>(i) + offset) / static_cast<float>(rounds);
         const vk_Light &light = *myScene.lights[all ? i : pick(place)];
         const vk_LightSample sample = light.sample(hit.position, sampler.square());
         const float chance = sample.density * expected(light, samples);
-        if (chance <= 0)
+        if (chance <= 0 || (bsdf.isGlass() && isBehind(hit, sample.direction)))
             continue;
         float density = 0;
-        const vk_Colour scattering = bsdf.evaluate(sample.direction, density);
-        if (vk_largest(scattering) > 0)
-            sum += scattering * arriving(hit.start(sample.direction), sample) *
-                   (1 / (chance + density));
+        const vk_Scattered scattering = bsdf.evaluate(sample.direction, density);
+        if (vk_largest(scattering.sum()) <= 0)
+            continue;
+        const vk_Colour arrived =
+            arriving(hit.start(sample.direction), light, sample) * (1 / (chance + density));
+        sum.sharp += scattering.sharp * arrived;
+        sum.even += scattering.even * arrived;
     }
     return sum;
 }
@@ -74,18 +140,33 @@ vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, fl
             continue;
         const float share = density / (density + seen.density * expected(*light, samples));
         const float passes = myFog.passes(origin, direction, seen.distance);
-        sum +=
-            seen.radiance * (seen.distance < distance ? vk_grey(1) : myBlocked) * (share * passes);
+        sum += seen.radiance * (seen.distance < distance ? vk_grey(1) : myShadow.left) *
+               (share * passes);
     }
     return sum;
 }
 
-vk_Colour vk_Lighting::scattered(const vk_Vec &at, vk_Sampler &sampler) const
+vk_Colour vk_Lighting::scattered(const vk_Vec &origin, const vk_Vec &direction, float distance,
+                                 vk_Sampler &sampler) const
 {
+    constexpr float FAR = 1e6f;
+
     if (myScene.lights.empty())
         return {};
-    const vk_Light &light = *myScene.lights[pick(sampler.number())];
+    const vk_Square choice = sampler.square();
+    const vk_Light &light = *myScene.lights[pick(choice.u)];
+    const vk_LightSample centre = light.sample(origin, {.5f, .5f});
+    const vk_Vec lamp = origin + centre.direction * centre.distance;
+    const bool isNear = centre.density > 0 && centre.distance < FAR;
+    const vk_Fog::Place place =
+        myFog.place(origin, direction, distance, isNear ? &lamp : nullptr, choice.v);
+    if (place.weight <= 0)
+        return {};
+    const vk_Vec at = origin + direction * place.distance;
     const vk_LightSample sample = light.sample(at, sampler.square());
     const float chance = sample.density * expected(light, 1);
-    return chance > 0 ? arriving(at, sample) * (1 / (4 * VK_PI * chance)) : vk_Colour{};
+    if (chance <= 0)
+        return {};
+    const float phase = myFog.phase(vk_dot(direction, sample.direction));
+    return arriving(at, light, sample) * (place.weight * phase / chance);
 }

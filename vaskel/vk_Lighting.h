@@ -16,27 +16,35 @@ public:
     vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog);
 
     // Light that a surface sends on to where its scattering was set up for,
-    // weighted against what scattered rays will find (see reached()).
-    vk_Colour reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
-                        vk_Sampler &sampler) const;
+    // weighted against what scattered rays will find (see reached()). Glass sends on
+    // what arrives from outside.
+    vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
+                           vk_Sampler &sampler) const;
 
     // Light that a ray finds on its way, scattered with a density at a point
     // that also asked for samples; `distance` is what it meets first.
     vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance, float density,
                       int samples) const;
 
-    // Light that a speck of fog sends on, the same in all directions.
-    vk_Colour scattered(const vk_Vec &at, vk_Sampler &sampler) const;
+    // Light of the lights that fog scatters back along a ray from all the way to a
+    // distance.
+    vk_Colour scattered(const vk_Vec &origin, const vk_Vec &direction, float distance,
+                        vk_Sampler &sampler) const;
 
 private:
     float expected(const vk_Light &light, int samples) const;
     std::size_t pick(float at) const;
-    vk_Colour arriving(const vk_Vec &from, const vk_LightSample &light) const;
+    vk_Colour arriving(const vk_Vec &from, const vk_Light &light,
+                       const vk_LightSample &sample) const;
+    vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
+    vk_Colour passing(vk_Vec origin, const vk_Vec &direction, float distance) const;
+    vk_Colour through(const vk_Hit &hit, const vk_Vec &direction) const;
 
     const vk_Scene &myScene;
     const vk_World &myWorld;
     const vk_Fog &myFog;
-    vk_Colour myBlocked; // what arrives through something opaque
+    vk_Shadow myShadow;
     bool myCastsShadows;
-    float myTotal = 0; // strength of all lights
+    bool mySeesThrough; // shapes may let light pass
+    float myTotal = 0;  // strength of all lights
 };

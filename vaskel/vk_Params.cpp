@@ -1,7 +1,9 @@
 #include "vaskel/vk_Params.h"
 
+#include "vaskel/vk_ColourNames.h"
 #include "vaskel/vk_Nearest.h"
 
+#include <cctype>
 #include <charconv>
 #include <cstdio>
 
@@ -36,10 +38,28 @@ bool isGrey(const vk_Param &param, const vk_Words &words, std::size_t at)
     return last || words[at + 1].find_first_of("0123456789+-.") != 0;
 }
 
+bool isName(const std::string &word)
+{
+    return !word.empty() && std::isalpha(static_cast<unsigned char>(word[0])) != 0;
+}
+
+bool parseName(const std::string &word, const std::string &what, vk_Vec &value, std::string &error)
+{
+    if (const vk_Colour *const colour = vk_findColour(word)) {
+        value = *colour;
+        return true;
+    }
+    error = what + " expected three numbers, one for a grey, or a colour's name, found " +
+            vk_quoted(word) + "; nearest is " + vk_quoted(vk_nearest(word, vk_colourNames()));
+    return false;
+}
+
 bool parseValue(const vk_Param &param, const char *owner, const vk_Words &words, std::size_t &at,
                 vk_Vec &value, std::string &error)
 {
     const std::string what = std::string(param.name) + " of " + owner;
+    if (param.kind == VK_COLOUR && at < words.size() && isName(words[at]))
+        return parseName(words[at++], what, value, error);
     const bool single = param.kind == VK_NUMBER || isGrey(param, words, at);
     float numbers[3] = {0, 0, 0};
     for (int i = 0; i < (single ? 1 : 3); ++i, ++at) {

@@ -23,7 +23,7 @@
 enum vk_ParamKind {
     VK_NUMBER, // one number
     VK_POINT,  // three numbers
-    VK_COLOUR  // three numbers, or one for a grey
+    VK_COLOUR  // three numbers, one for a grey, or a name (vk_ColourNames.h)
 };
 
 struct vk_Param {

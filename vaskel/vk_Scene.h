@@ -1,7 +1,9 @@
 // A scene as it was described: what the reader fills and the renderer draws.
 #pragma once
 
+#include "vaskel/vk_FogShaders.h"
 #include "vaskel/vk_LightShaders.h"
+#include "vaskel/vk_ShadowShaders.h"
 #include "vaskel/vk_Shapes.h"
 #include "vaskel/vk_SurfaceShaders.h"
 #include "vaskel/vk_VolumeShaders.h"

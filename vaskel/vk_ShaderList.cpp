@@ -1,6 +1,8 @@
 #include "vaskel/vk_ShaderList.h"
 
+#include "vaskel/vk_FogShaders.h"
 #include "vaskel/vk_LightShaders.h"
+#include "vaskel/vk_ShadowShaders.h"
 #include "vaskel/vk_SurfaceShaders.h"
 #include "vaskel/vk_VolumeShaders.h"
 

@@ -1,16 +1,14 @@
 #include "vaskel/vk_SurfaceShaders.h"
 
+#include "vaskel/vk_GlassShaders.h"
+#include "vaskel/vk_MetalShaders.h"
+#include "vaskel/vk_Microfacet.h"
+#include "vaskel/vk_SoftShaders.h"
+
 #include <iterator>
 
 namespace
 {
-// Fresnel's reflectance straight on, between air and an index of refraction.
-float straightReflectance(float ior)
-{
-    const float ratio = (ior - 1) / (ior + 1);
-    return ratio * ratio;
-}
-
 enum { PLASTIC_DIFF, PLASTIC_SPEC, PLASTIC_ROUGH, PLASTIC_IOR };
 constexpr vk_Param PLASTIC[] = {
     {"diff", VK_COLOUR, {.6f, .6f, .6f}, 0, 1, "colour of the base"},
@@ -24,7 +22,7 @@ vk_Material plastic(const vk_Values &p, const vk_SurfacePoint &)
     vk_Material material;
     material.diffuse = p.vec(PLASTIC_DIFF);
     material.edge = p.vec(PLASTIC_SPEC);
-    material.specular = material.edge * straightReflectance(p.number(PLASTIC_IOR));
+    material.specular = material.edge * vk_straightReflectance(p.number(PLASTIC_IOR));
     material.rough = p.number(PLASTIC_ROUGH);
     return material;
 }
@@ -38,22 +36,6 @@ vk_Material matte(const vk_Values &p, const vk_SurfacePoint &)
 {
     vk_Material material;
     material.diffuse = p.vec(MATTE_DIFF);
-    return material;
-}
-
-enum { METAL_COLOR, METAL_EDGE, METAL_ROUGH };
-constexpr vk_Param METAL[] = {
-    {"color", VK_COLOUR, {.91f, .92f, .92f}, 0, 1, "reflectance straight on (aluminium)"},
-    {"edge", VK_COLOUR, {1, 1, 1}, 0, 1, "reflectance at grazing angles"},
-    {"rough", VK_NUMBER, {.25f, 0, 0}, 0, 1, "roughness, 0 is a mirror"},
-};
-
-vk_Material metal(const vk_Values &p, const vk_SurfacePoint &)
-{
-    vk_Material material;
-    material.specular = p.vec(METAL_COLOR);
-    material.edge = p.vec(METAL_EDGE);
-    material.rough = p.number(METAL_ROUGH);
     return material;
 }
 
@@ -87,7 +69,7 @@ vk_Material checker(const vk_Values &p, const vk_SurfacePoint &point)
     vk_Material material;
     material.diffuse = p.vec(odd ? CHECKER_DIFF2 : CHECKER_DIFF1);
     material.edge = p.vec(CHECKER_SPEC);
-    material.specular = material.edge * straightReflectance(1.5f);
+    material.specular = material.edge * vk_straightReflectance(1.5f);
     material.rough = p.number(CHECKER_ROUGH);
     return material;
 }
@@ -95,13 +77,19 @@ vk_Material checker(const vk_Values &p, const vk_SurfacePoint &point)
 constexpr vk_ShaderRow<vk_SurfaceFunction> ROWS[] = {
     {"v_plastic", "a coloured base under a clear coat", PLASTIC, plastic},
     {"v_matte", "scatters evenly, no highlight", MATTE, matte},
-    {"v_metal", "bare metal", METAL, metal},
+    {"v_metal", "bare metal", VK_METAL, vk_metal},
+    {"v_brushed", "metal with scratches along u", VK_BRUSHED, vk_brushed},
+    {"v_carpaint", "flakes in a coloured ground under lacquer", VK_CARPAINT, vk_carpaint},
+    {"v_glass", "clear or tinted glass", VK_GLASS, vk_glass},
+    {"v_frosted", "glass with a ground surface", VK_FROSTED, vk_frosted},
+    {"v_velvet", "cloth whose fibres gleam at the rim", VK_VELVET, vk_velvet},
+    {"v_skin", "light wanders below the surface, red the furthest", VK_SKIN, vk_translucent},
+    {"v_wax", "light wanders deep below the surface", VK_WAX, vk_translucent},
     {"v_constant", "one flat colour that needs no light", CONSTANT, constant},
     {"v_checker", "checks of two colours in space", CHECKER, checker},
 };
 static_assert(std::size(PLASTIC) == PLASTIC_IOR + 1 && std::size(MATTE) == MATTE_DIFF + 1 &&
-              std::size(METAL) == METAL_ROUGH + 1 && std::size(CONSTANT) == CONSTANT_COLOR + 1 &&
-              std::size(CHECKER) == CHECKER_ROUGH + 1);
+              std::size(CONSTANT) == CONSTANT_COLOR + 1 && std::size(CHECKER) == CHECKER_ROUGH + 1);
 } // namespace
 
 const vk_ShaderTable<vk_SurfaceFunction> VK_SURFACE_SHADERS = {"surface", ROWS, std::size(ROWS)};

@@ -74,7 +74,7 @@ vk_Colour vk_Canvas::light(int x, int y, vk_Sampler sampler) const
     const vk_Square at = sampler.square();
     const vk_Vec direction = myLens.direction(static_cast<float>(x) + .5f + tent(at.u),
                                               static_cast<float>(y) + .5f + tent(at.v));
-    const vk_Colour light = myTracer.radiance(myLens.from(), direction, sampler) * myGain;
+    const vk_Colour light = myTracer.view(myLens.from(), direction, sampler).light() * myGain;
     // What is whiter than white must not outweigh its neighbours at an edge.
     const float largest = vk_largest(light);
     return largest > VK_WHITE ? light * (VK_WHITE / largest) : light;

@@ -1,6 +1,7 @@
 #include "vaskel/vk_Tracer.h"
 
 #include "vaskel/vk_Stats.h"
+#include "vaskel/vk_Subsurface.h"
 
 #include <limits>
 
@@ -8,42 +9,65 @@ namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
 constexpr int MOST_SURFACES = 4;
+constexpr int MOST_PANES = 8;      // surfaces of glass
 constexpr int LIGHT_SAMPLES = 4;   // where a surface is seen or mirrored,
 constexpr int SPREAD_SAMPLES = 1;  // and behind even scattering
+constexpr int FOG_SAMPLES = 1;     // along a ray from the camera
 constexpr float FADE_NEAR = 12;    // the floor fades between these
 constexpr float FADE_FAR = 45;     // distances from the origin
 constexpr float BLUR = 0.5f;       // roughness behind even scattering
 constexpr float MOST_INDIRECT = 6; // brighter strays are cut
 constexpr float EVEN_DENSITY = 1;  // scattering below it counts as even
+constexpr float SMOOTH = .02f;     // rougher glass is lit by lights
 
-// Pairs of the sampler that one surface may use, and where each begins.
-constexpr std::uint32_t PAIRS = 8 + LIGHT_SAMPLES;
-std::uint32_t pairsOf(int surface, int round)
-{
-    return PAIRS * static_cast<std::uint32_t>(MOST_SURFACES * round + surface);
-}
+// Pairs of the sampler between the beginnings of branches, more than one may use.
+constexpr std::uint32_t PAIRS = 128;
 
 vk_Colour cut(const vk_Colour &c, float most)
 {
     const float largest = vk_largest(c);
     return largest > most ? c * (most / largest) : c;
 }
+
+// A part of a whole, for each colour.
+vk_Colour shareOf(const vk_Colour &part, const vk_Colour &whole)
+{
+    const auto share = [](float a, float b) { return b > 0 ? a / b : 0; };
+    return {share(part.x, whole.x), share(part.y, whole.y), share(part.z, whole.z)};
+}
 } // namespace
 
 struct vk_Tracer::Path {
+    vk_View *view;
     vk_Vec origin, direction;
-    vk_Colour gathered;
     vk_Colour weight = {1, 1, 1};
-    float density = 0;   // of the last scattering
-    int samples = 0;     // of lights there
-    int surfaces = 0;    // scattered at
-    bool spread = false; // has been scattered evenly
+    vk_Colour sharp = {1, 1, 1}; // share that goes to the sharp layer
+    float density = 0;           // of the last scattering
+    int samples = 0;             // of lights there
+    int surfaces = 0;            // scattered at, other than
+    int panes = 0;               // of glass
+    bool spread = false;         // has been scattered evenly
 
-    void add(const vk_Colour &light)
+    int scatterings() const { return surfaces + panes; }
+    void add(const vk_Colour &light) { add(light, sharp); }
+    void add(const vk_Colour &light, const vk_Colour &toSharp)
     {
-        const vk_Colour arrived = weight * light;
-        gathered += surfaces > 1 ? cut(arrived, MOST_INDIRECT) : arrived;
+        vk_Colour arrived = weight * light;
+        if (scatterings() > 1)
+            arrived = cut(arrived, MOST_INDIRECT);
+        view->sharp += arrived * toSharp;
+        view->even += arrived * (vk_grey(1) - toSharp);
     }
+};
+
+// Paths that are still to be followed.
+struct vk_Tracer::Branches {
+    static constexpr int MOST = 4;
+
+    Path paths[MOST];
+    int count = 0;
+
+    bool hasRoom() const { return count + 2 <= MOST; }
 };
 
 vk_Tracer::vk_Tracer(const vk_Scene &scene, const vk_World &world)
@@ -65,76 +89,153 @@ vk_Tracer::vk_Tracer(const vk_Scene &scene, const vk_World &world)
     }
 }
 
-vk_Colour vk_Tracer::radiance(const vk_Vec &origin, const vk_Vec &direction,
-                              vk_Sampler &sampler) const
+vk_View vk_Tracer::view(const vk_Vec &origin, const vk_Vec &direction, vk_Sampler &sampler) const
 {
+    vk_View view;
     Path path;
+    path.view = &view;
     path.origin = origin;
     path.direction = direction;
+    Branches branches;
+    first(path, sampler, branches);
+    for (std::uint32_t i = 1; branches.count > 0; ++i) {
+        sampler.jumpTo(PAIRS * i);
+        follow(branches.paths[--branches.count], sampler, branches);
+    }
+    return view;
+}
+
+// To the first surface and what it sends on.
+void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
+{
     vk_Hit hit;
     vk_Material material;
     if (!arrive(path, hit, material, sampler))
-        return path.gathered;
-    vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, sampler);
-    vk_Colour sum = path.gathered;
-    const int rounds = bsdf.rounds();
-    for (int round = 0; round < rounds; ++round) {
-        Path branch = path;
-        branch.gathered = {};
-        sampler.jumpTo(pairsOf(branch.surfaces, round));
-        if (scatter(branch, hit, bsdf, bsdf.sample(sampler.square(), round)))
-            sum += follow(branch, sampler);
-    }
-    return sum;
+        return;
+    path.view->albedo = material.diffuse + material.sheen;
+    path.view->normal = hit.normal;
+    path.view->distance = hit.distance;
+    if (vk_largest(material.scatter) > 0)
+        wander(path, hit, material, sampler, branches);
+    const vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, true, sampler);
+    branch(path, hit, bsdf, sampler, branches);
+}
+
+// Gathers what comes out at a hit of light that wanders below the surface, and takes
+// the base, which this stands for, out of the material.
+void vk_Tracer::wander(Path path, const vk_Hit &hit, vk_Material &material, vk_Sampler &sampler,
+                       Branches &branches) const
+{
+    constexpr float LEAST = 1e-3f;
+
+    const vk_Vec scatter = {std::max(material.scatter.x, LEAST),
+                            std::max(material.scatter.y, LEAST),
+                            std::max(material.scatter.z, LEAST)};
+    const vk_Colour reflectance =
+        vk_schlick(material.specular, material.edge, -vk_dot(hit.normal, path.direction));
+    path.weight = path.weight * material.diffuse * (vk_grey(1) - reflectance);
+    material.diffuse = {};
+    vk_Hit entry;
+    vk_Colour weight;
+    if (!vk_sampleEntry(myWorld, hit, scatter, sampler, entry, weight))
+        return;
+    path.weight = path.weight * weight;
+    path.direction = -entry.normal;
+    path.sharp = {};
+    vk_Material white;
+    white.diffuse = vk_grey(1);
+    const vk_Bsdf bsdf = light(path, entry, white, LIGHT_SAMPLES, false, sampler);
+    branch(path, entry, bsdf, sampler, branches);
 }
 
 // What a path brings in from its second surface on.
-vk_Colour vk_Tracer::follow(Path path, vk_Sampler &sampler) const
+void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
 {
     vk_Hit hit;
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
-        const bool isLast = path.spread || path.surfaces + 1 == MOST_SURFACES;
+        const bool isLast =
+            path.spread || path.surfaces + 1 == MOST_SURFACES || path.panes + 1 == MOST_PANES;
         if (path.spread)
             material.rough = std::max(material.rough, BLUR);
-        const vk_Bsdf bsdf =
-            light(path, hit, material, path.spread ? SPREAD_SAMPLES : LIGHT_SAMPLES, sampler);
+        const bool split = material.isClear() && path.scatterings() == 1 && branches.hasRoom();
+        const int samples = path.spread ? SPREAD_SAMPLES : LIGHT_SAMPLES;
+        const vk_Bsdf bsdf = light(path, hit, material, samples, split, sampler);
         if (isLast) {
-            path.add((material.diffuse + material.specular) * ambient(hit.normal));
-            break;
+            const vk_Colour passed = material.clear * seen(path, path.direction);
+            path.add((material.diffuse + material.specular) * ambient(hit.normal) + passed);
+            return;
+        }
+        if (split) {
+            branch(path, hit, bsdf, sampler, branches);
+            return;
         }
         if (!scatter(path, hit, bsdf, bsdf.sample(sampler.square())))
-            break;
+            return;
     }
-    return path.gathered;
+}
+
+// Puts the ways that lead on from a surface on the list.
+void vk_Tracer::branch(const Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
+                       vk_Sampler &sampler, Branches &branches) const
+{
+    for (int round = 0; round < bsdf.rounds(); ++round) {
+        Path &way = branches.paths[branches.count];
+        way = path;
+        if (scatter(way, hit, bsdf, bsdf.sample(sampler.square(), round)))
+            ++branches.count;
+    }
 }
 
 // Goes to the next surface and takes in all light on the way; false when there
 // is no surface, or none that scatters.
 bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sampler &sampler) const
 {
-    ++(path.surfaces > 0 ? vk_myRays.scattered : vk_myRays.camera);
-    const bool met = myWorld.intersect(path.origin, path.direction, hit);
-    const float distance = met ? hit.distance : FOREVER;
-    if (path.surfaces > 0)
-        path.add(
-            myLighting.reached(path.origin, path.direction, distance, path.density, path.samples));
-    crossFog(path, distance, sampler);
-    if (!met) {
-        path.add(seen(path, path.direction));
-        return false;
+    for (int panes = 0; panes < MOST_PANES; ++panes) {
+        ++(path.scatterings() > 0 ? vk_myRays.scattered : vk_myRays.camera);
+        const bool met = myWorld.intersect(path.origin, path.direction, hit);
+        const float distance = met ? hit.distance : FOREVER;
+        if (path.scatterings() > 0 && path.density > 0)
+            path.add(myLighting.reached(path.origin, path.direction, distance, path.density,
+                                        path.samples));
+        crossFog(path, distance, sampler);
+        if (!met) {
+            path.add(seen(path, path.direction));
+            return false;
+        }
+        if (hit.isFloor)
+            fadeFloor(path, hit);
+        material = (*hit.surface)(hit.point);
+        path.add(material.emission);
+        if (vk_largest(path.weight) < 1e-3f || !material.reflects())
+            return false;
+        if (!material.isClear())
+            return true;
+        if (!path.spread) {
+            if (hit.inside)
+                path.weight = path.weight * vk_exp(material.absorbs * -hit.distance);
+            return true;
+        }
+        lookThrough(path, hit, material);
     }
-    if (hit.isFloor)
-        fadeFloor(path, hit);
-    material = (*hit.surface)(hit.point);
-    path.add(material.emission);
-    return material.reflects() && vk_largest(path.weight) > 1e-3f;
+    return false;
+}
+
+// On behind glass, straight. Lights seen there shine through it already (see
+// vk_Lighting), so the path finds none.
+void vk_Tracer::lookThrough(Path &path, const vk_Hit &hit, const vk_Material &material) const
+{
+    const float cosine = std::abs(vk_dot(hit.normal, path.direction));
+    const float length = hit.inside ? hit.distance : 0;
+    path.weight = path.weight * material.passesStraight(cosine, length);
+    path.origin = hit.start(path.direction);
+    path.density = 0;
 }
 
 // The environment in a direction, or what the camera sees in its place.
 vk_Colour vk_Tracer::seen(const Path &path, const vk_Vec &direction) const
 {
-    if (path.surfaces == 0 && !myScene.showsEnvironment)
+    if (path.scatterings() == 0 && !myScene.showsEnvironment)
         return myScene.backdrop;
     return myScene.environment(direction);
 }
@@ -143,9 +244,10 @@ vk_Colour vk_Tracer::seen(const Path &path, const vk_Vec &direction) const
 void vk_Tracer::fadeFloor(Path &path, const vk_Hit &hit) const
 {
     const vk_Vec &at = hit.position;
-    const float faded = vk_smoothStep(FADE_NEAR, FADE_FAR, std::sqrt(at.x * at.x + at.z * at.z));
-    if (faded <= 0)
+    const float far2 = at.x * at.x + at.z * at.z;
+    if (far2 <= FADE_NEAR * FADE_NEAR)
         return;
+    const float faded = vk_smoothStep(FADE_NEAR, FADE_FAR, std::sqrt(far2));
     const vk_Vec level = vk_normalize({path.direction.x, 0, path.direction.z});
     path.add(seen(path, level) * faded);
     path.weight = path.weight * (1 - faded);
@@ -153,41 +255,57 @@ void vk_Tracer::fadeFloor(Path &path, const vk_Hit &hit) const
 
 void vk_Tracer::crossFog(Path &path, float distance, vk_Sampler &sampler) const
 {
+    if (myFog.isClear())
+        return;
     const float lost = 1 - myFog.passes(path.origin, path.direction, distance);
     if (lost <= 0)
         return;
-    vk_Colour light = myMean;
-    if (path.surfaces == 0) {
-        const vk_Vec at = myFog.place(path.origin, path.direction, distance, sampler.number());
-        light += myLighting.scattered(at, sampler);
-    }
-    path.add(myFog.albedo() * light * lost);
+    vk_Colour light = myMean * lost;
+    if (path.scatterings() == 0)
+        for (int i = 0; i < FOG_SAMPLES; ++i)
+            light += myLighting.scattered(path.origin, path.direction, distance, sampler) *
+                     (1.0f / FOG_SAMPLES);
+    path.add(myFog.albedo() * light);
     path.weight = path.weight * (1 - lost);
 }
 
 // Takes in the light that the lights send by way of a surface; gives how the
 // surface scatters.
 vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &material, int samples,
-                         vk_Sampler &sampler) const
+                         bool split, vk_Sampler &sampler) const
 {
     // A smooth normal may face away from the viewer at a silhouette.
     const vk_Vec out = -path.direction;
     const vk_Vec &normal = vk_dot(hit.normal, out) > 0 ? hit.normal : hit.facet;
-    const vk_Bsdf bsdf(material, normal, out, path.surfaces == 0);
-    path.samples = samples;
-    ++path.surfaces;
-    path.add(myLighting.reflected(hit, bsdf, samples, sampler));
+    const vk_Vec along = material.brushed > 0 ? myWorld.along(hit) : vk_Vec{};
+    const vk_Bsdf bsdf(material, normal, out, split, along, hit.inside);
+    // What smooth glass shows of lights, paths find.
+    path.samples = material.isClear() && material.rough < SMOOTH ? 0 : samples;
+    ++(material.isClear() ? path.panes : path.surfaces);
+    if (path.samples == 0)
+        return bsdf;
+    const vk_Scattered lit = myLighting.reflected(hit, bsdf, path.samples, sampler);
+    if (path.scatterings() > 1 || path.sharp == vk_Colour{}) {
+        path.add(lit.sum());
+    } else {
+        path.add(lit.sharp, vk_grey(1));
+        path.add(lit.even, {});
+    }
     return bsdf;
 }
 
 bool vk_Tracer::scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
                         const vk_Vec &next) const
 {
-    const vk_Colour scattering = bsdf.evaluate(next, path.density);
-    if (path.density <= 0 || vk_dot(hit.facet, next) <= 0)
+    const vk_Scattered scattering = bsdf.evaluate(next, path.density);
+    const float above = vk_dot(hit.facet, next);
+    if (path.density <= 0 || (above <= 0 && !bsdf.isGlass()))
         return false;
-    path.weight = path.weight * scattering * (1 / path.density);
-    path.spread = path.spread || path.density < EVEN_DENSITY;
+    const vk_Colour sum = scattering.sum();
+    if (path.scatterings() == 1 && !(path.sharp == vk_Colour{}))
+        path.sharp = shareOf(scattering.sharp, sum);
+    path.weight = path.weight * sum * (1 / path.density);
+    path.spread = path.spread || (path.density < EVEN_DENSITY && !bsdf.isGlass());
     path.origin = hit.start(next);
     path.direction = next;
     return true;

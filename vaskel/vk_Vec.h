@@ -107,6 +107,17 @@ inline float vk_smoothStep(float a, float b, float x)
 struct vk_Frame {
     vk_Vec tangent, bitangent, normal;
 
+    // With the tangent as near to a direction as can be; any tangent when that is
+    // the normal's, or no direction.
+    vk_Frame(const vk_Vec &unit, const vk_Vec &along) : vk_Frame(unit)
+    {
+        const vk_Vec level = along - unit * vk_dot(along, unit);
+        if (vk_dot(level, level) < 1e-12f)
+            return;
+        tangent = vk_normalize(level);
+        bitangent = vk_cross(unit, tangent);
+    }
+
     explicit vk_Frame(const vk_Vec &unit) : normal(unit)
     {
         const float sign = std::copysign(1.0f, unit.z);

@@ -21,22 +21,6 @@ constexpr vk_ShaderRow<vk_DisplaceFunction> DISPLACE_ROWS[] = {
     {"v_bumps", "soft random bumps", BUMPS, bumps},
 };
 
-enum { FOG_COLOR, FOG_DENSITY, FOG_RADIUS };
-constexpr vk_Param FOG[] = {
-    {"color", VK_COLOUR, {.9f, .9f, .9f}, 0, 1, "share of the light that it scatters on"},
-    {"density", VK_NUMBER, {.07f, 0, 0}, 0, 100, "light that it takes away per length"},
-    {"radius", VK_NUMBER, {8, 0, 0}, 0, 1000, "of the ball around the origin that it fills"},
-};
-
-vk_Medium uniformFog(const vk_Values &p)
-{
-    return {p.number(FOG_DENSITY), p.vec(FOG_COLOR), p.number(FOG_RADIUS)};
-}
-
-constexpr vk_ShaderRow<vk_FogFunction> FOG_ROWS[] = {
-    {"v_fog", "even fog that takes light and shadow", FOG, uniformFog},
-};
-
 enum { STUDIO_TOP, STUDIO_HORIZON, STUDIO_GROUND, STUDIO_INTENSITY };
 constexpr vk_Param STUDIO[] = {
     {"top", VK_COLOUR, {.11f, .125f, .15f}, 0, 1000, "colour overhead"},
@@ -58,12 +42,10 @@ constexpr vk_ShaderRow<vk_EnvironmentFunction> ENVIRONMENT_ROWS[] = {
     {"v_studio", "a soft sky with a horizon", STUDIO, studio},
 };
 
-static_assert(std::size(BUMPS) == BUMPS_SIZE + 1 && std::size(FOG) == FOG_RADIUS + 1 &&
-              std::size(STUDIO) == STUDIO_INTENSITY + 1);
+static_assert(std::size(BUMPS) == BUMPS_SIZE + 1 && std::size(STUDIO) == STUDIO_INTENSITY + 1);
 } // namespace
 
 const vk_ShaderTable<vk_DisplaceFunction> VK_DISPLACE_SHADERS = {"displace", DISPLACE_ROWS,
                                                                  std::size(DISPLACE_ROWS)};
-const vk_ShaderTable<vk_FogFunction> VK_FOG_SHADERS = {"fog", FOG_ROWS, std::size(FOG_ROWS)};
 const vk_ShaderTable<vk_EnvironmentFunction> VK_ENVIRONMENT_SHADERS = {
     "environment", ENVIRONMENT_ROWS, std::size(ENVIRONMENT_ROWS)};

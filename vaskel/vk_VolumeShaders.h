@@ -1,4 +1,4 @@
-// The displacement, fog and environment shaders of the scene language.
+// The displacement and environment shaders of the scene language.
 #pragma once
 
 #include "vaskel/vk_Shader.h"
@@ -9,17 +9,6 @@
 using vk_DisplaceFunction = float(const vk_Values &, const vk_Vec &position);
 using vk_DisplaceShader = vk_Shader<vk_DisplaceFunction>;
 extern const vk_ShaderTable<vk_DisplaceFunction> VK_DISPLACE_SHADERS;
-
-// A fog fills a ball around the origin: how much light it takes away per
-// length, and what share of that it scatters on, evenly in all directions.
-struct vk_Medium {
-    float extinction = 0;
-    vk_Colour albedo;
-    float radius = 0;
-};
-using vk_FogFunction = vk_Medium(const vk_Values &);
-using vk_FogShader = vk_Shader<vk_FogFunction>;
-extern const vk_ShaderTable<vk_FogFunction> VK_FOG_SHADERS;
 
 // An environment says what light arrives from a direction.
 using vk_EnvironmentFunction = vk_Colour(const vk_Values &, const vk_Vec &direction);

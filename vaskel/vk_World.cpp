@@ -77,6 +77,8 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
             Shape{builder.take(), entry.transform.inverse(), &entry.surface}));
         myEmbree->attach(myShapes.back()->mesh);
     }
+    for (const auto &shape : myShapes)
+        myHasGlass = myHasGlass || (*shape->surface)(vk_SurfacePoint()).isClear();
     if (myEmbree->scene != nullptr)
         myEmbree->build();
     encloseShapes();
@@ -129,10 +131,12 @@ bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) cons
 
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
 {
-    if (!myScene.floor || direction.y == 0)
-        return false;
-    distance = -origin.y / direction.y;
-    return distance > 0 && distance < std::numeric_limits<float>::infinity();
+    constexpr float FOREVER = std::numeric_limits<float>::infinity();
+
+    const float to = myScene.floor && direction.y != 0 ? -origin.y / direction.y : FOREVER;
+    const bool met = to > 0 && to < FOREVER;
+    distance = met ? to : FOREVER;
+    return met;
 }
 
 void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, float v,
@@ -150,11 +154,27 @@ void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, floa
     hit.point = {shape.toShape.point(hit.position), a.u * w + b.u * u + c.u * v,
                  a.v * w + b.v * u + c.v * v};
     hit.surface = shape.surface;
+    hit.shape = geometry;
+    hit.triangle = triangle;
+}
+
+vk_Vec vk_World::along(const vk_Hit &hit) const
+{
+    if (hit.isFloor)
+        return {1, 0, 0};
+    const vk_Mesh &mesh = myShapes[hit.shape]->mesh;
+    const auto &corners = mesh.triangles[hit.triangle];
+    const vk_Vertex &a = mesh.vertices[corners[0]];
+    const vk_Vertex &b = mesh.vertices[corners[1]];
+    const vk_Vertex &c = mesh.vertices[corners[2]];
+    const float v1 = b.v - a.v, v2 = c.v - a.v;
+    const float area = (b.u - a.u) * v2 - (c.u - a.u) * v1;
+    return ((b.position - a.position) * v2 - (c.position - a.position) * v1) * (area < 0 ? -1 : 1);
 }
 
 bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const
 {
-    float toFloor = std::numeric_limits<float>::infinity();
+    float toFloor = 0;
     const bool onFloor = meetFloor(origin, direction, toFloor);
     RTCRayHit query = {};
     query.ray.org_x = origin.x;
@@ -187,10 +207,14 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
     } else {
         return false;
     }
-    if (vk_dot(hit.facet, direction) > 0)
+    // Smooth normals know the outside, triangles do not.
+    if (vk_dot(hit.facet, hit.normal) < 0)
         hit.facet = -hit.facet;
-    if (vk_dot(hit.normal, hit.facet) < 0)
+    hit.inside = vk_dot(hit.facet, direction) > 0;
+    if (hit.inside) {
+        hit.facet = -hit.facet;
         hit.normal = -hit.normal;
+    }
     return true;
 }
 

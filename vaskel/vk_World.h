@@ -18,6 +18,8 @@ struct vk_Hit {
     vk_SurfacePoint point; // for the surface shader
     const vk_SurfaceShader *surface = nullptr;
     bool isFloor = false;
+    bool inside = false;              // the ray met the back of a shape
+    unsigned shape = 0, triangle = 0; // of the world's
 
     // Where rays start that leave to a direction: off the surface, on that side.
     vk_Vec start(const vk_Vec &direction) const;
@@ -38,6 +40,12 @@ public:
     // The first thing that a ray meets; false when it meets nothing.
     bool intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const;
 
+    // Direction in which u grows at a hit, of no certain length; (1 0 0) on the floor.
+    vk_Vec along(const vk_Hit &hit) const;
+
+    // Whether light may pass through a shape, as through glass.
+    bool hasGlass() const { return myHasGlass; }
+
     // Whether something lies on the way.
     bool occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const;
 
@@ -45,6 +53,7 @@ private:
     struct Shape;
     struct Embree;
 
+    // False, with an infinite distance, when the floor is not on the way.
     bool meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const;
     bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const;
     void encloseShapes();
@@ -55,5 +64,6 @@ private:
     std::unique_ptr<Embree> myEmbree;
     vk_Vec myCentre;      // of a ball around all shapes;
     float myRadius2 = -1; // the square, below 0: no shapes
+    bool myHasGlass = false;
     std::string myError;
 };

@@ -108,7 +108,7 @@ TEST(Renderer, OddScenesGiveFiniteLight)
         for (std::uint32_t i = 0; i < 512; ++i) {
             vk_Sampler sampler(1, i);
             const vk_Vec way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
-            const vk_Colour light = tracer.radiance(scene.camera.from, way, sampler);
+            const vk_Colour light = tracer.view(scene.camera.from, way, sampler).light();
             ASSERT_TRUE(vk_isFinite(light) && light.x >= 0 && light.y >= 0 && light.z >= 0);
         }
     }

@@ -44,8 +44,9 @@ TEST(SceneReader, MistakesNameTheLineWhatWasExpectedAndTheNearestWord)
         {"sufrace v_matte", "unknown statement 'sufrace'; expected a statement of the scene "
                             "language; nearest is 'surface'"},
         {"surface v_plastc", "unknown surface shader 'v_plastc'; expected a surface shader: "
-                             "v_plastic, v_matte, v_metal, v_constant, v_checker; nearest is "
-                             "'v_plastic'"},
+                             "v_plastic, v_matte, v_metal, "},
+        {"surface v_plastc", "; nearest is 'v_plastic'"},
+        {"surface v_metal color golt", "or a colour's name, found 'golt'; nearest is 'gold'"},
         {"surface opdef:/Shop/v_mate", "nearest is 'v_matte'"},
         {"surface", "expected a surface shader: v_plastic"},
         {"surface v_plastic rogh .1", "v_plastic has no parameter 'rogh'; expected diff, spec, "
