@@ -1,5 +1,7 @@
 #include "vaskel/vk_Tile.h"
 
+#include "vaskel/vk_Filter.h"
+
 namespace
 {
 constexpr int FIRST_SAMPLES = 4;  // a pixel; every further pass doubles them
@@ -15,12 +17,6 @@ float tent(float u)
     return half * FILTER_WIDTH;
 }
 
-// About the scale of the file, on which errors are judged.
-vk_Colour seen(const vk_Colour &c)
-{
-    const auto level = [](float x) { return std::sqrt(std::min(x, 1.0f) + 0.002f); };
-    return {level(c.x), level(c.y), level(c.z)};
-}
 } // namespace
 
 vk_Lens::vk_Lens(const vk_Scene &scene)
@@ -33,14 +29,6 @@ vk_Lens::vk_Lens(const vk_Scene &scene)
     myForward = forward;
     myRight = right * pixel;
     myDown = vk_cross(forward, right) * pixel;
-}
-
-void vk_Pixel::judge()
-{
-    const vk_Colour now = seen(mean());
-    const vk_Colour moved = now - before;
-    error = vk_dot(moved, moved) / 3;
-    before = now;
 }
 
 vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
@@ -60,35 +48,33 @@ vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
 void vk_Canvas::sample(vk_Pixel &pixel, int x, int y, int count) const
 {
     const std::uint32_t seed = vk_hash(static_cast<std::uint32_t>(y * myScene.width + x) + 1);
-    for (; pixel.count < count; ++pixel.count) {
-        const vk_Colour c = light(x, y, vk_Sampler(seed, static_cast<std::uint32_t>(pixel.count)));
-        if (vk_isFinite(c))
-            pixel.sum += c;
-        else
-            pixel.bad = true;
-    }
+    while (pixel.count < count)
+        pixel.add(view(x, y, vk_Sampler(seed, static_cast<std::uint32_t>(pixel.count))));
 }
 
-vk_Colour vk_Canvas::light(int x, int y, vk_Sampler sampler) const
+vk_View vk_Canvas::view(int x, int y, vk_Sampler sampler) const
 {
     const vk_Square at = sampler.square();
     const vk_Vec direction = myLens.direction(static_cast<float>(x) + .5f + tent(at.u),
                                               static_cast<float>(y) + .5f + tent(at.v));
-    const vk_Colour light = myTracer.view(myLens.from(), direction, sampler).light() * myGain;
+    vk_View view = myTracer.view(myLens.from(), direction, sampler);
     // What is whiter than white must not outweigh its neighbours at an edge.
-    const float largest = vk_largest(light);
-    return largest > VK_WHITE ? light * (VK_WHITE / largest) : light;
+    const float largest = vk_largest(view.light()) * myGain;
+    const float factor = largest > VK_WHITE ? myGain * VK_WHITE / largest : myGain;
+    view.sharp = view.sharp * factor;
+    view.even = view.even * factor;
+    return view;
 }
 
-void vk_Canvas::develop(const vk_Pixel &pixel, int x, int y) const
+void vk_Canvas::develop(const vk_Colour &light, int x, int y) const
 {
     const auto at = static_cast<std::size_t>(y * myScene.width + x);
-    vk_develop(pixel.mean(), &myFilm.bytes[3 * at]);
+    vk_develop(light, &myFilm.bytes[3 * at]);
 }
 
 vk_Tile::vk_Tile(const vk_Canvas &canvas, int left, int top)
     : myCanvas(canvas), myLeft(left), myTop(top), myColumns(std::min(SIDE, canvas.width() - left)),
-      myRows(std::min(SIDE, canvas.height() - top))
+      myRows(std::min(SIDE, canvas.height() - top)), myPixels(static_cast<std::size_t>(pixels()))
 {
 }
 
@@ -96,13 +82,10 @@ void vk_Tile::draw()
 {
     int count = myCanvas.firstSamples();
     while (pass(count) && count < myCanvas.mostSamples()) {
-        if (count > myCanvas.firstSamples())
-            settle();
+        settle();
         count = std::min(2 * count, myCanvas.mostSamples());
     }
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x)
-            myCanvas.develop(myPixels[y][x], myLeft + x, myTop + y);
+    finish();
 }
 
 // False when all pixels are quiet.
@@ -111,11 +94,13 @@ bool vk_Tile::pass(int count)
     bool drew = false;
     for (int y = 0; y < myRows; ++y)
         for (int x = 0; x < myColumns; ++x) {
-            vk_Pixel &pixel = myPixels[y][x];
-            if (pixel.quiet)
+            vk_Pixel &now = pixel(x, y);
+            if (now.quiet)
                 continue;
-            myCanvas.sample(pixel, myLeft + x, myTop + y, count);
-            pixel.judge();
+            for (const int part : {std::max(1, count / 2), count}) {
+                myCanvas.sample(now, myLeft + x, myTop + y, part);
+                now.judge();
+            }
             drew = true;
         }
     return drew;
@@ -126,7 +111,28 @@ void vk_Tile::settle()
     for (int y = 0; y < myRows; ++y)
         for (int x = 0; x < myColumns; ++x)
             if (errorAround(x, y) < myCanvas.tolerance())
-                myPixels[y][x].quiet = true;
+                pixel(x, y).quiet = true;
+}
+
+void vk_Tile::finish() const
+{
+    const vk_Filter filter(myPixels.data(), myColumns, myRows);
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x) {
+            const vk_Pixel &done = myPixels[static_cast<std::size_t>(y * myColumns + x)];
+            myCanvas.develop(myCanvas.filters() ? filter.at(x, y) : done.light(), myLeft + x,
+                             myTop + y);
+        }
+}
+
+// What is left of a pixel's error when it is filtered.
+float vk_Tile::errorOf(const vk_Pixel &pixel) const
+{
+    constexpr float LEFT_SHARP = .2f, LEFT_EVEN = .1f;
+
+    if (!vk_Filter::helps(pixel))
+        return pixel.errorSharp + pixel.errorEven + pixel.errorTexture;
+    return pixel.errorTexture + LEFT_SHARP * pixel.errorSharp + LEFT_EVEN * pixel.errorEven;
 }
 
 float vk_Tile::errorAround(int x, int y) const
@@ -135,24 +141,22 @@ float vk_Tile::errorAround(int x, int y) const
     int count = 0;
     for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
         for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count)
-            sum += myPixels[j][i].error;
+            sum += errorOf(myPixels[static_cast<std::size_t>(j * myColumns + i)]);
     return sum / static_cast<float>(count);
 }
 
 std::uint64_t vk_Tile::samples() const
 {
     std::uint64_t sum = 0;
-    for (const auto &row : myPixels)
-        for (const vk_Pixel &pixel : row)
-            sum += static_cast<std::uint64_t>(pixel.count);
+    for (const vk_Pixel &pixel : myPixels)
+        sum += static_cast<std::uint64_t>(pixel.count);
     return sum;
 }
 
 std::uint64_t vk_Tile::badPixels() const
 {
     std::uint64_t sum = 0;
-    for (const auto &row : myPixels)
-        for (const vk_Pixel &pixel : row)
-            sum += pixel.bad ? 1 : 0;
+    for (const vk_Pixel &pixel : myPixels)
+        sum += pixel.bad ? 1 : 0;
     return sum;
 }

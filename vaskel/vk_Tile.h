@@ -1,8 +1,8 @@
 // Pixels that are drawn together, and what they are drawn with.
 #pragma once
 
+#include "vaskel/vk_Pixel.h"
 #include "vaskel/vk_Renderer.h"
-#include "vaskel/vk_Tracer.h"
 
 // Rays through a picture's points.
 class vk_Lens
@@ -23,21 +23,6 @@ private:
     float myWidth, myHeight;
 };
 
-struct vk_Pixel {
-    vk_Colour sum;
-    vk_Colour before; // seen mean when half of the samples were there
-    float error = 0;  // of the mean, estimated
-    int count = 0;
-    bool quiet = false;
-    bool bad = false; // had a sample that was no number
-
-    vk_Colour mean() const { return sum * (1 / static_cast<float>(count)); }
-
-    // How far the second half of the samples moved the mean is about how far
-    // off the mean still is.
-    void judge();
-};
-
 // What all tiles share: where samples come from and where pixels go.
 class vk_Canvas
 {
@@ -50,16 +35,17 @@ public:
     void sample(vk_Pixel &pixel, int x, int y, int count) const;
 
     // Writes a finished pixel to the film.
-    void develop(const vk_Pixel &pixel, int x, int y) const;
+    void develop(const vk_Colour &light, int x, int y) const;
 
     int width() const { return myScene.width; }
     int height() const { return myScene.height; }
     int firstSamples() const { return myFirstSamples; }
     int mostSamples() const { return myMostSamples; }
     float tolerance() const { return myTolerance; } // squared
+    bool filters() const { return myFirstSamples < myMostSamples; }
 
 private:
-    vk_Colour light(int x, int y, vk_Sampler sampler) const;
+    vk_View view(int x, int y, vk_Sampler sampler) const;
 
     const vk_Scene &myScene;
     vk_Tracer myTracer;
@@ -71,13 +57,13 @@ private:
 };
 
 // A square of pixels, drawn in passes that double the samples of those pixels
-// that are not quiet yet. One pixel's error is a poor estimate; the mean over
-// its neighbours in the tile is a fair one. Tiles know nothing of each other,
-// so their order does not matter.
+// that are not quiet yet, and filtered when they all are. One pixel's error is a poor
+// estimate; the mean over its neighbours in the tile is a fair one. Tiles know nothing
+// of each other, so their order does not matter.
 class vk_Tile
 {
 public:
-    static constexpr int SIDE = 8; // pixels
+    static constexpr int SIDE = 32; // pixels
 
     vk_Tile(const vk_Canvas &canvas, int left, int top);
     void draw();
@@ -90,9 +76,12 @@ public:
 private:
     bool pass(int count);
     void settle();
+    void finish() const;
+    float errorOf(const vk_Pixel &pixel) const;
     float errorAround(int x, int y) const;
+    vk_Pixel &pixel(int x, int y) { return myPixels[static_cast<std::size_t>(y * myColumns + x)]; }
 
     const vk_Canvas &myCanvas;
     int myLeft, myTop, myColumns, myRows;
-    vk_Pixel myPixels[SIDE][SIDE];
+    std::vector<vk_Pixel> myPixels; // row by row
 };

@@ -1,0 +1,102 @@
+#include "vaskel/vk_Filter.h"
+
+namespace
+{
+constexpr int REACH = 3;       // pixels to each side
+constexpr float SURE = .9f;    // length of a mean of normals that shows no edge
+constexpr float TURN = 25;     // how fast pixels that face elsewhere lose weight
+constexpr float DEPTH = .05f;  // share of the distance that makes two pixels differ
+constexpr float TOLERANCE = 8; // how many errors apart two pixels may be
+constexpr float LEAST_ERROR = 1e-8f;
+
+// 1 for values that agree, falling to 0 for those that errors do not explain. A
+// pixel that is further off than those around it believes its neighbours, and is
+// believed less.
+float weight(float difference, float own, float around, float otherOwn, float otherAround)
+{
+    const float error = std::max(own, around) + otherAround + LEAST_ERROR;
+    const float beyond = std::max(0.0f, difference - error);
+    const float left = std::max(0.0f, 1 - beyond / (TOLERANCE * error));
+    const float trust = (around + LEAST_ERROR) / (std::max(otherOwn * .25f, around) + LEAST_ERROR);
+    return left * left * trust;
+}
+} // namespace
+
+bool vk_Filter::helps(const vk_Pixel &pixel)
+{
+    const float length = vk_length(pixel.sum.normal);
+    return length > SURE * static_cast<float>(pixel.count);
+}
+
+vk_Filter::vk_Filter(const vk_Pixel *pixels, int columns, int rows)
+    : myColumns(columns), myRows(rows), myCells(static_cast<std::size_t>(columns * rows))
+{
+    for (Cell &now : myCells) {
+        const vk_Pixel &pixel = *pixels++;
+        now.count = static_cast<float>(pixel.count);
+        now.sharp = pixel.sharp();
+        now.albedo = pixel.albedo();
+        now.arriving = pixel.arriving();
+        now.normal = vk_normalize(pixel.sum.normal);
+        now.distance = pixel.sum.distance / now.count;
+        now.visibility = vk_visibility(pixel.light());
+        now.own = {pixel.errorSharp, pixel.errorEven};
+        now.smooth = helps(pixel);
+    }
+    smoothErrors();
+}
+
+// One pixel's error is a poor estimate, the mean of three rows of three is a fair one.
+void vk_Filter::smoothErrors()
+{
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x) {
+            float count = 0;
+            Errors sum;
+            for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
+                for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i) {
+                    const Errors &own = cell(i, j).own;
+                    sum.sharp += own.sharp;
+                    sum.even += own.even;
+                    ++count;
+                }
+            cell(x, y).around = {sum.sharp / count, sum.even / count};
+        }
+}
+
+// How far two pixels show the same surface.
+float vk_Filter::alike(const Cell &a, const Cell &b) const
+{
+    const float turn = 1 - TURN * (1 - vk_dot(a.normal, b.normal));
+    const float step = std::abs(a.distance - b.distance) / (DEPTH * a.distance);
+    return std::max(0.0f, turn) * std::max(0.0f, 1 - step);
+}
+
+vk_Colour vk_Filter::at(int x, int y) const
+{
+    const Cell &here = cell(x, y);
+    if (!here.smooth)
+        return here.sharp + here.arriving * here.albedo;
+    vk_Colour sharp, arriving;
+    float sharpWeight = 0, evenWeight = 0;
+    for (int j = std::max(0, y - REACH); j <= std::min(y + REACH, myRows - 1); ++j)
+        for (int i = std::max(0, x - REACH); i <= std::min(x + REACH, myColumns - 1); ++i) {
+            const Cell &there = cell(i, j);
+            const float alikeness = there.smooth ? alike(here, there) * there.count : 0;
+            if (alikeness <= 0)
+                continue;
+            const vk_Colour shown = (there.arriving - here.arriving) * here.albedo;
+            const float forSharp =
+                alikeness * weight(vk_visible(there.sharp - here.sharp, here.visibility),
+                                   here.own.sharp, here.around.sharp, there.own.sharp,
+                                   there.around.sharp);
+            const float forEven =
+                alikeness * weight(vk_visible(shown, here.visibility), here.own.even,
+                                   here.around.even, there.own.even, there.around.even);
+            sharp += there.sharp * forSharp;
+            arriving += there.arriving * forEven;
+            sharpWeight += forSharp;
+            evenWeight += forEven;
+        }
+    return sharp * (1 / sharpWeight) + arriving * here.albedo * (1 / evenWeight);
+}

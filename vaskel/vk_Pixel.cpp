@@ -1,0 +1,34 @@
+#include "vaskel/vk_Pixel.h"
+
+void vk_Pixel::add(const vk_View &view)
+{
+    ++count;
+    if (!vk_isFinite(view.light())) {
+        bad = true;
+        return;
+    }
+    sum.sharp += view.sharp;
+    sum.even += view.even;
+    sum.albedo += view.albedo;
+    sum.normal += view.normal;
+    sum.distance += view.distance;
+}
+
+vk_Colour vk_Pixel::arriving() const
+{
+    const auto part = [](float light, float albedo) { return albedo > 0 ? light / albedo : 0; };
+    return {part(sum.even.x, sum.albedo.x), part(sum.even.y, sum.albedo.y),
+            part(sum.even.z, sum.albedo.z)};
+}
+
+void vk_Pixel::judge()
+{
+    const vk_Vec visibility = vk_visibility(light());
+    const vk_View before = half;
+    half.sharp = sharp();
+    half.even = arriving();
+    half.albedo = albedo();
+    errorSharp = vk_visible(half.sharp - before.sharp, visibility);
+    errorEven = vk_visible((half.even - before.even) * half.albedo, visibility);
+    errorTexture = vk_visible((half.albedo - before.albedo) * half.even, visibility);
+}
