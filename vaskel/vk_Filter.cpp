@@ -2,11 +2,11 @@
 
 namespace
 {
-constexpr int REACH = 3;       // pixels to each side
-constexpr float SURE = .9f;    // length of a mean of normals that shows no edge
-constexpr float TURN = 25;     // how fast pixels that face elsewhere lose weight
-constexpr float DEPTH = .05f;  // share of the distance that makes two pixels differ
-constexpr float TOLERANCE = 8; // how many errors apart two pixels may be
+constexpr int REACH = 2;        // pixels to each side
+constexpr float SURE = .9f;     // length of a mean of normals that shows no edge
+constexpr float TURN = 25;      // how fast pixels that face elsewhere lose weight
+constexpr float DEPTH = .05f;   // share of the distance that makes two pixels differ
+constexpr float TOLERANCE = 12; // how many errors apart two pixels may be
 constexpr float LEAST_ERROR = 1e-8f;
 
 // 1 for values that agree, falling to 0 for those that errors do not explain. A

@@ -1,5 +1,16 @@
 #include "vaskel/vk_Mesh.h"
 
+// Grows at least twofold, as many patches may follow.
+void vk_MeshBuilder::reserve(std::size_t columns, std::size_t rows)
+{
+    const std::size_t vertices = myMesh.vertices.size() + (columns + 1) * (rows + 1);
+    const std::size_t triangles = myMesh.triangles.size() + 2 * columns * rows;
+    if (vertices > myMesh.vertices.capacity())
+        myMesh.vertices.reserve(std::max(vertices, 2 * myMesh.vertices.capacity()));
+    if (triangles > myMesh.triangles.capacity())
+        myMesh.triangles.reserve(std::max(triangles, 2 * myMesh.triangles.capacity()));
+}
+
 void vk_MeshBuilder::add(vk_Vertex vertex)
 {
     if (myDisplace)

@@ -40,6 +40,7 @@ public:
         columns *= finer;
         rows *= finer;
         const auto first = static_cast<std::uint32_t>(myMesh.vertices.size());
+        reserve(static_cast<std::size_t>(columns), static_cast<std::size_t>(rows));
         for (int row = 0; row <= rows; ++row)
             for (int column = 0; column <= columns; ++column)
                 add(at(static_cast<float>(column) / static_cast<float>(columns),
@@ -50,6 +51,7 @@ public:
     vk_Mesh take() { return std::move(myMesh); }
 
 private:
+    void reserve(std::size_t columns, std::size_t rows);
     void add(vk_Vertex vertex);
     void displace(vk_Vertex &vertex) const;
     void weave(std::uint32_t first, std::uint32_t columns, std::uint32_t rows);

@@ -18,7 +18,7 @@ struct vk_Quality {
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
     {"draft", .25f, .022f, false},
-    {"default", 1, .0085f, false},
+    {"default", 1, .0078f, false},
     {"final", 8, .0035f, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];

@@ -108,10 +108,21 @@ bool vk_Tile::pass(int count)
 
 void vk_Tile::settle()
 {
+    float errors[SIDE][SIDE];
     for (int y = 0; y < myRows; ++y)
         for (int x = 0; x < myColumns; ++x)
-            if (errorAround(x, y) < myCanvas.tolerance())
-                pixel(x, y).quiet = true;
+            errors[y][x] = errorOf(pixel(x, y));
+    const auto around = [&](int x, int y) {
+        float sum = 0;
+        int count = 0;
+        for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
+            for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count)
+                sum += errors[j][i];
+        return sum / static_cast<float>(count);
+    };
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x)
+            pixel(x, y).quiet = pixel(x, y).quiet || around(x, y) < myCanvas.tolerance();
 }
 
 void vk_Tile::finish() const
@@ -128,21 +139,11 @@ void vk_Tile::finish() const
 // What is left of a pixel's error when it is filtered.
 float vk_Tile::errorOf(const vk_Pixel &pixel) const
 {
-    constexpr float LEFT_SHARP = .2f, LEFT_EVEN = .1f;
+    constexpr float LEFT_SHARP = .3f, LEFT_EVEN = .1f;
 
     if (!vk_Filter::helps(pixel))
         return pixel.errorSharp + pixel.errorEven + pixel.errorTexture;
     return pixel.errorTexture + LEFT_SHARP * pixel.errorSharp + LEFT_EVEN * pixel.errorEven;
-}
-
-float vk_Tile::errorAround(int x, int y) const
-{
-    float sum = 0;
-    int count = 0;
-    for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
-        for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count)
-            sum += errorOf(myPixels[static_cast<std::size_t>(j * myColumns + i)]);
-    return sum / static_cast<float>(count);
 }
 
 std::uint64_t vk_Tile::samples() const

@@ -78,7 +78,6 @@ private:
     void settle();
     void finish() const;
     float errorOf(const vk_Pixel &pixel) const;
-    float errorAround(int x, int y) const;
     vk_Pixel &pixel(int x, int y) { return myPixels[static_cast<std::size_t>(y * myColumns + x)]; }
 
     const vk_Canvas &myCanvas;

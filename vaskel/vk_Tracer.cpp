@@ -15,9 +15,10 @@ constexpr int SPREAD_SAMPLES = 1;  // and behind even scattering
 constexpr int FOG_SAMPLES = 1;     // along a ray from the camera
 constexpr float FADE_NEAR = 12;    // the floor fades between these
 constexpr float FADE_FAR = 45;     // distances from the origin
-constexpr float BLUR = 0.5f;       // roughness behind even scattering
-constexpr float MOST_INDIRECT = 6; // brighter strays are cut
+constexpr float BLUR = .6f;        // roughness behind even scattering
+constexpr float MOST_INDIRECT = 2; // brighter strays are cut
 constexpr float EVEN_DENSITY = 1;  // scattering below it counts as even
+constexpr float FAINT = .12f;      // so does a way that matters less
 constexpr float SMOOTH = .02f;     // rougher glass is lit by lights
 
 // Pairs of the sampler between the beginnings of branches, more than one may use.
@@ -154,6 +155,7 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
     vk_Hit hit;
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
+        path.spread = path.spread || vk_largest(path.weight) < FAINT;
         const bool isLast =
             path.spread || path.surfaces + 1 == MOST_SURFACES || path.panes + 1 == MOST_PANES;
         if (path.spread)

@@ -3,7 +3,7 @@
 #include <embree3/rtcore.h>
 #include <tbb/task_arena.h>
 
-#include <cstring>
+#include <cstddef>
 #include <limits>
 
 struct vk_World::Shape {
@@ -27,6 +27,12 @@ struct vk_World::Embree {
             rtcReleaseDevice(device);
     }
     bool failed() const { return device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
+    // A quick tree: few rays of a small picture would repay a better one.
+    void makeScene()
+    {
+        scene = rtcNewScene(device);
+        rtcSetSceneBuildQuality(scene, RTC_BUILD_QUALITY_LOW);
+    }
     void attach(const vk_Mesh &mesh);
     void build() const;
 };
@@ -40,24 +46,19 @@ void vk_World::Embree::build() const
     alone.execute([&] { rtcJoinCommitScene(scene); });
 }
 
+// The mesh stays ours, and must not move or go before the tree does.
 void vk_World::Embree::attach(const vk_Mesh &mesh)
 {
     const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
-    void *const points =
-        rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                                sizeof(vk_Vec), mesh.vertices.size());
-    void *const corners =
-        rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
-                                sizeof mesh.triangles[0], mesh.triangles.size());
-    if (points != nullptr && corners != nullptr) {
-        auto *to = static_cast<vk_Vec *>(points);
-        for (const vk_Vertex &vertex : mesh.vertices)
-            *to++ = vertex.position;
-        std::memcpy(corners, mesh.triangles.data(),
-                    sizeof mesh.triangles[0] * mesh.triangles.size());
-        rtcCommitGeometry(geometry);
-        rtcAttachGeometry(scene, geometry);
-    }
+    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
+                               mesh.vertices.data(), offsetof(vk_Vertex, position),
+                               sizeof(vk_Vertex), mesh.vertices.size());
+    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
+                               mesh.triangles.data(), 0, sizeof mesh.triangles[0],
+                               mesh.triangles.size());
+    rtcSetGeometryBuildQuality(geometry, RTC_BUILD_QUALITY_LOW);
+    rtcCommitGeometry(geometry);
+    rtcAttachGeometry(scene, geometry);
     rtcReleaseGeometry(geometry);
 }
 
@@ -67,7 +68,7 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
         return;
     myEmbree->device = rtcNewDevice(nullptr);
     if (myEmbree->device != nullptr)
-        myEmbree->scene = rtcNewScene(myEmbree->device);
+        myEmbree->makeScene();
     for (const vk_ShapeEntry &entry : scene.shapes) {
         if (myEmbree->scene == nullptr)
             break;
