@@ -98,9 +98,12 @@ void vk_Bsdf::shareGlass(bool split)
     myShare[REFLECT] = myShare[REFRACT] = 1;
     if (split)
         return;
-    // Where all is reflected, some facets of rough glass still let light pass.
-    const float most = 1 - std::min(.05f, vk_alpha(myMaterial.rough));
-    myShare[REFLECT] = std::min(vk_fresnel(myOut.z, myEta), most);
+    // Facets of rough glass reflect more or less than its surface on the whole.
+    const float wide = vk_alpha(myMaterial.rough), cosine = myOut.z;
+    float sum = 0;
+    for (const float off : {-1.0f, 0.0f, 1.0f})
+        sum += vk_fresnel(std::clamp(cosine + off * wide, 0.0f, 1.0f), myEta);
+    myShare[REFLECT] = std::min(sum / 3, 1 - std::min(.05f, wide));
     myShare[REFRACT] = 1 - myShare[REFLECT];
 }
 

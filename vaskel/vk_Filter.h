@@ -14,13 +14,18 @@
 class vk_Filter
 {
 public:
-    // Pixels row by row; keeps nothing of them.
-    vk_Filter(const vk_Pixel *pixels, int columns, int rows);
+    static constexpr int REACH = 5; // pixels to each side that it looks at, at most
+
+    vk_Filter(int columns, int rows);
+
+    // Each for one row, in any order and on any thread: first all rows of pixels
+    // are taken, then errors are compared with those of other rows, then at() serves.
+    void take(const vk_Pixel *row, int y);
+    void compare(int y);
+    vk_Colour at(int x, int y) const;
 
     // Whether neighbours can help a pixel: it shows one surface, not an edge.
     static bool helps(const vk_Pixel &pixel);
-
-    vk_Colour at(int x, int y) const;
 
 private:
     struct Errors {
@@ -30,10 +35,10 @@ private:
         vk_Colour sharp, arriving, albedo;
         vk_Vec normal, visibility;
         Errors own, around;
-        float distance = 0, count = 0;
+        float distance = 0, count = 0, tolerance = 0; // of the even layer
+        int reach = 0;
         bool smooth = false;
     };
-    void smoothErrors();
     Cell &cell(int x, int y) { return myCells[static_cast<std::size_t>(y * myColumns + x)]; }
     const Cell &cell(int x, int y) const
     {

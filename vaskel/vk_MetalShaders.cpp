@@ -42,7 +42,7 @@ const vk_Param VK_CARPAINT[] = {
     {"color", VK_COLOUR, {.02f, .06f, .3f}, 0, 1, "colour of the ground"},
     {"flake", VK_COLOUR, {.25f, .4f, .85f}, 0, 1, "reflectance of the flakes"},
     {"flakes", VK_NUMBER, {.5f, 0, 0}, 0, 1, "how much of the surface they cover"},
-    {"size", VK_NUMBER, {.025f, 0, 0}, .001f, 10, "width of a flake"},
+    {"size", VK_NUMBER, {.016f, 0, 0}, .001f, 10, "width of a flake"},
     {"spread", VK_NUMBER, {.2f, 0, 0}, 0, 1, "how far they lean to all sides"},
     {"coat", VK_NUMBER, {1, 0, 0}, 0, 1, "how much of a lacquer there is"},
 };
@@ -90,12 +90,13 @@ vk_Material vk_carpaint(const vk_Values &p, const vk_SurfacePoint &point)
     material.coat = p.number(PAINT_COAT);
     material.coatRough = .05f;
     const std::uint32_t flake = flakeAt(point.position * (1 / p.number(PAINT_SIZE)));
+    material.rough = .45f;
+    material.specular = material.edge = p.vec(PAINT_FLAKE) * .4f; // of flakes further down
     if (part(vk_hash(flake), 0) >= p.number(PAINT_FLAKES))
         return material;
     const vk_Vec to = vk_Vec{part(flake, 0), part(flake, 1), part(flake, 2)} * 2 - vk_grey(1);
     material.lean = to * p.number(PAINT_SPREAD);
     material.specular = material.edge = p.vec(PAINT_FLAKE);
-    material.rough = .4f;
     return material;
 }
 

@@ -12,6 +12,20 @@ namespace
 {
 constexpr int JPEG_QUALITY = 95;
 
+// Says that colours are sRGB, as Exif 2.3 (CIPA DC-008) does: a TIFF header, a first
+// directory that leads to Exif's own, and that with its version and ColorSpace = 1.
+constexpr std::uint8_t EXIF_SRGB[] = {
+    'E',  'x',  'i', 'f', 0, 0,                           // the marker's name
+    'M',  'M',  0,   42,  0, 0, 0, 8,                     // big endian; first directory at 8
+    0,    1,                                              // one entry:
+    0x87, 0x69, 0,   4,   0, 0, 0, 1, 0,   0,   0,   26,  // ExifIFD, a long: at 26
+    0,    0,    0,   0,                                   // no further directory
+    0,    2,                                              // two entries:
+    0x90, 0,    0,   7,   0, 0, 0, 4, '0', '2', '3', '0', // ExifVersion
+    0xa0, 1,    0,   3,   0, 0, 0, 1, 0,   1,   0,   0,   // ColorSpace, a short: sRGB
+    0,    0,    0,   0,                                   // no further directory
+};
+
 using Bytes = std::vector<std::uint8_t>;
 
 // libjpeg calls error_exit and expects it not to return.
@@ -40,6 +54,7 @@ void compressRows(jpeg_compress_struct &info, const vk_Film &film)
     // Chroma at full resolution: red edges stay sharp.
     info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
     jpeg_start_compress(&info, TRUE);
+    jpeg_write_marker(&info, JPEG_APP0 + 1, EXIF_SRGB, sizeof EXIF_SRGB);
     while (info.next_scanline < info.image_height) {
         const std::size_t row = std::size_t{3} * info.image_width * info.next_scanline;
         JSAMPROW pixels = const_cast<JSAMPROW>(film.bytes.data() + row);

@@ -12,6 +12,7 @@ void vk_Pixel::add(const vk_View &view)
     sum.albedo += view.albedo;
     sum.normal += view.normal;
     sum.distance += view.distance;
+    sum.wanders += view.wanders;
 }
 
 vk_Colour vk_Pixel::arriving() const

@@ -1,6 +1,7 @@
 #include "vaskel/vk_Renderer.h"
 
 #include "UT/UT_EnvControl.h"
+#include "vaskel/vk_Filter.h"
 #include "vaskel/vk_Tile.h"
 
 #include <tbb/global_control.h>
@@ -13,39 +14,55 @@
 
 namespace
 {
-// Draws all tiles of a picture and keeps count of what they took.
+constexpr int BAND_PIXELS = 1 << 18; // limits the memory that a large picture takes
+
+// Draws a picture, band by band, and keeps count of what that took.
 class Drawing
 {
 public:
-    Drawing(const vk_Canvas &canvas, const vk_RenderSettings &settings)
-        : myCanvas(canvas), mySettings(settings), myColumns(tiles(canvas.width())),
-          myCount(myColumns * tiles(canvas.height()))
+    Drawing(const vk_Scene &scene, const vk_World &world, const vk_RenderSettings &settings,
+            vk_Film &film)
+        : myCanvas(scene, world, settings, film), mySettings(settings), myColumns(scene.width),
+          myRows(scene.height)
     {
     }
     void draw()
     {
-        // More threads than processors are wanted when somebody asks for them.
-        const auto threads = static_cast<std::size_t>(mySettings.threads);
-        const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
-        tbb::task_arena arena(mySettings.threads);
-        arena.execute([&] { tbb::parallel_for(0, myCount, [&](int i) { drawTile(i); }); });
+        const int most = std::max(4 * vk_Filter::REACH, BAND_PIXELS / myColumns);
+        for (int top = 0; top < myRows; top += most)
+            drawBand(top, std::min(top + most, myRows));
     }
 
 private:
+    void drawBand(int top, int bottom)
+    {
+        vk_Band band;
+        band.top = std::max(0, top - vk_Filter::REACH);
+        band.columns = myColumns;
+        band.rows = std::min(myRows, bottom + vk_Filter::REACH) - band.top;
+        band.pixels.resize(static_cast<std::size_t>(band.columns * band.rows));
+        const int across = tiles(band.columns);
+        tbb::parallel_for(0, across * tiles(band.rows), [&](int i) {
+            drawTile({myCanvas, band, i % across * vk_Tile::SIDE, i / across * vk_Tile::SIDE});
+        });
+        develop(band, top, bottom);
+    }
     static int tiles(int pixels) { return (pixels + vk_Tile::SIDE - 1) / vk_Tile::SIDE; }
 
-    void drawTile(int i)
+    void drawTile(vk_Tile tile)
     {
         vk_myRays = {};
-        vk_Tile tile(myCanvas, i % myColumns * vk_Tile::SIDE, i / myColumns * vk_Tile::SIDE);
         tile.draw();
         const std::lock_guard<std::mutex> lock(myMutex);
         if (mySettings.stats != nullptr)
             add(tile, *mySettings.stats);
-        const int percent = 100 * ++myDone / myCount;
-        if (mySettings.progress != nullptr && percent > myPercent)
-            mySettings.progress(percent);
-        myPercent = percent;
+        // The rows that two bands draw make the sum a little more than the whole.
+        myDone += tile.pixels();
+        const auto percent = static_cast<int>(100 * myDone / myColumns / myRows);
+        const int shown = std::min(percent, 100);
+        if (mySettings.progress != nullptr && shown > myPercent)
+            mySettings.progress(shown);
+        myPercent = shown;
     }
     static void add(const vk_Tile &tile, vk_Stats &stats)
     {
@@ -55,11 +72,27 @@ private:
         stats.badPixels += tile.badPixels();
     }
 
-    const vk_Canvas &myCanvas;
+    // Fixed samples are shown as they are.
+    void develop(vk_Band &band, int top, int bottom)
+    {
+        const bool filters = myCanvas.filters();
+        vk_Filter filter(band.columns, band.rows);
+        if (filters) {
+            tbb::parallel_for(0, band.rows, [&](int y) { filter.take(&band.at(0, y), y); });
+            tbb::parallel_for(0, band.rows, [&](int y) { filter.compare(y); });
+        }
+        tbb::parallel_for(top - band.top, bottom - band.top, [&](int y) {
+            for (int x = 0; x < band.columns; ++x)
+                myCanvas.develop(filters ? filter.at(x, y) : band.at(x, y).light(), x,
+                                 band.top + y);
+        });
+    }
+
+    const vk_Canvas myCanvas;
     const vk_RenderSettings &mySettings;
-    int myColumns, myCount;
+    int myColumns, myRows;
     std::mutex myMutex; // guards the rest
-    int myDone = 0;
+    std::int64_t myDone = 0;
     int myPercent = -1;
 };
 
@@ -75,8 +108,12 @@ bool drawScene(const vk_Scene &scene, const vk_RenderSettings &settings, vk_Film
     film.height = scene.height;
     film.bytes.assign(3 * static_cast<std::size_t>(scene.width * scene.height), 0);
     const double built = vk_seconds();
-    const vk_Canvas canvas(scene, world, settings, film);
-    Drawing(canvas, settings).draw();
+    // More threads than processors are wanted when somebody asks for them.
+    const auto threads = static_cast<std::size_t>(settings.threads);
+    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+    tbb::task_arena arena(settings.threads);
+    Drawing drawing(scene, world, settings, film);
+    arena.execute([&] { drawing.draw(); });
     if (settings.stats != nullptr) {
         settings.stats->building += built - start;
         settings.stats->tracing += vk_seconds() - built;

@@ -23,14 +23,14 @@ vk_Material vk_velvet(const vk_Values &p, const vk_SurfacePoint &)
 
 enum { SKIN_DIFF, SKIN_SCATTER, SKIN_SPEC, SKIN_ROUGH, SKIN_COUNT };
 const vk_Param VK_SKIN[] = {
-    {"diff", VK_COLOUR, {.78f, .5f, .38f}, 0, 1, "colour"},
-    {"scatter", VK_COLOUR, {.22f, .09f, .05f}, 0, 10, "how far light wanders, by colour"},
+    {"diff", VK_COLOUR, {.75f, .43f, .3f}, 0, 1, "colour"},
+    {"scatter", VK_COLOUR, {.12f, .06f, .035f}, 0, 10, "how far light wanders, by colour"},
     {"spec", VK_COLOUR, {.8f, .8f, .8f}, 0, 1, "how much it shines"},
     {"rough", VK_NUMBER, {.42f, 0, 0}, 0, 1, "roughness"},
 };
 const vk_Param VK_WAX[] = {
-    {"diff", VK_COLOUR, {.9f, .78f, .5f}, 0, 1, "colour"},
-    {"scatter", VK_COLOUR, {.45f, .3f, .15f}, 0, 10, "how far light wanders, by colour"},
+    {"diff", VK_COLOUR, {.92f, .76f, .42f}, 0, 1, "colour"},
+    {"scatter", VK_COLOUR, {.2f, .14f, .08f}, 0, 10, "how far light wanders, by colour"},
     {"spec", VK_COLOUR, {1, 1, 1}, 0, 1, "how much it shines"},
     {"rough", VK_NUMBER, {.35f, 0, 0}, 0, 1, "roughness"},
 };

@@ -72,9 +72,9 @@ void vk_Canvas::develop(const vk_Colour &light, int x, int y) const
     vk_develop(light, &myFilm.bytes[3 * at]);
 }
 
-vk_Tile::vk_Tile(const vk_Canvas &canvas, int left, int top)
-    : myCanvas(canvas), myLeft(left), myTop(top), myColumns(std::min(SIDE, canvas.width() - left)),
-      myRows(std::min(SIDE, canvas.height() - top)), myPixels(static_cast<std::size_t>(pixels()))
+vk_Tile::vk_Tile(const vk_Canvas &canvas, vk_Band &band, int left, int top)
+    : myCanvas(canvas), myBand(band), myLeft(left), myTop(top),
+      myColumns(std::min(SIDE, band.columns - left)), myRows(std::min(SIDE, band.rows - top))
 {
 }
 
@@ -85,7 +85,6 @@ void vk_Tile::draw()
         settle();
         count = std::min(2 * count, myCanvas.mostSamples());
     }
-    finish();
 }
 
 // False when all pixels are quiet.
@@ -98,7 +97,7 @@ bool vk_Tile::pass(int count)
             if (now.quiet)
                 continue;
             for (const int part : {std::max(1, count / 2), count}) {
-                myCanvas.sample(now, myLeft + x, myTop + y, part);
+                myCanvas.sample(now, myLeft + x, myBand.top + myTop + y, part);
                 now.judge();
             }
             drew = true;
@@ -125,39 +124,31 @@ void vk_Tile::settle()
             pixel(x, y).quiet = pixel(x, y).quiet || around(x, y) < myCanvas.tolerance();
 }
 
-void vk_Tile::finish() const
-{
-    const vk_Filter filter(myPixels.data(), myColumns, myRows);
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x) {
-            const vk_Pixel &done = myPixels[static_cast<std::size_t>(y * myColumns + x)];
-            myCanvas.develop(myCanvas.filters() ? filter.at(x, y) : done.light(), myLeft + x,
-                             myTop + y);
-        }
-}
-
 // What is left of a pixel's error when it is filtered.
 float vk_Tile::errorOf(const vk_Pixel &pixel) const
 {
-    constexpr float LEFT_SHARP = .3f, LEFT_EVEN = .1f;
+    constexpr float LEFT_SHARP = .3f, LEFT_EVEN = .1f, LEFT_WANDERING = .012f;
 
     if (!vk_Filter::helps(pixel))
         return pixel.errorSharp + pixel.errorEven + pixel.errorTexture;
-    return pixel.errorTexture + LEFT_SHARP * pixel.errorSharp + LEFT_EVEN * pixel.errorEven;
+    const float leftEven = pixel.sum.wanders > 0 ? LEFT_WANDERING : LEFT_EVEN;
+    return pixel.errorTexture + LEFT_SHARP * pixel.errorSharp + leftEven * pixel.errorEven;
 }
 
 std::uint64_t vk_Tile::samples() const
 {
     std::uint64_t sum = 0;
-    for (const vk_Pixel &pixel : myPixels)
-        sum += static_cast<std::uint64_t>(pixel.count);
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x)
+            sum += static_cast<std::uint64_t>(pixel(x, y).count);
     return sum;
 }
 
 std::uint64_t vk_Tile::badPixels() const
 {
     std::uint64_t sum = 0;
-    for (const vk_Pixel &pixel : myPixels)
-        sum += pixel.bad ? 1 : 0;
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x)
+            sum += pixel(x, y).bad ? 1u : 0u;
     return sum;
 }

@@ -37,8 +37,6 @@ public:
     // Writes a finished pixel to the film.
     void develop(const vk_Colour &light, int x, int y) const;
 
-    int width() const { return myScene.width; }
-    int height() const { return myScene.height; }
     int firstSamples() const { return myFirstSamples; }
     int mostSamples() const { return myMostSamples; }
     float tolerance() const { return myTolerance; } // squared
@@ -56,16 +54,26 @@ private:
     int myMostSamples, myFirstSamples;
 };
 
+// Rows of the picture that are drawn and filtered together, and some above and below
+// that the filter looks at.
+struct vk_Band {
+    int top = 0, columns = 0, rows = 0; // of the picture, with those above and below
+    std::vector<vk_Pixel> pixels;       // row by row
+
+    vk_Pixel &at(int x, int y) { return pixels[static_cast<std::size_t>(y * columns + x)]; }
+};
+
 // A square of pixels, drawn in passes that double the samples of those pixels
-// that are not quiet yet, and filtered when they all are. One pixel's error is a poor
-// estimate; the mean over its neighbours in the tile is a fair one. Tiles know nothing
-// of each other, so their order does not matter.
+// that are not quiet yet. One pixel's error is a poor estimate; the mean over
+// its neighbours in the tile is a fair one. Tiles know nothing of each other,
+// so their order does not matter.
 class vk_Tile
 {
 public:
-    static constexpr int SIDE = 32; // pixels
+    static constexpr int SIDE = 16; // pixels
 
-    vk_Tile(const vk_Canvas &canvas, int left, int top);
+    // Keeps references to both; left and top are in the band.
+    vk_Tile(const vk_Canvas &canvas, vk_Band &band, int left, int top);
     void draw();
 
     // After draw().
@@ -76,11 +84,10 @@ public:
 private:
     bool pass(int count);
     void settle();
-    void finish() const;
     float errorOf(const vk_Pixel &pixel) const;
-    vk_Pixel &pixel(int x, int y) { return myPixels[static_cast<std::size_t>(y * myColumns + x)]; }
+    vk_Pixel &pixel(int x, int y) const { return myBand.at(myLeft + x, myTop + y); }
 
     const vk_Canvas &myCanvas;
+    vk_Band &myBand;
     int myLeft, myTop, myColumns, myRows;
-    std::vector<vk_Pixel> myPixels; // row by row
 };

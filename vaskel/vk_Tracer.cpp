@@ -9,17 +9,19 @@ namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
 constexpr int MOST_SURFACES = 4;
-constexpr int MOST_PANES = 8;      // surfaces of glass
-constexpr int LIGHT_SAMPLES = 4;   // where a surface is seen or mirrored,
-constexpr int SPREAD_SAMPLES = 1;  // and behind even scattering
-constexpr int FOG_SAMPLES = 1;     // along a ray from the camera
-constexpr float FADE_NEAR = 12;    // the floor fades between these
-constexpr float FADE_FAR = 45;     // distances from the origin
-constexpr float BLUR = .6f;        // roughness behind even scattering
-constexpr float MOST_INDIRECT = 2; // brighter strays are cut
-constexpr float EVEN_DENSITY = 1;  // scattering below it counts as even
-constexpr float FAINT = .12f;      // so does a way that matters less
-constexpr float SMOOTH = .02f;     // rougher glass is lit by lights
+constexpr int MOST_PANES = 8;       // surfaces of smooth
+constexpr int MOST_ROUGH_PANES = 4; // and of rough glass
+constexpr int LIGHT_SAMPLES = 4;    // where a surface is seen or mirrored,
+constexpr int SPREAD_SAMPLES = 1;   // and behind even scattering
+constexpr int FOG_SAMPLES = 1;      // along a ray from the camera
+constexpr float FADE_NEAR = 12;     // the floor fades between these
+constexpr float FADE_FAR = 45;      // distances from the origin
+constexpr float BLUR = .6f;         // roughness behind even scattering
+constexpr float MOST_INDIRECT = 2;  // brighter strays are cut
+constexpr float EVEN_DENSITY = 1;   // scattering below it counts as even
+constexpr float FAINT = .12f;       // so does a way that matters less
+constexpr float GROUND = .35f;      // rougher glass shows no edges
+constexpr float SMOOTH = .02f;      // rougher glass is lit by lights
 
 // Pairs of the sampler between the beginnings of branches, more than one may use.
 constexpr std::uint32_t PAIRS = 128;
@@ -28,6 +30,15 @@ vk_Colour cut(const vk_Colour &c, float most)
 {
     const float largest = vk_largest(c);
     return largest > most ? c * (most / largest) : c;
+}
+
+// Whether all that a surface shows is so blurred that its light counts as evenly
+// scattered.
+bool blursAll(const vk_Material &material)
+{
+    const float least = material.isClear() ? .2f : .35f;
+    return material.rough > least && material.brushed <= 0 && material.coat <= 0 &&
+           vk_largest(material.diffuse + material.sheen) <= 0;
 }
 
 // A part of a whole, for each colour.
@@ -114,8 +125,14 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
     if (!arrive(path, hit, material, sampler))
         return;
     path.view->albedo = material.diffuse + material.sheen;
+    if (blursAll(material)) {
+        path.view->albedo = material.specular + material.clear;
+        path.sharp = {};
+    }
     path.view->normal = hit.normal;
     path.view->distance = hit.distance;
+    const bool isGround = material.isClear() && material.rough > GROUND;
+    path.view->wanders = isGround || vk_largest(material.scatter) > 0 ? 1 : 0;
     if (vk_largest(material.scatter) > 0)
         wander(path, hit, material, sampler, branches);
     const vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, true, sampler);
@@ -156,11 +173,13 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
         path.spread = path.spread || vk_largest(path.weight) < FAINT;
+        const bool isSmooth = material.isClear() && material.rough < SMOOTH;
+        const int mostPanes = isSmooth ? MOST_PANES : MOST_ROUGH_PANES;
         const bool isLast =
-            path.spread || path.surfaces + 1 == MOST_SURFACES || path.panes + 1 == MOST_PANES;
+            path.spread || path.surfaces + 1 == MOST_SURFACES || path.panes + 1 >= mostPanes;
         if (path.spread)
             material.rough = std::max(material.rough, BLUR);
-        const bool split = material.isClear() && path.scatterings() == 1 && branches.hasRoom();
+        const bool split = isSmooth && path.scatterings() == 1 && branches.hasRoom();
         const int samples = path.spread ? SPREAD_SAMPLES : LIGHT_SAMPLES;
         const vk_Bsdf bsdf = light(path, hit, material, samples, split, sampler);
         if (isLast) {
@@ -307,7 +326,8 @@ bool vk_Tracer::scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
     if (path.scatterings() == 1 && !(path.sharp == vk_Colour{}))
         path.sharp = shareOf(scattering.sharp, sum);
     path.weight = path.weight * sum * (1 / path.density);
-    path.spread = path.spread || (path.density < EVEN_DENSITY && !bsdf.isGlass());
+    const bool entersGlass = bsdf.isGlass() && (above > 0) == hit.inside;
+    path.spread = path.spread || (path.density < EVEN_DENSITY && !entersGlass);
     path.origin = hit.start(next);
     path.direction = next;
     return true;

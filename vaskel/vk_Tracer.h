@@ -26,6 +26,7 @@ struct vk_View {
     vk_Colour albedo; // about so much of what arrived there
     vk_Vec normal;    // of that surface; 0: none
     float distance = 0;
+    float wanders = 0; // 1: the even layer is without sharp edges, light wandered
 
     vk_Colour light() const { return sharp + even; }
 };
