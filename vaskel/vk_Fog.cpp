@@ -3,24 +3,40 @@
 namespace
 {
 constexpr float FLAT = 1e-4f; // a fall that does not show
-
-// Extinction gathered over the first part of a chord.
-float depthOf(float extinction, float fall, float length)
-{
-    if (std::abs(fall * length) < FLAT)
-        return extinction * length;
-    return extinction * (1 - std::exp(-fall * length)) / fall;
-}
-
-// The inverse.
-float lengthOf(float extinction, float fall, float depth)
-{
-    const float x = fall * depth / extinction;
-    if (std::abs(x) < FLAT)
-        return depth / extinction;
-    return -std::log(std::max(1 - x, 1e-20f)) / fall;
-}
 } // namespace
+
+// A part of a ray in the fog. Extinction is largest at its low end and falls away from it
+// as an exponential does; counted from there nothing overflows.
+struct vk_Fog::Chord {
+    float begin = 0, length = 0;
+    float low = 0;     // extinction at the low end
+    float fall = 0;    // per length, not below 0
+    bool rises = true; // begins with the low end
+
+    bool isFlat() const { return fall * length < FLAT; }
+    float fromLow(float t) const { return rises ? t : length - t; }
+    float extinction(float t) const { return low * std::exp(-fall * fromLow(t)); }
+
+    // Extinction gathered from the beginning.
+    float depth(float t) const
+    {
+        if (isFlat())
+            return low * t;
+        const float gathered = std::exp(-fall * fromLow(t)) - std::exp(-fall * fromLow(0));
+        return low * std::abs(gathered) / fall;
+    }
+
+    // The inverse.
+    float at(float gathered) const
+    {
+        if (isFlat())
+            return gathered / low;
+        const float part = fall * gathered / low;
+        const float left = std::exp(-fall * fromLow(0)) + (rises ? -part : part);
+        const float off = -std::log(std::max(left, 1e-30f)) / fall;
+        return rises ? off : length - off;
+    }
+};
 
 // Places on a chord by the angle under which a lamp sees them.
 struct vk_Fog::Angles {
@@ -57,7 +73,7 @@ vk_Fog::Chord vk_Fog::chord(const vk_Vec &origin, const vk_Vec &direction, float
     const float half = std::sqrt(std::max(0.0f, half2));
     float begin = std::max(0.0f, middle - half), end = std::min(distance, middle + half);
     if (myMedium.height <= 0)
-        return {begin, std::max(0.0f, end - begin), myMedium.extinction, 0};
+        return {begin, std::max(0.0f, end - begin), myMedium.extinction, 0, true};
     const float toBottom = -origin.y / direction.y;
     if (direction.y > 0)
         begin = std::max(begin, toBottom);
@@ -65,9 +81,12 @@ vk_Fog::Chord vk_Fog::chord(const vk_Vec &origin, const vk_Vec &direction, float
         end = std::min(end, toBottom);
     else if (origin.y < 0)
         end = begin;
-    const float y = std::max(0.0f, origin.y + direction.y * begin) / myMedium.height;
-    return {begin, std::max(0.0f, end - begin), myMedium.extinction * std::exp(-y),
-            direction.y / myMedium.height};
+    end = std::max(begin, end);
+    const bool rises = direction.y >= 0;
+    const float y = origin.y + direction.y * (rises ? begin : end);
+    return {begin, end - begin,
+            myMedium.extinction * std::exp(-std::max(0.0f, y) / myMedium.height),
+            std::abs(direction.y) / myMedium.height, rises};
 }
 
 float vk_Fog::passes(const vk_Vec &origin, const vk_Vec &direction, float distance) const
@@ -75,14 +94,14 @@ float vk_Fog::passes(const vk_Vec &origin, const vk_Vec &direction, float distan
     if (isClear())
         return 1;
     const Chord in = chord(origin, direction, distance);
-    return std::exp(-depthOf(in.extinction, in.fall, in.length));
+    return std::exp(-in.depth(in.length));
 }
 
 vk_Fog::Place vk_Fog::place(const vk_Vec &origin, const vk_Vec &direction, float distance,
                             const vk_Vec *lamp, float at) const
 {
     const Chord in = chord(origin, direction, distance);
-    const float lost = 1 - std::exp(-depthOf(in.extinction, in.fall, in.length));
+    const float lost = 1 - std::exp(-in.depth(in.length));
     if (lost < 1e-6f)
         return {};
     const vk_Vec begin = origin + direction * in.begin;
@@ -92,11 +111,10 @@ vk_Fog::Place vk_Fog::place(const vk_Vec &origin, const vk_Vec &direction, float
     if (at < byAngle)
         t = angles.at(at / byAngle);
     else
-        t = lengthOf(in.extinction, in.fall, -std::log(1 - (at - byAngle) / (1 - byAngle) * lost));
+        t = in.at(-std::log(1 - (at - byAngle) / (1 - byAngle) * lost));
     t = std::clamp(t, 0.0f, in.length);
     // Light scattered there, per length, as seen from the origin.
-    const float scattered =
-        in.extinction * std::exp(-in.fall * t - depthOf(in.extinction, in.fall, t));
+    const float scattered = in.extinction(t) * std::exp(-in.depth(t));
     const float density =
         (1 - byAngle) * scattered / lost + (byAngle > 0 ? byAngle * angles.density(t) : 0);
     return {in.begin + t, density > 0 ? scattered / density : 0};

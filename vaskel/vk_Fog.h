@@ -36,11 +36,7 @@ public:
     float phase(float cosine) const;
 
 private:
-    struct Chord {
-        float begin = 0, length = 0;
-        float extinction = 0; // where it begins,
-        float fall = 0;       // and how it falls, per length
-    };
+    struct Chord;
     struct Angles;
     Chord chord(const vk_Vec &origin, const vk_Vec &direction, float distance) const;
 

@@ -47,12 +47,45 @@ double meanOf(const vk_Film &film, double left, double top, double right, double
             sum += film.bytes[static_cast<std::size_t>(3 * (y * film.width + x) + 1)];
     return sum / count;
 }
+
+void expectFinite(const std::string &lines, std::uint32_t rays)
+{
+    vk_Scene scene;
+    readScene(lines, scene);
+    const vk_World world(scene);
+    const vk_Tracer tracer(scene, world);
+    ASSERT_EQ("", world.error());
+    const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
+    for (std::uint32_t i = 0; i < rays; ++i) {
+        vk_Sampler sampler(1, i);
+        const vk_Vec way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
+        const vk_Colour light = tracer.view(scene.camera.from, way, sampler).light();
+        ASSERT_TRUE(vk_isFinite(light) && light.x >= 0 && light.y >= 0 && light.z >= 0);
+    }
+}
+
+template <class Function>
+void expectFiniteAtEnds(const vk_ShaderTable<Function> &table)
+{
+    for (const auto &row : table)
+        for (const vk_Param &param : row.params)
+            for (const float end : {param.least, param.most}) {
+                const std::string number = vk_numberText(end);
+                const std::string three = number + " " + number + " " + number;
+                const std::string line = std::string(table.type) + " " + row.name + " " +
+                                         param.name + " " +
+                                         (param.kind == VK_NUMBER ? number : three);
+                SCOPED_TRACE(line);
+                expectFinite(line + "\nsphere", 64);
+            }
+}
 } // namespace
 
 TEST(Renderer, ThreadsDoNotChangeAByte)
 {
     const std::string scene = "size 50 43\nsamples 16\nfog v_fog density .05\ndisplace v_bumps\n"
-                              "surface v_plastic diff 1 0 0\nteapot\n";
+                              "surface v_plastic diff 1 0 0\nteapot\n"
+                              "surface v_glass\ntranslate 1 0 1\nsphere\n";
     const vk_Film one = draw(scene, 1);
     EXPECT_EQ(one.bytes, draw(scene, 2).bytes);
     EXPECT_EQ(one.bytes, draw(scene, 5).bytes);
@@ -96,22 +129,24 @@ TEST(Renderer, OddScenesGiveFiniteLight)
         "fog v_fog radius 0\nsphere",
         "scale 5000\nsphere",
         "floor v_checker size .001",
+        "surface v_glass\ncamera from 0 1 .5 at 0 1 5\nsphere",
+        "surface v_glass ior 1\ngrid\nsurface v_frosted rough 0\ntranslate 0 0 1\nsphere",
+        "surface v_wax\nscale 1 .001 1\nsphere",
+        "fog v_groundfog height .01\ncamera from 0 -5 0 at 0 0 0 up 0 0 1\nsphere",
     };
     for (const char *lines : scenes) {
         SCOPED_TRACE(lines);
-        vk_Scene scene;
-        readScene(lines, scene);
-        const vk_World world(scene);
-        const vk_Tracer tracer(scene, world);
-        ASSERT_EQ("", world.error());
-        const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
-        for (std::uint32_t i = 0; i < 512; ++i) {
-            vk_Sampler sampler(1, i);
-            const vk_Vec way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
-            const vk_Colour light = tracer.view(scene.camera.from, way, sampler).light();
-            ASSERT_TRUE(vk_isFinite(light) && light.x >= 0 && light.y >= 0 && light.z >= 0);
-        }
+        expectFinite(lines, 512);
     }
+}
+
+TEST(Renderer, ParametersAtTheirEndsGiveFiniteLight)
+{
+    expectFiniteAtEnds(VK_SURFACE_SHADERS);
+    expectFiniteAtEnds(VK_LIGHT_SHADERS);
+    expectFiniteAtEnds(VK_SHADOW_SHADERS);
+    expectFiniteAtEnds(VK_FOG_SHADERS);
+    expectFiniteAtEnds(VK_ENVIRONMENT_SHADERS);
 }
 
 TEST(Renderer, ThreadCountFollowsTheSetting)
