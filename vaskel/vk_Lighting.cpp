@@ -149,24 +149,36 @@ vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, fl
 vk_Colour vk_Lighting::scattered(const vk_Vec &origin, const vk_Vec &direction, float distance,
                                  vk_Sampler &sampler) const
 {
+    constexpr std::size_t FEW = 3; // so many lights all get a sample, else one does
+
+    const std::size_t count = myScene.lights.size();
+    vk_Colour sum;
+    for (std::size_t i = 0; i < count && count <= FEW; ++i)
+        sum += scattered(*myScene.lights[i], origin, direction, distance, sampler);
+    if (count <= FEW)
+        return sum;
+    const vk_Light &light = *myScene.lights[pick(sampler.number())];
+    const float chance = expected(light, 1);
+    return chance > 0 ? scattered(light, origin, direction, distance, sampler) * (1 / chance) : sum;
+}
+
+// Of one light.
+vk_Colour vk_Lighting::scattered(const vk_Light &light, const vk_Vec &origin,
+                                 const vk_Vec &direction, float distance, vk_Sampler &sampler) const
+{
     constexpr float FAR = 1e6f;
 
-    if (myScene.lights.empty())
-        return {};
-    const vk_Square choice = sampler.square();
-    const vk_Light &light = *myScene.lights[pick(choice.u)];
     const vk_LightSample centre = light.sample(origin, {.5f, .5f});
     const vk_Vec lamp = origin + centre.direction * centre.distance;
     const bool isNear = centre.density > 0 && centre.distance < FAR;
     const vk_Fog::Place place =
-        myFog.place(origin, direction, distance, isNear ? &lamp : nullptr, choice.v);
+        myFog.place(origin, direction, distance, isNear ? &lamp : nullptr, sampler.number());
     if (place.weight <= 0)
         return {};
     const vk_Vec at = origin + direction * place.distance;
     const vk_LightSample sample = light.sample(at, sampler.square());
-    const float chance = sample.density * expected(light, 1);
-    if (chance <= 0)
+    if (sample.density <= 0)
         return {};
     const float phase = myFog.phase(vk_dot(direction, sample.direction));
-    return arriving(at, light, sample) * (place.weight * phase / chance);
+    return arriving(at, light, sample) * (place.weight * phase / sample.density);
 }

@@ -32,6 +32,8 @@ public:
                         vk_Sampler &sampler) const;
 
 private:
+    vk_Colour scattered(const vk_Light &light, const vk_Vec &origin, const vk_Vec &direction,
+                        float distance, vk_Sampler &sampler) const;
     float expected(const vk_Light &light, int samples) const;
     std::size_t pick(float at) const;
     vk_Colour arriving(const vk_Vec &from, const vk_Light &light,

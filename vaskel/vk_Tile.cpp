@@ -127,12 +127,14 @@ void vk_Tile::settle()
 // What is left of a pixel's error when it is filtered.
 float vk_Tile::errorOf(const vk_Pixel &pixel) const
 {
-    constexpr float LEFT_SHARP = .3f, LEFT_EVEN = .1f, LEFT_WANDERING = .012f;
+    // Fog is smooth, whatever it lies on.
+    const float leftSharp = myCanvas.hasFog() ? .1f : .3f;
+    constexpr float LEFT_EVEN = .1f, LEFT_WANDERING = .012f;
 
     if (!vk_Filter::helps(pixel))
         return pixel.errorSharp + pixel.errorEven + pixel.errorTexture;
     const float leftEven = pixel.sum.wanders > 0 ? LEFT_WANDERING : LEFT_EVEN;
-    return pixel.errorTexture + LEFT_SHARP * pixel.errorSharp + leftEven * pixel.errorEven;
+    return pixel.errorTexture + leftSharp * pixel.errorSharp + leftEven * pixel.errorEven;
 }
 
 std::uint64_t vk_Tile::samples() const

@@ -40,6 +40,7 @@ public:
     int firstSamples() const { return myFirstSamples; }
     int mostSamples() const { return myMostSamples; }
     float tolerance() const { return myTolerance; } // squared
+    bool hasFog() const { return static_cast<bool>(myScene.fog); }
     bool filters() const { return myFirstSamples < myMostSamples; }
 
 private:
