@@ -1,7 +1,31 @@
-// Smooth random heights in space: Perlin, "Improving Noise", SIGGRAPH 2002.
+// Random patterns in space, the same at every run. Features are about one length
+// wide. Coordinates reach a thousand million; what is beyond shows the edge there.
 #pragma once
 
 #include "vaskel/vk_Vec.h"
 
-// About -1 to 1, 0 at whole coordinates; features are about one length wide.
+#include <cstdint>
+
+// Smooth heights from about -1 to 1, 0 at whole coordinates: Perlin, "Improving
+// Noise", SIGGRAPH 2002.
 float vk_noise(const vk_Vec &at);
+
+// The same with finer and finer noise added, each octave half as high, down to
+// the last of `octaves`; and the same of their absolute values, which has creases.
+float vk_clouds(const vk_Vec &at, int octaves);
+float vk_turbulence(const vk_Vec &at, int octaves);
+
+// Cells around points that are strewn over space: Worley, "A Cellular Texture
+// Basis Function", SIGGRAPH 1996.
+struct vk_Cell {
+    float distance = 0;     // from the cell's point, about 0 to 1
+    float border = 0;       // how much farther the next cell's point is
+    std::uint32_t name = 0; // a well mixed number
+};
+vk_Cell vk_cell(const vk_Vec &at);
+
+// A number from 0 to 1 out of a well mixed one: its lowest bits.
+inline float vk_share(std::uint32_t name)
+{
+    return static_cast<float>(name & 0xffffu) / 65535;
+}

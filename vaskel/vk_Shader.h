@@ -32,12 +32,14 @@ struct vk_Shader {
     }
 };
 
-// A table of one type of shader. Rows end before `rows + count`.
+// A table of one type of shader. Rows end before `rows + count`; a type with many
+// shaders has more of them in further tables, each in a source of its own.
 template <class Function>
 struct vk_ShaderTable {
     const char *type; // "surface", ...
     const vk_ShaderRow<Function> *rows;
     std::size_t count;
+    const vk_ShaderTable *more = nullptr;
 
     const vk_ShaderRow<Function> *begin() const { return rows; }
     const vk_ShaderRow<Function> *end() const { return rows + count; }
@@ -59,13 +61,14 @@ template <class Function>
 {
     const std::string_view name = words.size() > 1 ? vk_shaderName(words[1]) : "";
     std::vector<std::string_view> known;
-    for (const vk_ShaderRow<Function> &row : table) {
-        known.push_back(row.name);
-        if (name != row.name)
-            continue;
-        shader = {&row, vk_Values(row.params)};
-        return vk_parseParams(row.params, row.name, words, 2, shader.values, error);
-    }
+    for (const auto *part = &table; part != nullptr; part = part->more)
+        for (const vk_ShaderRow<Function> &row : *part) {
+            known.push_back(row.name);
+            if (name != row.name)
+                continue;
+            shader = {&row, vk_Values(row.params)};
+            return vk_parseParams(row.params, row.name, words, 2, shader.values, error);
+        }
     error = vk_unknownShader(table.type, words.size() > 1 ? words[1] : "", known);
     return false;
 }

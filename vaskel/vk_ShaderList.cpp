@@ -16,6 +16,8 @@ void append(std::string &text, const vk_ShaderTable<Function> &table)
         for (const vk_Param &param : row.params)
             text += "    " + vk_paramText(param) + "\n";
     }
+    if (table.more != nullptr)
+        append(text, *table.more);
 }
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "vaskel/vk_GlassShaders.h"
 #include "vaskel/vk_MetalShaders.h"
 #include "vaskel/vk_Microfacet.h"
+#include "vaskel/vk_PatternShaders.h"
 #include "vaskel/vk_SoftShaders.h"
 
 #include <iterator>
@@ -19,12 +20,8 @@ constexpr vk_Param PLASTIC[] = {
 
 vk_Material plastic(const vk_Values &p, const vk_SurfacePoint &)
 {
-    vk_Material material;
-    material.diffuse = p.vec(PLASTIC_DIFF);
-    material.edge = p.vec(PLASTIC_SPEC);
-    material.specular = material.edge * vk_straightReflectance(p.number(PLASTIC_IOR));
-    material.rough = p.number(PLASTIC_ROUGH);
-    return material;
+    return vk_coated(p.vec(PLASTIC_DIFF), p.vec(PLASTIC_SPEC), p.number(PLASTIC_ROUGH),
+                     p.number(PLASTIC_IOR));
 }
 
 enum { MATTE_DIFF };
@@ -51,29 +48,6 @@ vk_Material constant(const vk_Values &p, const vk_SurfacePoint &)
     return material;
 }
 
-enum { CHECKER_DIFF1, CHECKER_DIFF2, CHECKER_SIZE, CHECKER_SPEC, CHECKER_ROUGH };
-constexpr vk_Param CHECKER[] = {
-    {"diff1", VK_COLOUR, {.42f, .42f, .42f}, 0, 1, "colour of one half of the checks"},
-    {"diff2", VK_COLOUR, {.24f, .24f, .24f}, 0, 1, "colour of the other half"},
-    {"size", VK_NUMBER, {.5f, 0, 0}, .001f, 1000, "edge of a check, in scene lengths"},
-    {"spec", VK_COLOUR, {0, 0, 0}, 0, 1, "how much of a coat there is"},
-    {"rough", VK_NUMBER, {.3f, 0, 0}, 0, 1, "roughness of the coat"},
-};
-
-vk_Material checker(const vk_Values &p, const vk_SurfacePoint &point)
-{
-    // The small shift keeps a floor at y = 0 off the planes between checks.
-    const vk_Vec at = point.position * (1 / p.number(CHECKER_SIZE)) + vk_grey(1e-3f);
-    const float cells = std::floor(at.x) + std::floor(at.y) + std::floor(at.z);
-    const bool odd = std::fmod(cells, 2.0f) != 0;
-    vk_Material material;
-    material.diffuse = p.vec(odd ? CHECKER_DIFF2 : CHECKER_DIFF1);
-    material.edge = p.vec(CHECKER_SPEC);
-    material.specular = material.edge * vk_straightReflectance(1.5f);
-    material.rough = p.number(CHECKER_ROUGH);
-    return material;
-}
-
 constexpr vk_ShaderRow<vk_SurfaceFunction> ROWS[] = {
     {"v_plastic", "a coloured base under a clear coat", PLASTIC, plastic},
     {"v_matte", "scatters evenly, no highlight", MATTE, matte},
@@ -86,10 +60,20 @@ constexpr vk_ShaderRow<vk_SurfaceFunction> ROWS[] = {
     {"v_skin", "light wanders below the surface, red the furthest", VK_SKIN, vk_translucent},
     {"v_wax", "light wanders deep below the surface", VK_WAX, vk_translucent},
     {"v_constant", "one flat colour that needs no light", CONSTANT, constant},
-    {"v_checker", "checks of two colours in space", CHECKER, checker},
 };
 static_assert(std::size(PLASTIC) == PLASTIC_IOR + 1 && std::size(MATTE) == MATTE_DIFF + 1 &&
-              std::size(CONSTANT) == CONSTANT_COLOR + 1 && std::size(CHECKER) == CHECKER_ROUGH + 1);
+              std::size(CONSTANT) == CONSTANT_COLOR + 1);
 } // namespace
 
-const vk_ShaderTable<vk_SurfaceFunction> VK_SURFACE_SHADERS = {"surface", ROWS, std::size(ROWS)};
+vk_Material vk_coated(const vk_Colour &base, const vk_Colour &coat, float rough, float ior)
+{
+    vk_Material material;
+    material.diffuse = base;
+    material.edge = coat;
+    material.specular = coat * vk_straightReflectance(ior);
+    material.rough = rough;
+    return material;
+}
+
+const vk_ShaderTable<vk_SurfaceFunction> VK_SURFACE_SHADERS = {"surface", ROWS, std::size(ROWS),
+                                                               &VK_PATTERN_SHADERS};
