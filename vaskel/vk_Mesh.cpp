@@ -1,45 +1,49 @@
 #include "vaskel/vk_Mesh.h"
 
-// Grows at least twofold, as many patches may follow.
-void vk_MeshBuilder::reserve(std::size_t columns, std::size_t rows)
+namespace
 {
-    const std::size_t vertices = myMesh.vertices.size() + (columns + 1) * (rows + 1);
-    const std::size_t triangles = myMesh.triangles.size() + 2 * columns * rows;
-    if (vertices > myMesh.vertices.capacity())
-        myMesh.vertices.reserve(std::max(vertices, 2 * myMesh.vertices.capacity()));
-    if (triangles > myMesh.triangles.capacity())
-        myMesh.triangles.reserve(std::max(triangles, 2 * myMesh.triangles.capacity()));
+// The normal of a surface through four neighbours, on the side of the one that it
+// had. At a pole, where neighbours fall together, that one stays.
+vk_Vec normalAmong(const vk_Vec &along, const vk_Vec &up, const vk_Vec &before)
+{
+    const vk_Vec normal = vk_cross(along, up);
+    const float area2 = vk_dot(normal, normal);
+    if (!(area2 > 1e-6f * vk_dot(along, along) * vk_dot(up, up)))
+        return before;
+    return vk_normalize(vk_dot(normal, before) < 0 ? -normal : normal);
+}
+} // namespace
+
+// Moves the vertices of a net and drops its outermost ones, which have only been
+// there for the normals of their neighbours.
+void vk_MeshBuilder::displace(std::vector<vk_Vertex> &net, std::size_t width) const
+{
+    std::vector<vk_Vec> moved;
+    for (const vk_Vertex &vertex : net) {
+        const float height = myDisplace(vk_SurfacePoint{vertex.position, vertex.u, vertex.v});
+        moved.push_back(vertex.position + vertex.normal * height);
+    }
+    std::vector<vk_Vertex> inner;
+    for (std::size_t i = width; i + width < net.size(); ++i) {
+        if (i % width == 0 || i % width == width - 1)
+            continue;
+        inner.push_back(net[i]);
+        inner.back().position = moved[i];
+        inner.back().normal = normalAmong(moved[i + 1] - moved[i - 1],
+                                          moved[i + width] - moved[i - width], net[i].normal);
+    }
+    net = std::move(inner);
 }
 
-void vk_MeshBuilder::add(vk_Vertex vertex)
+void vk_MeshBuilder::add(const std::vector<vk_Vertex> &net, std::uint32_t columns,
+                         std::uint32_t rows)
 {
-    if (myDisplace)
-        displace(vertex);
-    vertex.position = myTransform.point(vertex.position);
-    vertex.normal = myTransform.normal(vertex.normal);
-    myMesh.vertices.push_back(vertex);
-}
-
-void vk_MeshBuilder::displace(vk_Vertex &vertex) const
-{
-    // The normal leans against the slope of the heights along the surface
-    // (Blinn, "Simulation of Wrinkled Surfaces", 1978). A slope in space, not
-    // in u and v, has no seams and no poles.
-    constexpr float STEP = 2e-3f;
-
-    const vk_Vec &p = vertex.position;
-    const auto slope = [&](const vk_Vec &step) {
-        return (myDisplace(p + step) - myDisplace(p - step)) / (2 * STEP);
-    };
-    const vk_Vec slopes = {slope({STEP, 0, 0}), slope({0, STEP, 0}), slope({0, 0, STEP})};
-    const vk_Vec along = slopes - vertex.normal * vk_dot(slopes, vertex.normal);
-    const float height = myDisplace(p);
-    vertex.position = p + vertex.normal * height;
-    vertex.normal = vk_normalize(vertex.normal - along);
-}
-
-void vk_MeshBuilder::weave(std::uint32_t first, std::uint32_t columns, std::uint32_t rows)
-{
+    const auto first = static_cast<std::uint32_t>(myMesh.vertices.size());
+    for (vk_Vertex vertex : net) {
+        vertex.position = myTransform.point(vertex.position);
+        vertex.normal = myTransform.normal(vertex.normal);
+        myMesh.vertices.push_back(vertex);
+    }
     for (std::uint32_t row = 0; row < rows; ++row)
         for (std::uint32_t column = 0; column < columns; ++column) {
             const std::uint32_t a = first + row * (columns + 1) + column;

@@ -2,8 +2,8 @@
 // smooth.
 #pragma once
 
+#include "vaskel/vk_DisplaceShaders.h"
 #include "vaskel/vk_Transform.h"
-#include "vaskel/vk_VolumeShaders.h"
 
 #include <array>
 #include <cstdint>
@@ -32,29 +32,28 @@ public:
 
     // Adds the patch that `at`, a function of u and v from 0 to 1 with a vertex
     // as result, describes: columns along u, rows along v. A displaced patch is
-    // divided further.
+    // divided further, and `at` is asked a little beyond its ends too.
     template <class Function>
     void patch(int columns, int rows, const Function &at)
     {
-        const int finer = myDisplace ? 3 : 1;
+        const int finer = myDisplace ? 3 : 1, beyond = myDisplace ? 1 : 0;
         columns *= finer;
         rows *= finer;
-        const auto first = static_cast<std::uint32_t>(myMesh.vertices.size());
-        reserve(static_cast<std::size_t>(columns), static_cast<std::size_t>(rows));
-        for (int row = 0; row <= rows; ++row)
-            for (int column = 0; column <= columns; ++column)
-                add(at(static_cast<float>(column) / static_cast<float>(columns),
-                       static_cast<float>(row) / static_cast<float>(rows)));
-        weave(first, static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows));
+        std::vector<vk_Vertex> net;
+        for (int row = -beyond; row <= rows + beyond; ++row)
+            for (int column = -beyond; column <= columns + beyond; ++column)
+                net.push_back(at(static_cast<float>(column) / static_cast<float>(columns),
+                                 static_cast<float>(row) / static_cast<float>(rows)));
+        if (myDisplace)
+            displace(net, static_cast<std::size_t>(columns + 3));
+        add(net, static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows));
     }
 
     vk_Mesh take() { return std::move(myMesh); }
 
 private:
-    void reserve(std::size_t columns, std::size_t rows);
-    void add(vk_Vertex vertex);
-    void displace(vk_Vertex &vertex) const;
-    void weave(std::uint32_t first, std::uint32_t columns, std::uint32_t rows);
+    void displace(std::vector<vk_Vertex> &net, std::size_t width) const;
+    void add(const std::vector<vk_Vertex> &net, std::uint32_t columns, std::uint32_t rows);
 
     const vk_Transform &myTransform;
     const vk_DisplaceShader &myDisplace;

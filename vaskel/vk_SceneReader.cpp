@@ -57,6 +57,7 @@ const vk_SceneReader::Statement vk_SceneReader::STATEMENTS[] = {
     {"rotate", "DEGREES X Y Z", &vk_SceneReader::doRotate, "turns the next shapes"},
     {"scale", "FACTOR or X Y Z", &vk_SceneReader::doScale, "sizes the next shapes"},
     {"identity", "nothing", &vk_SceneReader::doIdentity, "forgets the transforms"},
+    {"shaderball", "PARAMETERS", &vk_SceneReader::doShape, "a ball on a stand"},
     {"sphere", "PARAMETERS", &vk_SceneReader::doShape, "a ball"},
     {"grid", "PARAMETERS", &vk_SceneReader::doShape, "a sheet"},
     {"tube", "PARAMETERS", &vk_SceneReader::doShape, "an open cylinder"},

@@ -1,5 +1,6 @@
 #include "vaskel/vk_ShaderList.h"
 
+#include "vaskel/vk_DisplaceShaders.h"
 #include "vaskel/vk_FogShaders.h"
 #include "vaskel/vk_LightShaders.h"
 #include "vaskel/vk_ShadowShaders.h"

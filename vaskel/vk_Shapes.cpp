@@ -8,6 +8,61 @@ namespace
 {
 constexpr float TURN = 2 * VK_PI;
 
+// Bernstein's polynomials of degree three, and their slopes.
+struct Bernstein {
+    float weight[4];
+    float slope[4];
+
+    explicit Bernstein(float t)
+        : weight{(1 - t) * (1 - t) * (1 - t), 3 * t * (1 - t) * (1 - t), 3 * t * t * (1 - t),
+                 t * t * t},
+          slope{-3 * (1 - t) * (1 - t), 3 * (1 - t) * (1 - 3 * t), 3 * t * (2 - 3 * t), 3 * t * t}
+    {
+    }
+};
+
+// The stand's outline from the middle of its bottom to the middle of the dish on
+// top, as radius and height: Bezier curves of degree three that share their ends
+// and go on smoothly, so that a displaced stand has no gaps. The templates of other
+// scene languages have the same figures.
+constexpr int STAND_CURVES = 7;
+constexpr float STAND[3 * STAND_CURVES + 1][2] = {
+    {0, 0},        {.2f, 0},      {.4f, 0},      // bottom
+    {.58f, 0},     {.62f, 0},     {.64f, .02f},  // foot
+    {.64f, .04f},  {.64f, .06f},  {.625f, .07f}, //
+    {.6f, .07f},   {.5f, .07f},   {.42f, .1f},   // waist
+    {.42f, .165f}, {.42f, .23f},  {.48f, .27f},  //
+    {.54f, .28f},  {.57f, .285f}, {.56f, .32f},  // lip
+    {.52f, .31f},  {.4f, .28f},   {.2f, .21f},   // dish
+    {0, .21f},
+};
+
+vk_Vertex standVertex(float u, float v, float scale)
+{
+    const float along = std::clamp(v * STAND_CURVES, 0.0f, STAND_CURVES - .001f);
+    const int curve = static_cast<int>(along);
+    const Bernstein b(v * STAND_CURVES - static_cast<float>(curve));
+    vk_Vec at, slope; // x is the radius
+    for (int i = 0; i < 4; ++i) {
+        const vk_Vec point = {STAND[3 * curve + i][0], STAND[3 * curve + i][1], 0};
+        at += point * b.weight[i];
+        slope += point * b.slope[i];
+    }
+    const vk_Vec out = {std::sin(TURN * u), 0, std::cos(TURN * u)};
+    const vk_Vec position = (out * at.x + vk_Vec{0, at.y, 0}) * scale;
+    return {position, vk_normalize(out * slope.y - vk_Vec{0, slope.x, 0}), u, v};
+}
+
+void ball(vk_MeshBuilder &builder, float radius, float centre)
+{
+    builder.patch(192, 96, [&](float u, float v) {
+        const float around = TURN * u, up = VK_PI * (v - .5f);
+        const vk_Vec n = {std::cos(up) * std::sin(around), std::sin(up),
+                          std::cos(up) * std::cos(around)};
+        return vk_Vertex{n * radius + vk_Vec{0, centre, 0}, n, u, v};
+    });
+}
+
 enum { SPHERE_RADIUS };
 constexpr vk_Param SPHERE[] = {
     {"radius", VK_NUMBER, {1, 0, 0}, .001f, 1000, "radius"},
@@ -15,13 +70,19 @@ constexpr vk_Param SPHERE[] = {
 
 void sphere(const vk_Values &p, vk_MeshBuilder &builder)
 {
-    const float radius = p.number(SPHERE_RADIUS);
-    builder.patch(192, 96, [&](float u, float v) {
-        const float around = TURN * u, up = VK_PI * (v - .5f);
-        const vk_Vec n = {std::cos(up) * std::sin(around), std::sin(up),
-                          std::cos(up) * std::cos(around)};
-        return vk_Vertex{n * radius + vk_Vec{0, radius, 0}, n, u, v};
-    });
+    ball(builder, p.number(SPHERE_RADIUS), p.number(SPHERE_RADIUS));
+}
+
+enum { SHADERBALL_HEIGHT };
+constexpr vk_Param SHADERBALL[] = {
+    {"height", VK_NUMBER, {2, 0, 0}, .001f, 1000, "height of ball and stand"},
+};
+
+void shaderball(const vk_Values &p, vk_MeshBuilder &builder)
+{
+    const float scale = p.number(SHADERBALL_HEIGHT) / 2;
+    ball(builder, .88f * scale, 1.12f * scale);
+    builder.patch(192, 64, [&](float u, float v) { return standVertex(u, v, scale); });
 }
 
 enum { GRID_WIDTH, GRID_HEIGHT, GRID_WAVE };
@@ -31,17 +92,18 @@ constexpr vk_Param GRID[] = {
     {"wave", VK_NUMBER, {.16f, 0, 0}, -10, 10, "how far its folds reach to and fro"},
 };
 
-// Folds run down like a curtain's and lean a little, so that light plays on
-// them in both directions.
+// Folds run down like those of a curtain, from a top edge that is nearly straight,
+// and lean a little, so that light plays on them in both directions.
 void grid(const vk_Values &p, vk_MeshBuilder &builder)
 {
     const float width = p.number(GRID_WIDTH), height = p.number(GRID_HEIGHT);
     const float wave = p.number(GRID_WAVE);
-    builder.patch(120, 120, [&](float u, float v) {
-        const float across = TURN * 1.5f * u, lean = 1.8f * v;
-        const vk_Vec at = {width * (u - .5f), height * v, wave * std::sin(across + lean)};
-        const float slope = wave * std::cos(across + lean);
-        const vk_Vec n = {-slope * TURN * 1.5f / width, -slope * 1.8f / height, 1};
+    builder.patch(160, 120, [&](float u, float v) {
+        const float fold = TURN * 2 * u + 1.4f * v, reach = wave * (1.1f - .85f * v);
+        const vk_Vec at = {width * (u - .5f), height * v, reach * std::sin(fold)};
+        const float slope = reach * std::cos(fold);
+        const vk_Vec n = {-slope * TURN * 2 / width,
+                          (.85f * wave * std::sin(fold) - slope * 1.4f) / height, 1};
         return vk_Vertex{at, vk_normalize(n), u, v};
     });
 }
@@ -60,19 +122,6 @@ void tube(const vk_Values &p, vk_MeshBuilder &builder)
         return vk_Vertex{n * radius + vk_Vec{0, height * v, 0}, n, u, v};
     });
 }
-
-// Bernstein's polynomials of degree three, and their slopes.
-struct Bernstein {
-    float weight[4];
-    float slope[4];
-
-    explicit Bernstein(float t)
-        : weight{(1 - t) * (1 - t) * (1 - t), 3 * t * (1 - t) * (1 - t), 3 * t * t * (1 - t),
-                 t * t * t},
-          slope{-3 * (1 - t) * (1 - t), 3 * (1 - t) * (1 - 3 * t), 3 * t * (2 - 3 * t), 3 * t * t}
-    {
-    }
-};
 
 vk_Vec blended(const unsigned short (&patch)[16], const float (&u)[4], const float (&v)[4])
 {
@@ -103,6 +152,18 @@ vk_Vertex teapotVertex(const unsigned short (&patch)[16], float u, float v)
             upright(vk_normalize(vk_cross(along, up))), u, v};
 }
 
+// Patches that follow each other around a part of the teapot, and where its texture
+// has their first and last rows of points.
+struct Ring {
+    int patches;
+    float first, last;
+};
+constexpr Ring RINGS[] = {
+    {4, 1, .95f}, {4, .95f, .4f}, {4, .4f, .08f},              // rim and body
+    {2, 0, .5f},  {2, .5f, 1},    {2, 0, .5f},    {2, .5f, 1}, // handle, spout
+    {4, 1, .6f},  {4, .6f, .3f},  {4, 0, .08f},                // knob, lid, bottom
+};
+
 enum { TEAPOT_WIDTH };
 constexpr vk_Param TEAPOT[] = {
     {"width", VK_NUMBER, {2.6f, 0, 0}, .001f, 1000, "from handle to spout"},
@@ -113,21 +174,27 @@ void teapot(const vk_Values &p, vk_MeshBuilder &builder)
     constexpr float LEFT = -3, RIGHT = 3.525f; // of the data
 
     const float scale = p.number(TEAPOT_WIDTH) / (RIGHT - LEFT);
-    for (const auto &patch : VK_TEAPOT_PATCHES)
-        builder.patch(20, 20, [&](float u, float v) {
-            vk_Vertex vertex = teapotVertex(patch, u, v);
-            vertex.position = (vertex.position - vk_Vec{(LEFT + RIGHT) / 2, 0, 0}) * scale;
-            return vertex;
-        });
+    const auto *patch = VK_TEAPOT_PATCHES;
+    for (const Ring &ring : RINGS)
+        for (int i = 0; i < ring.patches; ++i, ++patch)
+            builder.patch(20, 20, [&](float u, float v) {
+                vk_Vertex vertex = teapotVertex(*patch, u, v);
+                vertex.position = (vertex.position - vk_Vec{(LEFT + RIGHT) / 2, 0, 0}) * scale;
+                vertex.u = (static_cast<float>(i) + u) / static_cast<float>(ring.patches);
+                vertex.v = ring.first + (ring.last - ring.first) * v;
+                return vertex;
+            });
 }
 
 constexpr vk_ShapeRow ROWS[] = {
+    {"shaderball", SHADERBALL, shaderball},
     {"sphere", SPHERE, sphere},
     {"grid", GRID, grid},
     {"tube", TUBE, tube},
     {"teapot", TEAPOT, teapot},
 };
-static_assert(std::size(SPHERE) == SPHERE_RADIUS + 1 && std::size(GRID) == GRID_WAVE + 1 &&
+static_assert(std::size(SHADERBALL) == SHADERBALL_HEIGHT + 1 &&
+              std::size(SPHERE) == SPHERE_RADIUS + 1 && std::size(GRID) == GRID_WAVE + 1 &&
               std::size(TUBE) == TUBE_HEIGHT + 1 && std::size(TEAPOT) == TEAPOT_WIDTH + 1);
 } // namespace
 

@@ -1,26 +1,9 @@
 #include "vaskel/vk_VolumeShaders.h"
 
-#include "vaskel/vk_Noise.h"
-
 #include <iterator>
 
 namespace
 {
-enum { BUMPS_HEIGHT, BUMPS_SIZE };
-constexpr vk_Param BUMPS[] = {
-    {"height", VK_NUMBER, {.08f, 0, 0}, -.5f, .5f, "how high the bumps are"},
-    {"size", VK_NUMBER, {.35f, 0, 0}, .05f, 100, "how wide a bump is"},
-};
-
-float bumps(const vk_Values &p, const vk_Vec &position)
-{
-    return p.number(BUMPS_HEIGHT) * vk_noise(position * (1 / p.number(BUMPS_SIZE)));
-}
-
-constexpr vk_ShaderRow<vk_DisplaceFunction> DISPLACE_ROWS[] = {
-    {"v_bumps", "soft random bumps", BUMPS, bumps},
-};
-
 enum { STUDIO_TOP, STUDIO_HORIZON, STUDIO_GROUND, STUDIO_INTENSITY };
 constexpr vk_Param STUDIO[] = {
     {"top", VK_COLOUR, {.11f, .125f, .15f}, 0, 1000, "colour overhead"},
@@ -42,10 +25,8 @@ constexpr vk_ShaderRow<vk_EnvironmentFunction> ENVIRONMENT_ROWS[] = {
     {"v_studio", "a soft sky with a horizon", STUDIO, studio},
 };
 
-static_assert(std::size(BUMPS) == BUMPS_SIZE + 1 && std::size(STUDIO) == STUDIO_INTENSITY + 1);
+static_assert(std::size(STUDIO) == STUDIO_INTENSITY + 1);
 } // namespace
 
-const vk_ShaderTable<vk_DisplaceFunction> VK_DISPLACE_SHADERS = {"displace", DISPLACE_ROWS,
-                                                                 std::size(DISPLACE_ROWS)};
 const vk_ShaderTable<vk_EnvironmentFunction> VK_ENVIRONMENT_SHADERS = {
     "environment", ENVIRONMENT_ROWS, std::size(ENVIRONMENT_ROWS)};

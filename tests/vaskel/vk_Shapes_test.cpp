@@ -36,7 +36,7 @@ TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
 {
     const vk_DisplaceShader bumps = {VK_DISPLACE_SHADERS.rows,
                                      vk_Values(VK_DISPLACE_SHADERS.rows->params)};
-    for (const char *word : {"sphere", "grid", "tube", "teapot"}) {
+    for (const char *word : {"shaderball", "sphere", "grid", "tube", "teapot"}) {
         SCOPED_TRACE(word);
         const vk_Mesh plain = build(word, {}, {});
         float lowest = 10, widest = 0;
