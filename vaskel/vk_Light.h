@@ -34,3 +34,10 @@ protected:
 private:
     float myStrength;
 };
+
+// Light from a cap of directions, as a ball or a far disc shows it. The cap's height
+// is 1 less the cosine at its rim: out of the square of the sine there, without
+// cancellation.
+float vk_capHeight(float sin2);
+vk_Vec vk_inCap(const vk_Vec &axis, float height, const vk_Square &at);
+vk_LightSample vk_capSample(const vk_Vec &direction, float height);

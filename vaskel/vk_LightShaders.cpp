@@ -1,31 +1,13 @@
 #include "vaskel/vk_LightShaders.h"
 
+#include "vaskel/vk_BallLight.h"
+#include "vaskel/vk_SlideLights.h"
+
 #include <iterator>
 
 namespace
 {
 constexpr float FAR_AWAY = 1e30f;
-
-// Light from a cap of directions, as a ball or a far disc shows it; the cap's
-// height is 1 less the cosine at its rim.
-vk_LightSample capSample(const vk_Vec &direction, float height)
-{
-    vk_LightSample sample;
-    sample.direction = direction;
-    sample.density = 1 / (2 * VK_PI * height);
-    return sample;
-}
-
-vk_Vec inCap(const vk_Vec &axis, float height, const vk_Square &at)
-{
-    return vk_Frame(axis).toWorld(vk_toCap(at, height));
-}
-
-// 1 - cos from the square of the sine, without cancellation.
-float capHeight(float sin2)
-{
-    return sin2 / (1 + std::sqrt(std::max(0.0f, 1 - sin2)));
-}
 
 class DistantLight final : public vk_Light
 {
@@ -34,12 +16,12 @@ public:
         : vk_Light(vk_luminance(white)), myAxis(towards)
     {
         const float sine = std::sin(degrees * VK_PI / 180);
-        myHeight = capHeight(sine * sine);
+        myHeight = vk_capHeight(sine * sine);
         myRadiance = white * (1 / (sine * sine));
     }
     vk_LightSample sample(const vk_Vec &, const vk_Square &at) const override
     {
-        return complete(inCap(myAxis, myHeight, at));
+        return complete(vk_inCap(myAxis, myHeight, at));
     }
     vk_LightSample hit(const vk_Vec &, const vk_Vec &direction) const override
     {
@@ -51,56 +33,13 @@ public:
 private:
     vk_LightSample complete(const vk_Vec &direction) const
     {
-        vk_LightSample sample = capSample(direction, myHeight);
+        vk_LightSample sample = vk_capSample(direction, myHeight);
         sample.distance = FAR_AWAY;
         sample.radiance = myRadiance;
         return sample;
     }
     vk_Vec myAxis;
     float myHeight = 0;
-    vk_Colour myRadiance;
-};
-
-class BallLight final : public vk_Light
-{
-public:
-    BallLight(const vk_Vec &centre, float radius, const vk_Vec &target, const vk_Colour &white)
-        : vk_Light(vk_luminance(white)), myCentre(centre), myRadius2(radius * radius)
-    {
-        const vk_Vec way = target - centre;
-        myRadiance = white * (std::max(vk_dot(way, way), myRadius2) / myRadius2);
-    }
-    vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override
-    {
-        const vk_Vec way = myCentre - from;
-        const float distance2 = vk_dot(way, way);
-        if (distance2 <= myRadius2)
-            return {};
-        const float height = capHeight(myRadius2 / distance2);
-        return complete(capSample(inCap(vk_normalize(way), height, at), height), way);
-    }
-    vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override
-    {
-        const vk_Vec way = myCentre - from;
-        const float distance2 = vk_dot(way, way);
-        const vk_Vec beside = vk_cross(way, direction);
-        if (distance2 <= myRadius2 || vk_dot(way, direction) < 0 ||
-            vk_dot(beside, beside) > myRadius2)
-            return {};
-        return complete(capSample(direction, capHeight(myRadius2 / distance2)), way);
-    }
-
-private:
-    vk_LightSample complete(vk_LightSample sample, const vk_Vec &way) const
-    {
-        const vk_Vec beside = vk_cross(way, sample.direction);
-        const float inside = myRadius2 - vk_dot(beside, beside);
-        sample.distance = vk_dot(way, sample.direction) - std::sqrt(std::max(0.0f, inside));
-        sample.radiance = myRadiance;
-        return sample;
-    }
-    vk_Vec myCentre;
-    float myRadius2;
     vk_Colour myRadiance;
 };
 
@@ -170,63 +109,51 @@ private:
     vk_Colour myRadiance;
 };
 
-enum { LIGHT_FROM, LIGHT_TO, LIGHT_COLOR, LIGHT_INTENSITY, LIGHT_OWN };
-constexpr vk_Param FROM = {"from", VK_POINT, {-4, 6, 5}, -1e6f, 1e6f, "where it stands"};
-constexpr vk_Param TO = {"to", VK_POINT, {0, 1, 0}, -1e6f, 1e6f, "where it aims"};
-constexpr vk_Param COLOR = {"color", VK_COLOUR, {1, 1, 1}, 0, 1000, "colour"};
-constexpr vk_Param INTENSITY = {"intensity", VK_NUMBER, {.8f, 0, 0},
-                                0,           1000,      "what white matte shows at `to`"};
-
-vk_Colour white(const vk_Values &p)
-{
-    return p.vec(LIGHT_COLOR) * p.number(LIGHT_INTENSITY);
-}
-
-enum { AREA_WIDTH = LIGHT_OWN, AREA_HEIGHT };
+enum { AREA_WIDTH = VK_LIGHT_OWN, AREA_HEIGHT };
 constexpr vk_Param AREA[] = {
-    FROM,
-    TO,
-    COLOR,
-    INTENSITY,
+    VK_LIGHT_FROM,
+    VK_LIGHT_TO,
+    VK_LIGHT_COLOR,
+    VK_LIGHT_INTENSITY,
     {"width", VK_NUMBER, {3, 0, 0}, .01f, 1000, "width"},
     {"height", VK_NUMBER, {3, 0, 0}, .01f, 1000, "height"},
 };
 
 std::unique_ptr<vk_Light> area(const vk_Values &p)
 {
-    return std::make_unique<AreaLight>(p.vec(LIGHT_FROM), p.vec(LIGHT_TO), p.number(AREA_WIDTH),
-                                       p.number(AREA_HEIGHT), white(p));
+    return std::make_unique<AreaLight>(p.vec(VK_FROM), p.vec(VK_TO), p.number(AREA_WIDTH),
+                                       p.number(AREA_HEIGHT), vk_lightWhite(p));
 }
 
-enum { POINT_RADIUS = LIGHT_OWN };
+enum { POINT_RADIUS = VK_LIGHT_OWN };
 constexpr vk_Param POINT[] = {
-    FROM,
-    TO,
-    COLOR,
-    INTENSITY,
+    VK_LIGHT_FROM,
+    VK_LIGHT_TO,
+    VK_LIGHT_COLOR,
+    VK_LIGHT_INTENSITY,
     {"radius", VK_NUMBER, {.25f, 0, 0}, 0, 1000, "radius; clamped to at least .02"},
 };
 
 std::unique_ptr<vk_Light> point(const vk_Values &p)
 {
     const float radius = std::max(p.number(POINT_RADIUS), .02f);
-    return std::make_unique<BallLight>(p.vec(LIGHT_FROM), radius, p.vec(LIGHT_TO), white(p));
+    return std::make_unique<vk_BallLight>(p.vec(VK_FROM), radius, p.vec(VK_TO), vk_lightWhite(p));
 }
 
-enum { DISTANT_ANGLE = LIGHT_OWN };
+enum { DISTANT_ANGLE = VK_LIGHT_OWN };
 constexpr vk_Param DISTANT[] = {
-    FROM,
-    TO,
-    COLOR,
-    INTENSITY,
+    VK_LIGHT_FROM,
+    VK_LIGHT_TO,
+    VK_LIGHT_COLOR,
+    VK_LIGHT_INTENSITY,
     {"angle", VK_NUMBER, {1.5f, 0, 0}, 0, 60, "half of its width, degrees; clamped to at least .2"},
 };
 
 std::unique_ptr<vk_Light> distant(const vk_Values &p)
 {
-    const vk_Vec towards = vk_normalize(p.vec(LIGHT_FROM) - p.vec(LIGHT_TO));
+    const vk_Vec towards = vk_normalize(p.vec(VK_FROM) - p.vec(VK_TO));
     return std::make_unique<DistantLight>(towards, std::max(p.number(DISTANT_ANGLE), .2f),
-                                          white(p));
+                                          vk_lightWhite(p));
 }
 
 constexpr vk_ShaderRow<vk_LightFunction> LIGHT_ROWS[] = {
@@ -240,5 +167,10 @@ static_assert(std::size(AREA) == AREA_HEIGHT + 1 && std::size(POINT) == POINT_RA
               std::size(DISTANT) == DISTANT_ANGLE + 1);
 } // namespace
 
+vk_Colour vk_lightWhite(const vk_Values &p)
+{
+    return p.vec(VK_COLOR) * p.number(VK_INTENSITY);
+}
+
 const vk_ShaderTable<vk_LightFunction> VK_LIGHT_SHADERS = {"light", LIGHT_ROWS,
-                                                           std::size(LIGHT_ROWS)};
+                                                           std::size(LIGHT_ROWS), &VK_SLIDE_LIGHTS};

@@ -312,6 +312,8 @@ bool vk_SceneReader::doLight()
     vk_Shader<vk_LightFunction> light;
     if (!doShader(VK_LIGHT_SHADERS, light))
         return false;
+    if (vk_length(light.values.vec(VK_TO) - light.values.vec(VK_FROM)) < 1e-3f)
+        return wrong("light expected 'from' and 'to' to be apart");
     if (myScene->lights.size() == vk_Scene::MOST_LIGHTS)
         return wrong("expected at most " + std::to_string(vk_Scene::MOST_LIGHTS) + " lights");
     myScene->lights.push_back(light());

@@ -7,7 +7,7 @@ namespace
 enum { STUDIO_TOP, STUDIO_HORIZON, STUDIO_GROUND, STUDIO_INTENSITY };
 constexpr vk_Param STUDIO[] = {
     {"top", VK_COLOUR, {.11f, .125f, .15f}, 0, 1000, "colour overhead"},
-    {"horizon", VK_COLOUR, {.36f, .36f, .355f}, 0, 1000, "colour at the horizon"},
+    {"horizon", VK_COLOUR, {.40f, .40f, .395f}, 0, 1000, "colour at the horizon"},
     {"ground", VK_COLOUR, {.08f, .076f, .072f}, 0, 1000, "colour below"},
     {"intensity", VK_NUMBER, {1, 0, 0}, 0, 1000, "a factor for all three"},
 };

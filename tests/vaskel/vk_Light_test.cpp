@@ -24,6 +24,9 @@ const char *const LIGHTS[] = {
     "v_point intensity .8 from -4 6 5 to 0 1 0 radius 0",
     "v_distant intensity .8 from -4 6 5 to 0 1 0 angle 20",
     "v_distant intensity .8 from -4 6 5 to 0 1 0 angle 0",
+    "v_spot intensity .8 from -4 6 5 to 0 1 0 angle 30",
+    "v_window intensity .8 from -4 6 5 to 0 1 0 angle 30 columns 3 rows 3",
+    "v_blinds intensity .8 from -4 6 5 to 0 1 0 angle 30",
 };
 const vk_Vec TARGET = {0, 1, 0};
 } // namespace
