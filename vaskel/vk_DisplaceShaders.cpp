@@ -118,16 +118,40 @@ float scales(const vk_Values &p, const vk_SurfacePoint &point)
     return p.number(HEIGHT) * (height(below) + (height(place) - height(below)) * free);
 }
 
+constexpr vk_Param WEAVE[] = {
+    heightOf(.06f, "how far threads rise over each other"),
+    {"columns", VK_NUMBER, {26, 0, 0}, 2, 1000, "threads upwards, rounded to an even number"},
+    {"rows", VK_NUMBER, {15, 0, 0}, 1, 1000, "threads around or across, rounded"},
+};
+
+// How high a flat thread lies: it winds up and down along itself, and is a little
+// round across.
+float threadHeight(float across, float along)
+{
+    const float side = 2 * (across - std::floor(across)) - 1;
+    const float wind = std::fmod(std::floor(across), 2.0f) != 0 ? -1.0f : 1.0f;
+    return .8f * wind * std::sin(VK_PI * along) + .2f - .2f * side * side * side * side;
+}
+
+// A plain weave: the threads of either way go over and under each other.
+float weave(const vk_Values &p, const vk_SurfacePoint &point)
+{
+    const float x = point.u * 2 * std::round(p.number(ROWS_COLUMNS) / 2);
+    const float y = point.v * std::round(p.number(ROWS_ROWS));
+    return p.number(HEIGHT) * std::max(threadHeight(x, y), threadHeight(y, x + 1));
+}
+
 constexpr vk_ShaderRow<vk_DisplaceFunction> ROWS[] = {
     {"v_bumps", "soft random bumps", BUMPS, bumps},
     {"v_dents", "dents of a hammer", DENTS, dents},
     {"v_ripples", "rings of waves around a point", RIPPLES, ripples},
     {"v_bricks", "courses of bricks", BRICKS, bricks},
     {"v_scales", "overlapping scales", SCALES, scales},
+    {"v_weave", "threads over and under each other", WEAVE, weave},
 };
 static_assert(std::size(BUMPS) == BUMPS_SIZE + 1 && std::size(DENTS) == DENTS_SIZE + 1 &&
               std::size(RIPPLES) == RIPPLES_CENTRE + 1 && std::size(BRICKS) == BRICKS_MORTAR + 1 &&
-              std::size(SCALES) == ROWS_OWN);
+              std::size(SCALES) == ROWS_OWN && std::size(WEAVE) == ROWS_OWN);
 } // namespace
 
 const vk_ShaderTable<vk_DisplaceFunction> VK_DISPLACE_SHADERS = {"displace", ROWS, std::size(ROWS)};

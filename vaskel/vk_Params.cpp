@@ -143,6 +143,8 @@ std::string vk_paramText(const vk_Param &param)
         if (param.kind != VK_NUMBER)
             standard +=
                 " " + vk_numberText(param.standard.y) + " " + vk_numberText(param.standard.z);
-    return std::string(param.name) + " [" + vk_numberText(param.least) + " to " +
-           vk_numberText(param.most) + "] (" + standard + ") " + param.what;
+    constexpr const char *KINDS[] = {"number", "point", "colour"};
+    return "`" + std::string(param.name) + "` " + KINDS[param.kind] + ", " +
+           vk_numberText(param.least) + " to " + vk_numberText(param.most) + " (" + standard +
+           "): " + param.what;
 }

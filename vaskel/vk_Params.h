@@ -81,7 +81,6 @@ using vk_Words = std::vector<std::string>;
 [[nodiscard]] bool vk_parseNumber(const std::string &word, const std::string &what, float least,
                                   float most, float &number, std::string &error);
 
-// A short form of a number and of a row's range and standard value, as messages
-// and lists print them.
+// A short form of a number, as messages print it, and a row as a line of a list.
 std::string vk_numberText(float number);
 std::string vk_paramText(const vk_Param &param);

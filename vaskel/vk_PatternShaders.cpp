@@ -101,14 +101,32 @@ vk_Material granite(const vk_Values &p, const vk_SurfacePoint &point)
     return coated(p, p.vec(static_cast<std::size_t>(mineral)) * std::min(shade, 1.0f));
 }
 
+enum { CANDY_TURNS = OWN };
+constexpr vk_Param CANDY[] = {
+    {"diff1", VK_COLOUR, {.7f, .03f, .05f}, 0, 1, "colour of one half of the stripes"},
+    {"diff2", VK_COLOUR, {.8f, .78f, .75f}, 0, 1, "colour of the other half"},
+    {"size", VK_NUMBER, {.125f, 0, 0}, .01f, 1, "width of both, as a share of the way around"},
+    COAT,
+    {"rough", VK_NUMBER, {.05f, 0, 0}, 0, 1, "roughness of the coat"},
+    {"turns", VK_NUMBER, {.5f, 0, 0}, -100, 100, "how often stripes go around on their way up"},
+};
+
+vk_Material candy(const vk_Values &p, const vk_SurfacePoint &point)
+{
+    const float stripe = (point.u + point.v * p.number(CANDY_TURNS)) / p.number(SIZE);
+    return coated(p, p.vec(stripe - std::floor(stripe) < .5f ? DIFF1 : DIFF2));
+}
+
 constexpr vk_ShaderRow<vk_SurfaceFunction> ROWS[] = {
     {"v_checker", "checks of two colours in space", CHECKER, checker},
     {"v_marble", "polished stone with veins", MARBLE, marble},
     {"v_wood", "varnished wood with its rings and pores", WOOD, wood},
     {"v_granite", "polished stone of three kinds of grains", GRANITE, granite},
+    {"v_candy", "stripes that wind upwards", CANDY, candy},
 };
 static_assert(std::size(CHECKER) == OWN && std::size(MARBLE) == MARBLE_VEINS + 1 &&
-              std::size(WOOD) == WOOD_GRAIN + 1 && std::size(GRANITE) == GRANITE_DIFF3 + 1);
+              std::size(WOOD) == WOOD_GRAIN + 1 && std::size(GRANITE) == GRANITE_DIFF3 + 1 &&
+              std::size(CANDY) == CANDY_TURNS + 1);
 } // namespace
 
 const vk_ShaderTable<vk_SurfaceFunction> VK_PATTERN_SHADERS = {"surface", ROWS, std::size(ROWS)};

@@ -1,12 +1,12 @@
 // A scene as it was described: what the reader fills and the renderer draws.
 #pragma once
 
+#include "vaskel/vk_EnvironmentShaders.h"
 #include "vaskel/vk_FogShaders.h"
 #include "vaskel/vk_LightShaders.h"
 #include "vaskel/vk_ShadowShaders.h"
 #include "vaskel/vk_Shapes.h"
 #include "vaskel/vk_SurfaceShaders.h"
-#include "vaskel/vk_VolumeShaders.h"
 
 #include <memory>
 #include <string>

@@ -186,21 +186,22 @@ void teapot(const vk_Values &p, vk_MeshBuilder &builder)
             });
 }
 
-constexpr vk_ShapeRow ROWS[] = {
-    {"shaderball", SHADERBALL, shaderball},
-    {"sphere", SPHERE, sphere},
-    {"grid", GRID, grid},
-    {"tube", TUBE, tube},
-    {"teapot", TEAPOT, teapot},
-};
 static_assert(std::size(SHADERBALL) == SHADERBALL_HEIGHT + 1 &&
               std::size(SPHERE) == SPHERE_RADIUS + 1 && std::size(GRID) == GRID_WAVE + 1 &&
               std::size(TUBE) == TUBE_HEIGHT + 1 && std::size(TEAPOT) == TEAPOT_WIDTH + 1);
 } // namespace
 
+const vk_ShapeRow VK_SHAPES[VK_SHAPE_COUNT] = {
+    {"shaderball", "a ball on a stand, which curves both ways", SHADERBALL, shaderball},
+    {"sphere", "a ball", SPHERE, sphere},
+    {"grid", "a hanging sheet with folds", GRID, grid},
+    {"tube", "an open cylinder, its inside visible", TUBE, tube},
+    {"teapot", "the teapot", TEAPOT, teapot},
+};
+
 const vk_ShapeRow *vk_findShape(std::string_view word)
 {
-    for (const vk_ShapeRow &row : ROWS)
+    for (const vk_ShapeRow &row : VK_SHAPES)
         if (word == row.word)
             return &row;
     return nullptr;

@@ -9,9 +9,13 @@
 
 struct vk_ShapeRow {
     const char *word;
+    const char *what; // one line for the list
     vk_ParamTable params;
     void (*build)(const vk_Values &, vk_MeshBuilder &);
 };
+
+constexpr std::size_t VK_SHAPE_COUNT = 5;
+extern const vk_ShapeRow VK_SHAPES[VK_SHAPE_COUNT];
 
 // The shape of a word, null when there is none.
 const vk_ShapeRow *vk_findShape(std::string_view word);

@@ -1,6 +1,7 @@
 #include "vaskel/vk_SlideLights.h"
 
 #include "vaskel/vk_BallLight.h"
+#include "vaskel/vk_Noise.h"
 
 #include <iterator>
 
@@ -139,13 +140,35 @@ float blinds(const vk_Values &p, float x, float y)
     return std::abs(y) < 1 ? edge(p, std::min(insidePane(y, slats, shut), 1 - std::abs(x))) : 0;
 }
 
+enum { LEAVES_SIZE = OWN, LEAVES_GAPS };
+constexpr vk_Param LEAVES[] = {
+    VK_LIGHT_FROM,
+    VK_LIGHT_TO,
+    VK_LIGHT_COLOR,
+    VK_LIGHT_INTENSITY,
+    angleOf(30),
+    RADIUS_ROW,
+    softOf(.3f),
+    {"size", VK_NUMBER, {.11f, 0, 0}, .01f, 10, "from spot to spot"},
+    {"gaps", VK_NUMBER, {.55f, 0, 0}, 0, 1, "how open the tree is"},
+};
+
+// Small gaps show the sun's disc, so the spots are round. A plane through cells in
+// space has large and small ones.
+float leaves(const vk_Values &p, float x, float y)
+{
+    const float size = p.number(LEAVES_SIZE);
+    return edge(p, p.number(LEAVES_GAPS) - vk_cell({x / size, y / size, .5f}).distance);
+}
+
 constexpr vk_ShaderRow<vk_LightFunction> ROWS[] = {
     {"v_spot", "a cone with a soft edge", SPOT, project<spot>},
     {"v_window", "the picture of a window's panes", WINDOW, project<window>},
     {"v_blinds", "stripes, as through a blind", BLINDS, project<blinds>},
+    {"v_leaves", "spots, as through the leaves of a tree", LEAVES, project<leaves>},
 };
 static_assert(std::size(SPOT) == OWN && std::size(WINDOW) == WINDOW_BAR + 1 &&
-              std::size(BLINDS) == BLINDS_GAP + 1);
+              std::size(BLINDS) == BLINDS_GAP + 1 && std::size(LEAVES) == LEAVES_GAPS + 1);
 } // namespace
 
 const vk_ShaderTable<vk_LightFunction> VK_SLIDE_LIGHTS = {"light", ROWS, std::size(ROWS)};

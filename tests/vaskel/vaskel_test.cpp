@@ -115,7 +115,7 @@ TEST(Vaskel, HelpVersionAndListSucceedWhereverTheyStand)
     EXPECT_THAT(shell(folder, "\"$vaskel\" x --help").out, HasSubstr("Usage: vaskel"));
     EXPECT_THAT(shell(folder, "\"$vaskel\" --version").out, HasSubstr("vaskel 1"));
     EXPECT_THAT(shell(folder, "\"$vaskel\" --list-shaders").out,
-                HasSubstr("    rough [0 to 1] (0.2) roughness of the coat"));
+                HasSubstr("- `rough` number, 0 to 1 (0.2): roughness of the coat"));
 }
 
 TEST(Vaskel, OptionsFixTheSamplesAndTellWhatItTook)

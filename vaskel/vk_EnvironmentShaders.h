@@ -3,7 +3,6 @@
 
 #include "vaskel/vk_Shader.h"
 
-
 // An environment says what light arrives from a direction.
 using vk_EnvironmentFunction = vk_Colour(const vk_Values &, const vk_Vec &direction);
 using vk_EnvironmentShader = vk_Shader<vk_EnvironmentFunction>;

@@ -1,4 +1,4 @@
-#include "vaskel/vk_VolumeShaders.h"
+#include "vaskel/vk_EnvironmentShaders.h"
 
 #include <iterator>
 
