@@ -19,26 +19,29 @@ vk_Vec normalAmong(const vk_Vec &along, const vk_Vec &up, const vk_Vec &before)
 void vk_MeshBuilder::displace(std::vector<vk_Vertex> &net, std::size_t width) const
 {
     std::vector<vk_Vec> moved;
+    moved.reserve(net.size());
     for (const vk_Vertex &vertex : net) {
         const float height = myDisplace(vk_SurfacePoint{vertex.position, vertex.u, vertex.v});
         moved.push_back(vertex.position + vertex.normal * height);
     }
-    std::vector<vk_Vertex> inner;
+    std::size_t kept = 0; // so far; those that are still needed lie behind
     for (std::size_t i = width; i + width < net.size(); ++i) {
         if (i % width == 0 || i % width == width - 1)
             continue;
-        inner.push_back(net[i]);
-        inner.back().position = moved[i];
-        inner.back().normal = normalAmong(moved[i + 1] - moved[i - 1],
-                                          moved[i + width] - moved[i - width], net[i].normal);
+        vk_Vertex &vertex = net[kept++] = net[i];
+        vertex.position = moved[i];
+        vertex.normal = normalAmong(moved[i + 1] - moved[i - 1],
+                                    moved[i + width] - moved[i - width], vertex.normal);
     }
-    net = std::move(inner);
+    net.resize(kept);
 }
 
 void vk_MeshBuilder::add(const std::vector<vk_Vertex> &net, std::uint32_t columns,
                          std::uint32_t rows)
 {
     const auto first = static_cast<std::uint32_t>(myMesh.vertices.size());
+    myMesh.vertices.reserve(first + net.size());
+    myMesh.triangles.reserve(myMesh.triangles.size() + 2 * std::size_t{columns} * rows);
     for (vk_Vertex vertex : net) {
         vertex.position = myTransform.point(vertex.position);
         vertex.normal = myTransform.normal(vertex.normal);

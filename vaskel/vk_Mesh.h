@@ -40,6 +40,7 @@ public:
         columns *= finer;
         rows *= finer;
         std::vector<vk_Vertex> net;
+        net.reserve(static_cast<std::size_t>((columns + 3) * (rows + 3)));
         for (int row = -beyond; row <= rows + beyond; ++row)
             for (int column = -beyond; column <= columns + beyond; ++column)
                 net.push_back(at(static_cast<float>(column) / static_cast<float>(columns),

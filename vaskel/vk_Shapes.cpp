@@ -55,7 +55,7 @@ vk_Vertex standVertex(float u, float v, float scale)
 
 void ball(vk_MeshBuilder &builder, float radius, float centre)
 {
-    builder.patch(192, 96, [&](float u, float v) {
+    builder.patch(144, 72, [&](float u, float v) {
         const float around = TURN * u, up = VK_PI * (v - .5f);
         const vk_Vec n = {std::cos(up) * std::sin(around), std::sin(up),
                           std::cos(up) * std::cos(around)};
@@ -82,7 +82,7 @@ void shaderball(const vk_Values &p, vk_MeshBuilder &builder)
 {
     const float scale = p.number(SHADERBALL_HEIGHT) / 2;
     ball(builder, .88f * scale, 1.12f * scale);
-    builder.patch(192, 64, [&](float u, float v) { return standVertex(u, v, scale); });
+    builder.patch(144, 40, [&](float u, float v) { return standVertex(u, v, scale); });
 }
 
 enum { GRID_WIDTH, GRID_HEIGHT, GRID_WAVE };
@@ -117,7 +117,7 @@ constexpr vk_Param TUBE[] = {
 void tube(const vk_Values &p, vk_MeshBuilder &builder)
 {
     const float radius = p.number(TUBE_RADIUS), height = p.number(TUBE_HEIGHT);
-    builder.patch(192, 48, [&](float u, float v) {
+    builder.patch(144, 40, [&](float u, float v) {
         const vk_Vec n = {std::sin(TURN * u), 0, std::cos(TURN * u)};
         return vk_Vertex{n * radius + vk_Vec{0, height * v, 0}, n, u, v};
     });
