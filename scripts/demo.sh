@@ -29,7 +29,7 @@ done
 section() {
     local palette name words
     echo "<h2>$2</h2><div class=\"row\">"
-    for palette in $(grep -l "^ShaderType $1\$" ./*.palette); do
+    grep -l "^ShaderType $1\$" ./*.palette | while read -r palette; do
         name=$(basename "$palette" .palette)
         words=$(sed -n 's/^VVaskel "\(.*\)"$/\1/p' "$palette")
         echo "<figure><a href=\"$name.palette\"><img src=\"$name.jpg\" alt=\"$name\"></a>"
