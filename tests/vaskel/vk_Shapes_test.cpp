@@ -55,6 +55,28 @@ TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
     }
 }
 
+TEST(Shapes, DisplacementsMoveNoFartherThanTheirHeight)
+{
+    const vk_Mesh plain = build("sphere", {VK_DISPLACE_SHADERS.rows, {}}, {}); // by 0
+    for (const auto &row : VK_DISPLACE_SHADERS)
+        for (const float height : {row.params.rows[0].standard.x, -.5f, .5f}) {
+            SCOPED_TRACE(row.name);
+            vk_DisplaceShader shader = {&row, vk_Values(row.params)};
+            shader.values.set(0, vk_grey(height));
+            const vk_Mesh moved = build("sphere", shader, {});
+            float low = 9, high = -9;
+            for (std::size_t i = 0; i < moved.vertices.size(); ++i) {
+                const vk_Vec way = moved.vertices[i].position - plain.vertices[i].position;
+                const float out = vk_dot(way, plain.vertices[i].normal);
+                low = std::min(low, out);
+                high = std::max(high, out);
+                ASSERT_NEAR(1, vk_length(moved.vertices[i].normal), 1e-3f);
+            }
+            EXPECT_LE(std::max(-low, high), std::abs(height) * 1.01f);
+            EXPECT_GT(high - low, std::abs(height) * .7f);
+        }
+}
+
 TEST(Shapes, NormalsPointOutwards)
 {
     for (const char *word : {"sphere", "tube"})
