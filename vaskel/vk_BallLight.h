@@ -11,6 +11,7 @@ public:
 
     vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override;
     vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override;
+    const vk_Vec *place() const override { return &myCentre; }
 
 protected:
     const vk_Vec &centre() const { return myCentre; }

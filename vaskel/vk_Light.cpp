@@ -1,5 +1,12 @@
 #include "vaskel/vk_Light.h"
 
+#include <limits>
+
+vk_Span vk_Light::reach(const vk_Vec &, const vk_Vec &) const
+{
+    return {0, std::numeric_limits<float>::infinity()};
+}
+
 float vk_capHeight(float sin2)
 {
     return sin2 / (1 + std::sqrt(std::max(0.0f, 1 - sin2)));

@@ -13,6 +13,10 @@ struct vk_LightSample {
     vk_Colour radiance;
 };
 
+struct vk_Span {
+    float begin = 0, end = 0;
+};
+
 class vk_Light
 {
 public:
@@ -24,6 +28,11 @@ public:
     // The light's place that a ray meets, if it does: density is that of
     // sample() for the direction, 0 for a miss.
     virtual vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const = 0;
+
+    // Where it stands, null when it is far away; and the part of a ray, as distances,
+    // that it can light at most. Both guide where its light is looked for in fog.
+    virtual const vk_Vec *place() const { return nullptr; }
+    virtual vk_Span reach(const vk_Vec &origin, const vk_Vec &direction) const;
 
     // How much light it gives to the scene, roughly, for choosing one of many.
     float strength() const { return myStrength; }

@@ -86,6 +86,7 @@ public:
             return {};
         return seen(from, place);
     }
+    const vk_Vec *place() const override { return &myCentre; }
 
 private:
     vk_LightSample seen(const vk_Vec &from, const vk_Vec &place) const

@@ -166,19 +166,20 @@ vk_Colour vk_Lighting::scattered(const vk_Vec &origin, const vk_Vec &direction, 
 vk_Colour vk_Lighting::scattered(const vk_Light &light, const vk_Vec &origin,
                                  const vk_Vec &direction, float distance, vk_Sampler &sampler) const
 {
-    constexpr float FAR = 1e6f;
-
-    const vk_LightSample centre = light.sample(origin, {.5f, .5f});
-    const vk_Vec lamp = origin + centre.direction * centre.distance;
-    const bool isNear = centre.density > 0 && centre.distance < FAR;
+    const vk_Span lit = light.reach(origin, direction);
+    const float end = std::min(lit.end, distance);
+    if (lit.begin >= end)
+        return {};
+    const vk_Vec begin = origin + direction * lit.begin;
     const vk_Fog::Place place =
-        myFog.place(origin, direction, distance, isNear ? &lamp : nullptr, sampler.number());
+        myFog.place(begin, direction, end - lit.begin, light.place(), sampler.number());
     if (place.weight <= 0)
         return {};
-    const vk_Vec at = origin + direction * place.distance;
+    const vk_Vec at = begin + direction * place.distance;
     const vk_LightSample sample = light.sample(at, sampler.square());
     if (sample.density <= 0)
         return {};
     const float phase = myFog.phase(vk_dot(direction, sample.direction));
-    return arriving(at, light, sample) * (place.weight * phase / sample.density);
+    const float passes = myFog.passes(origin, direction, lit.begin);
+    return arriving(at, light, sample) * (passes * place.weight * phase / sample.density);
 }

@@ -44,6 +44,23 @@ public:
     {
         return passed(from, vk_BallLight::hit(from, direction));
     }
+    // Inside of the four planes through the slide's edges and the light.
+    vk_Span reach(const vk_Vec &origin, const vk_Vec &direction) const override
+    {
+        vk_Span lit = vk_BallLight::reach(origin, direction);
+        for (const vk_Vec &inwards :
+             {myAhead + myRight, myAhead - myRight, myAhead + myUp, myAhead - myUp}) {
+            const float off = vk_dot(origin - centre(), inwards);
+            const float slope = vk_dot(direction, inwards);
+            if (slope > 0)
+                lit.begin = std::max(lit.begin, -off / slope);
+            else if (slope < 0)
+                lit.end = std::min(lit.end, -off / slope);
+            else if (off < 0)
+                lit.end = 0;
+        }
+        return lit;
+    }
 
 private:
     vk_LightSample passed(const vk_Vec &from, vk_LightSample sample) const
@@ -51,7 +68,7 @@ private:
         const vk_Vec way = from - centre();
         const float depth = vk_dot(way, myAhead);
         const float x = vk_dot(way, myRight), y = vk_dot(way, myUp);
-        if (sample.density <= 0 || std::max(std::abs(x), std::abs(y)) >= 2 * depth)
+        if (sample.density <= 0 || std::max(std::abs(x), std::abs(y)) >= depth)
             return {};
         const float share = mySlide(myValues, x / depth, y / depth);
         if (share <= 0)
