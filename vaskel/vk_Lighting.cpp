@@ -166,20 +166,27 @@ vk_Colour vk_Lighting::scattered(const vk_Vec &origin, const vk_Vec &direction, 
 vk_Colour vk_Lighting::scattered(const vk_Light &light, const vk_Vec &origin,
                                  const vk_Vec &direction, float distance, vk_Sampler &sampler) const
 {
+    constexpr int PLACES = 4; // evenly spread over the ray
+
     const vk_Span lit = light.reach(origin, direction);
     const float end = std::min(lit.end, distance);
     if (lit.begin >= end)
         return {};
     const vk_Vec begin = origin + direction * lit.begin;
-    const vk_Fog::Place place =
-        myFog.place(begin, direction, end - lit.begin, light.place(), sampler.number());
-    if (place.weight <= 0)
-        return {};
-    const vk_Vec at = begin + direction * place.distance;
-    const vk_LightSample sample = light.sample(at, sampler.square());
-    if (sample.density <= 0)
-        return {};
-    const float phase = myFog.phase(vk_dot(direction, sample.direction));
     const float passes = myFog.passes(origin, direction, lit.begin);
-    return arriving(at, light, sample) * (passes * place.weight * phase / sample.density);
+    const float first = sampler.number();
+    vk_Colour sum;
+    for (int i = 0; i < PLACES; ++i) {
+        const float turn = first + static_cast<float>(i) / PLACES;
+        const vk_Fog::Place place = myFog.place(begin, direction, end - lit.begin, light.place(),
+                                                turn < 1 ? turn : turn - 1);
+        const vk_Vec at = begin + direction * place.distance;
+        const vk_LightSample sample = light.sample(at, sampler.square());
+        // Most places lie outside the beam of a lamp, and need no ray to tell.
+        if (place.weight <= 0 || sample.density <= 0 || vk_largest(sample.radiance) <= 0)
+            continue;
+        const float phase = myFog.phase(vk_dot(direction, sample.direction));
+        sum += arriving(at, light, sample) * (place.weight * phase / (sample.density * PLACES));
+    }
+    return sum * passes;
 }

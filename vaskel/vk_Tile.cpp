@@ -128,8 +128,8 @@ void vk_Tile::settle()
 float vk_Tile::errorOf(const vk_Pixel &pixel) const
 {
     // Fog is smooth, whatever it lies on.
-    const float leftSharp = myCanvas.hasFog() ? .1f : .3f;
-    constexpr float LEFT_EVEN = .1f, LEFT_WANDERING = .012f;
+    const float leftSharp = myCanvas.hasFog() ? .2f : .3f;
+    constexpr float LEFT_EVEN = .1f, LEFT_WANDERING = .006f;
 
     if (!vk_Filter::helps(pixel))
         return pixel.errorSharp + pixel.errorEven + pixel.errorTexture;

@@ -8,12 +8,12 @@
 namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
+constexpr float NOWHERE = 1000; // distance of what is not there
 constexpr int MOST_SURFACES = 4;
 constexpr int MOST_PANES = 8;       // surfaces of smooth
 constexpr int MOST_ROUGH_PANES = 4; // and of rough glass
 constexpr int LIGHT_SAMPLES = 4;    // where a surface is seen or mirrored,
 constexpr int SPREAD_SAMPLES = 1;   // and behind even scattering
-constexpr int FOG_SAMPLES = 1;      // along a ray from the camera
 constexpr float FADE_NEAR = 4;      // the floor fades between these
 constexpr float FADE_FAR = 18;      // distances from the origin
 constexpr float BLUR = .6f;         // roughness behind even scattering
@@ -122,15 +122,17 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
 {
     vk_Hit hit;
     vk_Material material;
-    if (!arrive(path, hit, material, sampler))
+    const bool scatters = arrive(path, hit, material, sampler);
+    // Where nothing is met, neighbours help all the same: fog may lie before it.
+    path.view->normal = hit.surface != nullptr ? hit.normal : -path.direction;
+    path.view->distance = hit.surface != nullptr ? hit.distance : NOWHERE;
+    if (!scatters)
         return;
     path.view->albedo = material.diffuse + material.sheen;
     if (blursAll(material)) {
         path.view->albedo = material.specular + material.clear;
         path.sharp = {};
     }
-    path.view->normal = hit.normal;
-    path.view->distance = hit.distance;
     const bool isGround = material.isClear() && material.rough > GROUND;
     path.view->wanders = isGround || vk_largest(material.scatter) > 0 ? 1 : 0;
     if (vk_largest(material.scatter) > 0)
@@ -283,9 +285,7 @@ void vk_Tracer::crossFog(Path &path, float distance, vk_Sampler &sampler) const
         return;
     vk_Colour light = myMean * lost;
     if (path.scatterings() == 0)
-        for (int i = 0; i < FOG_SAMPLES; ++i)
-            light += myLighting.scattered(path.origin, path.direction, distance, sampler) *
-                     (1.0f / FOG_SAMPLES);
+        light += myLighting.scattered(path.origin, path.direction, distance, sampler);
     path.add(myFog.albedo() * light);
     path.weight = path.weight * (1 - lost);
 }

@@ -24,7 +24,7 @@ struct vk_View {
     vk_Colour sharp;  // all but
     vk_Colour even;   // light that the first surface scattered evenly,
     vk_Colour albedo; // about so much of what arrived there
-    vk_Vec normal;    // of that surface; 0: none
+    vk_Vec normal;    // of that surface; to the viewer where there is none
     float distance = 0;
     float wanders = 0; // 1: the even layer is without sharp edges, light wandered
 
