@@ -8,6 +8,7 @@ constexpr float TURN = 25;      // how fast pixels that face elsewhere lose weig
 constexpr float DEPTH = .05f;   // share of the distance that makes two pixels differ
 constexpr float TOLERANCE = 12; // how many errors apart two pixels may be
 constexpr float FAR_TOLERANCE = 200;
+constexpr float INVISIBLE = 1.5e-6f; // a third of a step of the file
 constexpr float LEAST_ERROR = 1e-8f;
 
 vk_Vec smaller(const vk_Vec &a, const vk_Vec &b)
@@ -54,9 +55,9 @@ void vk_Filter::take(const vk_Pixel *row, int y)
         now.visibility = vk_visibility(pixel.light());
         now.own = {pixel.errorSharp, pixel.errorEven};
         now.smooth = helps(pixel);
-        const bool wanders = pixel.sum.wanders > 0;
-        now.reach = wanders ? REACH : NEAR_REACH;
-        now.tolerance = wanders ? FAR_TOLERANCE : TOLERANCE;
+        const bool isBlurred = pixel.sum.blurred > 0;
+        now.reach = isBlurred ? REACH : NEAR_REACH;
+        now.tolerance = isBlurred ? FAR_TOLERANCE : TOLERANCE;
     }
 }
 
@@ -88,7 +89,8 @@ float vk_Filter::alike(const Cell &a, const Cell &b) const
 vk_Colour vk_Filter::at(int x, int y) const
 {
     const Cell &here = cell(x, y);
-    if (!here.smooth)
+    const float error = here.around.sharp + here.around.even;
+    if (!here.smooth || error < INVISIBLE)
         return here.sharp + here.arriving * here.albedo;
     vk_Colour sharp, arriving;
     float sharpWeight = 0, evenWeight = 0;

@@ -12,7 +12,7 @@ void vk_Pixel::add(const vk_View &view)
     sum.albedo += view.albedo;
     sum.normal += view.normal;
     sum.distance += view.distance;
-    sum.wanders += view.wanders;
+    sum.blurred += view.blurred;
 }
 
 vk_Colour vk_Pixel::arriving() const

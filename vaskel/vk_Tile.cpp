@@ -2,9 +2,12 @@
 
 #include "vaskel/vk_Filter.h"
 
+#include <limits>
+
 namespace
 {
-constexpr int FIRST_SAMPLES = 4;  // a pixel; every further pass doubles them
+constexpr int FIRST_SAMPLES = 2;  // a pixel; every further pass doubles them,
+constexpr int LEAST_SAMPLES = 4;  // and so many are enough to judge a surface
 constexpr float FILTER_WIDTH = 1; // pixels to either side
 
 // A tent-shaped filter, drawn from instead of weighted by: each pixel then
@@ -127,14 +130,19 @@ void vk_Tile::settle()
 // What is left of a pixel's error when it is filtered.
 float vk_Tile::errorOf(const vk_Pixel &pixel) const
 {
-    // Fog is smooth, whatever it lies on.
-    const float leftSharp = myCanvas.hasFog() ? .2f : .3f;
-    constexpr float LEFT_EVEN = .1f, LEFT_WANDERING = .006f;
+    constexpr float LEFT_SHARP = .3f, LEFT_EVEN = .1f;
+    constexpr float LEFT_GROUND = .03f, LEFT_WANDERING = .006f;
 
+    if (pixel.count < LEAST_SAMPLES &&
+        pixel.sum.distance < vk_View::NOWHERE * static_cast<float>(pixel.count))
+        return std::numeric_limits<float>::infinity();
     if (!vk_Filter::helps(pixel))
         return pixel.errorSharp + pixel.errorEven + pixel.errorTexture;
-    const float leftEven = pixel.sum.wanders > 0 ? LEFT_WANDERING : LEFT_EVEN;
-    return pixel.errorTexture + leftSharp * pixel.errorSharp + leftEven * pixel.errorEven;
+    float leftEven = LEFT_EVEN;
+    if (pixel.sum.blurred > 0)
+        leftEven =
+            pixel.sum.blurred < static_cast<float>(pixel.count) ? LEFT_GROUND : LEFT_WANDERING;
+    return pixel.errorTexture + LEFT_SHARP * pixel.errorSharp + leftEven * pixel.errorEven;
 }
 
 std::uint64_t vk_Tile::samples() const

@@ -40,7 +40,6 @@ public:
     int firstSamples() const { return myFirstSamples; }
     int mostSamples() const { return myMostSamples; }
     float tolerance() const { return myTolerance; } // squared
-    bool hasFog() const { return static_cast<bool>(myScene.fog); }
     bool filters() const { return myFirstSamples < myMostSamples; }
 
 private:

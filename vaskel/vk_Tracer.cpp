@@ -8,7 +8,6 @@
 namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
-constexpr float NOWHERE = 1000; // distance of what is not there
 constexpr int MOST_SURFACES = 4;
 constexpr int MOST_PANES = 8;       // surfaces of smooth
 constexpr int MOST_ROUGH_PANES = 4; // and of rough glass
@@ -125,7 +124,7 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
     const bool scatters = arrive(path, hit, material, sampler);
     // Where nothing is met, neighbours help all the same: fog may lie before it.
     path.view->normal = hit.surface != nullptr ? hit.normal : -path.direction;
-    path.view->distance = hit.surface != nullptr ? hit.distance : NOWHERE;
+    path.view->distance = hit.surface != nullptr ? hit.distance : vk_View::NOWHERE;
     if (!scatters)
         return;
     path.view->albedo = material.diffuse + material.sheen;
@@ -134,7 +133,7 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
         path.sharp = {};
     }
     const bool isGround = material.isClear() && material.rough > GROUND;
-    path.view->wanders = isGround || vk_largest(material.scatter) > 0 ? 1 : 0;
+    path.view->blurred = isGround ? .5f : vk_largest(material.scatter) > 0 ? 1 : 0;
     if (vk_largest(material.scatter) > 0)
         wander(path, hit, material, sampler, branches);
     const vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, true, sampler);

@@ -21,12 +21,14 @@
 
 // What a ray brings, in the two layers that a filter treats apart, and what it met.
 struct vk_View {
+    static constexpr float NOWHERE = 1024; // distance of what is not there
+
     vk_Colour sharp;  // all but
     vk_Colour even;   // light that the first surface scattered evenly,
     vk_Colour albedo; // about so much of what arrived there
     vk_Vec normal;    // of that surface; to the viewer where there is none
     float distance = 0;
-    float wanders = 0; // 1: the even layer is without sharp edges, light wandered
+    float blurred = 0; // how far the even layer is without edges: 1 where light wandered
 
     vk_Colour light() const { return sharp + even; }
 };
