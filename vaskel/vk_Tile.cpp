@@ -10,6 +10,18 @@ constexpr int FIRST_SAMPLES = 2;  // a pixel; every further pass doubles them,
 constexpr int LEAST_SAMPLES = 4;  // and so many are enough to judge a surface
 constexpr float FILTER_WIDTH = 1; // pixels to either side
 
+// Shares of errors that the filter leaves.
+constexpr float LEFT_SHARP = .25f;
+constexpr float LEFT_STRUCTURE = 1; // where there are edges
+constexpr float STRUCTURE = 1;      // differences over errors that are one
+constexpr float LEFT_EVEN = .1f;
+constexpr float LEFT_GROUND = .02f;
+constexpr float LEFT_WANDERING = .006f;
+
+// How much the mean error of a tile's even layer counts for each pixel: few samples
+// find bright things that are small only here and there.
+constexpr float RARE = 1;
+
 // A tent-shaped filter, drawn from instead of weighted by: each pixel then
 // keeps to its own samples (Ernst, Stamminger and Greiner, "Filter Importance
 // Sampling", 2006).
@@ -111,16 +123,20 @@ bool vk_Tile::pass(int count)
 void vk_Tile::settle()
 {
     float errors[SIDE][SIDE];
+    float rare = 0;
     for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x)
-            errors[y][x] = errorOf(pixel(x, y));
+        for (int x = 0; x < myColumns; ++x) {
+            errors[y][x] = errorOf(x, y);
+            rare += leftOfEven(pixel(x, y)) * pixel(x, y).errorEven;
+        }
+    rare *= RARE / static_cast<float>(pixels());
     const auto around = [&](int x, int y) {
         float sum = 0;
         int count = 0;
         for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
             for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count)
                 sum += errors[j][i];
-        return sum / static_cast<float>(count);
+        return std::max(rare, sum / static_cast<float>(count));
     };
     for (int y = 0; y < myRows; ++y)
         for (int x = 0; x < myColumns; ++x)
@@ -128,21 +144,36 @@ void vk_Tile::settle()
 }
 
 // What is left of a pixel's error when it is filtered.
-float vk_Tile::errorOf(const vk_Pixel &pixel) const
+float vk_Tile::errorOf(int x, int y) const
 {
-    constexpr float LEFT_SHARP = .3f, LEFT_EVEN = .1f;
-    constexpr float LEFT_GROUND = .03f, LEFT_WANDERING = .006f;
-
-    if (pixel.count < LEAST_SAMPLES &&
-        pixel.sum.distance < vk_View::NOWHERE * static_cast<float>(pixel.count))
+    const vk_Pixel &now = pixel(x, y);
+    if (now.count < LEAST_SAMPLES &&
+        now.sum.distance < vk_View::NOWHERE * static_cast<float>(now.count))
         return std::numeric_limits<float>::infinity();
-    if (!vk_Filter::helps(pixel))
-        return pixel.errorSharp + pixel.errorEven + pixel.errorTexture;
-    float leftEven = LEFT_EVEN;
-    if (pixel.sum.blurred > 0)
-        leftEven =
-            pixel.sum.blurred < static_cast<float>(pixel.count) ? LEFT_GROUND : LEFT_WANDERING;
-    return pixel.errorTexture + LEFT_SHARP * pixel.errorSharp + leftEven * pixel.errorEven;
+    if (!vk_Filter::helps(now))
+        return now.errorSharp + now.errorEven + now.errorTexture;
+    return now.errorTexture + leftOfSharp(x, y) * now.errorSharp + leftOfEven(now) * now.errorEven;
+}
+
+// Share of the error of the sharp layer that is left: most of it where neighbours
+// differ by more than their errors.
+float vk_Tile::leftOfSharp(int x, int y) const
+{
+    const vk_Pixel &now = pixel(x, y);
+    const vk_Pixel &right = pixel(std::min(x + 1, myColumns - 1), y);
+    const vk_Pixel &below = pixel(x, std::min(y + 1, myRows - 1));
+    const vk_Vec visibility = vk_visibility(now.light());
+    const float steps = vk_visible(right.sharp() - now.sharp(), visibility) +
+                        vk_visible(below.sharp() - now.sharp(), visibility);
+    const float errors = 2 * now.errorSharp + right.errorSharp + below.errorSharp;
+    return steps > STRUCTURE * errors ? LEFT_STRUCTURE : LEFT_SHARP;
+}
+
+float vk_Tile::leftOfEven(const vk_Pixel &pixel)
+{
+    if (pixel.sum.blurred <= 0)
+        return LEFT_EVEN;
+    return pixel.sum.blurred < static_cast<float>(pixel.count) ? LEFT_GROUND : LEFT_WANDERING;
 }
 
 std::uint64_t vk_Tile::samples() const

@@ -84,7 +84,9 @@ public:
 private:
     bool pass(int count);
     void settle();
-    float errorOf(const vk_Pixel &pixel) const;
+    float errorOf(int x, int y) const;
+    float leftOfSharp(int x, int y) const;
+    static float leftOfEven(const vk_Pixel &pixel);
     vk_Pixel &pixel(int x, int y) const { return myBand.at(myLeft + x, myTop + y); }
 
     const vk_Canvas &myCanvas;
