@@ -121,8 +121,7 @@ TEST(Renderer, OddScenesGiveFiniteLight)
         "camera from 0 -3 5 at 0 1 0\nsphere",
         "surface v_plastic rough 0 ior 1\nsphere",
         "surface v_metal rough 0\nsphere\ntranslate 0 0 1\nsphere",
-        "lightplace from 0 1 0 to 0 1 .01\nlight v_area\nlight v_point radius 0\nlight "
-        "v_spot\nsphere",
+        "lightplace from 0 1 0 to 0 1 .01\nlight v_area\nlight v_point\nlight v_spot\nsphere",
         "light v_point color 1000 intensity 1000 radius 0\nsphere",
         "light v_area intensity 0\nlight v_area intensity 0\nlight v_area intensity 0\nsphere",
         "displace v_bumps height .5 size .05\nsphere radius .01",

@@ -57,7 +57,10 @@ TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
 
 TEST(Shapes, DisplacementsMoveNoFartherThanTheirHeight)
 {
-    const vk_Mesh plain = build("sphere", {VK_DISPLACE_SHADERS.rows, {}}, {}); // by 0
+    vk_DisplaceShader none = {VK_DISPLACE_SHADERS.rows,
+                              vk_Values(VK_DISPLACE_SHADERS.rows->params)};
+    none.values.set(0, {});
+    const vk_Mesh plain = build("sphere", none, {});
     for (const auto &row : VK_DISPLACE_SHADERS)
         for (const float height : {row.params.rows[0].standard.x, -.5f, .5f}) {
             SCOPED_TRACE(row.name);
