@@ -10,7 +10,7 @@ printed is ratios and what we must and want to reach. NAME chooses measurements:
     peers     the default ball beside POV-Ray and Blender drawing a comparable scene
     noise     each example against its own reference of 4096 samples a pixel: RMS
               difference of 8-bit values, in per cent of full scale
-    startup   a scene without shapes
+    startup   a scene without shapes and next to no pixels
     memory    the most memory that each example needs
     size      the default ball with 256 to 1024 pixels a side; a pixel's cost
 
@@ -196,18 +196,21 @@ def measure_noise(examples, _, folder):
 
 def measure_startup(_, runs, folder):
     with open(os.path.join(folder, "empty"), "w") as out:
-        out.write("picture p.png\ncamera\n")
+        out.write("picture p.png\nsize 16 16\ncamera\n")
     times = medians({"empty": ["vaskel", "empty"]}, max(runs, 11), folder)
     report("no shapes", 1000 * times["empty"], 15, 10, " ms")
 
 
 def measure_memory(examples, _, folder):
     for name in examples:
+        scene = scene_of(name, folder)
         with open(os.path.join(folder, "scene"), "w") as out:
-            out.write(scene_of(name, folder))
+            out.write(scene)
         process = subprocess.Popen(["vaskel", "scene"], cwd=folder, env=environment())
-        usage = os.wait4(process.pid, 0)[2]
-        process.returncode = 0
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            sys.exit("vaskel failed on %s" % name)
         report(name, usage.ru_maxrss / 1024, 120, 60, " MB")
 
 
