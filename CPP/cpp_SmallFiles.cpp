@@ -8,6 +8,8 @@
 #include <string_view>
 #include <unistd.h>
 
+using namespace std::string_view_literals;
+
 namespace
 {
 bool startsWith(std::string_view text, std::string_view prefix)
@@ -45,8 +47,10 @@ std::string_view takeLine(std::string_view &text)
 std::string guardOf(std::string_view text)
 {
     constexpr std::string_view OPENING = "#ifndef ";
-    if (text.find('\\') != text.npos || text.find("/*") != text.npos)
-        return {};
+    // A block comment may be open in front of the file; a NUL is read as a blank.
+    for (const std::string_view sign : {"\\"sv, "/*"sv, "*/"sv, "\0"sv})
+        if (text.find(sign) != text.npos)
+            return {};
     const std::string_view first = takeLine(text);
     std::string_view line = takeLine(text);
     while (!text.empty() && isPlainLine(line))

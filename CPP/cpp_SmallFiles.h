@@ -2,8 +2,8 @@
 //
 // A guard is an #ifndef around all of a file's text, so that a file whose guard is
 // defined has nothing but empty lines to give. Only plain guards are recognised: "#"
-// and the word at the start of their lines, no other conditional, block comment or
-// backslash inside.
+// and the word at the start of their lines, no other conditional, sign of a block
+// comment, backslash or NUL inside.
 //
 // What changes in a file after it was read is not seen. All texts together stay
 // within a fixed size; when that is used up, no more are kept.

@@ -204,6 +204,12 @@ TEST_F(Includes, GuardedFilesGiveEmptyLinesWhileTheirGuardIsDefined)
             EXPECT_NE(std::string::npos, out.find("Undefined directive \"endifx\""));
         }
     }
+    // The comment hides the #ifndef.
+    myFolder.write("a.h", "#ifndef A\n// */ 1\n#endif\n");
+    EXPECT_EQ("\n\n\n\n\n\n      1\n\n",
+              output("-P -DA", "#include \"a.h\"\n#include \"a.h\" /*\n"));
+    myFolder.write("a.h", std::string("#ifndef A\n\0#else\n1\n#endif\n", 26));
+    EXPECT_EQ("\n\n\n1\n\n\n\n\n1\n\n", output("-P -DA", "#include \"a.h\"\n#include \"a.h\"\n"));
 }
 
 TEST_F(Includes, OldStyleNeedsNoHash)
