@@ -26,16 +26,16 @@ public:
     // False at the end of input.
     [[nodiscard]] virtual bool readLine(UT_ScratchBuffer &line) = 0;
 
+    virtual bool isOpen() const = 0;
+
+    // A condition that a derived class may raise; the manager only notes it.
+    virtual bool isSpecial() const;
+
     // What comes next and is in memory already, for a reader who can take many lines
     // at a time; null when nothing is, or when lines have to be asked for one by one.
     // A source of its own may fetch more first. It holds until the next call.
     virtual const char *peekBuffered(int &length);
     virtual void skipBuffered(int length); // at most as much as peekBuffered() gave
-
-    virtual bool isOpen() const = 0;
-
-    // A condition that a derived class may raise; the manager only notes it.
-    virtual bool isSpecial() const;
 
 protected:
     CPP_Stream() = default;
