@@ -133,9 +133,9 @@ bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &p
     }
     if (!wanted.isNonEmpty())
         return false;
-    if (UTisExplicitPath(wanted)) {
+    if (UTisExplicitPath(wanted) && access(wanted, R_OK) == 0) {
         path.assignCopy(wanted);
-        return access(path, R_OK) == 0;
+        return true;
     }
     if (!isAngled && findNearCurrentFile(wanted, path))
         return true;

@@ -81,8 +81,8 @@ public:
 
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
-    // `useSearchPath` a name that is not explicit is searched along the include
-    // path. False when there is no such file; nothing is reported.
+    // `useSearchPath` an explicit name is taken when it can be read; others are
+    // looked for beside the current file, then along the include path. False when there is no such file; nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
 
     // The same from a stream that stays the caller's and outlives the reading.

@@ -91,7 +91,10 @@ TEST_F(Includes, AreFoundBesideTheFileThenOnThePath)
     myFolder.write("sub/b.h", "#include \"a.h\"\n");
     myFolder.write("path/a.h", "a on the path\n");
     const std::string onPath = "-P -I " + myFolder.path("path");
-    EXPECT_EQ("\n\na beside\n", output(onPath, "#include \"sub/b.h\"\n"));
+    myFolder.write("sub/c.h", "#include \"./a.h\"\n");
+    for (const char *name : {"b", "c"})
+        EXPECT_EQ("\n\na beside\n",
+                  output(onPath, "#include \"sub/" + std::string(name) + ".h\"\n"));
     EXPECT_EQ("\na on the path\n", output(onPath, "#include \"a.h\"\n"));
     myFolder.write("a.h", "a next to main\n");
     EXPECT_EQ("\na next to main\n", output(onPath, "#include \"a.h\"\n"));
