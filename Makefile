@@ -1,11 +1,12 @@
 # A thin front: everything real is in CMake, its presets and scripts/.
-.PHONY: help deps demo check coverage fuzz format
+.PHONY: help deps demo check coverage fuzz counts format
 
 help:
 	@echo "make demo      install what is missing, build, render examples/ into build/demo/"
 	@echo "make check     install what is missing, build all presets, run all tests"
 	@echo "make coverage  tell how much of each folder's code the tests reach"
 	@echo "make fuzz      search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
+	@echo "make counts    count vcpp's instructions, fail where they grew by more than 10 %"
 	@echo "make format    lay the sources out as .clang-format says"
 
 deps:
@@ -22,6 +23,9 @@ coverage: deps
 
 fuzz: deps
 	@scripts/fuzz.sh
+
+counts: deps
+	@scripts/counts.sh
 
 format:
 	@git ls-files '*.h' '*.cpp' | tr '\n' '\0' | xargs -0 -r clang-format -i
