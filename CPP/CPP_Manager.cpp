@@ -21,6 +21,9 @@ namespace
 // "error", "warning", by CPP_Manager::Severity.
 const char *const SEVERITIES[] = {"error", "warning"};
 
+// Characters from which on a line is not copied without need.
+constexpr int LONG_LINE = 1 << 20;
+
 bool isStandardInput(const char *path)
 {
     return std::strcmp(path, "stdin") == 0 || std::strcmp(path, "stdin.zel") == 0;
@@ -197,6 +200,9 @@ bool CPP_Manager::getLine(UT_String &line)
 bool CPP_Manager::getLine(UT_ScratchBuffer &line)
 {
     line.clear();
+    if (isLineLent)
+        line.swap(myLine);
+    isLineLent = false;
     if (myBlankLinesOwed > 0) {
         --myBlankLinesOwed;
         line.append('\n');
@@ -349,8 +355,21 @@ bool CPP_Manager::isOldInclude(const char *text) const
     return false;
 }
 
+// A long line that stays as it is goes out in its own buffer: it would be in memory
+// twice.
+bool CPP_Manager::lendLine(UT_ScratchBuffer &out)
+{
+    isLineLent =
+        myLine.length() >= LONG_LINE && myExpander->isPlain(myLine.buffer(), myLine.length());
+    if (isLineLent)
+        myLine.swap(out);
+    return isLineLent;
+}
+
 void CPP_Manager::expandInto(UT_ScratchBuffer &out)
 {
+    if (lendLine(out))
+        return;
     if (myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), myRecursionLimit, out))
         return;
     UT_String diagnostic;

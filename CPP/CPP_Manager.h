@@ -151,6 +151,7 @@ private:
     void processLine(UT_ScratchBuffer &out);
     bool processIfDirective(const char *first, UT_ScratchBuffer &out);
     void expandInto(UT_ScratchBuffer &out);
+    bool lendLine(UT_ScratchBuffer &out);
     bool isOldInclude(const char *text) const;
     void takePendingText(UT_ScratchBuffer &out);
     void takeSourceLine(UT_ScratchBuffer &out);
@@ -200,6 +201,7 @@ private:
     std::unique_ptr<cpp_Expander> myExpander;
     std::unique_ptr<cpp_SmallFiles> mySmallFiles;
     UT_ScratchBuffer myLine;   // the source line under way
+    bool isLineLent = false;   // to the caller, who has given us another buffer
     UT_ScratchBuffer myOutput; // for callers who bring no buffer
     UT_ScratchBuffer myEmptyLines;
 };

@@ -134,6 +134,14 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
     }
 }
 
+bool cpp_Expander::isPlain(const char *text, int length) const
+{
+    const Level whole = {text, text, text + length, {}};
+    const cpp_Macro *macro = nullptr;
+    size_t nameLength = 0;
+    return findWork(whole, macro, nameLength) == whole.end;
+}
+
 cpp_Expander::Level &cpp_Expander::levelAt(size_t depth)
 {
     if (depth == myLevels.size())

@@ -35,6 +35,9 @@ public:
                               UT_ScratchBuffer &out);
     const char *message() const { return myMessage.c_str(); }
 
+    // Whether expand() would copy all of the text as it is.
+    bool isPlain(const char *text, int length) const;
+
 private:
     // The text of one level and how far it was scanned. A level that took more
     // lines, or whose arguments were filled in, owns its text.

@@ -3,6 +3,7 @@
 #include "UT/UT_Memory.h"
 #include "UT/UT_String.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdarg>
 #include <cstdlib>
@@ -159,6 +160,20 @@ void UT_ScratchBuffer::stripComment(char c)
             quote = here;
         }
     }
+}
+
+void UT_ScratchBuffer::swap(UT_ScratchBuffer &other)
+{
+    const bool isInline = myBuffer == myInline;
+    const bool isOtherInline = other.myBuffer == other.myInline;
+    std::swap_ranges(myInline, myInline + INLINE_BYTES, other.myInline);
+    std::swap(myBuffer, other.myBuffer);
+    std::swap(myAllocSize, other.myAllocSize);
+    std::swap(myLength, other.myLength);
+    if (isOtherInline)
+        myBuffer = myInline;
+    if (isInline)
+        other.myBuffer = other.myInline;
 }
 
 void UT_ScratchBuffer::copyToString(UT_String &out) const

@@ -59,6 +59,10 @@ public:
 
     void copyToString(UT_String &out) const;
 
+    // Exchanges the texts and their storage; a long text is not copied.
+    // REQUIRES: neither is locked
+    void swap(UT_ScratchBuffer &other);
+
     char *buffer() { return myBuffer; }
     const char *buffer() const { return myBuffer; }
     int length() const { return myLength; }

@@ -48,6 +48,14 @@ TEST(Lines, AnyNumberMayBeContinuedOrLeftOpen)
               preprocessed("-P", conditions));
 }
 
+TEST(Lines, LongOnesMixWithShortAndContinuedOnes)
+{
+    const std::string numbers(1100000, '7');
+    const std::string text = numbers + "\nshort\n" + numbers + "\n";
+    EXPECT_EQ(text + numbers + " 4 \n\n" + numbers + "\n",
+              preprocessed("-P", text + numbers + " \\\n__LINE__ \n" + numbers + "\n"));
+}
+
 TEST(Lines, NumbersFollowThePhysicalLines)
 {
     EXPECT_EQ("1 \n\n3\n", preprocessed("-P", "__LINE__ \\\n\n__LINE__\n"));
