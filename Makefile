@@ -1,5 +1,5 @@
 # A thin front: everything real is in CMake, its presets and scripts/.
-.PHONY: help deps demo check coverage fuzz counts format
+.PHONY: help deps demo check coverage fuzz counts bench format
 
 help:
 	@echo "make demo      install what is missing, build, render examples/ into build/demo/"
@@ -7,6 +7,7 @@ help:
 	@echo "make coverage  tell how much of each folder's code the tests reach"
 	@echo "make fuzz      search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
 	@echo "make counts    count vcpp's instructions, fail where they grew by more than 10 %"
+	@echo "make bench     time the hot routines beside what the machine needs at least"
 	@echo "make format    lay the sources out as .clang-format says"
 
 deps:
@@ -26,6 +27,9 @@ fuzz: deps
 
 counts: deps
 	@scripts/counts.sh
+
+bench: deps
+	@scripts/bench.sh
 
 format:
 	@git ls-files '*.h' '*.cpp' | tr '\n' '\0' | xargs -0 -r clang-format -i
