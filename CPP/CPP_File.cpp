@@ -29,10 +29,7 @@ void replaceNuls(UT_ScratchBuffer &line)
 }
 } // namespace
 
-CPP_File::CPP_File(CPP_Stream *stream) : myStream(stream)
-{
-    myName.assignCopy("");
-}
+CPP_File::CPP_File(CPP_Stream *stream) : myStream(stream) {}
 
 CPP_File::~CPP_File() = default;
 

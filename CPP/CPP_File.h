@@ -79,7 +79,7 @@ private:
     UT_String myDirectory;
     int myLineNumber = 0;
     UT_IntegerArray myConditions;
-    UT_String myName;
+    UT_String myName = "";
     int myOwedNewlines = 0; // continuation lines not yet answered
     bool mySpecialFlag = false;
     int myRefCount = 1;

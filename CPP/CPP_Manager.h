@@ -82,7 +82,8 @@ public:
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
     // `useSearchPath` an explicit name is taken when it can be read; others are
-    // looked for beside the current file, then along the include path. False when there is no such file; nothing is reported.
+    // looked for beside the current file, then along the include path. False when
+    // there is no such file; nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
 
     // The same from a stream that stays the caller's and outlives the reading.

@@ -19,16 +19,11 @@ cpp_DefStream::~cpp_DefStream()
     close();
 }
 
-void cpp_DefStream::closeDescriptor()
+void cpp_DefStream::close()
 {
     if (myDescriptor >= 0)
         ::close(myDescriptor);
     myDescriptor = -1;
-}
-
-void cpp_DefStream::close()
-{
-    closeDescriptor();
     isOwn = false;
     myFile = nullptr;
     myStream = nullptr;
@@ -38,17 +33,14 @@ void cpp_DefStream::close()
 bool cpp_DefStream::open(const char *path)
 {
     close();
-    if (!takeWhole(mySmallFiles != nullptr ? mySmallFiles->find(path) : nullptr)) {
+    if (!takeWhole(mySmallFiles != nullptr ? mySmallFiles->take(path) : nullptr)) {
         myDescriptor = ::open(path, O_RDONLY | O_CLOEXEC);
         struct stat info;
         if (myDescriptor < 0 || fstat(myDescriptor, &info) != 0 || S_ISDIR(info.st_mode)) {
             close();
             return false;
         }
-        // A size of 0 may be that of a file which the system writes as it is read.
-        if (mySmallFiles != nullptr && S_ISREG(info.st_mode) && info.st_size > 0)
-            takeWhole(mySmallFiles->keep(path, myDescriptor, info.st_size));
-        if (myDescriptor >= 0 && myBlock == nullptr)
+        if (myBlock == nullptr)
             myBlock.reset(new char[BLOCK_BYTES]);
     }
     isOwn = true;
@@ -59,7 +51,6 @@ bool cpp_DefStream::takeWhole(const std::string *text)
 {
     if (text == nullptr)
         return false;
-    closeDescriptor();
     myNext = text->data();
     myEnd = myNext + text->size();
     return true;

@@ -30,7 +30,6 @@ public:
 private:
     static constexpr size_t BLOCK_BYTES = 65536;
 
-    void closeDescriptor();
     void close();
     bool takeWhole(const std::string *text); // false without one
     bool fillBlock();                        // when it is used up; false at the end of the file

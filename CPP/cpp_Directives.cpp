@@ -150,11 +150,12 @@ void CPP_Manager::doUndef(const Directive &directive)
 // False, and `name` for the message, when the file cannot be opened.
 bool CPP_Manager::include(const Directive &directive, UT_String &name)
 {
-    name.assignCopy(directive.argument);
     if (hasFlag(EXPAND_INCLUDE_NAMES)) {
         UT_ScratchBuffer expanded;
         UTexpandVariables(expanded, directive.argument, lookUpIncludeName, nullptr, true, true);
         expanded.copyToString(name);
+    } else {
+        name.assignCopy(directive.argument);
     }
     UT_String path;
     errno = 0;

@@ -4,8 +4,10 @@
 #include "CPP/cpp_Text.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <memory>
 #include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace std::string_view_literals;
@@ -63,6 +65,17 @@ std::string guardOf(std::string_view text)
     const bool isWholeWord = end == name.end() || isSpace(*end);
     return isWholeWord ? std::string(name.begin(), end) : std::string();
 }
+
+bool readWhole(const char *path, size_t size, std::string &text)
+{
+    const int descriptor = open(path, O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    text.resize(size);
+    const ssize_t count = read(descriptor, text.data(), size);
+    close(descriptor);
+    return count == static_cast<ssize_t>(size);
+}
 } // namespace
 
 struct cpp_SmallFiles::File {
@@ -80,33 +93,36 @@ cpp_SmallFiles::~cpp_SmallFiles()
     myFiles.traverseSymbols(deleteFile, nullptr);
 }
 
-const std::string *cpp_SmallFiles::find(const char *path) const
+const std::string *cpp_SmallFiles::take(const char *path)
 {
     void *value = nullptr;
-    if (!myFiles.findSymbol(path, &value))
+    if (!myFiles.findSymbol(path, &value) && !(value = keep(path)))
         return nullptr;
     const auto *file = static_cast<const File *>(value);
     // Old-style includes are reported even in skipped text.
-    const bool isSkipped = !myManager.hasFlag(CPP_Manager::OLD_STYLE_INCLUDE) &&
+    const bool isSkipped = !file->guard.empty() &&
+                           !myManager.hasFlag(CPP_Manager::OLD_STYLE_INCLUDE) &&
                            myManager.findMacro(file->guard.c_str()) != nullptr;
     return isSkipped ? &file->emptyLines : &file->text;
 }
 
-const std::string *cpp_SmallFiles::keep(const char *path, int descriptor, int64_t size)
+// Null when the file is none to keep. Only a regular file may be opened on trial: a
+// pipe's writer would notice. A size of 0 may be that of a file which the system
+// writes as it is read.
+cpp_SmallFiles::File *cpp_SmallFiles::keep(const char *path)
 {
-    if (size > MAX_FILE || myTotal + size > MAX_TOTAL)
+    struct stat info;
+    if (stat(path, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size <= 0 ||
+        info.st_size > MAX_FILE || myTotal + info.st_size > MAX_TOTAL)
         return nullptr;
     auto file = std::make_unique<File>();
-    std::string &text = file->text;
-    text.resize(static_cast<size_t>(size));
-    if (read(descriptor, text.data(), text.size()) != static_cast<ssize_t>(size)) {
-        lseek(descriptor, 0, SEEK_SET);
+    if (!readWhole(path, static_cast<size_t>(info.st_size), file->text))
         return nullptr;
-    }
+    const std::string &text = file->text;
     file->guard = guardOf(text);
     const auto lines = std::count(text.begin(), text.end(), '\n') + (text.back() != '\n');
     file->emptyLines.assign(static_cast<size_t>(lines), '\n');
-    myTotal += size;
+    myTotal += info.st_size;
     myFiles.addSymbol(path, file.get());
-    return &file.release()->text;
+    return file.release();
 }

@@ -24,19 +24,18 @@ public:
     cpp_SmallFiles(const cpp_SmallFiles &) = delete;
     cpp_SmallFiles &operator=(const cpp_SmallFiles &) = delete;
 
-    // The text kept for a path, or what it comes down to while its guard is defined.
-    // Null when none is kept. It lives as long as this.
-    const std::string *find(const char *path) const;
-
-    // Reads a file of `size` bytes, open under the descriptor. Null when it is too
-    // long to keep or cannot be read; its position is then still the start.
-    const std::string *keep(const char *path, int descriptor, int64_t size);
+    // The text of a file, or what it comes down to while its guard is defined. Null
+    // when the file is too long to keep, is no regular file or cannot be read. The
+    // text lives as long as this.
+    const std::string *take(const char *path);
 
 private:
     static constexpr int64_t MAX_FILE = 32768;
     static constexpr int64_t MAX_TOTAL = 4 << 20;
 
     struct File;
+
+    File *keep(const char *path);
 
     const CPP_Manager &myManager;
     UT_SymbolTable myFiles; // values are File, deleted by us
