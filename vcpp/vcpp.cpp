@@ -135,6 +135,8 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "vcpp: cannot open '%s'\n", argv[operand]);
         return BAD_USAGE;
     }
-    std::setvbuf(stdout, nullptr, _IOFBF, 65536);
+    // The C library heeds a size only together with a buffer.
+    static char buffer[65536];
+    std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
     return preprocess(manager);
 }
