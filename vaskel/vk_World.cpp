@@ -6,6 +6,23 @@
 #include <cstddef>
 #include <limits>
 
+namespace
+{
+RTCRay rayOf(const vk_Vec &origin, const vk_Vec &direction, float distance)
+{
+    RTCRay ray = {};
+    ray.org_x = origin.x;
+    ray.org_y = origin.y;
+    ray.org_z = origin.z;
+    ray.dir_x = direction.x;
+    ray.dir_y = direction.y;
+    ray.dir_z = direction.z;
+    ray.tfar = distance;
+    ray.mask = ~0u;
+    return ray;
+}
+} // namespace
+
 struct vk_World::Shape {
     vk_Mesh mesh;
     vk_Transform toShape;
@@ -123,11 +140,10 @@ void vk_World::encloseShapes()
 bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const
 {
     const vk_Vec way = myCentre - origin;
-    const float along = vk_dot(way, direction);
-    const float away2 = vk_dot(way, way);
-    if (away2 <= myRadius2)
+    if (vk_dot(way, way) <= myRadius2)
         return true;
-    return along > 0 && away2 - along * along <= myRadius2;
+    const vk_Vec beside = vk_cross(way, direction);
+    return vk_dot(way, direction) > 0 && vk_dot(beside, beside) <= myRadius2;
 }
 
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
@@ -178,14 +194,7 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
     float toFloor = 0;
     const bool onFloor = meetFloor(origin, direction, toFloor);
     RTCRayHit query = {};
-    query.ray.org_x = origin.x;
-    query.ray.org_y = origin.y;
-    query.ray.org_z = origin.z;
-    query.ray.dir_x = direction.x;
-    query.ray.dir_y = direction.y;
-    query.ray.dir_z = direction.z;
-    query.ray.tfar = toFloor;
-    query.ray.mask = ~0u;
+    query.ray = rayOf(origin, direction, toFloor);
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
     if (mayMeetShapes(origin, direction)) {
         RTCIntersectContext context;
@@ -226,15 +235,7 @@ bool vk_World::occluded(const vk_Vec &origin, const vk_Vec &direction, float dis
         return true;
     if (!mayMeetShapes(origin, direction))
         return false;
-    RTCRay ray = {};
-    ray.org_x = origin.x;
-    ray.org_y = origin.y;
-    ray.org_z = origin.z;
-    ray.dir_x = direction.x;
-    ray.dir_y = direction.y;
-    ray.dir_z = direction.z;
-    ray.tfar = distance;
-    ray.mask = ~0u;
+    RTCRay ray = rayOf(origin, direction, distance);
     RTCIntersectContext context;
     rtcInitIntersectContext(&context);
     rtcOccluded1(myEmbree->scene, &context, &ray);

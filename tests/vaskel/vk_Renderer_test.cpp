@@ -78,6 +78,8 @@ void expectFiniteAtEnds(const vk_ShaderTable<Function> &table)
                 SCOPED_TRACE(line);
                 expectFinite(line + "\nsphere", 64);
             }
+    if (table.more != nullptr)
+        expectFiniteAtEnds(*table.more);
 }
 } // namespace
 
@@ -130,6 +132,7 @@ TEST(Renderer, OddScenesGiveFiniteLight)
         "fog v_fog radius 0\nsphere",
         "scale 5000\nsphere",
         "floor v_checker size .001",
+        "camera from 6e5 7e5 8e5 at 0 0 0",
         "surface v_glass\ncamera from 0 1 .5 at 0 1 5\nsphere",
         "surface v_glass ior 1\ngrid\nsurface v_frosted rough 0\ntranslate 0 0 1\nsphere",
         "surface v_wax\nscale 1 .001 1\nsphere",
