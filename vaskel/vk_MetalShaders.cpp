@@ -1,5 +1,6 @@
 #include "vaskel/vk_MetalShaders.h"
 
+#include "vaskel/vk_Noise.h"
 #include "vaskel/vk_Sampler.h"
 
 #include <iterator>
@@ -49,13 +50,6 @@ const vk_Param VK_CARPAINT[] = {
 
 namespace
 {
-std::uint32_t hashOf(const vk_Vec &cell)
-{
-    const auto part = [](float x) { return static_cast<std::uint32_t>(static_cast<int>(x)); };
-    return vk_hash(part(cell.x) * 0x8da6b343u ^ part(cell.y) * 0xd8163841u ^
-                   part(cell.z) * 0xcb1ab31fu);
-}
-
 // Ten bits of a hash as a number from 0 to 1.
 float part(std::uint32_t hash, int which)
 {
@@ -64,14 +58,17 @@ float part(std::uint32_t hash, int which)
 
 // The hash of the nearest of the points that are scattered one to each cell. Only
 // the eight cells around are asked; that misses few points and shows in none.
-std::uint32_t flakeAt(const vk_Vec &at)
+std::uint32_t flakeAt(const vk_Vec &place)
 {
+    const vk_Vec at = vk_within(place);
     const vk_Vec low = {std::floor(at.x - .5f), std::floor(at.y - .5f), std::floor(at.z - .5f)};
+    const int x = static_cast<int>(low.x), y = static_cast<int>(low.y);
+    const int z = static_cast<int>(low.z);
     float least = std::numeric_limits<float>::max();
     std::uint32_t nearest = 0;
     for (int i = 0; i < 8; ++i) {
         const vk_Vec cell = low + vk_Vec{float(i & 1), float(i >> 1 & 1), float(i >> 2)};
-        const std::uint32_t hash = hashOf(cell);
+        const std::uint32_t hash = vk_hashOf(x + (i & 1), y + (i >> 1 & 1), z + (i >> 2));
         const vk_Vec off = cell + vk_Vec{part(hash, 0), part(hash, 1), part(hash, 2)} - at;
         const float distance2 = vk_dot(off, off);
         if (distance2 < least) {

@@ -15,14 +15,6 @@ vk_Material coated(const vk_Values &p, const vk_Colour &base)
     return vk_coated(base, p.vec(SPEC), p.number(ROUGH));
 }
 
-// Where a point lies in the block, for a floor's far end too.
-vk_Vec placeIn(const vk_SurfacePoint &point)
-{
-    const auto within = [](float x) { return std::clamp(x, -1e9f, 1e9f); };
-    const vk_Vec &at = point.position;
-    return {within(at.x), within(at.y), within(at.z)};
-}
-
 constexpr vk_Param CHECKER[] = {
     {"diff1", VK_COLOUR, {.42f, .42f, .42f}, 0, 1, "colour of one half of the checks"},
     {"diff2", VK_COLOUR, {.24f, .24f, .24f}, 0, 1, "colour of the other half"},
@@ -34,7 +26,7 @@ constexpr vk_Param CHECKER[] = {
 vk_Material checker(const vk_Values &p, const vk_SurfacePoint &point)
 {
     // The small shift keeps a floor at y = 0 off the planes between checks.
-    const vk_Vec at = placeIn(point) * (1 / p.number(SIZE)) + vk_grey(1e-3f);
+    const vk_Vec at = vk_within(point.position) * (1 / p.number(SIZE)) + vk_grey(1e-3f);
     const float cells = std::floor(at.x) + std::floor(at.y) + std::floor(at.z);
     return coated(p, p.vec(std::fmod(cells, 2.0f) != 0 ? DIFF2 : DIFF1));
 }
@@ -53,7 +45,7 @@ constexpr vk_Param MARBLE[] = {
 // 1985. A second, finer set of planes gives the hairlines.
 vk_Material marble(const vk_Values &p, const vk_SurfacePoint &point)
 {
-    const vk_Vec at = placeIn(point) * (1 / p.number(SIZE));
+    const vk_Vec at = vk_within(point.position) * (1 / p.number(SIZE));
     const float wander = p.number(MARBLE_VEINS) * vk_clouds(at * .7f, 5);
     const float broad = std::abs(std::sin(VK_PI * (at.x * .6f + at.y * .8f + 1.2f * wander)));
     const float fine = std::abs(std::sin(VK_PI * (at.z * 1.3f - at.y * .9f + 2.1f * wander)));
@@ -77,7 +69,7 @@ constexpr vk_Param WOOD[] = {
 // their ends as well as their sides. Each year begins light and ends dark.
 vk_Material wood(const vk_Values &p, const vk_SurfacePoint &point)
 {
-    const vk_Vec at = placeIn(point);
+    const vk_Vec at = vk_within(point.position);
     const vk_Vec trunk = {at.x + .35f * at.y + .9f, at.z - .18f * at.y - .15f, 0};
     const float bent = vk_clouds({at.x * 1.1f, at.y * .35f, at.z * 1.1f}, 2);
     const float years = vk_length(trunk) / p.number(SIZE) + 1.1f * bent;
@@ -101,7 +93,7 @@ constexpr vk_Param GRANITE[] = {
 // Grains with ragged borders, each of one of three minerals.
 vk_Material granite(const vk_Values &p, const vk_SurfacePoint &point)
 {
-    const vk_Vec at = placeIn(point) * (1 / p.number(SIZE));
+    const vk_Vec at = vk_within(point.position) * (1 / p.number(SIZE));
     const vk_Vec ragged = {vk_noise(at * 2.3f), vk_noise(at * 2.3f + vk_grey(31)), 0};
     const std::uint32_t grain = vk_cell(at + ragged * .35f).name;
     const float kind = vk_share(grain), shade = .8f + .35f * vk_share(grain >> 16);

@@ -132,6 +132,7 @@ TEST(Renderer, OddScenesGiveFiniteLight)
         "fog v_fog radius 0\nsphere",
         "scale 5000\nsphere",
         "floor v_checker size .001",
+        "floor v_carpaint size .001",
         "camera from 6e5 7e5 8e5 at 0 0 0",
         "surface v_glass\ncamera from 0 1 .5 at 0 1 5\nsphere",
         "surface v_glass ior 1\ngrid\nsurface v_frosted rough 0\ntranslate 0 0 1\nsphere",
