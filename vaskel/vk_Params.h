@@ -67,7 +67,7 @@ private:
 
 using vk_Words = std::vector<std::string>;
 
-// Takes «name value» pairs from the words behind `first` into `values`. False
+// Takes «name value» pairs, from word number `first` on, into `values`. False
 // and a message without file and line when a name is unknown (the message
 // names the nearest), a number is missing or no number, or a value lies outside
 // its range; `owner` is who has the parameters, for the message.

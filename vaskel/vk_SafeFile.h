@@ -1,8 +1,8 @@
 // A file that is there whole or not at all.
 //
 // What is written goes to a temporary file in the target's folder, named
-// ".NAME.vaskel-XXXXXX", which takes the target's place when all of it is on
-// the device. Until then an existing target stays as it was. The temporary file
+// ".NAME.vaskel-XXXXXX", which takes the target's place when all of it is
+// written. Until then an existing target stays as it was. The temporary file
 // goes when commit() is not reached, and when one of the signals that end
 // programs (SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGXFSZ, SIGXCPU) comes;
 // the process then ends by that signal. Only SIGKILL leaves it behind.
@@ -26,8 +26,9 @@ public:
     // folder is missing or not writable.
     [[nodiscard]] bool open(const std::string &target);
 
-    // Writes the bytes, puts them on the device and renames. The target keeps
-    // its permissions, a new one gets those that the umask leaves.
+    // Writes the bytes and renames, without waiting for the device: a picture can be
+    // drawn again. The target keeps its permissions, a new one gets those that the
+    // umask leaves.
     [[nodiscard]] bool commit(const void *bytes, std::size_t count);
 
     // After a failure: what went wrong, with the target's name.

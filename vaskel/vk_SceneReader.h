@@ -57,7 +57,6 @@ private:
 
     bool wrong(const std::string &message);
     bool takesNumbers(int least, int most, float smallest, float largest);
-    bool doWhole(int &value, int most);
     bool doTransform(const vk_Transform &by);
     template <class Function>
     bool doShader(const vk_ShaderTable<Function> &table, vk_Shader<Function> &shader);

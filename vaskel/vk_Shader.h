@@ -52,9 +52,9 @@ std::string_view vk_shaderName(std::string_view word);
 std::string vk_unknownShader(const char *type, std::string_view word,
                              const std::vector<std::string_view> &known);
 
-// Takes the words behind the first, a name and parameters, into `shader`,
-// which keeps values that it has if the row is the same. False and a message
-// when the name or a parameter is wrong.
+// Takes the words behind the first, a name and parameters, into `shader`; what the
+// words leave out gets its standard value. False and a message when the name or a
+// parameter is wrong.
 template <class Function>
 [[nodiscard]] bool vk_parseShader(const vk_ShaderTable<Function> &table, const vk_Words &words,
                                   vk_Shader<Function> &shader, std::string &error)

@@ -12,6 +12,6 @@ constexpr float VK_LEAST_SHEEN = .2f;
 // half vector to the normal. Reciprocal.
 float vk_sheen(float cosIn, float cosOut, float cosHalf, float rough);
 
-// At least what a white sheen reflects of all that arrives from a direction, so that what
-// lies below can get the rest.
+// About what a white sheen reflects of all that arrives from a direction, at most 1, so
+// that what lies below can get the rest: within .02, and .04 at grazing angles.
 float vk_sheenAlbedo(float cosine, float rough);
