@@ -327,6 +327,8 @@ bool vk_Tracer::scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
     path.weight = path.weight * sum * (1 / path.density);
     const bool entersGlass = bsdf.isGlass() && (above > 0) == hit.inside;
     path.spread = path.spread || (path.density < EVEN_DENSITY && !entersGlass);
+    if (entersGlass)
+        path.samples = 0; // lights were only asked for what arrives from outside
     path.origin = hit.start(next);
     path.direction = next;
     return true;
