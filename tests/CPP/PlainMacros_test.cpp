@@ -1,11 +1,11 @@
 // Macros and conditions against their plain twins: all short texts, and longer
 // ones at random.
+#include "tests/support/PlainMacros.h"
+
 #include "CPP/CPP_File.h"
 #include "CPP/cpp_Condition.h"
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Macro.h"
-#include "tests/support/PlainMacros.h"
-#include "tests/support/PlainText.h"
 #include "tests/support/Random.h"
 #include "tests/support/preprocessed.h"
 
@@ -30,14 +30,10 @@ protected:
         const cpp_Macro *macro = myManager.findMacro(name);
         const PlainMacros::Macro *plain = myPlain.find(name);
         ASSERT_EQ(plain != nullptr, macro != nullptr) << name;
-        if (plain != nullptr) {
-            EXPECT_EQ(plain->body, macro->myBody);
-            EXPECT_EQ(plain->numArgs, macro->myNumArgs);
-        }
+        EXPECT_TRUE(!plain || (plain->body == macro->myBody && plain->numArgs == macro->myNumArgs));
     }
 
-    void expectSameExpansion(const std::string &text, const std::string &further = "",
-                             int limit = 4)
+    void expectSameExpansion(const std::string &text, const std::string &further, int limit = 4)
     {
         UT_IStream in(further.data(), static_cast<int>(further.size()), false);
         auto *file = new CPP_File(new cpp_DefStream);
@@ -46,9 +42,7 @@ protected:
         const bool isGood = myManager.expandLine(*file, text.c_str(), result, limit);
 
         myPlain.lineNumber = 0;
-        myPlain.furtherLines.clear();
-        for (size_t i = 0; i < further.size(); i = further.find('\n', i) + 1)
-            myPlain.furtherLines.push_back(further.substr(i, further.find('\n', i) + 1 - i));
+        myPlain.furtherLines = further;
         std::string expected;
         EXPECT_EQ(myPlain.expand(text, limit, expected), isGood);
         EXPECT_EQ(expected, result.text());
@@ -56,13 +50,16 @@ protected:
         file->release();
     }
 
-    void expectSameCondition(const std::string &text) const
+    void expectSameCondition(const std::string &text)
     {
+        SCOPED_TRACE(text);
         EXPECT_EQ(myPlain.evaluate(text), evaluateCondition(myManager, text.c_str(), false));
     }
 
-    mutable CPP_Manager myManager;
+    CPP_Manager myManager;
     PlainMacros myPlain;
+    Random myRandom;
+    testing::ScopedTrace mySeed{__FILE__, __LINE__, myRandom.seed()};
 };
 } // namespace
 
@@ -83,46 +80,39 @@ TEST_F(BothMacros, CompileAllShortBodies)
         define("F(a,b1)" + body);
         SCOPED_TRACE(body);
         expectSameMacro("F");
-        expectSameExpansion("F(x,\"y\")");
+        expectSameExpansion("F(x,\"y\")", "");
     });
 }
 
 TEST_F(BothMacros, ExpandAllShortTexts)
 {
-    define("A 1");
-    define("F(x) [x#x]");
-    define("G() F(A");
-    define("H(x,y) y");
-    for (const std::string before : {"", "F(", "H(", "G(),"}) {
+    for (const char *definition : {"A 1", "F(x) [x#x]", "G() F(A", "H(x,y) y"})
+        define(definition);
+    for (const std::string before : {"", "F(", "H(", "G(),"})
         forEachString("AFG(),\\' ", before.empty() ? 5 : 4, [&](const std::string &text) {
             SCOPED_TRACE(before + text);
             expectSameExpansion(before + text, "',A) F\nA)\n");
         });
-    }
 }
 
 TEST_F(BothMacros, AgreeAtRandom)
 {
-    const std::vector<std::string> pieces = {"A", "B",  "F",  "G",  "x",  "y",   "(",        ")",
-                                             ",", "#",  "##", "\"", "'",  "\\",  " ",        "\t",
-                                             "1", "#0", "#",  "F(", "G(", "A,B", "__LINE__", "é"};
-    Random random;
-    SCOPED_TRACE("VELDRIN_TEST_SEED=" + std::to_string(random.seed()));
+    const std::vector<std::string> heads = {"A ", "B ", "F(x) ", "G(x,y)", "F()", "A(y,x) "},
+                                   pieces = plainSplitWords("A B F G x y ( ) , # ## '\"' \"'\" \\ "
+                                                            "' ' '\t' 1 #0 # F( G( A,B __LINE__ é");
     for (int round = 0; round < 20000 && !HasFailure(); ++round) {
-        const std::string heads[] = {"A ", "B ", "F(x) ", "G(x,y)", "F()", "A(y,x) "};
-        const std::string definition = heads[random.below(6)] + random.text(pieces, 8);
-        const std::string text = random.text(pieces, 20);
+        const std::string definition = myRandom.oneOf(heads) + myRandom.text(pieces, 8);
+        const std::string text = myRandom.text(pieces, 20);
         SCOPED_TRACE(definition + "\n" + text);
-        define(definition, random.below(4) == 0);
-        expectSameExpansion(text, random.text(pieces, 5) + " \n) A\n",
-                            static_cast<int>(random.below(5) + 1));
+        define(definition, myRandom.below(4) == 0);
+        expectSameExpansion(text, myRandom.text(pieces, 5) + " \n) A\n",
+                            static_cast<int>(myRandom.below(5) + 1));
     }
 }
 
 TEST_F(BothMacros, EvaluateAllShortConditions)
 {
     forEachString("0-5!&|<=(*", 4, [this](const std::string &text) {
-        SCOPED_TRACE(text);
         expectSameCondition(text);
         expectSameCondition("1 " + text + " ~2 )");
     });
@@ -130,29 +120,21 @@ TEST_F(BothMacros, EvaluateAllShortConditions)
 
 TEST_F(BothMacros, EvaluateConditionsAtRandom)
 {
-    const std::vector<std::string> operators = {"&&", "||", "==", "!=", "<=", ">=", "&", "|",
-                                                "^",  "<",  ">",  "+",  "-",  "*",  "/", "%"};
-    const std::vector<std::string> operands = {
-        "0",          "1",           "2",       "3",          "-7",
-        "010",        "09",          "0x1F",    "0xffffffff", "2147483647",
-        "-999999999", "99999999999", "A",       "B",          "unknown",
-        "defined(A)", "defined (C)", "(1 - 4)", "~0",         "strcmp(\"A\" , C)"};
-    const std::vector<std::string> noise = {"(", ")", "!", "~",   "-", "B ",
-                                            "C", "$", "",  " \t", "\""};
-    define("A 3");
-    define("B \t-12x");
-    define("D");
-    Random random;
-    SCOPED_TRACE("VELDRIN_TEST_SEED=" + std::to_string(random.seed()));
+    const auto operators = plainSplitWords("&& || == != <= >= & | ^ < > + - * / %"),
+               operands = plainSplitWords(
+                   "0 1 2 3 -7 010 09 0x1F 0xffffffff 2147483647 -999999999 99999999999 A B "
+                   "unknown defined(A) 'defined (C)' '(1 - 4)' ~0 'strcmp(\"A\" , C)'"),
+               noise = plainSplitWords("( ) ! ~ - 'B ' C $ '' ' \t' '\"'");
+    for (const char *definition : {"A 3", "B \t-12x", "D"})
+        define(definition);
     for (int round = 0; round < 50000 && !HasFailure(); ++round) {
         std::string text;
-        for (size_t terms = random.below(6) + 1; terms > 0; --terms) {
-            text += random.below(40) == 0 ? random.text(noise, 2) : random.text({"!", "~", " "}, 2);
-            text += random.text(operands, 1).substr(0, std::string::npos);
-            text += terms > 1 ? " " + operators[random.below(operators.size())] + " " : "";
+        for (size_t terms = myRandom.below(6) + 1; terms > 0; --terms) {
+            text += myRandom.text(myRandom.below(40) ? plainSplitWords("! ~ ' '") : noise, 2);
+            text += myRandom.text(operands, 1);
+            text += terms > 1 ? " " + myRandom.oneOf(operators) + " " : "";
         }
-        SCOPED_TRACE(text);
         expectSameCondition(text);
-        expectSameCondition("(" + text + ") == " + operands[random.below(operands.size())]);
+        expectSameCondition("(" + text + ") == " + myRandom.oneOf(operands));
     }
 }

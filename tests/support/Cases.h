@@ -22,9 +22,13 @@ using Show = std::function<std::string(const char *)>;
 // Holds the rows against what `show` gives; nothing is written into the input.
 void expectEach(const std::vector<std::string> &rows, const Show &show);
 
-// The same for a file: a line "[name]" begins the rows of the operation of that name. Each
-// has rows. Empty lines and those that begin with "# " do not count. A row's text has
+// The same for a file: a line "[name]" begins the rows of the operation of that name, which
+// `show` is told. Empty lines and those that begin with "# " do not count. A row's text has
 // escapes as in C, but each \x with two digits, and may end behind the arrow.
+using NamedShow = std::function<std::string(const std::string &name, const char *in)>;
+void expectTable(const std::string &file, const NamedShow &show);
+
+// With one `show` for each operation, all of which have rows.
 void expectTable(const std::string &file, const std::map<std::string, Show> &operations);
 
 // edit(string), for a string that borrows the input, answers and leaves what the output

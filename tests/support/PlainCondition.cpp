@@ -4,126 +4,100 @@
 #include "UT/UT_String.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <unistd.h>
 
 namespace
 {
+// The infix operators, those that bind tightest first.
+const char *const LEVELS[] = {"[*/%]", "\\+|-(?!\\d)",          "[<>]=?",
+                              "[=!]=", "&(?!&)|\\|(?!\\|)|\\^", "&&|\\|\\|"};
+
+int64_t applied(const std::string &op, int64_t a, int64_t b)
+{
+    if (b == 0 && (op == "/" || op == "%"))
+        return op == "/" ? 1000 : 0;
+    const int64_t exact = op == "*"    ? a * b
+                          : op == "/"  ? a / b
+                          : op == "%"  ? a % b
+                          : op == "+"  ? a + b
+                          : op == "-"  ? a - b
+                          : op == "<"  ? a < b
+                          : op == ">"  ? a > b
+                          : op == "<=" ? a <= b
+                          : op == ">=" ? a >= b
+                          : op == "==" ? a == b
+                          : op == "!=" ? a != b
+                          : op == "&"  ? (a & b)
+                          : op == "|"  ? (a | b)
+                          : op == "^"  ? (a ^ b)
+                          : op == "&&" ? (a != 0 && b != 0)
+                                       : (a != 0 || b != 0);
+    return static_cast<int32_t>(static_cast<uint32_t>(exact & 0xFFFFFFFF));
+}
+
 class Parser
 {
 public:
-    Parser(const PlainMacros &macros, const std::string &text) : myMacros(macros), myText(text) {}
+    Parser(const PlainMacros &macros, const std::string &text) : myMacros(macros), in{text} {}
 
     int run()
     {
-        if (skipSpace() == myText.size())
-            return 0;
-        const int64_t value = level(7);
-        return !isGood || skipSpace() < myText.size() ? -1 : value != 0 ? 1 : 0;
+        in.take("\\s*");
+        const int64_t value = in.isAtEnd() ? 0 : level(6);
+        in.take("\\s*");
+        return isGood && in.isAtEnd() ? value != 0 : -1;
     }
 
 private:
-    size_t skipSpace()
-    {
-        while (i < myText.size() && std::isspace(static_cast<unsigned char>(myText[i])) != 0)
-            ++i;
-        return i;
-    }
-
+    bool expect(const char *form) { return isGood = isGood && in.took(form); }
     int64_t fail() { return isGood = false, 0; }
 
-    // The operator that comes next, "" in front of anything else.
-    std::string nextOperator()
-    {
-        skipSpace();
-        if (myText[i] == '-' && std::isdigit(static_cast<unsigned char>(myText[i + 1])) != 0)
-            return "";
-        for (const char *op : {"&&", "||", "==", "!=", "<=", ">=", "&", "|", "^", "<",
-                               ">",  "+",  "-",  "*",  "/",  "%",  "!", "~", "(", ")"}) {
-            if (myText.compare(i, std::string(op).size(), op) == 0)
-                return op;
-        }
-        return "";
-    }
-
-    static int levelOf(const std::string &op)
-    {
-        return op == "*" || op == "/" || op == "%"                  ? 2
-               : op == "+" || op == "-"                             ? 3
-               : op == "<" || op == ">" || op == "<=" || op == ">=" ? 4
-               : op == "==" || op == "!="                           ? 5
-               : op == "&" || op == "|" || op == "^"                ? 6
-               : op == "&&" || op == "||"                           ? 7
-                                                                    : 0;
-    }
-
-    static int64_t applied(const std::string &op, int64_t a, int64_t b)
-    {
-        if (b == 0 && (op == "/" || op == "%"))
-            return op == "/" ? 1000 : 0;
-        const int64_t exact = op == "*"    ? a * b
-                              : op == "/"  ? a / b
-                              : op == "%"  ? a % b
-                              : op == "+"  ? a + b
-                              : op == "-"  ? a - b
-                              : op == "<"  ? a < b
-                              : op == ">"  ? a > b
-                              : op == "<=" ? a <= b
-                              : op == ">=" ? a >= b
-                              : op == "==" ? a == b
-                              : op == "!=" ? a != b
-                              : op == "&"  ? (a & b)
-                              : op == "|"  ? (a | b)
-                              : op == "^"  ? (a ^ b)
-                              : op == "&&" ? (a != 0 && b != 0)
-                                           : (a != 0 || b != 0);
-        return static_cast<int32_t>(static_cast<uint32_t>(exact & 0xFFFFFFFF));
-    }
-
     // Operators of one level go from left to right.
-    int64_t level(int precedence)
+    int64_t level(size_t precedence)
     {
-        if (precedence == 1)
+        if (precedence == 0)
             return operand();
         int64_t left = level(precedence - 1);
-        for (std::string op; isGood && levelOf(op = nextOperator()) == precedence;) {
-            i += op.size();
-            const int64_t right = level(precedence - 1);
-            left = applied(op, left, right);
+        for (in.take("\\s*"); isGood; in.take("\\s*")) {
+            const std::string op = in.take(LEVELS[precedence - 1]);
+            if (op.empty())
+                break;
+            left = applied(op, left, level(precedence - 1));
         }
         return left;
     }
 
     int64_t operand()
     {
-        const std::string op = nextOperator();
-        i += op.size();
-        if (op == "!")
+        in.take("\\s*");
+        if (in.took("!(?!=)"))
             return operand() == 0;
-        if (op == "~")
+        if (in.took("~"))
             return 0xFFFF - (operand() & 0xFFFF);
-        if (op == "(") {
-            const int64_t value = level(7);
-            return isGood && taken(')') ? value : fail();
-        }
-        if (!op.empty())
-            return fail();
-        if (myText[i] == '-')
-            return ++i, -number();
-        if (std::isdigit(static_cast<unsigned char>(myText[i])) != 0)
-            return number();
-        const std::string name = text(myText, i, false);
+        if (in.next() == '(')
+            return called([&] { return level(6); });
+        const int64_t sign = in.took("-(?=\\d)") ? -1 : 1;
+        const std::string digits = in.take("0x[0-9a-fA-F]*|\\d+");
+        if (!digits.empty())
+            return sign * std::min<int64_t>(std::strtoll(digits.c_str(), nullptr, 0), INT32_MAX);
+        const std::string name = takeName(in);
         return !isGood                 ? 0
-               : name == "defined"     ? called([&] { return isDefined(text(myText, i, false)); })
-               : name == "environment" ? called([&] { return isSet(text(myText, i, false)); })
-               : name == "access"      ? called([&] { return isReadable(text(myText, i, true)); })
+               : name == "defined"     ? called([&] { return valueOf(takeName(in), true); })
+               : name == "environment" ? called([&] { return isSet(takeName(in)); })
+               : name == "access"      ? called([&] { return isReadable(takeText(in)); })
                : name == "strcmp"      ? called([&] { return compared(); })
-                                       : valueOf(name);
+                                       : valueOf(name, false);
     }
 
-    bool isDefined(const std::string &name) const { return myMacros.find(name) != nullptr; }
+    template <typename Function>
+    int64_t called(Function function)
+    {
+        const int64_t value = expect("\\s*\\(") ? function() : 0;
+        return expect("\\s*\\)") ? value : 0;
+    }
+
     static bool isSet(const std::string &name) { return std::getenv(name.c_str()) != nullptr; }
 
     static bool isReadable(const std::string &path)
@@ -135,95 +109,49 @@ private:
 
     int64_t compared()
     {
-        const std::string left = textOrBody();
-        if (!taken(','))
-            return fail();
-        skipSpace();
-        const int order = left.compare(textOrBody());
+        const std::string left = takeTextOrBody();
+        const int order = expect("\\s*,\\s*") ? left.compare(takeTextOrBody()) : 0;
         return order < 0 ? -1 : order > 0;
     }
 
-    template <typename Function>
-    int64_t called(Function function)
+    std::string takeName(PlainScanner &from)
     {
-        if (!taken('('))
-            return fail();
-        const int64_t value = function();
-        return isGood && taken(')') ? value : fail();
+        const std::string name = from.take("[A-Za-z_]\\w*"), start = name.substr(0, 1024);
+        isGood = isGood && !name.empty();
+        from.at -= name.size() - start.size();
+        return start;
     }
 
-    bool taken(char c) { return myText[skipSpace()] == c && ++i > 0; }
-
-    // A number of at most 31 bits.
-    int64_t number()
+    // A name or a string in double quotes.
+    std::string takeText(PlainScanner &from)
     {
-        const bool isHex = myText.compare(i, 2, "0x") == 0;
-        const unsigned base = isHex ? 16 : myText[i] == '0' ? 8 : 10;
-        i += isHex ? 2 : 0;
-        int64_t value = 0;
-        for (bool ends = false;; ++i) {
-            const auto c = static_cast<unsigned char>(myText[i]);
-            if (isHex ? std::isxdigit(c) == 0 : std::isdigit(c) == 0)
-                return value;
-            const int digit = std::isdigit(c) != 0 ? c - '0' : std::tolower(c) - 'a' + 10;
-            ends = ends || digit >= static_cast<int>(base);
-            value = ends ? value : std::min<int64_t>(value * base + digit, INT32_MAX);
-        }
+        const std::string quoted = from.take("\"([^\"\\\\]|\\\\\"|\\\\(?!\"))*\"");
+        isGood = isGood && quoted.size() <= 1026;
+        return quoted.empty() ? takeName(from) : quoted.substr(1, quoted.size() - 2);
     }
 
-    // A name, or with `allowsQuotes` a string in double quotes.
-    std::string text(const std::string &from, size_t &at, bool allowsQuotes)
+    std::string takeTextOrBody()
     {
-        const size_t start = at;
-        if (allowsQuotes && from[at] == '"') {
-            size_t end = from.find('"', at + 1);
-            while (end != std::string::npos && end > start + 1 && from[end - 1] == '\\')
-                end = from.find('"', end + 1);
-            if (end == std::string::npos || end - start > 1025)
-                return fail(), "";
-            at = end + 1;
-            return from.substr(start + 1, end - start - 1);
-        }
-        const auto isLetter = [&](char c) {
-            return c == '_' || std::isalpha(static_cast<unsigned char>(c)) != 0;
-        };
-        if (!isLetter(from[at]))
-            return fail(), "";
-        while (at - start < 1024 &&
-               (isLetter(from[at]) || std::isdigit(static_cast<unsigned char>(from[at])) != 0))
-            ++at;
-        return from.substr(start, at - start);
-    }
-
-    std::string textOrBody()
-    {
-        const std::string own = text(myText, i, true);
+        const std::string own = takeText(in);
         const PlainMacros::Macro *macro = isGood ? myMacros.find(own) : nullptr;
-        size_t start = 0;
-        return macro == nullptr ? own : text(trimmed(macro->body), start, true);
+        PlainScanner body{macro != nullptr ? macro->body : ""};
+        body.take("\\s*");
+        return macro == nullptr ? own : takeText(body);
     }
 
-    static std::string trimmed(const std::string &body)
-    {
-        const size_t start = body.find_first_not_of(" \t\n\v\f\r");
-        return start == std::string::npos ? "" : body.substr(start);
-    }
-
-    int64_t valueOf(const std::string &name)
+    int64_t valueOf(const std::string &name, bool isAskedFor)
     {
         const PlainMacros::Macro *macro = myMacros.find(name);
-        if (macro == nullptr)
-            return 0;
-        const std::string body = trimmed(macro->body);
-        if (body.empty())
+        if (macro == nullptr || isAskedFor)
+            return macro != nullptr;
+        if (macro->body.find_first_not_of(" \t\n\v\f\r") == std::string::npos)
             return fail();
-        const long long value = std::strtoll(body.c_str(), nullptr, 10);
-        return std::max<long long>(INT32_MIN, std::min<long long>(value, INT32_MAX));
+        const int64_t value = std::strtoll(macro->body.c_str(), nullptr, 10);
+        return std::clamp<int64_t>(value, INT32_MIN, INT32_MAX);
     }
 
     const PlainMacros &myMacros;
-    const std::string myText;
-    size_t i = 0;
+    PlainScanner in;
     bool isGood = true;
 };
 } // namespace

@@ -1,157 +1,87 @@
 #include "tests/support/PlainMacros.h"
 
 #include <algorithm>
-#include <cctype>
+#include <cstdint>
 #include <cstdlib>
 
 namespace
 {
-bool isOneOf(char c, const std::string &set)
+// A quoted run, where escaped characters come in pairs; at most one starts here.
+const char *const RUN = "\"([^\"\\\\]|\\\\[\\s\\S])*\"|'([^'\\\\]|\\\\[\\s\\S])*'";
+
+bool startsRun(const PlainScanner &in)
 {
-    return set.find(c) != std::string::npos;
+    return (in.next() == '"' || in.next() == '\'') && (in.at == 0 || in.text[in.at - 1] != '\\');
 }
 
-bool isSpace(char c)
-{
-    return isOneOf(c, " \t\n\v\f\r");
-}
-
-bool startsWord(char c)
-{
-    return c == '_' || std::isalpha(static_cast<unsigned char>(c)) != 0;
-}
-
-// The characters from `i` on that satisfy `isWanted`; `i` is moved behind them.
-template <typename Wanted>
-std::string take(const std::string &text, size_t &i, Wanted isWanted)
-{
-    const size_t start = i;
-    while (i < text.size() && isWanted(text[i]))
-        ++i;
-    return text.substr(start, i - start);
-}
-
-std::string takeWord(const std::string &text, size_t &i)
-{
-    return take(text, i, [](char c) { return startsWord(c) || isOneOf(c, "0123456789"); });
-}
-
-std::string takeUpTo(const std::string &text, size_t &i, const std::string &ends)
-{
-    return take(text, i, [&](char c) { return !isSpace(c) && !isOneOf(c, ends); });
-}
-
-bool tookSign(const std::string &text, size_t &i, char sign)
-{
-    const bool isThere = text[i] == sign;
-    if (isThere)
-        ++i;
-    return isThere;
-}
-
-// Behind the quoted run that starts at `i`, where escaped characters come in pairs.
-size_t endOfRun(const std::string &text, size_t i)
-{
-    const char quote = text[i];
-    for (++i; i < text.size(); ++i) {
-        if (text[i] == quote)
-            return i + 1;
-        if (text[i] == '\\')
-            ++i;
-    }
-    return std::string::npos;
-}
-
-bool startsRun(const std::string &text, size_t i)
-{
-    return isOneOf(text[i], "\"'") && (i == 0 || text[i - 1] != '\\');
-}
-
-std::vector<std::string> takeNames(const std::string &text, size_t &i)
+std::vector<std::string> takeNames(PlainScanner &in)
 {
     std::vector<std::string> names;
-    take(text, i, isSpace);
-    while (i < text.size() && (text[i] != ')' || !names.empty())) {
-        names.push_back(takeUpTo(text, i, ",)"));
-        take(text, i, isSpace);
-        if (text[i] == ')')
+    in.take("\\s*");
+    while (!in.isAtEnd() && (in.next() != ')' || !names.empty())) {
+        names.push_back(in.take("[^,)\\s]*"));
+        in.take("\\s*");
+        if (in.next() == ')')
             break;
-        tookSign(text, i, ',');
-        take(text, i, isSpace);
+        in.take(",?\\s*");
     }
-    tookSign(text, i, ')');
+    in.take("\\)?");
     return names;
 }
 
 std::string compiled(const std::string &text, const std::vector<std::string> &names)
 {
     std::string body;
-    for (size_t i = 0; i < text.size();) {
-        if (text[i] == '"') {
-            do
-                body += text[i++];
-            while (i < text.size() && (text[i] != '"' || text[i - 1] == '\\'));
-            body += i < text.size() ? text.substr(i++, 1) : "";
-        } else if (text[i] == '#' || startsWord(text[i])) {
-            const std::string hashes = take(text, i, [](char c) { return c == '#'; });
-            const std::string word = takeWord(text, i);
-            const auto name = std::find(names.begin(), names.end(), word);
-            if (word.empty() || name == names.end()) {
-                body += hashes + word;
-                continue;
-            }
-            const std::string mark = "#" + std::to_string(name - names.begin()) + "#";
-            body += hashes == "#" ? '"' + mark + '"' : mark;
-            if (tookSign(text, i, '#') && !tookSign(text, i, '#'))
-                body += ' ';
-        } else {
-            body += text[i++];
-        }
+    for (PlainScanner in{text}; !in.isAtEnd();) {
+        body += in.take("\"(\\\\\"|[^\"])*\"?|[^\"#A-Za-z_]+");
+        const std::string hashes = in.take("#*");
+        const std::string word = in.take(hashes.empty() ? "[A-Za-z_]\\w*" : "\\w*");
+        const auto name = std::find(names.begin(), names.end(), word);
+        const std::string mark = "#" + std::to_string(name - names.begin()) + "#";
+        if (word.empty() || name == names.end())
+            body += hashes + word;
+        else
+            body += (hashes == "#" ? '"' + mark + '"' : mark) + (in.take("##?") == "#" ? " " : "");
     }
     return body;
 }
 
-std::string filledIn(std::string body, const std::vector<std::string> &arguments)
+std::string filledIn(const std::string &body, const std::vector<std::string> &arguments)
 {
-    for (size_t i = 0; i < body.size(); ++i) {
-        size_t end = i + 1;
-        const std::string number = take(body, end, [](char c) { return isOneOf(c, "0123456789"); });
-        const size_t index = std::strtoul(number.c_str(), nullptr, 10);
-        if (body[i] != '#' || number.empty() || body[end] != '#' || index >= arguments.size())
-            continue;
-        const std::string &argument = arguments[index];
-        body.replace(i, end + 1 - i, argument);
-        i += argument.size() - 1;
+    std::string all;
+    for (PlainScanner in{body}; !in.isAtEnd();) {
+        const std::string mark = in.take("#\\d+#");
+        const size_t index = mark.empty() ? SIZE_MAX : std::strtoul(&mark[1], nullptr, 10);
+        in.at -= index < arguments.size() ? 0 : mark.size();
+        all += index < arguments.size() ? arguments[index] : in.text.substr(in.at++, 1);
     }
-    return body;
+    return all;
 }
 } // namespace
 
 bool PlainMacros::define(const std::string &text, bool commandLineForm)
 {
-    size_t i = 0;
-    take(text, i, isSpace);
-    const std::string name = takeUpTo(text, i, commandLineForm ? "(=" : "(");
-    size_t valid = 0;
-    if (name.empty() || !startsWord(name[0]) || takeWord(name, valid) != name)
+    PlainScanner in{text};
+    in.take("\\s*");
+    const std::string name = in.take(commandLineForm ? "[^(=\\s]*" : "[^(\\s]*");
+    if (PlainScanner{name}.take("[A-Za-z_]\\w*") != name || name.empty())
         return false;
     if (commandLineForm)
-        tookSign(text, i, '=');
-
+        in.take("=?");
     Macro macro;
-    if (tookSign(text, i, '(')) {
-        const std::vector<std::string> names = takeNames(text, i);
+    if (in.took("\\(")) {
+        const std::vector<std::string> names = takeNames(in);
         macro.numArgs = static_cast<int>(names.size());
-        take(text, i, [](char c) { return c != '\n' && isSpace(c); });
-        macro.body = compiled(text.substr(i, text.find('\n', i) - i), names);
+        in.take("[^\\S\\n]*");
+        macro.body = compiled(in.take("[^\\n]*"), names);
     } else {
-        take(text, i, isSpace);
-        macro.body = text.substr(i, text.find_last_not_of("\r\n") + 1 - i);
-        macro.body = i < text.size() ? macro.body : "";
+        in.take("\\s*");
+        macro.body = in.take("[\\s\\S]*");
+        macro.body.erase(macro.body.find_last_not_of("\r\n") + 1);
     }
     const size_t size = macro.body.find_last_not_of(" \t\n\v\f\r") + 1;
     if (size < macro.body.size())
-        macro.body = macro.body.substr(0, size) + ' ';
+        macro.body.replace(size, std::string::npos, " ");
 
     const Macro *old = find(name);
     const bool warns = old != nullptr &&
@@ -166,25 +96,23 @@ const PlainMacros::Macro *PlainMacros::find(const std::string &name) const
     return found == myMacros.end() ? nullptr : &found->second;
 }
 
-bool PlainMacros::expand(std::string text, int depthLeft, std::string &result)
+bool PlainMacros::expand(const std::string &text, int depthLeft, std::string &result)
 {
     const auto fail = [&](const std::string &message) { return result = message, false; };
-    for (size_t i = 0; i < text.size();) {
-        if (startsRun(text, i)) {
-            const size_t end = endOfRun(text, i);
-            if (end == std::string::npos)
+    for (PlainScanner in{text}; !in.isAtEnd();) {
+        if (startsRun(in)) {
+            const std::string run = in.take(RUN);
+            if (run.empty())
                 return fail("Mismatched quotation marks");
-            result += text.substr(i, end - i);
-            i = end;
+            result += run;
             continue;
         }
-        if (!startsWord(text[i])) {
-            const bool drops = text[i] == '\\' && i + 1 < text.size() && !startsWord(text[i + 1]);
-            result += text[drops ? i + 1 : i];
-            i += drops ? 2 : 1;
+        const std::string word = in.take("[A-Za-z_]\\w*");
+        if (word.empty()) {
+            in.take("\\\\(?=[^A-Za-z_])");
+            result += in.text[in.at++];
             continue;
         }
-        const std::string word = takeWord(text, i);
         const Macro *macro = find(word);
         if (macro == nullptr || macro->isBuiltin) {
             result += macro == nullptr     ? word
@@ -193,7 +121,7 @@ bool PlainMacros::expand(std::string text, int depthLeft, std::string &result)
             continue;
         }
         std::vector<std::string> arguments(static_cast<size_t>(std::max(macro->numArgs, 0)));
-        if (macro->numArgs >= 0 && !takeArguments(text, i, arguments))
+        if (macro->numArgs >= 0 && !takeArguments(in, arguments))
             return fail("Invalid arguments for macro \"" + word + "\"");
         if (depthLeft - 1 == 0)
             return fail("Macro recursion limit reached");
@@ -205,61 +133,51 @@ bool PlainMacros::expand(std::string text, int depthLeft, std::string &result)
     return true;
 }
 
-bool PlainMacros::takeLine(std::string &text, size_t &i)
+bool PlainMacros::takeLine(PlainScanner &in)
 {
     if (furtherLines.empty())
         return false;
-    text = furtherLines.front();
-    furtherLines.pop_front();
-    ++lineNumber;
-    i = 0;
-    return true;
+    in = {furtherLines.substr(0, furtherLines.find('\n') + 1)};
+    furtherLines.erase(0, in.text.size());
+    return ++lineNumber > 0;
 }
 
-bool PlainMacros::skipSpaceOverLines(std::string &text, size_t &i)
+bool PlainMacros::skipSpaceOverLines(PlainScanner &in)
 {
     do
-        take(text, i, isSpace);
-    while (i == text.size() && takeLine(text, i));
-    return i < text.size();
+        in.take("\\s*");
+    while (in.isAtEnd() && takeLine(in));
+    return !in.isAtEnd();
 }
 
-bool PlainMacros::takeArguments(std::string &text, size_t &i, std::vector<std::string> &arguments)
+bool PlainMacros::takeArguments(PlainScanner &in, std::vector<std::string> &arguments)
 {
-    take(text, i, isSpace);
-    if (!tookSign(text, i, '('))
-        return false;
-    for (size_t n = 0; n < arguments.size(); ++n) {
-        if (n > 0 && !tookSign(text, i, ','))
+    in.take("\\s*");
+    const char *sign = "\\(";
+    for (std::string &argument : arguments) {
+        if (!in.took(sign) || !skipSpaceOverLines(in) || !takeArgument(in, argument))
             return false;
-        if (!skipSpaceOverLines(text, i) || !takeArgument(text, i, arguments[n]))
-            return false;
+        sign = ",";
     }
-    return skipSpaceOverLines(text, i) && tookSign(text, i, ')');
+    return (!arguments.empty() || in.took(sign)) && skipSpaceOverLines(in) && in.took("\\)");
 }
 
-bool PlainMacros::takeArgument(std::string &text, size_t &i, std::string &argument)
+bool PlainMacros::takeArgument(PlainScanner &in, std::string &argument)
 {
-    int depth = 0;
-    for (;;) {
-        if (i == text.size()) {
-            if (!takeLine(text, i))
-                return false;
-        } else if (depth == 0 && isOneOf(text[i], ",)")) {
+    for (int depth = 0; !in.isAtEnd() || takeLine(in);) {
+        if (depth == 0 && (in.next() == ',' || in.next() == ')'))
             return !argument.empty() && argument.size() < 8192;
-        } else if (startsRun(text, i)) {
-            const size_t end = endOfRun(text, i);
-            if (end == std::string::npos)
+        if (startsRun(in)) {
+            const std::string run = in.take(RUN);
+            if (run.empty())
                 return false;
-            argument += text.substr(i, end - i);
-            i = end;
-        } else {
-            // What follows a backslash still divides and nests.
-            if (tookSign(text, i, '\\') && (i == text.size() || isOneOf(text[i], ",()")))
-                continue;
-            depth += text[i] == '(' ? 1 : text[i] == ')' ? -1 : 0;
-            argument += text[i] == '\n' ? ' ' : text[i];
-            ++i;
+            argument += run;
+        } else if (!in.took("\\\\(?![^,()])")) { // what follows still divides and nests
+            in.take("\\\\?");
+            const char c = in.text[in.at++];
+            depth += (c == '(') - (c == ')');
+            argument += c == '\n' ? ' ' : c;
         }
     }
+    return false;
 }

@@ -3,9 +3,8 @@
 // must be short.
 #pragma once
 
-#include <deque>
-#include <map>
-#include <string>
+#include "tests/support/PlainScanner.h"
+
 #include <vector>
 
 class PlainMacros
@@ -23,19 +22,19 @@ public:
 
     // Appends what CPP_Manager::expandLine would; false, and the message, when
     // that fails. The file is called "in".
-    bool expand(std::string text, int depthLeft, std::string &result);
+    bool expand(const std::string &text, int depthLeft, std::string &result);
 
     // What evaluateCondition answers.
     int evaluate(const std::string &text) const;
 
-    std::deque<std::string> furtherLines; // for argument lists, each with its newline
+    std::string furtherLines; // for argument lists, each with its newline
     int lineNumber = 0;
 
 private:
-    bool takeArguments(std::string &text, size_t &i, std::vector<std::string> &arguments);
-    bool takeArgument(std::string &text, size_t &i, std::string &argument);
-    bool skipSpaceOverLines(std::string &text, size_t &i);
-    bool takeLine(std::string &text, size_t &i);
+    bool takeArguments(PlainScanner &in, std::vector<std::string> &arguments);
+    bool takeArgument(PlainScanner &in, std::string &argument);
+    bool skipSpaceOverLines(PlainScanner &in);
+    bool takeLine(PlainScanner &in);
 
     std::map<std::string, Macro> myMacros{{"__FILE__", {true, -1, ""}},
                                           {"__LINE__", {true, -1, ""}}};

@@ -196,6 +196,14 @@ std::string joined(const std::vector<std::string> &words)
     return all;
 }
 
+std::string repeated(const std::string &text, int times)
+{
+    std::string all;
+    while (times-- > 0)
+        all += text;
+    return all;
+}
+
 void forEachString(const std::string &alphabet, size_t longest,
                    const std::function<void(const std::string &)> &visit)
 {

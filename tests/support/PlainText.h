@@ -30,6 +30,8 @@ private:
 // The words with a '|' behind each.
 std::string joined(const std::vector<std::string> &words);
 
+std::string repeated(const std::string &text, int times);
+
 // Calls `visit` with every string over `alphabet` of at most `longest` characters.
 void forEachString(const std::string &alphabet, size_t longest,
                    const std::function<void(const std::string &)> &visit);

@@ -17,12 +17,17 @@ public:
         return std::uniform_int_distribution<size_t>(0, limit - 1)(myBits);
     }
 
+    const std::string &oneOf(const std::vector<std::string> &texts)
+    {
+        return texts[below(texts.size())];
+    }
+
     // Up to `most` of the pieces, joined.
     std::string text(const std::vector<std::string> &pieces, size_t most)
     {
         std::string all;
         for (size_t count = below(most + 1); count > 0; --count)
-            all += pieces[below(pieces.size())];
+            all += oneOf(pieces);
         return all;
     }
 

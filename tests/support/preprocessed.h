@@ -4,6 +4,7 @@
 #include "CPP/CPP_Manager.h"
 #include "UT/UT_IStream.h"
 #include "UT/UT_WordList.h"
+#include "tests/support/PlainText.h"
 
 #include <string>
 

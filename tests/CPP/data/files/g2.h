@@ -1,0 +1,5 @@
+#ifndef A
+#define A
+1
+#endif
+2

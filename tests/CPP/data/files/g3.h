@@ -1,0 +1,5 @@
+#ifndef A
+#define A
+#else
+1
+#endif

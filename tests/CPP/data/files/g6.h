@@ -1,0 +1,6 @@
+#ifndef A
+#define A /*
+#endif
+*/
+1
+#endif

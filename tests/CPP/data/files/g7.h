@@ -1,0 +1,4 @@
+#ifndef A
+#define A
+1
+#endifx

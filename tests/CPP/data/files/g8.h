@@ -1,0 +1,3 @@
+#ifndef A
+// */ 1
+#endif

@@ -1,0 +1,1 @@
+on the path
