@@ -69,24 +69,24 @@ TEST(IStreamBuf, EverySourceReadsAndMovesInItsText)
         PlainReader plain{text};
         for (int step = 0; step < 1000; ++step) {
             SCOPED_TRACE(kind + ", seed " + std::to_string(random.seed()));
-            const size_t left = text.size() - plain.position;
+            const size_t left = text.size() - plain.at;
             const size_t operation = random.below(PlainReader::READERS + 2);
             if (operation == PlainReader::READERS) {
                 const auto target = static_cast<int64_t>(random.below(text.size() + 1));
                 const int whence = static_cast<int>(random.below(kind.find("z") == 0 ? 2 : 3));
                 const int64_t origins[] = {0, is->getSource().tell(), sources.size};
                 ASSERT_TRUE(is->seekg(target - origins[whence], whence));
-                plain.position = static_cast<size_t>(target);
+                plain.at = static_cast<size_t>(target);
             } else if (operation > PlainReader::READERS) {
                 std::string bytes(random.below(std::min<size_t>(left, 9000) + 1), '\0');
                 const int count = static_cast<int>(bytes.size());
                 ASSERT_EQ(count, is->bread(&bytes[0], count));
-                ASSERT_EQ(text.substr(plain.position, bytes.size()), bytes);
-                plain.position += bytes.size();
+                ASSERT_EQ(text.substr(plain.at, bytes.size()), bytes);
+                plain.at += bytes.size();
             } else {
                 ASSERT_EQ(plain.read(operation), readFrom(*is, operation));
             }
-            ASSERT_EQ(static_cast<int64_t>(plain.position), is->tellg());
+            ASSERT_EQ(static_cast<int64_t>(plain.at), is->tellg());
             ASSERT_FALSE(is->hasError());
         }
     }

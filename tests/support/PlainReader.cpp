@@ -2,16 +2,8 @@
 
 #include "UT/UT_ScratchBuffer.h"
 
-#include <cctype>
-#include <regex>
-
 namespace
 {
-bool isSpace(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
 std::string told(int answer, const std::string &found, int64_t position, bool hasError)
 {
     return std::to_string(answer) + " [" + found + "] " + std::to_string(position) +
@@ -21,8 +13,7 @@ std::string told(int answer, const std::string &found, int64_t position, bool ha
 
 bool PlainReader::skipSpace()
 {
-    while (!isAtEnd() && isSpace(text[position]))
-        ++position;
+    take("\\s*");
     return !isAtEnd();
 }
 
@@ -30,9 +21,9 @@ PlainReader::Text PlainReader::line(char delimiter)
 {
     if (isAtEnd())
         return {};
-    const size_t end = text.find(delimiter, position);
-    std::string found = text.substr(position, end - position);
-    position = std::min(end, text.size() - 1) + 1;
+    const size_t end = text.find(delimiter, at);
+    std::string found = text.substr(at, end - at);
+    at = std::min(end, text.size() - 1) + 1;
     if (end != text.npos && delimiter == '\n' && !found.empty() && found.back() == '\r')
         found.pop_back();
     return found;
@@ -40,46 +31,29 @@ PlainReader::Text PlainReader::line(char delimiter)
 
 PlainReader::Text PlainReader::word()
 {
-    std::string found;
-    if (!skipSpace())
-        return {};
-    while (!isAtEnd() && !isSpace(text[position]))
-        found += text[position++];
-    return found;
+    return skipSpace() ? Text(take("\\S+")) : Text();
 }
 
 PlainReader::Text PlainReader::string()
 {
-    std::string found;
     if (!skipSpace())
         return {};
-    const bool isQuoted = text[position] == '"';
-    if (isQuoted || text.compare(position, 2, "\\\"") == 0)
-        ++position;
-    else
-        found += text[position++];
-    while (!isAtEnd() && !(isQuoted ? text[position] == '"' : isSpace(text[position]))) {
-        char c = text[position++];
-        if (c == '\\' && !isAtEnd() && (text[position] == '"' || text[position] == '\\'))
-            c = text[position++];
-        found += c;
-    }
-    position += isQuoted && !isAtEnd();
-    return found;
+    const bool isQuoted = took("\"");
+    const std::string first = isQuoted || took("\\\\(?=\")") ? "" : take("[\\s\\S]");
+    const std::string rest =
+        take(isQuoted ? "([^\"\\\\]|\\\\[\"\\\\]?)*" : "([^\\s\\\\]|\\\\[\"\\\\]?)*");
+    take(isQuoted ? "\"?" : "");
+    return first + std::regex_replace(rest, std::regex("\\\\([\"\\\\])"), "$1");
 }
 
 int PlainReader::number(Text &found)
 {
-    static const std::regex form("(?=[-+.0-9])[-+]?[0-9]*(\\.[0-9]*)?([eE][-+]?[0-9]*)?");
-    std::cmatch match;
     if (!skipSpace())
         return 0;
-    const char *const from = text.data() + position, *const end = text.data() + text.size();
-    if (!std::regex_search(from, end, match, form, std::regex_constants::match_continuous))
+    found = take("(?=[-+.0-9])[-+]?[0-9]*(\\.[0-9]*)?([eE][-+]?[0-9]*)?");
+    if (found->empty())
         return (found = word()).has_value();
-    position += static_cast<size_t>(match.length());
-    found = match.str();
-    return match.length(1) + match.length(2) > 0 ? 2 : 1;
+    return found->find_first_of(".eE") == text.npos ? 1 : 2;
 }
 
 int PlainReader::nonCommentLine(Text &found, char comment)
@@ -108,11 +82,11 @@ std::string PlainReader::read(size_t reader)
         [](PlainReader &p, Text &) -> int { return p.line(';').has_value(); },
     };
     Text found;
-    const int character = isAtEnd() ? -1 : static_cast<signed char>(text[position]);
+    const int character = isAtEnd() ? -1 : static_cast<signed char>(text[at]);
     const bool isCharacter = reader == READERS - 1;
-    position += isCharacter && !isAtEnd();
+    at += isCharacter && !isAtEnd();
     const int answer = isCharacter ? character : READINGS[reader](*this, found);
-    return told(answer, found.value_or(""), static_cast<int64_t>(position), false);
+    return told(answer, found.value_or(""), static_cast<int64_t>(at), false);
 }
 
 namespace

@@ -3,18 +3,14 @@
 #pragma once
 
 #include "UT/UT_IStream.h"
+#include "tests/support/PlainScanner.h"
 
 #include <optional>
-#include <string>
 
-struct PlainReader {
+struct PlainReader : PlainScanner {
     using Text = std::optional<std::string>;
     static constexpr size_t READERS = 9;
 
-    std::string text;
-    size_t position = 0;
-
-    bool isAtEnd() const { return position == text.size(); }
     bool skipSpace();
     Text line(char delimiter);
     Text word();

@@ -1,6 +1,7 @@
 #include "tests/support/PlainText.h"
 
 #include "UT/UT_String.h"
+#include "tests/support/PlainScanner.h"
 
 #include <algorithm>
 #include <cctype>
@@ -20,74 +21,38 @@ bool same(char a, char b, bool caseSensitive)
                                std::toupper(static_cast<unsigned char>(b));
 }
 
-// Reads the word at `i`, which is moved behind it.
-std::string plainWord(const std::string &text, size_t &i)
+// What stands behind the quote here up to its like with no backslash in front, or the end.
+std::string takeQuoted(PlainScanner &in)
 {
-    std::string word;
-    char previous = '\0';
-    while (i < text.size() && !isSpace(text[i])) {
-        const char c = text[i++];
-        if (c != '"' && c != '\'') {
-            word += c;
-        } else if (previous == '\\') {
-            word.back() = c;
-        } else {
-            while (i < text.size() && (text[i] != c || text[i - 1] == '\\'))
-                word += text[i++];
-            if (i < text.size())
-                ++i;
-        }
-        previous = c;
-    }
-    return word;
+    const std::string quote(1, in.text[in.at++]);
+    const std::string inside = in.take(("([^\\\\" + quote + "]|\\\\" + quote + "?)*").c_str());
+    in.take((quote + "?").c_str());
+    return inside;
 }
 
-// Where the run of these characters and of letters and digits ends.
-size_t endOfName(const std::string &text, size_t i, char also)
-{
-    while (i < text.size() &&
-           (std::isalnum(static_cast<unsigned char>(text[i])) != 0 || text[i] == also))
-        ++i;
-    return i;
-}
-
-// Behind the next `end`, or the end of the text.
-size_t behind(const std::string &text, const char *end, size_t from)
-{
-    const size_t at = text.find(end, from);
-    return at == std::string::npos ? text.size() : at + std::strlen(end);
-}
-
-// The like of the quote at `i` that no backslash precedes, or the end.
-size_t closingQuote(const std::string &text, size_t i)
-{
-    size_t at = i + 1;
-    while (at < text.size() && (text[at] != text[i] || text[at - 1] == '\\'))
-        ++at;
-    return at;
-}
-
-// Behind the '}' for the '{' at `i`; npos without one.
-size_t behindBraces(const std::string &text, size_t i)
+// "{...}" with as many of each; "" when they do not come out even.
+std::string takeBraces(PlainScanner &in)
 {
     int depth = 0;
-    for (; i < text.size(); ++i) {
-        depth += (text[i] == '{') - (text[i] == '}');
+    for (size_t i = in.at, start = i; i < in.text.size(); ++i) {
+        depth += (in.text[i] == '{') - (in.text[i] == '}');
         if (depth == 0)
-            return i + 1;
+            return in.text.substr(start, (in.at = i + 1) - start);
     }
-    return std::string::npos;
+    return "";
 }
 } // namespace
 
 std::vector<std::string> plainSplitWords(const std::string &text)
 {
     std::vector<std::string> words;
-    for (size_t i = 0; i < text.size();) {
-        if (isSpace(text[i]))
-            ++i;
-        else
-            words.push_back(plainWord(text, i));
+    for (PlainScanner in{text}; in.take("\\s*"), !in.isAtEnd();) {
+        words.emplace_back();
+        for (std::string plain; !in.isAtEnd() && !isSpace(in.next());) {
+            if ((plain = in.take("[^\\s\"']*[^\\s\"'\\\\]|\\\\(?![\"'])")).empty())
+                plain = in.took("\\\\") ? in.take("[\"']") : takeQuoted(in);
+            words.back() += plain;
+        }
     }
     return words;
 }
@@ -137,53 +102,45 @@ std::string PlainExpansion::valueOf(const std::string &name, const std::string &
     return modified.toStdString();
 }
 
-std::string PlainExpansion::of(const std::string &in, bool isNested)
+std::string PlainExpansion::of(const std::string &text, bool isNested)
 {
-    std::string out;
+    static const char *const COMMENT = "//[^\\n]*\\n?|/\\*([^*]|\\*(?!/))*(\\*/)?";
+    std::string out, name;
     char previous = '\0';
     size_t commentEnd = 0;
-    for (size_t i = 0, next; i < in.size(); i = next) {
-        const char c = in[i];
-        const char following = i + 1 < in.size() ? in[i + 1] : '\0';
-        next = i + 1;
-        const bool isEscaped = previous == '\\' && std::strchr("`$~'", c) != nullptr;
-        const bool startsWord = previous == '\0' || isSpace(previous);
-        const bool isComment = c == '/' && (following == '/' || following == '*');
-        if (previous == '\\' && c == '\\') {
-            previous = '\0';
-            continue;
-        }
+    for (PlainScanner in{text}; !in.isAtEnd();) {
+        const size_t start = in.at;
+        const char c = in.next();
+        const bool isEscaped = previous == '\\' && std::strchr("`$~'\\", c) != nullptr;
         if (isEscaped)
             out.pop_back();
-        else if (isComment && !inComments && !isNested && i >= commentEnd)
-            commentEnd = behind(in, following == '/' ? "\n" : "*/", i + 2);
-        if (isEscaped || i < commentEnd) {
-            out += c;
-        } else if (c == '$' && following == '{') {
-            next = behindBraces(in, i + 1);
-            if (next == std::string::npos)
-                return out + in.substr(i);
-            out += valueOf(of(in.substr(i + 2, next - i - 3), true), "");
-        } else if (c == '$' && endOfName(in, i + 1, '_') > i + 1) {
-            const size_t end = endOfName(in, i + 1, '_');
-            const int length = in[end] == ':' ? UT_String::modifierNameLength(&in[end]) : 0;
-            next = end + static_cast<size_t>(length);
-            out += valueOf(in.substr(i + 1, end - i - 1), in.substr(end, next - end));
-        } else if (c == '~' && startsWord) {
-            next = endOfName(in, i + 1, '\0');
-            out += next == i + 1 ? home : in.substr(i, next - i);
-            count += next == i + 1;
+        else if (!inComments && !isNested && start >= commentEnd)
+            commentEnd = start + PlainScanner{text, start}.take(COMMENT).size();
+        if (isEscaped || start < commentEnd) {
+            out += text[in.at++];
+        } else if (in.took("\\$(?=\\{)")) {
+            const std::string braces = takeBraces(in);
+            if (braces.empty())
+                return out + text.substr(start);
+            out += valueOf(of(braces.substr(1, braces.size() - 2), true), "");
+        } else if (!(name = in.take("\\$\\w+")).empty()) {
+            const int length = in.next() == ':' ? UT_String::modifierNameLength(&text[in.at]) : 0;
+            const std::string modifiers = text.substr(in.at, static_cast<size_t>(length));
+            in.at += modifiers.size();
+            out += valueOf(name.substr(1), modifiers);
+        } else if (c == '~' && (previous == '\0' || isSpace(previous))) {
+            name = in.take("~[A-Za-z0-9]*");
+            out += name == "~" ? home : name;
+            count += name == "~";
         } else if (c == '`' && runsCommands && !isNested) {
-            next = std::min(closingQuote(in, i) + 1, in.size());
-            out += '<' + in.substr(i + 1, closingQuote(in, i) - i - 1) + '>';
+            out += '<' + takeQuoted(in) + '>';
             ++count;
-        } else if (c == '\'') {
-            next = std::min(closingQuote(in, i) + 1, in.size());
-            out += in.substr(i + 1, closingQuote(in, i) - i - 1);
         } else {
-            out += c;
+            out += c == '\'' ? takeQuoted(in) : std::string(1, text[in.at++]);
+            previous = c == '\'' ? '\0' : c;
+            continue;
         }
-        previous = c == '\'' && !isEscaped && i >= commentEnd ? '\0' : in[next - 1];
+        previous = isEscaped && c == '\\' ? '\0' : text[in.at - 1];
     }
     return out;
 }

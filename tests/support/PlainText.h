@@ -21,7 +21,7 @@ struct PlainExpansion {
     bool inComments = true;
     int count = 0; // of replacements so far
 
-    std::string of(const std::string &in, bool isNested = false);
+    std::string of(const std::string &text, bool isNested = false);
 
 private:
     std::string valueOf(const std::string &name, const std::string &modifiers);
