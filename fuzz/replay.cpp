@@ -13,8 +13,7 @@ int main(int argc, char *argv[])
         for (const auto &entry : std::filesystem::directory_iterator(argv[i])) {
             std::printf("%s\n", entry.path().c_str());
             std::ifstream in(entry.path(), std::ios::binary);
-            const std::string bytes(std::istreambuf_iterator<char>(in), {});
-            LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size());
+            fuzz(std::string(std::istreambuf_iterator<char>(in), {}));
             ++count;
         }
     }

@@ -33,12 +33,12 @@ std::string piecesOf(const std::string &text)
     return isWritten && manager.openFile(thePath.c_str(), false) ? allPieces(manager) : "";
 }
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
-    std::string text = fuzzText(data, size) + '\n';
+    std::string text = bytes + '\n';
     OneFile manager;
     parseOptions(manager, "-P");
-    UT_IStream in(text.data(), static_cast<int>(text.size()), false);
+    UT_IStream in = streamOver(text);
     const bool isOpen = manager.openStream(&in, thePath.c_str());
     const std::string out = isOpen ? allLines(manager) : "";
     fuzzExpectEqual(out, piecesOf(text));
@@ -50,5 +50,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (size_t i; (i = text.find_first_of(special)) != std::string::npos;)
         text[i] = 'x';
     fuzzExpectEqual(text, preprocessed("-P -ULINUX", text));
-    return 0;
 }

@@ -4,22 +4,22 @@
 #include "tests/support/PlainMacros.h"
 #include "tests/support/preprocessed.h"
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
-    const std::string text = fuzzText(data, size).c_str();
+    const std::string text = bytes.c_str();
     const size_t gap = text.find("\n\n");
     CPP_Manager manager;
-    UT_IStream in("", 0, false);
+    UT_IStream in = streamOver("");
     parseOptions(manager, "-P -ULINUX");
-    if (size > 300 || gap == std::string::npos || !manager.openStream(&in, "in"))
-        return 0;
+    if (bytes.size() > 300 || gap == std::string::npos || !manager.openStream(&in, "in"))
+        return;
     PlainMacros plain;
     UT_String result;
     for (size_t i = 0, end; i <= gap; i = end + 1) {
         end = text.find('\n', i);
         const std::string definition = text.substr(i, end - i);
-        manager.defineMacro(definition.c_str(), result, size % 2 != 0);
-        fuzzExpectEqual(plain.define(definition, size % 2 != 0),
+        manager.defineMacro(definition.c_str(), result, bytes.size() % 2 != 0);
+        fuzzExpectEqual(plain.define(definition, bytes.size() % 2 != 0),
                         std::string(result.text()) != "\n");
     }
     result.assignCopy("");
@@ -28,5 +28,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     fuzzExpectEqual(isGood,
                     manager.expandLine(*manager.currentFile(), text.c_str() + gap + 2, result, 4));
     fuzzExpectEqual(expected, result.text());
-    return 0;
 }

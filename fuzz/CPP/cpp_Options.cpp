@@ -6,9 +6,9 @@
 #include <unistd.h>
 #include <vector>
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
-    std::string text = fuzzText(data, size) + '\0';
+    std::string text = bytes + '\0';
     std::vector<char *> words;
     for (size_t i = 0; i < text.size(); i = text.find('\0', i) + 1)
         words.push_back(&text[i]);
@@ -22,9 +22,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     fuzzExpectEqual(true, first >= 0 && first <= count);
     fuzzExpectEqual(first, CPP_Manager().parseOptions(count, words.data()));
     fuzzExpectEqual(7, optind);
-    UT_IStream in("1 + 2\n", 6, false);
+    UT_IStream in = streamOver("1 + 2\n");
     const bool isOpen = manager.openStream(&in, "in");
     const std::string out = isOpen ? allLines(manager) : "";
     fuzzExpectEqual("1 + 2\n", out.substr(out.size() < 6 ? 0 : out.size() - 6));
-    return 0;
 }

@@ -9,10 +9,10 @@
 #include <algorithm>
 #include <regex>
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
     const UT_EnvControl &settings = UT_EnvControl::instance();
-    std::string text = fuzzText(data, size).c_str();
+    std::string text = bytes.c_str();
     std::smatch digits;
     std::regex_search(text, digits, std::regex("^[ \\t\\n\\v\\f\\r]*([-+]?[0-9]+)"));
     const double whole = digits.empty() ? 0 : std::strtod(digits.str(1).c_str(), nullptr);
@@ -33,5 +33,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     std::replace(text.begin(), text.end(), '\\', '/');
     fuzzExpectEqual(text, settings.getString(ENV_VELDRIN_ZEL_DEFAULT_MATTE));
     fuzzExpectEqual(text, UTgetenv("VELDRIN_ZEL_DEFAULT_MATTE"));
-    return 0;
 }

@@ -11,9 +11,9 @@ static const char *lookUp(const char *name, void *)
     return std::strchr(name, 'x') == nullptr ? name : nullptr;
 }
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
-    const std::string text = fuzzText(data, size).c_str();
+    const std::string text = bytes.c_str();
     UT_ScratchBuffer out;
     for (const bool inComments : {false, true}) {
         const int count = UTexpandVariables(out, text.c_str(), lookUp, nullptr, false, inComments);
@@ -21,5 +21,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
     if (text.find_first_of("$'\\") == text.npos)
         fuzzExpectEqual(text, out.buffer());
-    return 0;
 }

@@ -8,18 +8,17 @@
 
 #include <cstring>
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
     uint64_t cuts = 0;
-    if (size < sizeof cuts)
-        return 0;
-    std::memcpy(&cuts, data, sizeof cuts);
-    const std::string text = fuzzText(data + sizeof cuts, size - sizeof cuts);
+    if (bytes.size() < sizeof cuts)
+        return;
+    std::memcpy(&cuts, bytes.data(), sizeof cuts);
+    const std::string text = bytes.substr(sizeof cuts);
     UT_IStream is(new TrickleSource(text, cuts), false);
     PlainReader plain{text};
     for (size_t reads = 0; reads <= text.size(); ++reads) {
         const auto reader = static_cast<size_t>((cuts >> reads % 60) % PlainReader::READERS);
         fuzzExpectEqual(plain.read(reader), readFrom(is, reader));
     }
-    return 0;
 }

@@ -28,11 +28,11 @@ static std::string plainFolders(const std::string &pattern, bool isDefault)
     return all;
 }
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
     static const ScratchDirectory scratch;
     static const ScopedVariable home("HOME", scratch.path().c_str()), vip("VIP", "vip");
-    const std::string pattern = fuzzText(data, size).c_str();
+    const std::string pattern = bytes.c_str();
     UT_PathSearch path(pattern.c_str(), -1, "class", -1);
     const std::string folders = joined(path.getAllDirs().toVector());
     fuzzExpectEqual(path.getAllDirs().entries(), path.getAbbreviatedDirs().entries());
@@ -40,5 +40,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         fuzzExpectEqual(plainFolders(pattern, false), folders);
     path.rebuild();
     fuzzExpectEqual(folders, joined(path.getAllDirs().toVector()));
-    return 0;
 }

@@ -4,6 +4,7 @@
 #include "UT/UT_IZStream.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "fuzz/fuzz.h"
+#include "tests/support/PlainReader.h"
 
 static std::string readAll(UT_IStream &in)
 {
@@ -22,12 +23,9 @@ static void check(UT_IStream &&in)
         fuzzExpectEqual(all, readAll(in));
 }
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
-    const char *bytes = reinterpret_cast<const char *>(data);
-    UT_IStream forZLib(bytes, static_cast<int>(size), true);
+    UT_IStream forZLib = streamOver(bytes, true), forGZip = streamOver(bytes, true);
     check(UT_IZStream(forZLib));
-    UT_IStream forGZip(bytes, static_cast<int>(size), true);
     check(UT_IGZStream(forGZip));
-    return 0;
 }

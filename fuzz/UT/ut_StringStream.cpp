@@ -1,8 +1,8 @@
 // Any bytes are read as the binary string that their plain reading gives, and any text
 // is loaded as it was saved, in both forms.
-#include "UT/UT_IStream.h"
 #include "UT/UT_String.h"
 #include "fuzz/fuzz.h"
+#include "tests/support/PlainReader.h"
 
 #include <cstring>
 #include <sstream>
@@ -23,11 +23,10 @@ static std::string plainBinaryString(const std::string &bytes, size_t width)
     return "unread";
 }
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &bytes)
 {
-    const std::string bytes = fuzzText(data, size);
     for (const int width : {1, 2, 4, 8}) {
-        UT_IStream is(bytes.data(), static_cast<int>(size), true);
+        UT_IStream is = streamOver(bytes, true);
         UT_String found("unread");
         const bool isRead = is.readBinaryString(found, 8 * width);
         fuzzExpectEqual(plainBinaryString(bytes, static_cast<size_t>(width)), found.text());
@@ -38,7 +37,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         std::ostringstream os;
         const bool isSaved = text.save(os, binary);
         const std::string saved = os.str();
-        UT_IStream is(saved.data(), static_cast<int>(saved.size()), binary);
+        UT_IStream is = streamOver(saved, binary);
         UT_String loaded;
         const bool isLoaded = loaded.load(is);
         // A leading backslash and carriage returns are only kept by quotes.
@@ -46,5 +45,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             (text[0] != '\\' && std::strchr(text, '\r') == nullptr))
             fuzzExpectEqual(text.text(), isSaved && isLoaded ? loaded.text() : "not loaded");
     }
-    return 0;
 }

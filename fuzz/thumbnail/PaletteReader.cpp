@@ -43,7 +43,7 @@ static std::string plainRun(const std::string &text)
     return "";
 }
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+void fuzz(const std::string &text)
 {
     static const ScratchDirectory scratch;
     static const ScopedVariable home("HOME", scratch.path().c_str());
@@ -53,9 +53,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const RecordingRenderer renderer;
     const ScopedVariable path("PATH", (renderer.folder() + ":/usr/bin:/bin").c_str());
     theQuietFlag = 1;
-    const std::string text = fuzzText(data, size);
     UT_Args args;
     readPalette(scratch.write("x.palette", text).c_str(), args);
     fuzzExpectEqual(plainRun(text), renderer.commands() + renderer.scene());
-    return 0;
 }

@@ -66,7 +66,7 @@ TEST(Preprocessor, FilesInPiecesAreStreamsInLines)
             CPP_Manager byLines, byPieces;
             parseOptions(byLines, options);
             parseOptions(byPieces, options);
-            UT_IStream in(text.data(), static_cast<int>(text.size()), false);
+            UT_IStream in = streamOver(text);
             ASSERT_TRUE(byLines.openStream(&in, path.c_str()) &&
                         byPieces.openFile(path.c_str(), false));
             ASSERT_EQ(allLines(byLines), allPieces(byPieces)) << options << '\n' << text;

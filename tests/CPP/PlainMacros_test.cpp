@@ -35,7 +35,7 @@ protected:
 
     void expectSameExpansion(const std::string &text, const std::string &further, int limit = 4)
     {
-        UT_IStream in(further.data(), static_cast<int>(further.size()), false);
+        UT_IStream in = streamOver(further);
         auto *file = new CPP_File(new cpp_DefStream);
         file->getStream()->setStream(&in);
         UT_String result("");

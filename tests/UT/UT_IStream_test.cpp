@@ -13,20 +13,12 @@
 #include <gtest/gtest.h>
 #include <iomanip>
 #include <sstream>
-#include <string>
-#include <string_view>
 
 namespace
 {
 std::string textOf(const UT_ScratchBuffer &buffer)
 {
     return std::string(buffer.buffer(), static_cast<size_t>(buffer.length()));
-}
-
-// The text must outlive the stream.
-UT_IStream streamOver(std::string_view text, bool binary = false)
-{
-    return UT_IStream(text.data(), static_cast<int>(text.size()), binary);
 }
 
 constexpr size_t READERS = PlainReader::READERS;
@@ -126,15 +118,6 @@ TEST(IStream, BinaryValuesAreBigEndian)
 {
     expectBigEndian<int16_t, uint16_t, int32_t, uint32_t, int64_t, uint64_t, float, double>(
         "0123456789abcdef\xff");
-}
-
-TEST(IStream, BinaryStringsMayBeLong)
-{
-    const std::string longText(70000, 'x');
-    const std::string saved = std::string("\xff\xff\0\1\x11\x70", 6) + longText;
-    UT_String text;
-    EXPECT_TRUE(streamOver(saved, true).readBinaryString(text, 16));
-    EXPECT_EQ(longText, text.text());
 }
 
 TEST(IStream, StringsAreReadInTheFormAskedForAndFormsAreRestored)

@@ -4,21 +4,13 @@
 #include "UT/UT_IGZStream.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "tests/support/Deflated.h"
+#include "tests/support/PlainReader.h"
 #include "tests/support/ScratchDirectory.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
 #include <vector>
-
-namespace
-{
-UT_IStream streamOver(const std::string &bytes)
-{
-    return UT_IStream(bytes.data(), static_cast<int>(bytes.size()), true);
-}
-} // namespace
 
 TEST(IZStream, WhatOtherProgramsWroteIsReadUpToTheEndOfItsFirstMember)
 {
@@ -57,7 +49,7 @@ TEST(IZStream, CorruptDataAreAnErrorAndTruncatedOnesTheEnd)
         {"plain text", "data error"}, {cut + "?", "data error"}, {cut, nullptr}, {"", nullptr}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.bytes);
-        UT_IStream src = streamOver(c.bytes);
+        UT_IStream src = streamOver(c.bytes, true);
         UT_IZStream is(src);
         UT_ScratchBuffer text;
         while (is.getLine(text, '\n')) {
@@ -81,7 +73,7 @@ TEST(IGZStream, FieldsOfTheHeaderAreSkippedAndOtherHeadersFailAtTheFirstRead)
     for (size_t length = 0; length < 10 + 302 + 13 + 2; ++length)
         bad.push_back(all.substr(0, length));
     const auto read = [](const std::string &bytes) {
-        UT_IStream src = streamOver(bytes);
+        UT_IStream src = streamOver(bytes, true);
         UT_IGZStream is(src);
         UT_ScratchBuffer word;
         const bool isEarly = is.hasError(), isThere = is.getWord(word);

@@ -6,6 +6,7 @@
 #include "tests/support/PlainScanner.h"
 
 #include <optional>
+#include <string_view>
 
 struct PlainReader : PlainScanner {
     using Text = std::optional<std::string>;
@@ -24,3 +25,9 @@ struct PlainReader : PlainScanner {
 
 // The same with the stream's readers.
 std::string readFrom(UT_IStream &is, size_t reader);
+
+// A stream over a text that outlives it.
+inline UT_IStream streamOver(std::string_view text, bool binary = false)
+{
+    return UT_IStream(text.data(), static_cast<int>(text.size()), binary);
+}

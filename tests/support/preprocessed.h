@@ -2,8 +2,8 @@
 #pragma once
 
 #include "CPP/CPP_Manager.h"
-#include "UT/UT_IStream.h"
 #include "UT/UT_WordList.h"
+#include "tests/support/PlainReader.h"
 #include "tests/support/PlainText.h"
 
 #include <string>
@@ -43,7 +43,7 @@ inline std::string preprocessed(const std::string &options, const std::string &t
 {
     CPP_Manager manager;
     parseOptions(manager, options);
-    UT_IStream in(text.data(), static_cast<int>(text.size()), false);
+    UT_IStream in = streamOver(text);
     if (!manager.openStream(&in, "in"))
         return "cannot open the stream";
     return allLines(manager);
