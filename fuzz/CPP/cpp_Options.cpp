@@ -4,7 +4,6 @@
 #include "tests/support/preprocessed.h"
 
 #include <unistd.h>
-#include <vector>
 
 void fuzz(const std::string &bytes)
 {

@@ -1,7 +1,6 @@
 // Any text may be a variable's value: an integer is what its digits say, as far as the
 // range allows; a float lies in its range and is the same when it is written out; a
 // string only loses its backslashes.
-#include "UT/UT_EnvControl.h"
 
 #include "fuzz/fuzz.h"
 #include "tests/support/ScopedVariable.h"

@@ -1,6 +1,5 @@
 // Eight bytes say where the rest is cut into chunks, and in which order the readers
 // read it: they find what their plain twins do.
-#include "UT/UT_IStream.h"
 
 #include "fuzz/fuzz.h"
 #include "tests/support/PlainReader.h"

@@ -5,9 +5,6 @@
 #include "tests/support/PlainReader.h"
 #include "tests/support/ScratchDirectory.h"
 
-#include <map>
-#include <regex>
-
 static std::string plainMessage(std::string text)
 {
     text.erase(text.find_last_not_of("\r\n\v\f") + 1);

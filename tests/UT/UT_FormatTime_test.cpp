@@ -9,7 +9,6 @@
 #include <locale>
 #include <map>
 #include <sstream>
-#include <string>
 
 namespace
 {

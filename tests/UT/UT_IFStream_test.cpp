@@ -8,7 +8,6 @@
 #include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <string>
 
 TEST(IFStream, WithoutAFileItIsAtItsEndAndWithoutAnError)
 {

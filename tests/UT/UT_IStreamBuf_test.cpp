@@ -8,14 +8,10 @@
 #include "tests/support/Random.h"
 #include "tests/support/ScratchDirectory.h"
 
-#include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <sstream>
-#include <string>
 #include <unistd.h>
 
 namespace

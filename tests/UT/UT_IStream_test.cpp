@@ -1,7 +1,6 @@
 #include "UT/UT_IStream.h"
 
 #include "UT/UT_ScratchBuffer.h"
-#include "UT/UT_String.h"
 #include "tests/support/Cases.h"
 #include "tests/support/PlainReader.h"
 #include "tests/support/PlainText.h"
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <iomanip>
 #include <sstream>
 

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <iostream>
-#include <string>
 
 namespace
 {
