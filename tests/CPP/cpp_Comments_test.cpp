@@ -1,7 +1,6 @@
 #include "CPP/cpp_Comments.h"
 
 #include "UT/UT_ScratchBuffer.h"
-#include "tests/support/PlainComments.h"
 #include "tests/support/preprocessed.h"
 
 #include <gtest/gtest.h>

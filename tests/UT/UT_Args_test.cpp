@@ -13,15 +13,12 @@ namespace
 struct Line {
     explicit Line(const std::string &line) : words(plainSplitWords(line))
     {
-        for (std::string &word : words)
-            argv.push_back(word.data());
-        argv.push_back(nullptr);
         args.initialize(argc(), argv.data());
     }
     int argc() const { return static_cast<int>(words.size()); }
 
     std::vector<std::string> words;
-    std::vector<char *> argv;
+    std::vector<char *> argv = pointersTo(words);
     UT_Args args;
 };
 

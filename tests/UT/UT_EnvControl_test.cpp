@@ -77,15 +77,15 @@ TEST(EnvControl, OnlyThePrimaryNameOfASettingIsReadAndUpdated)
 
 TEST(EnvControl, NamesAreFoundByEnumerator)
 {
-    const auto names = [](auto setting) {
-        return orNull(UT_EnvControl::getVariableName(setting)) + ' ' +
-               orNull(UT_EnvControl::getOldVariableName(setting)) + '|';
+    const auto names = [](auto... setting) {
+        return ((orNull(UT_EnvControl::getVariableName(setting)) + ' ' +
+                 orNull(UT_EnvControl::getOldVariableName(setting)) + '|') +
+                ...);
     };
-    EXPECT_EQ("VELDRIN_AUDIT_IO img_ioState|FPS (null)|(null) (null)|",
-              names(ENV_VELDRIN_AUDIT_IO) + names(ENV_FPS) + names(UT_NUM_INT_CONTROLS));
-    EXPECT_EQ("VELDRIN_WF_GAMMA WF_GAMMA|(null) (null)|(null) (null)|",
-              names(ENV_VELDRIN_WF_GAMMA) + names(UT_NUM_FLOAT_CONTROLS) +
-                  names(UT_NUM_STR_CONTROLS));
+    EXPECT_EQ("VELDRIN_AUDIT_IO img_ioState|FPS (null)|VELDRIN_WF_GAMMA WF_GAMMA|",
+              names(ENV_VELDRIN_AUDIT_IO, ENV_FPS, ENV_VELDRIN_WF_GAMMA));
+    EXPECT_EQ("(null) (null)|(null) (null)|(null) (null)|",
+              names(UT_NUM_INT_CONTROLS, UT_NUM_FLOAT_CONTROLS, UT_NUM_STR_CONTROLS));
 }
 
 TEST(EnvControl, FirstUseComputesAndExportsDefaults)

@@ -66,10 +66,7 @@ TEST(Environment, AReplacedEnvironmentIsCopiedAgain)
                 "(null) -> (null)"},
                [](const char *in) {
                    std::vector<std::string> texts = plainSplitWords(in != nullptr ? in : "");
-                   std::vector<char *> foreign;
-                   for (std::string &text : texts)
-                       foreign.push_back(text.data());
-                   foreign.push_back(nullptr);
+                   std::vector<char *> foreign = pointersTo(texts);
                    environ = in != nullptr ? foreign.data() : nullptr;
                    std::string found = orNull(UTgetenv("B"));
                    for (const std::string &entry : entries())

@@ -1,4 +1,4 @@
-#include "tests/support/PlainComments.h"
+#include "tests/support/PlainText.h"
 
 namespace
 {

@@ -153,6 +153,15 @@ std::string joined(const std::vector<std::string> &words)
     return all;
 }
 
+std::vector<char *> pointersTo(std::vector<std::string> &texts)
+{
+    std::vector<char *> pointers;
+    for (std::string &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 std::string repeated(const std::string &text, int times)
 {
     std::string all;

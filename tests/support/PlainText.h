@@ -12,6 +12,9 @@ std::vector<std::string> plainSplitWords(const std::string &text);
 // What UT_String::match answers.
 bool plainMatch(const char *text, const char *pattern, bool caseSensitive);
 
+// What stripComments leaves of `line`; `isOpen` is its argument and its result.
+std::string plainStripComments(const std::string &line, bool bySlash, bool byHash, bool &isOpen);
+
 // What UTexpandVariables makes of a text when it looks names up in `variables`, `home`
 // is HOME, no user is known and a command's output is "<command>". Recursive.
 struct PlainExpansion {
@@ -29,6 +32,9 @@ private:
 
 // The words with a '|' behind each.
 std::string joined(const std::vector<std::string> &words);
+
+// As an argument vector or an environment: with a null behind them.
+std::vector<char *> pointersTo(std::vector<std::string> &texts);
 
 std::string repeated(const std::string &text, int times);
 

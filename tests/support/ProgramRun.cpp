@@ -1,24 +1,11 @@
 #include "tests/support/ProgramRun.h"
 
+#include "tests/support/PlainText.h"
 #include "tests/support/ScratchDirectory.h"
 
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
-
-namespace
-{
-
-std::vector<char *> pointersTo(std::vector<std::string> &texts)
-{
-    std::vector<char *> pointers;
-    for (std::string &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-} // namespace
 
 // Files and not pipes: the program may write as much as it likes to each.
 void ProgramRun::run()

@@ -1,8 +1,8 @@
 // Whole runs of the command.
+#include "tests/support/Cases.h"
+#include "tests/support/PlainText.h"
 #include "tests/support/ProgramRun.h"
 #include "tests/support/ScratchDirectory.h"
-
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -10,13 +10,14 @@ class Vcpp : public testing::Test
 {
 protected:
     ProgramRun run(std::vector<std::string> arguments, const std::string &input = "",
-                   const std::string &outputTo = "", const std::string &inputFrom = "")
+                   const std::string &outputTo = "", const std::string &inputFrom = "",
+                   const std::string &folder = "")
     {
         ProgramRun vcpp;
         arguments.insert(arguments.begin(), BIN_DIR "/vcpp");
         vcpp.arguments = arguments;
         vcpp.environment = {"HOME=" + myFolder.path()};
-        vcpp.folder = myFolder.path();
+        vcpp.folder = folder.empty() ? myFolder.path() : folder;
         vcpp.input = input;
         vcpp.outputTo = outputTo;
         vcpp.inputFrom = inputFrom;
@@ -28,21 +29,15 @@ protected:
 };
 } // namespace
 
-TEST_F(Vcpp, SeparatesTextFromDiagnostics)
+TEST_F(Vcpp, RunsFollowTheirTable)
 {
-    const ProgramRun vcpp = run({"-"}, "#define A 1\n#define A 2\n#foo\n#pragma x\nA\n#if 1\n");
-    EXPECT_EQ("# 1 \"stdin\"\n\n\n\n#pragma x\n2\n\n", vcpp.out);
-    EXPECT_EQ("# warning cpp warning: \"stdin\":2 Macro \"A\" redefined.  Using later definition\n"
-              "# error cpp error: \"stdin\":3 Undefined directive \"foo\"\n"
-              "# error cpp error: \"stdin\":6 Missing #endif\n",
-              vcpp.err);
-    EXPECT_EQ(1, vcpp.status);
-}
-
-TEST_F(Vcpp, AWarningAloneIsNoFailure)
-{
-    for (const char *name : {"-", "stdin", "stdin.zel"})
-        EXPECT_EQ(0, run({name}, "#define A 1\n#define A 2\n").status);
+    expectTable(TEST_DATA "/data/runs", [this](const std::string &arguments, const char *in) {
+        const ProgramRun vcpp =
+            run(plainSplitWords(arguments), in, "", "", TEST_DATA "/data/files");
+        const bool isBadUsage = vcpp.status == 2 && !vcpp.err.empty();
+        return std::to_string(vcpp.status) + ' ' + vcpp.out + '|' + (isBadUsage ? "?" : vcpp.err);
+    });
+    EXPECT_EQ(0u, run({"--help"}).out.find("Usage: vcpp [options] FILE\n"));
 }
 
 TEST_F(Vcpp, ReadsTheFileOfAnyName)
@@ -58,59 +53,11 @@ TEST_F(Vcpp, ReadsTheFileOfAnyName)
     }
 }
 
-TEST_F(Vcpp, NamesIncludesAsTheIncludingFileIsNamed)
-{
-    myFolder.write("main.in", "#include \"a.h\"\n#include \"./sub/b.h\"\n");
-    myFolder.write("a.h", "a\n");
-    myFolder.write("sub/a.h", "a below\n");
-    myFolder.write("sub/b.h", "#include \"a.h\"\n#include \"./a.h\"\n");
-    for (const char *name : {"main.in", "./main.in"}) {
-        const std::string marker = std::string("\"") + name + "\"\n";
-        EXPECT_EQ("# 1 " + marker + "\n# 1 \"a.h\"\na\n# 2 " + marker +
-                      "\n# 1 \"./sub/b.h\"\n\n# 1 \"./sub/a.h\"\na below\n"
-                      "# 2 \"./sub/b.h\"\n\n# 1 \"./a.h\"\na\n",
-                  run({name}).out);
-    }
-}
-
 TEST_F(Vcpp, EndsEachDiagnosticWithANewline)
 {
     myFolder.write("new\nline", "'\n");
     EXPECT_EQ("# error cpp error: \"new\nline\":1 Mismatched quotation marks\n",
               run({"new\nline"}).err);
-}
-
-TEST_F(Vcpp, RejectsBadUsageWithoutOutput)
-{
-    const struct {
-        const char *what;
-        std::vector<std::string> arguments;
-    } cases[] = {
-        {"no file", {"-P"}},
-        {"two files", {"a", "b"}},
-        {"an unknown option", {"-q", "a"}},
-        {"an option without its value", {"-D"}},
-        {"a missing file", {"missing"}},
-        {"a folder", {"."}},
-        {"an empty name", {""}},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        const ProgramRun vcpp = run(c.arguments);
-        EXPECT_EQ(2, vcpp.status);
-        EXPECT_EQ("", vcpp.out);
-        EXPECT_NE("", vcpp.err);
-    }
-}
-
-TEST_F(Vcpp, HelpAndVersionComeFirst)
-{
-    EXPECT_EQ("vcpp 9.0.653\n", run({"--version"}).out);
-    EXPECT_EQ("vcpp 9.0.653\n", run({"-P", "-q", "--version"}).out);
-    EXPECT_EQ(2, run({"--", "--version"}).status);
-    const ProgramRun help = run({"--help"});
-    EXPECT_EQ("Usage: vcpp [options] FILE\n", help.out.substr(0, help.out.find('\n') + 1));
-    EXPECT_EQ(0, help.status);
 }
 
 TEST_F(Vcpp, InputThatCannotBeReadIsReported)
