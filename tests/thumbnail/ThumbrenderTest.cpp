@@ -1,6 +1,6 @@
 #include "tests/thumbnail/ThumbrenderTest.h"
 
-#include <algorithm>
+#include <filesystem>
 
 namespace
 {
@@ -11,34 +11,21 @@ const char *const DEFINITIONS[] = {
     "LIGHT_SHADER",   "SHADOW_SHADER", "FOG_SHADER",
 };
 
-std::string showDefinitions()
-{
-    std::string text;
-    for (const std::string name : DEFINITIONS)
-        text += "#ifdef " + name + "\n'" + name + "' " + name + "\n#endif\n";
-    return text;
-}
-
-void addDefault(std::vector<std::string> &settings, const std::string &name,
-                const std::string &value)
-{
-    const auto sets = [&](const std::string &setting) { return setting.rfind(name + "=", 0) == 0; };
-    if (std::none_of(settings.begin(), settings.end(), sets))
-        settings.push_back(name + "=" + value);
-}
-
 } // namespace
 
 ThumbrenderTest::ThumbrenderTest()
 {
-    scratch.makeDirectory("runs");
+    std::filesystem::copy(TEST_DATA "/data/palettes", path("runs"));
     scratch.makeDirectory("home");
-    withTemplate(showDefinitions());
+    std::string shown;
+    for (const std::string name : DEFINITIONS)
+        shown += "#ifdef " + name + "\n'" + name + "' " + name + "\n#endif\n";
+    withTemplate(shown);
 }
 
-void ThumbrenderTest::withPalette(const std::string &name, const std::string &text) const
+std::string ThumbrenderTest::withPalette(const std::string &name, const std::string &text) const
 {
-    scratch.write("runs/" + name, text);
+    return scratch.write("runs/" + name, text);
 }
 
 void ThumbrenderTest::withTemplate(const std::string &text) const
@@ -53,11 +40,20 @@ ProgramRun ThumbrenderTest::thumbrender(const std::vector<std::string> &argument
     ProgramRun program;
     program.arguments = {BIN_DIR "/thumbrender"};
     program.arguments.insert(program.arguments.end(), arguments.begin(), arguments.end());
-    program.environment = settings;
-    addDefault(program.environment, "HOME", path("home"));
-    addDefault(program.environment, "VDX", path("share"));
-    addDefault(program.environment, "PATH", renderer.folder() + ":/usr/bin:/bin");
+    program.environment = {"HOME=" + path("home"), "VDX=" + path("share"),
+                           "PATH=" + renderer.folder() + ":/usr/bin:/bin"};
+    program.environment.insert(program.environment.end(), settings.begin(), settings.end());
     program.folder = path("runs");
     program.run();
     return program;
+}
+
+std::string ThumbrenderTest::told(const std::vector<std::string> &arguments,
+                                  const std::vector<std::string> &settings) const
+{
+    const size_t commands = renderer.commands().size(), scenes = renderer.scene().size();
+    const ProgramRun run = thumbrender(arguments, settings);
+    const bool isUsage = run.err == fileContents(TEST_DATA "/data/usage");
+    return std::to_string(run.status) + ' ' + run.out + (isUsage ? "usage" : run.err) + '|' +
+           renderer.commands().substr(commands) + '|' + renderer.scene().substr(scenes);
 }

@@ -1,12 +1,12 @@
-// A fixture with all that a run of thumbrender needs: a folder for palettes, the
-// three templates on the main search path, and recording renderers.
+// A fixture with all that a run of thumbrender needs: a folder with the palettes of
+// data/palettes, the three templates on the main search path, and recording renderers.
 #pragma once
 
 #include "tests/support/ProgramRun.h"
 #include "tests/support/RecordingRenderer.h"
 #include "tests/support/ScratchDirectory.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
@@ -16,17 +16,21 @@ class ThumbrenderTest : public ::testing::Test
 protected:
     ThumbrenderTest();
 
-    // Writes a palette (or any other file) into the folder of the runs.
-    void withPalette(const std::string &name, const std::string &text) const;
+    // Writes a palette (or any other file) into the folder of the runs; its path.
+    std::string withPalette(const std::string &name, const std::string &text) const;
 
     // Replaces the templates of all three scene languages. The first ones show
     // each definition in a line: its name in single quotes, a blank, its value.
     void withTemplate(const std::string &text) const;
 
-    // Runs thumbrender in that folder. `settings` ("NAME=value") take the place of
-    // HOME, PATH and VDX or come beside them.
+    // Runs thumbrender in that folder, with further settings ("NAME=value").
     ProgramRun thumbrender(const std::vector<std::string> &arguments,
                            const std::vector<std::string> &settings = {}) const;
+
+    // All that such a run does: "STATUS MESSAGES|COMMANDS|SCENES", where "usage" stands
+    // for the usage text.
+    std::string told(const std::vector<std::string> &arguments,
+                     const std::vector<std::string> &settings = {}) const;
 
     // A file below the folder that holds everything.
     std::string path(const std::string &name) const { return scratch.path(name); }
