@@ -1,34 +1,20 @@
 #include "vaskel/vk_Nearest.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/Cases.h"
 
-TEST(Nearest, DistanceCountsSingleChanges)
+TEST(Nearest, WordsFollowTheirTable)
 {
-    const struct {
-        const char *a, *b;
-        int distance;
-    } cases[] = {
-        {"", "", 0},          {"light", "light", 0}, {"", "fog", 3},          {"lihgt", "light", 1},
-        {"ligt", "light", 1}, {"tube", "cube", 1},   {"spehre", "sphere", 1}, {"grid", "floor", 5},
+    const auto distance = [](const char *in) {
+        const std::string words = in, a = words.substr(0, words.find(' ')),
+                          b = words.substr(a.size() + 1);
+        EXPECT_EQ(vk_distance(a, b), vk_distance(b, a)) << in;
+        return std::to_string(vk_distance(a, b));
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(std::string(c.a) + " " + c.b);
-        EXPECT_EQ(c.distance, vk_distance(c.a, c.b));
-        EXPECT_EQ(c.distance, vk_distance(c.b, c.a));
-    }
-}
-
-TEST(Nearest, PicksTheClosestAndPrefersSameLettersInAnotherCase)
-{
-    EXPECT_EQ("light", vk_nearest("LIGHT", {"fog", "eight", "light"}));
-    EXPECT_EQ("fog", vk_nearest("fgo", {"floor", "fog", "end"}));
+    const auto nearest = [](const char *in) {
+        return std::string(vk_nearest(in, {"fog", "eight", "light", "floor", "end"}));
+    };
+    expectTable(TEST_DATA "/data/words",
+                {{"distance", distance}, {"nearest", nearest}, {"quoted", vk_quoted}});
     EXPECT_EQ("", vk_nearest("fog", {}));
     EXPECT_EQ("end", vk_nearest(std::string(100000, 'x'), {"end"}));
-}
-
-TEST(Nearest, QuotedWordsAreSafeToPrint)
-{
-    EXPECT_EQ("'a?b'", vk_quoted("a\x1b"
-                                 "b"));
-    EXPECT_EQ("'" + std::string(40, 'x') + "...'", vk_quoted(std::string(41, 'x')));
 }

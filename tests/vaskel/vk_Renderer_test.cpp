@@ -1,11 +1,9 @@
 #include "vaskel/vk_Renderer.h"
 
-#include "UT/UT_EnvControl.h"
-#include "UT/UT_Environment.h"
+#include "tests/support/Cases.h"
+#include "tests/support/ScopedVariable.h"
 #include "vaskel/vk_SceneReader.h"
 #include "vaskel/vk_Tracer.h"
-
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -48,20 +46,22 @@ double meanOf(const vk_Film &film, double left, double top, double right, double
     return sum / count;
 }
 
-void expectFinite(const std::string &lines, std::uint32_t rays)
+// "finite", or what becomes of a ray.
+std::string lightOf(const std::string &lines, std::uint32_t rays)
 {
     vk_Scene scene;
     readScene(lines, scene);
     const vk_World world(scene);
     const vk_Tracer tracer(scene, world);
-    ASSERT_EQ("", world.error());
     const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
     for (std::uint32_t i = 0; i < rays; ++i) {
         vk_Sampler sampler(1, i);
         const vk_Vec way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
         const vk_Colour light = tracer.view(scene.camera.from, way, sampler).light();
-        ASSERT_TRUE(vk_isFinite(light) && light.x >= 0 && light.y >= 0 && light.z >= 0);
+        if (!vk_isFinite(light) || light.x < 0 || light.y < 0 || light.z < 0)
+            return "ray " + std::to_string(i);
     }
+    return world.error().empty() ? "finite" : world.error();
 }
 
 template <class Function>
@@ -75,8 +75,7 @@ void expectFiniteAtEnds(const vk_ShaderTable<Function> &table)
                 const std::string line = std::string(table.type) + " " + row.name + " " +
                                          param.name + " " +
                                          (param.kind == VK_NUMBER ? number : three);
-                SCOPED_TRACE(line);
-                expectFinite(line + "\nsphere", 64);
+                EXPECT_EQ("finite", lightOf(line + "\nsphere", 64)) << line;
             }
     if (table.more != nullptr)
         expectFiniteAtEnds(*table.more);
@@ -100,49 +99,18 @@ TEST(Renderer, MatteHalfShowsAsMiddleGrey)
     EXPECT_GT(meanOf(film, .3, .3, .4, .5), meanOf(film, .6, .5, .7, .7) + 20); // lit from the left
 }
 
-TEST(Renderer, ShadersShowWhatTheyDo)
+TEST(Renderer, ConstantsBackdropAndExposureShowWhatTheyDo)
 {
-    const std::string ball = "size 48 48\nsamples 16\n";
-    const vk_Film usual = draw(ball + "sphere\n");
-    // Right behind the ball lies its shadow.
-    const vk_Film bright = draw(ball + "shadow v_noshadow\nsphere\n");
-    EXPECT_GT(meanOf(bright, .75, .75, .95, .85), meanOf(usual, .75, .75, .95, .85) + 5);
-    EXPECT_EQ(255, draw(ball + "surface v_constant color 100\nsphere\n").bytes[3 * (24 * 48 + 24)]);
-    EXPECT_NEAR(128, draw(ball + "background off\nsphere\n").bytes[0], 1);
-    EXPECT_GT(meanOf(draw(ball + "exposure 1\nsphere\n"), 0, 0, 1, 1),
-              meanOf(usual, 0, 0, 1, 1) + 20);
-    EXPECT_NE(usual.bytes, draw(ball + "fog v_fog\nsphere\n").bytes);
-    EXPECT_NE(usual.bytes, draw(ball + "displace v_bumps\nsphere\n").bytes);
+    const std::string ball = "size 48 48\nsamples 16\nsphere\n";
+    EXPECT_EQ(255, draw("surface v_constant color 100\n" + ball).bytes[3 * (24 * 48 + 24)]);
+    EXPECT_NEAR(128, draw("background off\n" + ball).bytes[0], 1);
+    EXPECT_GT(meanOf(draw("exposure 1\n" + ball), 0, 0, 1, 1), meanOf(draw(ball), 0, 0, 1, 1) + 20);
 }
 
 TEST(Renderer, OddScenesGiveFiniteLight)
 {
-    const char *const scenes[] = {
-        "camera from 0 1 0 at 0 1 5\nsphere",
-        "camera from 0 0 5 at 0 0 0\nsphere",
-        "camera from 0 -3 5 at 0 1 0\nsphere",
-        "surface v_plastic rough 0 ior 1\nsphere",
-        "surface v_metal rough 0\nsphere\ntranslate 0 0 1\nsphere",
-        "lightplace from 0 1 0 to 0 1 .01\nlight v_area\nlight v_point\nlight v_spot\nsphere",
-        "light v_point color 1000 intensity 1000 radius 0\nsphere",
-        "light v_area intensity 0\nlight v_area intensity 0\nlight v_area intensity 0\nsphere",
-        "displace v_bumps height .5 size .05\nsphere radius .01",
-        "displace v_bricks height -.5 mortar 0\nsphere radius .001\nteapot width .01",
-        "fog v_fog density 100 radius 1000\nsphere",
-        "fog v_fog radius 0\nsphere",
-        "scale 5000\nsphere",
-        "floor v_checker size .001",
-        "floor v_carpaint size .001",
-        "camera from 6e5 7e5 8e5 at 0 0 0",
-        "surface v_glass\ncamera from 0 1 .5 at 0 1 5\nsphere",
-        "surface v_glass ior 1\ngrid\nsurface v_frosted rough 0\ntranslate 0 0 1\nsphere",
-        "surface v_wax\nscale 1 .001 1\nsphere",
-        "fog v_groundfog height .01\ncamera from 0 -5 0 at 0 0 0 up 0 0 1\nsphere",
-    };
-    for (const char *lines : scenes) {
-        SCOPED_TRACE(lines);
-        expectFinite(lines, 512);
-    }
+    expectTable(TEST_DATA "/data/odd_scenes",
+                {{"light", [](const char *in) { return lightOf(in, 512); }}});
 }
 
 TEST(Renderer, ParametersAtTheirEndsGiveFiniteLight)
@@ -156,21 +124,15 @@ TEST(Renderer, ParametersAtTheirEndsGiveFiniteLight)
 
 TEST(Renderer, ThreadCountFollowsTheSetting)
 {
-    static constexpr char NAME[] = "VELDRIN_MAXTHREADS";
-    const auto counted = [](const char *value) {
-        UTsetenv(NAME, value);
-        UT_EnvControl::instance().updateVariable(NAME);
-        return vk_threadCount();
-    };
-    EXPECT_EQ(1, counted("1"));
-    EXPECT_EQ(7, counted("7"));
-    EXPECT_EQ(100, counted("101"));
-    const int detected = counted("0");
+    ScopedVariable setting("VELDRIN_MAXTHREADS", nullptr);
+    const int detected = vk_threadCount();
     EXPECT_GE(detected, 1);
-    EXPECT_EQ(detected, counted("-1"));
-    UTunsetenv(NAME);
-    UT_EnvControl::instance().updateVariable(NAME);
-    EXPECT_EQ(detected, vk_threadCount());
+    const std::pair<const char *, int> cases[] = {
+        {"1", 1}, {"7", 7}, {"101", 100}, {"0", detected}, {"-1", detected}};
+    for (const auto &[value, count] : cases) {
+        setting.set(value);
+        EXPECT_EQ(count, vk_threadCount()) << value;
+    }
 }
 
 TEST(Film, CurveKeepsMiddleGreyAndRisesToWhite)
