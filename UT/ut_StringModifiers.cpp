@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <iterator>
 
 namespace
 {
@@ -78,6 +79,9 @@ void substitute(std::string &text, const char *rest, bool all)
     text = edited.toStdString();
 }
 
+// For any other letter. With 'g' its words are joined anew all the same.
+void keepAll(std::string &, const char *, bool) {}
+
 const struct {
     char letter;
     Modify modify;
@@ -115,14 +119,14 @@ void applyOne(std::string &text, const char *modifier)
     bool all = false;
     for (; *modifier == 'g' || *modifier == 'a'; ++modifier)
         (*modifier == 'g' ? eachWord : all) = true;
-    for (const auto &row : MODIFIERS) {
-        if (row.letter != *modifier)
-            continue;
-        if (eachWord)
-            modifyWords(text, row.modify, modifier + 1, all);
-        else
-            row.modify(text, modifier + 1, all);
-    }
+    const auto *row = std::find_if(std::begin(MODIFIERS), std::end(MODIFIERS),
+                                   [=](const auto &each) { return each.letter == *modifier; });
+    const Modify modify = row != std::end(MODIFIERS) ? row->modify : keepAll;
+    const char *rest = modifier + 1; // only looked at behind a letter of the table
+    if (eachWord)
+        modifyWords(text, modify, rest, all);
+    else
+        modify(text, rest, all);
 }
 
 bool isWordCharacter(char c)
