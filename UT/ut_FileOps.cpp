@@ -6,6 +6,8 @@
 namespace
 {
 
+static_assert(sizeof(off_t) == sizeof(int64_t), "files of 2 GB and more, with 32 bits too");
+
 const int WHENCES[] = {SEEK_SET, SEEK_CUR, SEEK_END};
 
 } // namespace
@@ -30,10 +32,9 @@ bool ut_FileOps::seek(FILE *fp, int64_t pos, int whence)
     // A file whose end was met may have grown, or is to be read again.
     if (std::feof(fp) && !std::ferror(fp))
         std::clearerr(fp);
-    const off_t offset = static_cast<off_t>(pos); // may have 32 bits only
-    if (whence < 0 || whence > 2 || offset != pos) {
+    if (whence < 0 || whence > 2) {
         errno = EINVAL;
         return false;
     }
-    return fseeko(fp, offset, WHENCES[whence]) >= 0;
+    return fseeko(fp, pos, WHENCES[whence]) >= 0;
 }
