@@ -124,5 +124,5 @@ bool ut_ZLibStreamBuf::seek(int64_t pos, int whence)
 
 bool ut_ZLibStreamBuf::isEof()
 {
-    return myAtEnd && myPeekChar < 0;
+    return myAtEnd;
 }
