@@ -81,7 +81,7 @@ public:
 
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
-    // `useSearchPath` an explicit name is taken when it can be read; others are
+    // `useSearchPath` an explicit name is taken when it can be read; any other is
     // looked for beside the current file, then along the include path. False when
     // there is no such file; nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);

@@ -96,7 +96,9 @@ cpp_SmallFiles::~cpp_SmallFiles()
 const std::string *cpp_SmallFiles::take(const char *path)
 {
     void *value = nullptr;
-    if (!myFiles.findSymbol(path, &value) && !(value = keep(path)))
+    if (!myFiles.findSymbol(path, &value))
+        value = keep(path);
+    if (value == nullptr)
         return nullptr;
     const auto *file = static_cast<const File *>(value);
     // Old-style includes are reported even in skipped text.
