@@ -179,10 +179,10 @@ def measure_peers(_, runs, folder):
     peers = {c[0]: c for c in (POV, BLENDER) if shutil.which(c[0])}
     times = medians(dict(peers, ours=thumbnail(DEFAULT)), runs, folder)
     report("default ball", times["ours"], .45, .3, " s")
-    for name in ("povray", "blender"):
+    for name, must, aim in (("povray", 1 / 3, .2), ("blender", .1, .1)):
         if name in times:
             report("part of %s's %.2f s" % (name, times[name]), times["ours"] / times[name],
-                   1 / 3, .2, " x")
+                   must, aim, " x")
         else:
             print("%-28s        -    not installed" % ("part of " + name))
 

@@ -135,8 +135,9 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "vcpp: cannot open '%s'\n", argv[operand]);
         return BAD_USAGE;
     }
-    // The C library heeds a size only together with a buffer.
-    static char buffer[65536];
+    // The C library heeds a size only together with a buffer. A larger one would take
+    // copies of the long runs that go out as they are.
+    static char buffer[8192];
     std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
     return preprocess(manager);
 }
