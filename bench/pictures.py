@@ -74,11 +74,13 @@ bpy.ops.mesh.primitive_uv_sphere_add(segments=192, ring_count=96, location=(0, 0
 bpy.ops.object.shade_smooth()
 scene.render.engine = "CYCLES"
 scene.cycles.samples = 64
+scene.cycles.use_denoising = False
 scene.render.resolution_x = scene.render.resolution_y = 256
 scene.render.filepath = "blender.png"
 bpy.ops.render.render(write_still=True)
 """
-BLENDER = ["blender", "--background", "--factory-startup", "--python", "blender.py"]
+BLENDER = ["blender", "--background", "--factory-startup", "--python-exit-code", "1",
+           "--python", "blender.py"]
 
 
 def environment(first=BIN):
@@ -89,7 +91,8 @@ def environment(first=BIN):
 def run(command, folder, text=None):
     """The seconds of wall time that a command takes; it must succeed."""
     start = time.perf_counter()
-    subprocess.run(command, cwd=folder, env=environment(), input=text, check=True,
+    place = dict(environment(), PWD=folder)  # Blender believes it
+    subprocess.run(command, cwd=folder, env=place, input=text, check=True,
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     return time.perf_counter() - start
 
