@@ -71,6 +71,20 @@ vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec
         share(split);
 }
 
+float vk_Bsdf::lobe() const
+{
+    constexpr float WIDE = 4; // widths of the distribution of facets
+
+    if (myMaterial.isClear() || myShare[COAT] + myShare[BOUNDARY] <= 0)
+        return 1;
+    return WIDE * vk_alpha(myShare[COAT] > 0 ? myMaterial.coatRough : myMaterial.rough);
+}
+
+vk_Vec vk_Bsdf::mirror() const
+{
+    return myTop.toWorld({-myOut.x, -myOut.y, myOut.z});
+}
+
 // Parts get samples by what they reflect.
 void vk_Bsdf::share(bool split)
 {

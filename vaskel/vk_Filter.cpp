@@ -2,11 +2,11 @@
 
 namespace
 {
-constexpr int NEAR_REACH = 2;   // pixels to each side, but where light wandered
-constexpr float SURE = .9f;     // length of a mean of normals that shows no edge
-constexpr float TURN = 25;      // how fast pixels that face elsewhere lose weight
-constexpr float DEPTH = .05f;   // share of the distance that makes two pixels differ
-constexpr float TOLERANCE = 12; // how many errors apart two pixels may be
+constexpr int NEAR_REACH = 2;  // pixels to each side, but where light wandered
+constexpr float SURE = .9f;    // length of a mean of normals that shows no edge
+constexpr float TURN = 50;     // how fast pixels that face elsewhere lose weight
+constexpr float DEPTH = .05f;  // share of the distance that makes two pixels differ
+constexpr float TOLERANCE = 6; // how many errors apart two pixels may be
 constexpr float FAR_TOLERANCE = 200;
 constexpr float INVISIBLE = 1.5e-6f; // a third of a step of the file
 constexpr float LEAST_ERROR = 1e-8f;

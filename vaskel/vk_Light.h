@@ -34,6 +34,9 @@ public:
     virtual const vk_Vec *place() const { return nullptr; }
     virtual vk_Span reach(const vk_Vec &origin, const vk_Vec &direction) const;
 
+    // How far its parts lie from its place at most; 0 when it has no place.
+    virtual float size() const { return 0; }
+
     // How much light it gives to the scene, roughly, for choosing one of many.
     float strength() const { return myStrength; }
 

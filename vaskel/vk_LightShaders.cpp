@@ -87,6 +87,7 @@ public:
         return seen(from, place);
     }
     const vk_Vec *place() const override { return &myCentre; }
+    float size() const override { return std::sqrt(myWidth * myWidth + myHeight * myHeight) / 2; }
 
 private:
     vk_LightSample seen(const vk_Vec &from, const vk_Vec &place) const

@@ -9,6 +9,29 @@ bool isBehind(const vk_Hit &hit, const vk_Vec &direction)
 {
     return (vk_dot(hit.facet, direction) > 0) == hit.inside;
 }
+
+// What several directions found, and one find by chance, the brighter the likelier.
+struct Finds {
+    vk_Colour sum;
+    float total = 0; // of their luminance
+    vk_LightSample chosen;
+    float choice; // from 0 to 1, even for what is still to be chosen
+
+    explicit Finds(float number) : choice(number) {}
+    void add(const vk_Colour &light, const vk_LightSample &from)
+    {
+        const float part = vk_luminance(light);
+        sum += light;
+        total += part;
+        const float at = choice * total;
+        if (at >= part) {
+            choice = (at - part) / (total - part);
+            return;
+        }
+        choice = at / part;
+        chosen = from;
+    }
+};
 } // namespace
 
 vk_Lighting::vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog)
@@ -128,6 +151,54 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int 
         sum.even += scattering.even * arrived;
     }
     return sum;
+}
+
+bool vk_Lighting::mirrorsLight(const vk_Hit &hit, const vk_Bsdf &bsdf) const
+{
+    constexpr float WIDEST = .12f; // so wide that edges are no longer sharp
+
+    const float lobe = bsdf.lobe();
+    if (lobe > WIDEST || mySeesThrough)
+        return false;
+    const vk_Vec mirror = bsdf.mirror();
+    for (const auto &light : myScene.lights) {
+        if (light->size() <= 0)
+            continue;
+        const vk_Vec way = *light->place() - hit.position;
+        const float along = vk_dot(way, mirror);
+        const float reach = light->size() + lobe * along;
+        if (along > 0 && vk_dot(way, way) - along * along < reach * reach)
+            return true;
+    }
+    return false;
+}
+
+vk_Colour vk_Lighting::mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
+                                vk_Sampler &sampler) const
+{
+    constexpr int DIRECTIONS = 4;
+
+    Finds finds(sampler.number());
+    for (int i = 0; i < DIRECTIONS; ++i) {
+        const vk_Vec direction = bsdf.sample(sampler.square());
+        float density = 0;
+        const vk_Colour sharp = bsdf.evaluate(direction, density).sum();
+        if (density <= 0 || isBehind(hit, direction))
+            continue;
+        for (const auto &light : myScene.lights) {
+            const vk_LightSample seen = light->hit(hit.start(direction), direction);
+            const float chance = seen.density * expected(*light, samples);
+            if (chance > 0)
+                finds.add(sharp * seen.radiance * (1 / (density + chance)), seen);
+        }
+    }
+    if (finds.total <= 0)
+        return {};
+    const vk_Vec from = hit.start(finds.chosen.direction);
+    ++vk_myRays.shadow;
+    const bool isHidden = myWorld.occluded(from, finds.chosen.direction, finds.chosen.distance);
+    const float passes = myFog.passes(from, finds.chosen.direction, finds.chosen.distance);
+    return finds.sum * (isHidden ? myShadow.left : vk_grey(1)) * (passes / DIRECTIONS);
 }
 
 vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, float distance,

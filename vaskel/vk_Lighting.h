@@ -21,6 +21,13 @@ public:
     vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
                            vk_Sampler &sampler) const;
 
+    // Whether a light's edge may be mirrored sharply at a hit. There one direction for
+    // each sample tells too little, and mirrored() draws several at little cost: the
+    // light that they find in place of one ray that reached() would be asked about.
+    bool mirrorsLight(const vk_Hit &hit, const vk_Bsdf &bsdf) const;
+    vk_Colour mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
+                       vk_Sampler &sampler) const;
+
     // Light that a ray finds on its way, scattered with a density at a point
     // that also asked for samples; `distance` is what it meets first.
     vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance, float density,

@@ -42,17 +42,36 @@ private:
         band.rows = std::min(myRows, bottom + vk_Filter::REACH) - band.top;
         band.pixels.resize(static_cast<std::size_t>(band.columns * band.rows));
         const int across = tiles(band.columns);
-        tbb::parallel_for(0, across * tiles(band.rows), [&](int i) {
-            drawTile({myCanvas, band, i % across * vk_Tile::SIDE, i / across * vk_Tile::SIDE});
-        });
+        std::vector<vk_Tile> parts;
+        for (int i = 0; i < across * tiles(band.rows); ++i)
+            parts.emplace_back(myCanvas, band, i % across * vk_Tile::SIDE,
+                               i / across * vk_Tile::SIDE);
+        const int count = static_cast<int>(parts.size());
+        const auto part = [&](int i) -> vk_Tile & { return parts[static_cast<std::size_t>(i)]; };
+        vk_Spreads spreads;
+        tbb::parallel_for(0, count, [&](int i) { startTile(part(i), spreads); });
+        const float limit =
+            spreads.limit(myCanvas.target(), myCanvas.leastSamples(), myCanvas.mostSamples());
+        tbb::parallel_for(0, count, [&](int i) { finishTile(part(i), limit); });
         develop(band, top, bottom);
     }
+
     static int tiles(int pixels) { return (pixels + vk_Tile::SIDE - 1) / vk_Tile::SIDE; }
 
-    void drawTile(vk_Tile tile)
+    void startTile(vk_Tile &tile, vk_Spreads &spreads)
     {
         vk_myRays = {};
-        tile.draw();
+        tile.start();
+        const vk_Spreads own = tile.spreads();
+        const std::lock_guard<std::mutex> lock(myMutex);
+        spreads += own;
+        if (mySettings.stats != nullptr)
+            mySettings.stats->rays += vk_myRays;
+    }
+    void finishTile(vk_Tile &tile, float limit)
+    {
+        vk_myRays = {};
+        tile.go(limit);
         const std::lock_guard<std::mutex> lock(myMutex);
         if (mySettings.stats != nullptr)
             add(tile, *mySettings.stats);

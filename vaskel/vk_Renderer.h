@@ -7,19 +7,19 @@
 
 #include <string>
 
-// How much work goes into a picture. A pixel is done when its error, as far as
-// its samples and those of its neighbours tell, is below the tolerance, or when
-// it has as many samples as the scene allows, times a factor.
+// How much work goes into a picture: samples are drawn where they help most until its
+// error, as far as they tell, is about as large as asked for. No pixel gets more than
+// the scene allows, times a factor.
 struct vk_Quality {
     const char *name;
     float samples;      // factor for the scene's most samples
-    float tolerance;    // error, of full scale
+    float error;        // root mean square, of full scale
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .022f, false},
+    {"draft", .25f, .0170f, false},
     {"default", 1, .0078f, false},
-    {"final", 8, .0035f, true},
+    {"final", 8, .0027f, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 

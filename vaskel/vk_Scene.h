@@ -35,7 +35,7 @@ struct vk_Scene {
     std::string picture; // file name
     int width = 256;
     int height = 256;
-    int samples = 64;   // most for a pixel
+    int samples = 256;  // most for a pixel
     float exposure = 0; // stops
 
     vk_Camera camera;

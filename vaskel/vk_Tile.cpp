@@ -2,25 +2,26 @@
 
 #include "vaskel/vk_Filter.h"
 
-#include <limits>
+#include <cmath>
 
 namespace
 {
-constexpr int FIRST_SAMPLES = 2;  // a pixel; every further pass doubles them,
-constexpr int LEAST_SAMPLES = 4;  // and so many are enough to judge a surface
+constexpr int FIRST_SAMPLES = 2;  // a pixel; every further pass doubles them
 constexpr float FILTER_WIDTH = 1; // pixels to either side
 
 // Shares of errors that the filter leaves.
-constexpr float LEFT_SHARP = .25f;
+constexpr float LEFT_SHARP = .5f;
 constexpr float LEFT_STRUCTURE = 1; // where there are edges
 constexpr float STRUCTURE = 1;      // differences over errors that are one
-constexpr float LEFT_EVEN = .1f;
-constexpr float LEFT_GROUND = .02f;
-constexpr float LEFT_WANDERING = .006f;
+constexpr float LEFT_EVEN = .05f;
+constexpr float LEFT_STEEP = .2f; // where differences are as large as errors
+constexpr float LEFT_GROUND = .035f;
+constexpr float LEFT_WANDERING = .02f;
 
 // How much the mean error of a tile's even layer counts for each pixel: few samples
 // find bright things that are small only here and there.
-constexpr float RARE = 1;
+constexpr float RARE = .1f;
+constexpr float RARE_IN_FOG = 1;
 
 // A tent-shaped filter, drawn from instead of weighted by: each pixel then
 // keeps to its own samples (Ernst, Stamminger and Greiner, "Filter Importance
@@ -32,6 +33,11 @@ float tent(float u)
     return half * FILTER_WIDTH;
 }
 
+// Whether any sample met something.
+bool showsSurface(const vk_Pixel &pixel)
+{
+    return pixel.sum.distance < vk_View::NOWHERE * static_cast<float>(pixel.count);
+}
 } // namespace
 
 vk_Lens::vk_Lens(const vk_Scene &scene)
@@ -49,11 +55,11 @@ vk_Lens::vk_Lens(const vk_Scene &scene)
 vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
                      const vk_RenderSettings &settings, vk_Film &film)
     : myScene(scene), myTracer(scene, world), myLens(scene), myFilm(film),
-      myGain(std::exp2(scene.exposure))
+      myGain(std::exp2(scene.exposure)), myRare(vk_Fog(scene.fog).isClear() ? RARE : RARE_IN_FOG)
 {
     const vk_Quality &quality = *settings.quality;
     const float most = static_cast<float>(scene.samples) * quality.samples;
-    myTolerance = quality.tolerance * quality.tolerance;
+    myTarget = quality.error * quality.error;
     myMostSamples = std::clamp(static_cast<int>(most), 1, vk_Scene::MOST_SAMPLES);
     myFirstSamples = std::min(FIRST_SAMPLES, myMostSamples);
     if (settings.samples > 0)
@@ -93,13 +99,39 @@ vk_Tile::vk_Tile(const vk_Canvas &canvas, vk_Band &band, int left, int top)
 {
 }
 
-void vk_Tile::draw()
+void vk_Tile::start()
 {
     int count = myCanvas.firstSamples();
-    while (pass(count) && count < myCanvas.mostSamples()) {
-        settle();
+    pass(count);
+    if (count == myCanvas.mostSamples())
+        return;
+    // The open sky mostly needs no more.
+    judge();
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x)
+            pixel(x, y).quiet = !showsSurface(pixel(x, y)) && myErrors[y][x] < myCanvas.target();
+    pass(myCanvas.leastSamples());
+}
+
+void vk_Tile::go(float limit)
+{
+    int count = myCanvas.leastSamples();
+    while (count < myCanvas.mostSamples()) {
+        settle(limit);
         count = std::min(2 * count, myCanvas.mostSamples());
+        if (!pass(count))
+            return;
     }
+}
+
+vk_Spreads vk_Tile::spreads()
+{
+    vk_Spreads spreads;
+    judge();
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x)
+            spreads.add(myErrors[y][x] * static_cast<float>(pixel(x, y).count));
+    return spreads;
 }
 
 // False when all pixels are quiet.
@@ -120,16 +152,27 @@ bool vk_Tile::pass(int count)
     return drew;
 }
 
-void vk_Tile::settle()
+void vk_Tile::settle(float limit)
+{
+    judge();
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x) {
+            vk_Pixel &now = pixel(x, y);
+            const float error = myErrors[y][x];
+            now.quiet = now.quiet || error < limit * static_cast<float>(now.count);
+        }
+}
+
+void vk_Tile::judge()
 {
     float errors[SIDE][SIDE];
     float rare = 0;
     for (int y = 0; y < myRows; ++y)
         for (int x = 0; x < myColumns; ++x) {
             errors[y][x] = errorOf(x, y);
-            rare += leftOfEven(pixel(x, y)) * pixel(x, y).errorEven;
+            rare += leftOfEven(x, y) * pixel(x, y).errorEven;
         }
-    rare *= RARE / static_cast<float>(pixels());
+    rare *= myCanvas.rare() / static_cast<float>(pixels());
     const auto around = [&](int x, int y) {
         float sum = 0;
         int count = 0;
@@ -140,19 +183,16 @@ void vk_Tile::settle()
     };
     for (int y = 0; y < myRows; ++y)
         for (int x = 0; x < myColumns; ++x)
-            pixel(x, y).quiet = pixel(x, y).quiet || around(x, y) < myCanvas.tolerance();
+            myErrors[y][x] = around(x, y);
 }
 
 // What is left of a pixel's error when it is filtered.
 float vk_Tile::errorOf(int x, int y) const
 {
     const vk_Pixel &now = pixel(x, y);
-    if (now.count < LEAST_SAMPLES &&
-        now.sum.distance < vk_View::NOWHERE * static_cast<float>(now.count))
-        return std::numeric_limits<float>::infinity();
     if (!vk_Filter::helps(now))
         return now.errorSharp + now.errorEven + now.errorTexture;
-    return now.errorTexture + leftOfSharp(x, y) * now.errorSharp + leftOfEven(now) * now.errorEven;
+    return now.errorTexture + leftOfSharp(x, y) * now.errorSharp + leftOfEven(x, y) * now.errorEven;
 }
 
 // Share of the error of the sharp layer that is left: most of it where neighbours
@@ -169,11 +209,22 @@ float vk_Tile::leftOfSharp(int x, int y) const
     return steps > STRUCTURE * errors ? LEFT_STRUCTURE : LEFT_SHARP;
 }
 
-float vk_Tile::leftOfEven(const vk_Pixel &pixel)
+// The same of the even layer, growing with the differences: those are less steep.
+float vk_Tile::leftOfEven(int x, int y) const
 {
-    if (pixel.sum.blurred <= 0)
-        return LEFT_EVEN;
-    return pixel.sum.blurred < static_cast<float>(pixel.count) ? LEFT_GROUND : LEFT_WANDERING;
+    const vk_Pixel &now = pixel(x, y);
+    if (now.sum.blurred > 0)
+        return now.sum.blurred < static_cast<float>(now.count) ? LEFT_GROUND : LEFT_WANDERING;
+    const vk_Pixel &left = pixel(std::max(x - 1, 0), y);
+    const vk_Pixel &right = pixel(std::min(x + 1, myColumns - 1), y);
+    const vk_Pixel &above = pixel(x, std::max(y - 1, 0));
+    const vk_Pixel &below = pixel(x, std::min(y + 1, myRows - 1));
+    const vk_Vec visibility = vk_visibility(now.light());
+    const vk_Colour albedo = now.albedo();
+    const float steps = vk_visible((right.arriving() - left.arriving()) * albedo, visibility) +
+                        vk_visible((below.arriving() - above.arriving()) * albedo, visibility);
+    const float errors = left.errorEven + right.errorEven + above.errorEven + below.errorEven;
+    return errors > 0 ? std::clamp(LEFT_STEEP * steps / errors, LEFT_EVEN, 1.0f) : 1;
 }
 
 std::uint64_t vk_Tile::samples() const

@@ -3,6 +3,7 @@
 
 #include "vaskel/vk_Pixel.h"
 #include "vaskel/vk_Renderer.h"
+#include "vaskel/vk_Spreads.h"
 
 // Rays through a picture's points.
 class vk_Lens
@@ -38,8 +39,10 @@ public:
     void develop(const vk_Colour &light, int x, int y) const;
 
     int firstSamples() const { return myFirstSamples; }
+    int leastSamples() const { return std::min(2 * myFirstSamples, myMostSamples); }
     int mostSamples() const { return myMostSamples; }
-    float tolerance() const { return myTolerance; } // squared
+    float target() const { return myTarget; } // squared error that is aimed at
+    float rare() const { return myRare; }     // weight of a tile's mean error in each pixel's
     bool filters() const { return myFirstSamples < myMostSamples; }
 
 private:
@@ -50,7 +53,8 @@ private:
     vk_Lens myLens;
     vk_Film &myFilm;
     float myGain;
-    float myTolerance;
+    float myRare;
+    float myTarget;
     int myMostSamples, myFirstSamples;
 };
 
@@ -63,10 +67,12 @@ struct vk_Band {
     vk_Pixel &at(int x, int y) { return pixels[static_cast<std::size_t>(y * columns + x)]; }
 };
 
-// A square of pixels, drawn in passes that double the samples of those pixels
-// that are not quiet yet. One pixel's error is a poor estimate; the mean over
-// its neighbours in the tile is a fair one. Tiles know nothing of each other,
-// so their order does not matter.
+// A square of pixels. start() draws the first samples of all; go() doubles those of
+// the pixels that are not quiet yet, pass by pass. A sample is best spent where it takes
+// most off the squared error of the picture: a pixel is quiet when its own, divided by
+// its samples, is below a limit that all pixels share. One pixel's error is a poor
+// estimate; the mean over its neighbours in the tile is a fair one. Tiles know nothing
+// of each other, so their order does not matter.
 class vk_Tile
 {
 public:
@@ -74,22 +80,27 @@ public:
 
     // Keeps references to both; left and top are in the band.
     vk_Tile(const vk_Canvas &canvas, vk_Band &band, int left, int top);
-    void draw();
+    void start();
+    void go(float limit);
 
-    // After draw().
+    // After start().
+    vk_Spreads spreads();
+
     std::uint64_t samples() const;
     std::uint64_t badPixels() const;
     int pixels() const { return myColumns * myRows; }
 
 private:
     bool pass(int count);
-    void settle();
+    void judge();
+    void settle(float limit);
     float errorOf(int x, int y) const;
     float leftOfSharp(int x, int y) const;
-    static float leftOfEven(const vk_Pixel &pixel);
+    float leftOfEven(int x, int y) const;
     vk_Pixel &pixel(int x, int y) const { return myBand.at(myLeft + x, myTop + y); }
 
     const vk_Canvas &myCanvas;
     vk_Band &myBand;
+    float myErrors[SIDE][SIDE]; // squared, means over neighbours
     int myLeft, myTop, myColumns, myRows;
 };

@@ -58,6 +58,7 @@ struct vk_Tracer::Path {
     int surfaces = 0;            // scattered at, other than
     int panes = 0;               // of glass
     bool spread = false;         // has been scattered evenly
+    bool foundLights = false;    // in the direction that it took last
 
     int scatterings() const { return surfaces + panes; }
     void add(const vk_Colour &light) { add(light, sharp); }
@@ -137,6 +138,9 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
     if (vk_largest(material.scatter) > 0)
         wander(path, hit, material, sampler, branches);
     const vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, true, sampler);
+    path.foundLights = myLighting.mirrorsLight(hit, bsdf);
+    if (path.foundLights)
+        path.add(myLighting.mirrored(hit, bsdf, path.samples, sampler));
     branch(path, hit, bsdf, sampler, branches);
 }
 
@@ -192,6 +196,7 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
             branch(path, hit, bsdf, sampler, branches);
             return;
         }
+        path.foundLights = false;
         if (!scatter(path, hit, bsdf, bsdf.sample(sampler.square())))
             return;
     }
@@ -204,6 +209,7 @@ void vk_Tracer::branch(const Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
     for (int round = 0; round < bsdf.rounds(); ++round) {
         Path &way = branches.paths[branches.count];
         way = path;
+        way.foundLights = path.foundLights && round == 0;
         if (scatter(way, hit, bsdf, bsdf.sample(sampler.square(), round)))
             ++branches.count;
     }
@@ -217,7 +223,7 @@ bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sample
         ++(path.scatterings() > 0 ? vk_myRays.scattered : vk_myRays.camera);
         const bool met = myWorld.intersect(path.origin, path.direction, hit);
         const float distance = met ? hit.distance : FOREVER;
-        if (path.scatterings() > 0 && path.density > 0)
+        if (path.scatterings() > 0 && path.density > 0 && !path.foundLights)
             path.add(myLighting.reached(path.origin, path.direction, distance, path.density,
                                         path.samples));
         crossFog(path, distance, sampler);

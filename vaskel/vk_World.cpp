@@ -44,11 +44,12 @@ struct vk_World::Embree {
             rtcReleaseDevice(device);
     }
     bool failed() const { return device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
-    // A quick tree: few rays of a small picture would repay a better one.
+    // A good tree, not the best: that one takes longer than the rays of a small picture
+    // repay.
     void makeScene()
     {
         scene = rtcNewScene(device);
-        rtcSetSceneBuildQuality(scene, RTC_BUILD_QUALITY_LOW);
+        rtcSetSceneBuildQuality(scene, RTC_BUILD_QUALITY_MEDIUM);
     }
     void attach(const vk_Mesh &mesh);
     void build() const;
@@ -73,7 +74,7 @@ void vk_World::Embree::attach(const vk_Mesh &mesh)
     rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
                                mesh.triangles.data(), 0, sizeof mesh.triangles[0],
                                mesh.triangles.size());
-    rtcSetGeometryBuildQuality(geometry, RTC_BUILD_QUALITY_LOW);
+    rtcSetGeometryBuildQuality(geometry, RTC_BUILD_QUALITY_MEDIUM);
     rtcCommitGeometry(geometry);
     rtcAttachGeometry(scene, geometry);
     rtcReleaseGeometry(geometry);

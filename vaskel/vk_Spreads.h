@@ -1,0 +1,29 @@
+// How samples are best dealt out to the pixels of a picture.
+//
+// n samples of a pixel leave a squared error of spread / n, where spread is what one
+// sample would leave. A further sample takes most off the error of the whole picture
+// where spread / n^2 is largest; so a pixel is done when its error divided by n is below
+// a limit that is the same for all.
+#pragma once
+
+#include <cstdint>
+
+class vk_Spreads
+{
+public:
+    void add(float spread);
+    vk_Spreads &operator+=(const vk_Spreads &o);
+
+    // The limit with which the pixels' mean squared error comes to a target, when each
+    // gets `least` samples, twice as many and so on up to `most`.
+    float limit(float target, int least, int most) const;
+
+private:
+    static constexpr int STEPS = 4; // to a factor of 2
+    static constexpr int LOWEST = -40 * STEPS, HIGHEST = 8 * STEPS;
+
+    double meanError(float limit, int least, int most) const;
+
+    std::int64_t myCounts[HIGHEST - LOWEST + 1] = {}; // of spreads about 2^(i / STEPS)
+    std::int64_t myPixels = 0;
+};
