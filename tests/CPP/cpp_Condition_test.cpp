@@ -20,18 +20,6 @@ TEST(Condition, IsTrueFalseOrASyntaxError)
     });
 }
 
-TEST(Condition, TakesTextsOfUpTo1024CharactersAndParenthesesOfAnyDepth)
-{
-    const std::string longest(1024, 'n'), deep(1000000, '(');
-    for (const std::string quote : {"", "\""}) {
-        const std::string head = "!strcmp(" + quote + longest, tail = quote + "," + longest + ")";
-        EXPECT_EQ(1, evaluated(head + tail));
-        EXPECT_EQ(-1, evaluated(head + "n" + tail));
-    }
-    EXPECT_EQ(1, evaluated(deep + "1" + std::string(1000000, ')')));
-    EXPECT_EQ(-1, evaluated(deep));
-}
-
 TEST(Condition, IsNotLookedAtInSkippedText)
 {
     CPP_Manager manager;

@@ -1,5 +1,7 @@
 #include "tests/support/Cases.h"
 
+#include "tests/support/PlainText.h"
+
 #include <cstring>
 #include <fstream>
 #include <regex>
@@ -17,6 +19,11 @@ std::string unescaped(const std::string &text)
         } else if (text[++i] == 'x') {
             out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
             i += 2;
+        } else if (text[i] == '<') {
+            const size_t start = text.find(':', i) + 1, end = text.find("\\>", start);
+            const std::string part = unescaped(text.substr(start, end - start));
+            out += repeated(part, std::stoi(text.substr(i + 1)));
+            i = end + 1;
         } else {
             out += MEANINGS[std::strchr(LETTERS, text[i]) - LETTERS];
         }

@@ -24,7 +24,8 @@ void expectEach(const std::vector<std::string> &rows, const Show &show);
 
 // The same for a file: a line "[name]" begins the rows of the operation of that name, which
 // `show` is told. Empty lines and those that begin with "# " do not count. A row's text has
-// escapes as in C, but each \x with two digits, and may end behind the arrow.
+// escapes as in C, but each \x with two digits, and "\<3:ab\>" for "ababab", and may end
+// behind the arrow.
 using NamedShow = std::function<std::string(const std::string &name, const char *in)>;
 void expectTable(const std::string &file, const NamedShow &show);
 

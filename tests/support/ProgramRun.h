@@ -5,19 +5,19 @@
 #include <vector>
 
 struct ProgramRun {
-    // In.
-    std::vector<std::string> arguments;   // the first is the program's path
-    std::vector<std::string> environment; // "NAME=value", nothing is inherited
-    std::string folder = ".";             // where it runs
-    std::string input;                    // its standard input
-    std::string inputFrom;                // a file for its standard input, not `input`
-    std::string outputTo;                 // a file for its standard output, not `out`
-
-    // Out.
     int status = -1; // exit status, or 128 and the number of the signal that ended it
     std::string out;
     std::string err;
-
-    // Runs it to its end.
-    void run();
 };
+
+using Texts = std::vector<std::string>;
+
+// The first argument is the program's path. It sees this environment ("NAME=value") and
+// no other, and reads `input`.
+ProgramRun runProgram(Texts arguments, Texts environment, const std::string &folder = ".",
+                      const std::string &input = "");
+
+// The same for a line of bash. In front of the path of a program from this build stands
+// $RUN, which starts it where the kernel does not.
+ProgramRun runLine(const std::string &line, Texts environment, const std::string &folder,
+                   const std::string &input = "");

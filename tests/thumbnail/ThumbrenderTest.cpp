@@ -34,25 +34,15 @@ void ThumbrenderTest::withTemplate(const std::string &text) const
         scratch.write(std::string("share/veldrin/shop/palette/shadeball.") + suffix, text);
 }
 
-ProgramRun ThumbrenderTest::thumbrender(const std::vector<std::string> &arguments,
-                                        const std::vector<std::string> &settings) const
-{
-    ProgramRun program;
-    program.arguments = {BIN_DIR "/thumbrender"};
-    program.arguments.insert(program.arguments.end(), arguments.begin(), arguments.end());
-    program.environment = {"HOME=" + path("home"), "VDX=" + path("share"),
-                           "PATH=" + renderer.folder() + ":/usr/bin:/bin"};
-    program.environment.insert(program.environment.end(), settings.begin(), settings.end());
-    program.folder = path("runs");
-    program.run();
-    return program;
-}
-
-std::string ThumbrenderTest::told(const std::vector<std::string> &arguments,
+std::string ThumbrenderTest::told(const std::string &arguments,
                                   const std::vector<std::string> &settings) const
 {
     const size_t commands = renderer.commands().size(), scenes = renderer.scene().size();
-    const ProgramRun run = thumbrender(arguments, settings);
+    std::vector<std::string> environment = {"HOME=" + path("home"), "VDX=" + path("share"),
+                                            "PATH=" + renderer.folder() + ":/usr/bin:/bin"};
+    environment.insert(environment.end(), settings.begin(), settings.end());
+    const ProgramRun run =
+        runLine("$RUN " BIN_DIR "/thumbrender " + arguments, environment, path("runs"));
     const bool isUsage = run.err == fileContents(TEST_DATA "/data/usage");
     return std::to_string(run.status) + ' ' + run.out + (isUsage ? "usage" : run.err) + '|' +
            renderer.commands().substr(commands) + '|' + renderer.scene().substr(scenes);

@@ -23,13 +23,10 @@ protected:
     // each definition in a line: its name in single quotes, a blank, its value.
     void withTemplate(const std::string &text) const;
 
-    // Runs thumbrender in that folder, with further settings ("NAME=value").
-    ProgramRun thumbrender(const std::vector<std::string> &arguments,
-                           const std::vector<std::string> &settings = {}) const;
-
-    // All that such a run does: "STATUS MESSAGES|COMMANDS|SCENES", where "usage" stands
-    // for the usage text.
-    std::string told(const std::vector<std::string> &arguments,
+    // All that thumbrender does in that folder with further settings ("NAME=value"), for
+    // arguments as a shell takes them: "STATUS MESSAGES|COMMANDS|SCENES", where "usage"
+    // stands for the usage text.
+    std::string told(const std::string &arguments,
                      const std::vector<std::string> &settings = {}) const;
 
     // A file below the folder that holds everything.

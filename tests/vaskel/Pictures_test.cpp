@@ -59,11 +59,10 @@ double difference(const std::vector<unsigned char> &a, const std::vector<unsigne
 TEST(Pictures, LookAsTheyDid)
 {
     const ScratchDirectory folder;
-    ProgramRun script;
-    script.arguments = {"/bin/bash", SOURCE_DIR "/scripts/render-small.sh", folder.path()};
-    script.environment = {"PATH=" BIN_DIR ":/usr/bin:/bin", "VDX=" SOURCE_DIR "/share",
-                          "HOME=" + folder.makeDirectory("home")};
-    script.run();
+    const ProgramRun script = runLine("exec " SOURCE_DIR "/scripts/render-small.sh .",
+                                      {"PATH=" BIN_DIR ":/usr/bin:/bin", "VDX=" SOURCE_DIR "/share",
+                                       "HOME=" + folder.makeDirectory("home")},
+                                      folder.path());
     EXPECT_EQ("", script.err);
     int examples = 0;
     for (const auto &entry : fs::directory_iterator(SOURCE_DIR "/examples")) {

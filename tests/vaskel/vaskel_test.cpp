@@ -42,13 +42,11 @@ struct SceneFolder : ScratchDirectory {
     // What a line of bash does there, as data/runs tells it.
     std::string told(const std::string &line) const
     {
-        ProgramRun bash;
-        bash.arguments = {"/bin/bash", "-c", "set -o pipefail; " + line};
-        bash.environment = {"PATH=" BIN_DIR ":/usr/bin:/bin", "HOME=" + path()};
-        bash.folder = path();
-        bash.run();
-        const std::string said = bash.out + bash.err;
-        return std::to_string(bash.status) + '|' + said.substr(0, said.find(" [options]")) +
+        const ProgramRun run =
+            runLine("set -o pipefail; " + line,
+                    {"PATH=" BIN_DIR ":/usr/bin:/bin", "HOME=" + path()}, path());
+        const std::string said = run.out + run.err;
+        return std::to_string(run.status) + '|' + said.substr(0, said.find(" [options]")) +
                (isUntouched() ? "" : "|drawn");
     }
 };
