@@ -23,8 +23,8 @@ void fuzz(const std::string &bytes)
         return;
     std::map<int, std::string> messages;
     PlainReader reader{bytes};
-    for (PlainReader::Text line; reader.nonCommentLine(line, '#') > 0; line.reset()) {
-        const std::string text = line->c_str();
+    for (std::string line; reader.getNonCommentLine(line, '#') > 0;) {
+        const std::string text = line.c_str();
         const size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
         const double code = end > 0 ? std::strtod(text.substr(0, end).c_str(), nullptr) : 1e9;
         if (code <= ut_ErrorCatalogue::MAX_CODE)

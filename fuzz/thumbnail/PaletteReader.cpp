@@ -18,8 +18,8 @@ static std::string plainRun(const std::string &text)
     std::string extra;
     bool isExtra = false;
     PlainReader reader{text};
-    while (const PlainReader::Text whole = reader.line('\n')) {
-        const std::string line = whole->c_str();
+    for (std::string whole; reader.getLine(whole, '\n');) {
+        const std::string line = whole.c_str();
         const std::vector<std::string> words = plainSplitWords(line + '\n');
         if (isExtra) {
             isExtra = line.compare(0, 11, "EndIfdExtra") != 0;
@@ -55,5 +55,5 @@ void fuzz(const std::string &text)
     theQuietFlag = 1;
     UT_Args args;
     readPalette(scratch.write("x.palette", text).c_str(), args);
-    fuzzExpectEqual(plainRun(text), renderer.commands() + renderer.scene());
+    fuzzExpectEqual(plainRun(text), renderer.record("commands") + renderer.record("scene"));
 }

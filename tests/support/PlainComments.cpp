@@ -1,17 +1,5 @@
+#include "tests/support/PlainScanner.h"
 #include "tests/support/PlainText.h"
-
-namespace
-{
-// Length of the quoted text that `rest` begins with; 1 when nothing closes it.
-size_t quotedLength(const std::string &rest)
-{
-    for (size_t i = 1; i < rest.size(); ++i) {
-        if (rest[i] == rest[0] && rest[i - 1] != '\\')
-            return i + 1;
-    }
-    return 1;
-}
-} // namespace
 
 std::string plainStripComments(const std::string &line, bool bySlash, bool byHash, bool &isOpen)
 {
@@ -26,7 +14,8 @@ std::string plainStripComments(const std::string &line, bool bySlash, bool byHas
             isOpen = false;
             done += std::string(end + 2, ' ');
         } else if (rest[0] == '"' || rest[0] == '\'') {
-            done += rest.substr(0, quotedLength(rest));
+            const std::string quoted = PlainScanner{rest}.take("(['\"])(.*?[^\\\\])??\\1");
+            done += quoted.empty() ? rest.substr(0, 1) : quoted;
         } else if (bySlash && rest.substr(0, 2) == "//") {
             return done + "\n";
         } else if (bySlash && rest.substr(0, 2) == "/*") {

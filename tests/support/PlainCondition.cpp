@@ -83,12 +83,13 @@ private:
         if (!digits.empty())
             return sign * std::min<int64_t>(std::strtoll(digits.c_str(), nullptr, 0), INT32_MAX);
         const std::string name = takeName(in);
-        return !isGood                 ? 0
-               : name == "defined"     ? called([&] { return valueOf(takeName(in), true); })
-               : name == "environment" ? called([&] { return isSet(takeName(in)); })
-               : name == "access"      ? called([&] { return isReadable(takeText(in)); })
-               : name == "strcmp"      ? called([&] { return compared(); })
-                                       : valueOf(name, false);
+        return !isGood             ? 0
+               : name == "defined" ? called([&] { return valueOf(takeName(in), true); })
+               : name == "environment"
+                   ? called([&] { return std::getenv(takeName(in).c_str()) != nullptr; })
+               : name == "access" ? called([&] { return isReadable(takeText(in)); })
+               : name == "strcmp" ? called([&] { return compared(); })
+                                  : valueOf(name, false);
     }
 
     template <typename Function>
@@ -97,8 +98,6 @@ private:
         const int64_t value = expect("\\s*\\(") ? function() : 0;
         return expect("\\s*\\)") ? value : 0;
     }
-
-    static bool isSet(const std::string &name) { return std::getenv(name.c_str()) != nullptr; }
 
     static bool isReadable(const std::string &path)
     {

@@ -17,13 +17,11 @@ bool startsRun(const PlainScanner &in)
 std::vector<std::string> takeNames(PlainScanner &in)
 {
     std::vector<std::string> names;
-    in.take("\\s*");
-    while (!in.isAtEnd() && (in.next() != ')' || !names.empty())) {
+    for (in.take("\\s*"); !in.isAtEnd() && (in.next() != ')' || !names.empty());
+         in.take("\\s*,?\\s*")) {
         names.push_back(in.take("[^,)\\s]*"));
-        in.take("\\s*");
-        if (in.next() == ')')
-            break;
-        in.take(",?\\s*");
+        if (in.took("\\s*\\)"))
+            return names;
     }
     in.take("\\)?");
     return names;
@@ -61,13 +59,14 @@ std::string filledIn(const std::string &body, const std::vector<std::string> &ar
 
 bool PlainMacros::define(const std::string &text, bool commandLineForm)
 {
+    static const std::regex spaceAtTheEnd("\\s+$");
     PlainScanner in{text};
     in.take("\\s*");
-    const std::string name = in.take(commandLineForm ? "[^(=\\s]*" : "[^(\\s]*");
-    if (PlainScanner{name}.take("[A-Za-z_]\\w*") != name || name.empty())
+    const std::string name =
+        in.take(commandLineForm ? "[A-Za-z_]\\w*(?=[(=\\s]|$)" : "[A-Za-z_]\\w*(?=[(\\s]|$)");
+    if (name.empty())
         return false;
-    if (commandLineForm)
-        in.take("=?");
+    in.take(commandLineForm ? "=?" : "");
     Macro macro;
     if (in.took("\\(")) {
         const std::vector<std::string> names = takeNames(in);
@@ -76,12 +75,9 @@ bool PlainMacros::define(const std::string &text, bool commandLineForm)
         macro.body = compiled(in.take("[^\\n]*"), names);
     } else {
         in.take("\\s*");
-        macro.body = in.take("[\\s\\S]*");
-        macro.body.erase(macro.body.find_last_not_of("\r\n") + 1);
+        macro.body = in.take("[\\s\\S]*?(?=[\\r\\n]*$)");
     }
-    const size_t size = macro.body.find_last_not_of(" \t\n\v\f\r") + 1;
-    if (size < macro.body.size())
-        macro.body.replace(size, std::string::npos, " ");
+    macro.body = std::regex_replace(macro.body, spaceAtTheEnd, " ");
 
     const Macro *old = find(name);
     const bool warns = old != nullptr &&
@@ -92,8 +88,7 @@ bool PlainMacros::define(const std::string &text, bool commandLineForm)
 
 const PlainMacros::Macro *PlainMacros::find(const std::string &name) const
 {
-    const auto found = myMacros.find(name);
-    return found == myMacros.end() ? nullptr : &found->second;
+    return myMacros.count(name) > 0 ? &myMacros.at(name) : nullptr;
 }
 
 bool PlainMacros::expand(const std::string &text, int depthLeft, std::string &result)

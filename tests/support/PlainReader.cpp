@@ -2,95 +2,71 @@
 
 #include "UT/UT_ScratchBuffer.h"
 
-namespace
-{
-std::string told(int answer, const std::string &found, int64_t position, bool hasError)
-{
-    return std::to_string(answer) + " [" + found + "] " + std::to_string(position) +
-           (hasError ? " error" : "");
-}
-} // namespace
+#include <functional>
 
-bool PlainReader::skipSpace()
+bool PlainReader::skipWhitespace()
 {
     take("\\s*");
     return !isAtEnd();
 }
 
-PlainReader::Text PlainReader::line(char delimiter)
+bool PlainReader::skipPast(char delimiter)
+{
+    std::string skipped;
+    return getLine(skipped, delimiter);
+}
+
+bool PlainReader::getLine(std::string &to, char delimiter)
 {
     if (isAtEnd())
-        return {};
+        return false;
     const size_t end = text.find(delimiter, at);
-    std::string found = text.substr(at, end - at);
+    to = text.substr(at, end - at);
     at = std::min(end, text.size() - 1) + 1;
-    if (end != text.npos && delimiter == '\n' && !found.empty() && found.back() == '\r')
-        found.pop_back();
-    return found;
+    if (end != text.npos && delimiter == '\n' && !to.empty() && to.back() == '\r')
+        to.pop_back();
+    return true;
 }
 
-PlainReader::Text PlainReader::word()
+bool PlainReader::getWord(std::string &to)
 {
-    return skipSpace() ? Text(take("\\S+")) : Text();
+    return skipWhitespace() && !(to = take("\\S+")).empty();
 }
 
-PlainReader::Text PlainReader::string()
+bool PlainReader::getString(std::string &to)
 {
-    if (!skipSpace())
-        return {};
+    if (!skipWhitespace())
+        return false;
     const bool isQuoted = took("\"");
     const std::string first = isQuoted || took("\\\\(?=\")") ? "" : take("[\\s\\S]");
     const std::string rest =
         take(isQuoted ? "([^\"\\\\]|\\\\[\"\\\\]?)*" : "([^\\s\\\\]|\\\\[\"\\\\]?)*");
     take(isQuoted ? "\"?" : "");
-    return first + std::regex_replace(rest, std::regex("\\\\([\"\\\\])"), "$1");
+    to = first + std::regex_replace(rest, std::regex("\\\\([\"\\\\])"), "$1");
+    return true;
 }
 
-int PlainReader::number(Text &found)
-{
-    if (!skipSpace())
-        return 0;
-    found = take("(?=[-+.0-9])[-+]?[0-9]*(\\.[0-9]*)?([eE][-+]?[0-9]*)?");
-    if (found->empty())
-        return (found = word()).has_value();
-    return found->find_first_of(".eE") == text.npos ? 1 : 2;
-}
-
-int PlainReader::nonCommentLine(Text &found, char comment)
+int PlainReader::getNonCommentLine(std::string &to, char comment, bool)
 {
     int lines = 0;
-    while ((!found || found->empty()) && skipSpace()) {
-        found = line('\n');
-        if ((*found)[0] == comment)
-            found = "";
-        ++lines;
+    for (to = ""; to.empty() && skipWhitespace(); ++lines) {
+        getLine(to, '\n');
+        to = to[0] == comment ? "" : to;
     }
     return lines;
 }
 
-std::string PlainReader::read(size_t reader)
-{
-    using Reading = int (*)(PlainReader &, Text &);
-    static constexpr Reading READINGS[READERS - 1] = {
-        [](PlainReader &p, Text &to) -> int { return (to = p.line(';')).has_value(); },
-        [](PlainReader &p, Text &to) -> int { return (to = p.line('\n')).has_value(); },
-        [](PlainReader &p, Text &to) -> int { return (to = p.word()).has_value(); },
-        [](PlainReader &p, Text &to) -> int { return (to = p.string()).has_value(); },
-        [](PlainReader &p, Text &to) -> int { return p.number(to); },
-        [](PlainReader &p, Text &to) -> int { return p.nonCommentLine(to, ';'); },
-        [](PlainReader &p, Text &) -> int { return p.skipSpace(); },
-        [](PlainReader &p, Text &) -> int { return p.line(';').has_value(); },
-    };
-    Text found;
-    const int character = isAtEnd() ? -1 : static_cast<signed char>(text[at]);
-    const bool isCharacter = reader == READERS - 1;
-    at += isCharacter && !isAtEnd();
-    const int answer = isCharacter ? character : READINGS[reader](*this, found);
-    return told(answer, found.value_or(""), static_cast<int64_t>(at), false);
-}
-
 namespace
 {
+// 1 for one without a fraction or an exponent, 2 with them.
+int getNumber(PlainReader &in, std::string &to)
+{
+    if (!in.skipWhitespace())
+        return 0;
+    to = in.take("(?=[-+.0-9])[-+]?[0-9]*(\\.[0-9]*)?([eE][-+]?[0-9]*)?");
+    return to.empty() ? in.getWord(to) : to.find_first_of(".eE") == to.npos ? 1 : 2;
+}
+
 int getNumber(UT_IStream &is, UT_ScratchBuffer &to)
 {
     bool isFloating = false;
@@ -99,7 +75,12 @@ int getNumber(UT_IStream &is, UT_ScratchBuffer &to)
 }
 
 // The next character, which must come again after going back; -2 when it does not.
-int getTwice(UT_IStream &is, UT_ScratchBuffer &)
+int getTwice(PlainReader &in)
+{
+    return in.isAtEnd() ? -1 : static_cast<signed char>(in.text[in.at++]);
+}
+
+int getTwice(UT_IStream &is)
 {
     const int64_t before = is.tellg();
     const int peeked = is.peekChar(), c = is.getChar();
@@ -107,24 +88,32 @@ int getTwice(UT_IStream &is, UT_ScratchBuffer &)
     const bool isAlike = static_cast<char>(peeked) == static_cast<char>(c);
     return isAlike && is.unread(1) == moved && is.getChar() == c ? c : -2;
 }
+
+template <class Reader, class Text>
+std::string answer(size_t reader, Reader &in, Text &to)
+{
+    const std::function<int()> readings[PlainReader::READERS] = {
+        [&] { return in.getLine(to, ';'); }, [&] { return in.getLine(to, '\n'); },
+        [&] { return in.getWord(to); },      [&] { return in.getString(to); },
+        [&] { return getNumber(in, to); },   [&] { return in.getNonCommentLine(to, ';', false); },
+        [&] { return in.skipWhitespace(); }, [&] { return in.skipPast(';'); },
+        [&] { return getTwice(in); },
+    };
+    return std::to_string(readings[reader]()) + " [";
+}
 } // namespace
+
+std::string PlainReader::read(size_t reader)
+{
+    std::string found;
+    const std::string start = answer(reader, *this, found);
+    return start + found + "] " + std::to_string(at);
+}
 
 std::string readFrom(UT_IStream &is, size_t reader)
 {
-    using Reading = int (*)(UT_IStream &, UT_ScratchBuffer &);
-    static constexpr Reading READINGS[PlainReader::READERS] = {
-        [](UT_IStream &s, UT_ScratchBuffer &to) -> int { return s.getLine(to, ';'); },
-        [](UT_IStream &s, UT_ScratchBuffer &to) -> int { return s.getLine(to, '\n'); },
-        [](UT_IStream &s, UT_ScratchBuffer &to) -> int { return s.getWord(to); },
-        [](UT_IStream &s, UT_ScratchBuffer &to) -> int { return s.getString(to); },
-        getNumber,
-        [](UT_IStream &s, UT_ScratchBuffer &to) { return s.getNonCommentLine(to, ';', false); },
-        [](UT_IStream &s, UT_ScratchBuffer &) -> int { return s.skipWhitespace(); },
-        [](UT_IStream &s, UT_ScratchBuffer &) -> int { return s.skipPast(';'); },
-        getTwice,
-    };
     UT_ScratchBuffer found;
-    const int answer = READINGS[reader](is, found);
-    const std::string text(found.buffer(), static_cast<size_t>(found.length()));
-    return told(answer, text, is.tellg(), is.hasError());
+    const std::string start = answer(reader, is, found);
+    return start + std::string(found.buffer(), static_cast<size_t>(found.length())) + "] " +
+           std::to_string(is.tellg()) + (is.hasError() ? " error" : "");
 }

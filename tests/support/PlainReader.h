@@ -1,23 +1,21 @@
-// What the text readers of UT_IStream find, told over a text that is there as a
-// whole. Each reader gives nothing where the stream's one fails.
+// What the text readers of UT_IStream find, told over a text that is there as a whole.
 #pragma once
 
 #include "UT/UT_IStream.h"
 #include "tests/support/PlainScanner.h"
 
-#include <optional>
 #include <string_view>
 
+// The names are the stream's. Comments inside of lines are text.
 struct PlainReader : PlainScanner {
-    using Text = std::optional<std::string>;
     static constexpr size_t READERS = 9;
 
-    bool skipSpace();
-    Text line(char delimiter);
-    Text word();
-    Text string();
-    int number(Text &found); // 1 for one without a fraction or an exponent, 2 with them
-    int nonCommentLine(Text &found, char comment); // how many lines it took
+    bool skipWhitespace();
+    bool skipPast(char delimiter);
+    bool getLine(std::string &to, char delimiter);
+    bool getWord(std::string &to);
+    bool getString(std::string &to);
+    int getNonCommentLine(std::string &to, char comment, bool inLines = false);
 
     // One of the readers, by number, reads: what it answers and finds, and its new place.
     std::string read(size_t reader);

@@ -31,11 +31,6 @@ void RecordingRenderer::setScript(const std::string &script) const
     }
 }
 
-void RecordingRenderer::remove() const
-{
-    fs::remove_all(myFolder);
-}
-
 std::string RecordingRenderer::record(const char *name) const
 {
     return fileContents(myScratch.path(name));

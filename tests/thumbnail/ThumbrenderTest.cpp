@@ -37,7 +37,8 @@ void ThumbrenderTest::withTemplate(const std::string &text) const
 std::string ThumbrenderTest::told(const std::string &arguments,
                                   const std::vector<std::string> &settings) const
 {
-    const size_t commands = renderer.commands().size(), scenes = renderer.scene().size();
+    const size_t commands = renderer.record("commands").size(),
+                 scenes = renderer.record("scene").size();
     std::vector<std::string> environment = {"HOME=" + path("home"), "VDX=" + path("share"),
                                             "PATH=" + renderer.folder() + ":/usr/bin:/bin"};
     environment.insert(environment.end(), settings.begin(), settings.end());
@@ -45,5 +46,6 @@ std::string ThumbrenderTest::told(const std::string &arguments,
         runLine("$RUN " BIN_DIR "/thumbrender " + arguments, environment, path("runs"));
     const bool isUsage = run.err == fileContents(TEST_DATA "/data/usage");
     return std::to_string(run.status) + ' ' + run.out + (isUsage ? "usage" : run.err) + '|' +
-           renderer.commands().substr(commands) + '|' + renderer.scene().substr(scenes);
+           renderer.record("commands").substr(commands) + '|' +
+           renderer.record("scene").substr(scenes);
 }

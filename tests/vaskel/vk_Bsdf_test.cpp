@@ -30,34 +30,25 @@ struct Case {
 };
 
 // Every surface shader as white and as rough as can be, up to a roughness.
-std::vector<Case> materials(const vk_ShaderRow<vk_SurfaceFunction> &row)
-{
-    std::vector<Case> all;
-    for (const float rough : {0.0f, .3f, 1.0f})
-        for (const bool inside : {false, true}) {
-            vk_Values values(row.params);
-            for (std::size_t i = 0; i < row.params.count; ++i) {
-                const vk_Param &param = row.params.rows[i];
-                if (param.kind == VK_COLOUR)
-                    values.set(i, vk_grey(1));
-                else if (std::string(param.name) == "rough")
-                    values.set(i, vk_grey(rough));
-            }
-            Case c = {std::string(row.name) + " rough " + std::to_string(rough), {}, inside};
-            c.material = row.function(values, vk_SurfacePoint());
-            if (c.material.isClear() || !inside)
-                all.push_back(c);
-        }
-    return all;
-}
-
 std::vector<Case> materials()
 {
     std::vector<Case> all;
     for (const auto &row : VK_SURFACE_SHADERS)
-        for (const Case &c : materials(row))
-            if (c.material.reflects())
-                all.push_back(c);
+        for (const float rough : {0.0f, .3f, 1.0f})
+            for (const bool inside : {false, true}) {
+                vk_Values values(row.params);
+                for (std::size_t i = 0; i < row.params.count; ++i) {
+                    const vk_Param &param = row.params.rows[i];
+                    if (param.kind == VK_COLOUR)
+                        values.set(i, vk_grey(1));
+                    else if (std::string(param.name) == "rough")
+                        values.set(i, vk_grey(rough));
+                }
+                const vk_Material material = row.function(values, vk_SurfacePoint());
+                if (material.reflects() && (material.isClear() || !inside))
+                    all.push_back({std::string(row.name) + " rough " + std::to_string(rough),
+                                   material, inside});
+            }
     return all;
 }
 

@@ -1,3 +1,4 @@
+#include "tests/support/PlainText.h"
 #include "vaskel/vk_LightShaders.h"
 #include "vaskel/vk_Sampler.h"
 
@@ -7,10 +8,7 @@ namespace
 {
 std::unique_ptr<vk_Light> makeLight(const std::string &line)
 {
-    vk_Words words = {"light"};
-    std::istringstream in(line);
-    for (std::string word; in >> word;)
-        words.push_back(word);
+    const vk_Words words = plainSplitWords("light " + line);
     vk_Shader<vk_LightFunction> shader;
     std::string error;
     EXPECT_TRUE(vk_parseShader(VK_LIGHT_SHADERS, words, shader, error)) << error;

@@ -82,16 +82,15 @@ TEST(Shapes, DisplacementsMoveNoFartherThanTheirHeight)
 
 TEST(Shapes, NormalsPointOutwards)
 {
-    for (const char *word : {"sphere", "tube"})
-        for (const vk_Vertex &vertex : build(word, {}, {}).vertices)
-            EXPECT_GT(vk_dot(vertex.position - vk_Vec{0, 1, 0}, vertex.normal), 0) << word;
-    // The teapot's body, seen from its axis.
-    int outwards = 0, inwards = 0;
-    for (const vk_Vertex &vertex : build("teapot", {}, {}).vertices) {
-        const float out = vertex.position.x * vertex.normal.x + vertex.position.z * vertex.normal.z;
-        (out > 0 ? outwards : inwards)++;
+    // Of the teapot's vertices some look at its axis.
+    for (const auto &[word, share] : {std::pair("sphere", 0.), {"tube", 0.}, {"teapot", .25}}) {
+        const vk_Mesh mesh = build(word, {}, {});
+        const auto inwards =
+            std::count_if(mesh.vertices.begin(), mesh.vertices.end(), [](const vk_Vertex &vertex) {
+                return vk_dot(vertex.position - vk_Vec{0, 1, 0}, vertex.normal) <= 0;
+            });
+        EXPECT_LE(static_cast<double>(inwards), share * static_cast<double>(mesh.vertices.size()));
     }
-    EXPECT_GT(outwards, 3 * inwards);
 }
 
 TEST(Transform, InverseAndNestingUndoAndOrder)
