@@ -8,8 +8,6 @@
 #include "tests/support/preprocessed.h"
 
 #include <filesystem>
-#include <gmock/gmock.h>
-#include <sys/resource.h>
 
 TEST(Preprocessor, FollowsItsTables)
 {
@@ -23,15 +21,6 @@ TEST(Preprocessor, FollowsItsTables)
             return out + testing::internal::GetCapturedStderr();
         });
     EXPECT_EQ("a b\n", preprocessed("-P", std::string("a\0b\n", 4))); // no row holds a NUL
-    rlimit limits;
-    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &limits));
-    for (const rlim_t descriptors : {limits.rlim_cur, rlim_t{60}}) {
-        const rlimit fewer = {descriptors, limits.rlim_max};
-        ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &fewer));
-        const std::string out = preprocessed("-P", "#include \"self.h\"\nnever\n");
-        ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &limits));
-        EXPECT_THAT(out, testing::EndsWith("Include nesting limit reached"));
-    }
     std::filesystem::current_path(before);
 }
 

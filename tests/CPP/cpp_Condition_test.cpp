@@ -3,20 +3,12 @@
 #include "tests/support/Cases.h"
 #include "tests/support/preprocessed.h"
 
-namespace
-{
-int evaluated(const std::string &text, const std::string &options = "")
-{
-    CPP_Manager manager;
-    parseOptions(manager, options);
-    return evaluateCondition(manager, text.c_str(), false);
-}
-} // namespace
-
 TEST(Condition, IsTrueFalseOrASyntaxError)
 {
     expectTable(TEST_DATA "/data/conditions", [](const std::string &options, const char *text) {
-        return std::to_string(evaluated(text, options));
+        CPP_Manager manager;
+        parseOptions(manager, options);
+        return std::to_string(evaluateCondition(manager, text, false));
     });
 }
 

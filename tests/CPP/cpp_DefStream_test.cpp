@@ -7,16 +7,13 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-std::string linesOf(CPP_Stream &stream)
+static std::string linesOf(CPP_Stream &stream)
 {
     std::vector<std::string> lines;
     for (UT_ScratchBuffer line; stream.readLine(line);)
         lines.emplace_back(line.buffer());
     return joined(lines);
 }
-} // namespace
 
 TEST(DefStream, FindsLinesWhereverABlockEnds)
 {

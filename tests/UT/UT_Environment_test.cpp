@@ -9,10 +9,8 @@
 #include <cstring>
 #include <unistd.h>
 
-namespace
-{
 // All entries, which are in order.
-std::vector<std::string> entries()
+static std::vector<std::string> entries()
 {
     std::vector<std::string> all;
     for (char **entry = UTgetEnvironment(); *entry != nullptr; entry++)
@@ -21,7 +19,6 @@ std::vector<std::string> entries()
     EXPECT_EQ(environ, UTgetEnvironment());
     return all;
 }
-} // namespace
 
 TEST(Environment, BisectionFindsWhatAScanFinds)
 {

@@ -150,12 +150,10 @@ TEST(IStreamBuf, TheFirstErrorCountsAndARangeTellsThatOfItsInnerSource)
     }
 }
 
-namespace
-{
 // In a process of its own, with `text` as standard input: two streams share it.
 // Ends with status 0 when both saw what they should.
-[[noreturn]] void readStdinTwice(const std::string &text, bool lineMode,
-                                 const std::string &expected)
+[[noreturn]] static void readStdinTwice(const std::string &text, bool lineMode,
+                                        const std::string &expected)
 {
     int ends[2];
     if (pipe(ends) != 0 || write(ends[1], text.data(), text.size()) < 0)
@@ -173,7 +171,6 @@ namespace
     std::cerr << seen;
     std::_Exit(seen == expected ? 0 : 1);
 }
-} // namespace
 
 TEST(StdinDeathTest, AllStreamsShareStandardInput)
 {

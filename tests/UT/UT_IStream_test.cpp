@@ -4,7 +4,6 @@
 #include "tests/support/Cases.h"
 #include "tests/support/PlainReader.h"
 #include "tests/support/PlainText.h"
-#include "tests/support/Random.h"
 #include "tests/support/TrickleSource.h"
 
 #include <algorithm>
@@ -49,16 +48,6 @@ TEST(IStream, TextReadersFindTheSameHoweverTheTextIsCut)
                 for (size_t reader = 0; reader < READERS; ++reader)
                     readAll(text, cuts, [&] { return reader == 6 ? 0 : reader; });
         });
-    Random random;
-    SCOPED_TRACE(random.seed());
-    for (int round = 0; round < 3000; ++round) {
-        const std::string text =
-            random.text({"a", "\"", "\\", " ", "\n", "\r", ";", "1", ".", "-", "+", "e", "E", "\t",
-                         "\v", "\xe9", std::string(1, '\0')},
-                        200);
-        const uint64_t cuts = random.below(UINT32_MAX) * (random.below(UINT32_MAX) | 1u);
-        readAll(text, cuts, [&] { return random.below(READERS); });
-    }
 }
 
 TEST(IStream, ALockedBufferStaysAsItIsAndInlineCommentsAreCutWhenAskedFor)

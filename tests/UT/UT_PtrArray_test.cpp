@@ -4,13 +4,10 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace
-{
-int compareTexts(const void *a, const void *b)
+static int compareTexts(const void *a, const void *b)
 {
     return std::strcmp(*static_cast<const char *const *>(a), *static_cast<const char *const *>(b));
 }
-} // namespace
 
 TEST(PtrArray, KeepsOneOfEachAndInTheGivenOrderWhenAskedTo)
 {

@@ -7,15 +7,6 @@
 #include <map>
 #include <thread>
 
-namespace
-{
-// A record and the bytes that were written into it.
-struct Record {
-    char *slot;
-    std::string bytes;
-};
-} // namespace
-
 TEST(SmallObjectPool, RecordsOfEachSizeHavePagesThatGoWhenTheyAreEmpty)
 {
     Random random;
@@ -25,7 +16,7 @@ TEST(SmallObjectPool, RecordsOfEachSizeHavePagesThatGoWhenTheyAreEmpty)
             SCOPED_TRACE(testing::Message() << perPage << " slots a page, tracking " << isTracking);
             UT_SmallObjectPool pool(isTracking, perPage, 128, isTracking);
             std::map<unsigned, std::pair<unsigned, unsigned>> inUse; // of a size: now, at most
-            std::vector<Record> live;
+            std::vector<std::pair<char *, std::string>> live;        // with what was written there
             for (unsigned step = 0; step < 4000 || !live.empty(); ++step) {
                 const bool isLast = step >= 4000;
                 if (live.empty() ||
@@ -34,8 +25,8 @@ TEST(SmallObjectPool, RecordsOfEachSizeHavePagesThatGoWhenTheyAreEmpty)
                     const unsigned size = sizes[random.below(std::size(sizes))];
                     const std::string bytes(size, static_cast<char>(step % 100));
                     live.push_back({static_cast<char *>(pool.allocate(size)), bytes});
-                    ASSERT_EQ(0u, reinterpret_cast<uintptr_t>(live.back().slot) % sizeof(void *));
-                    bytes.copy(live.back().slot, size);
+                    ASSERT_EQ(0u, reinterpret_cast<uintptr_t>(live.back().first) % sizeof(void *));
+                    bytes.copy(live.back().first, size);
                     auto &[now, most] = inUse[size];
                     most = std::max(most, ++now);
                 } else {

@@ -8,12 +8,10 @@
 
 #pragma GCC diagnostic ignored "-Wformat-nonliteral" // the formats are the data here
 
-namespace
-{
 // Every flag and size in front of the conversions: a stream writes what printf does.
 template <typename Number>
-void expectPrintfs(const std::string &conversions, std::initializer_list<const char *> sizes,
-                   std::initializer_list<Number> values)
+static void expectPrintfs(const std::string &conversions, std::initializer_list<const char *> sizes,
+                          std::initializer_list<Number> values)
 {
     for (const std::string flags : {"", "#", "+", "-", "0", "+0", "-0", "#0", "#-+"})
         for (const char *size : sizes)
@@ -30,8 +28,6 @@ void expectPrintfs(const std::string &conversions, std::initializer_list<const c
                     EXPECT_EQ(printed, out.str()) << format;
                 }
 }
-
-} // namespace
 
 TEST(StringFormat, AStreamWritesNumbersAsPrintfDoes)
 {

@@ -1,24 +1,18 @@
 #include "tests/thumbnail/ThumbrenderTest.h"
 
+#include "tests/support/PlainText.h"
+
 #include <filesystem>
-
-namespace
-{
-
-const char *const DEFINITIONS[] = {
-    "OUTPUT_PICTURE", "SHADER_PATH",   "NO_SHADOWS",    "GEO_TUBE",    "GEO_GRID",
-    "GEO_SPHERE",     "GEO_TEAPOT",    "NO_BACKGROUND", "SURF_SHADER", "DISP_SHADER",
-    "LIGHT_SHADER",   "SHADOW_SHADER", "FOG_SHADER",
-};
-
-} // namespace
 
 ThumbrenderTest::ThumbrenderTest()
 {
     std::filesystem::copy(TEST_DATA "/data/palettes", path("runs"));
     scratch.makeDirectory("home");
     std::string shown;
-    for (const std::string name : DEFINITIONS)
+    for (const std::string &name :
+         plainSplitWords("OUTPUT_PICTURE SHADER_PATH NO_SHADOWS GEO_TUBE GEO_GRID GEO_SPHERE "
+                         "GEO_TEAPOT NO_BACKGROUND SURF_SHADER DISP_SHADER LIGHT_SHADER "
+                         "SHADOW_SHADER FOG_SHADER"))
         shown += "#ifdef " + name + "\n'" + name + "' " + name + "\n#endif\n";
     withTemplate(shown);
 }

@@ -9,11 +9,9 @@
 #include <regex>
 #include <sstream>
 
-namespace
-{
 // The messages for a scene, a line each, in which "..." stands for a list of shaders; or
 // what a good one holds.
-std::string told(std::string text)
+static std::string told(std::string text)
 {
     vk_Scene scene;
     vk_SceneReader reader("s", scene);
@@ -37,7 +35,6 @@ std::string told(std::string text)
     }
     return out.str();
 }
-} // namespace
 
 TEST(SceneReader, TellsMistakesOrTheSceneByTheTable)
 {

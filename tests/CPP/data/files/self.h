@@ -1,2 +1,0 @@
-#include "self.h"
-#include "self.h"
