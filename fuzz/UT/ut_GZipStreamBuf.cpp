@@ -2,7 +2,6 @@
 // many bytes as the position says, and gives the same again after a rewind.
 #include "UT/UT_IGZStream.h"
 #include "UT/UT_IZStream.h"
-#include "UT/UT_ScratchBuffer.h"
 #include "fuzz/fuzz.h"
 #include "tests/support/PlainReader.h"
 

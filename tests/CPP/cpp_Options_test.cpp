@@ -19,11 +19,3 @@ TEST(Options, SayWhereTheOperandsStartAndWhatIsDefined)
                    return std::to_string(index) + (manager.isMacroDefined("A") ? "A" : "");
                });
 }
-
-TEST(Options, WriteNothing)
-{
-    CPP_Manager manager;
-    ASSERT_TRUE(manager.openFile("/dev/null", false));
-    parseOptions(manager, "-P -DA=1 -DA=2 -ULINUX");
-    EXPECT_EQ("# 1 \"/dev/null\"\n", allLines(manager));
-}

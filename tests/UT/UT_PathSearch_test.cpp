@@ -10,7 +10,6 @@
 #include <list>
 #include <memory>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 

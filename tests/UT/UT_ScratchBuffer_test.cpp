@@ -82,16 +82,3 @@ TEST(ScratchBuffer, ReadsLines)
     expectLines(fmemopen(file.data(), file.size(), "rb"), lines);
     expectLines(fopen("/", "rb"), {}); // cannot be read
 }
-
-TEST(ScratchBuffer, StripsComments)
-{
-    expectEach({"a # b -> a ", "'#' \"#\" # b -> '#' \"#\" ", "a \\# b # c -> a \\# b ",
-                "\"it's\" # b -> \"it's\" ", "'it\\'s # b' # -> 'it\\'s # b' ",
-                "'open # b -> 'open # b", "a\\\\# b -> a\\\\# b", "# -> ", " -> "},
-               [](const char *in) {
-                   UT_ScratchBuffer text;
-                   text.append(in);
-                   text.stripComment('#');
-                   return std::string(text.buffer(), static_cast<size_t>(text.length()));
-               });
-}

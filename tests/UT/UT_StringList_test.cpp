@@ -3,8 +3,6 @@
 #include "tests/support/Cases.h"
 #include "tests/support/PlainText.h"
 
-#include <algorithm>
-
 namespace
 {
 const char *const ABC[] = {"a", "b", "c", nullptr};

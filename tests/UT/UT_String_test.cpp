@@ -1,4 +1,5 @@
 #include "UT/UT_ErrorManager.h"
+#include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_WordList.h"
 #include "tests/support/Cases.h"
 #include "tests/support/PlainText.h"
@@ -120,12 +121,20 @@ std::string colonModified(const char *in)
     return modified(name.c_str(), in + name.size());
 }
 
+std::string uncommented(const char *in)
+{
+    UT_ScratchBuffer text;
+    text.append(in);
+    text.stripComment('#');
+    return std::string(text.buffer(), static_cast<size_t>(text.length()));
+}
+
 Show matchAny(bool otherwise)
 {
     return [otherwise](const char *in) {
+        S list("*.c ^x* xy.*");
         UT_WordList patterns;
-        for (const char *pattern : {"*.c", "^x*", "xy.*"})
-            patterns.setArg(patterns.getArgc(), pattern);
+        list.splitWords(patterns);
         return std::to_string(S(in).matchAny(patterns, otherwise));
     };
 }
@@ -179,6 +188,7 @@ TEST(String, OperationsFollowTheirTable)
             {"kind of number", kindOfNumber},
             {"isNumber", [](const char *in) { return std::to_string(S(in).isNumber(true, true)); }},
             {"match b", [](const char *in) { return std::to_string(S("b").match(in)); }},
+            {"stripComment #", uncommented},
             {"matchAny or not", matchAny(false)},
             {"matchAny or so", matchAny(true)},
             {"save", saved(false)},

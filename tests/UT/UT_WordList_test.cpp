@@ -1,6 +1,5 @@
 #include "UT/UT_WordList.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <vector>
 

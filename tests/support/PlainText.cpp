@@ -3,7 +3,6 @@
 #include "UT/UT_String.h"
 #include "tests/support/PlainScanner.h"
 
-#include <algorithm>
 #include <cctype>
 #include <cstring>
 
