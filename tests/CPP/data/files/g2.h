@@ -1,5 +1,0 @@
-#ifndef A
-#define A
-1
-#endif
-2

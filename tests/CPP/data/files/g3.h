@@ -1,5 +1,0 @@
-#ifndef A
-#define A
-#else
-1
-#endif

@@ -1,4 +1,0 @@
-1
-#ifndef A
-#define A
-#endif

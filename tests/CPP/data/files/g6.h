@@ -1,6 +1,0 @@
-#ifndef A
-#define A /*
-#endif
-*/
-1
-#endif

@@ -1,4 +1,0 @@
-#ifndef A
-#define A
-1
-#endifx

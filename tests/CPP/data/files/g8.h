@@ -1,3 +1,0 @@
-#ifndef A
-// */ 1
-#endif
