@@ -34,10 +34,10 @@ void fuzz(const std::string &bytes)
     static const ScopedVariable home("HOME", scratch.path().c_str()), vip("VIP", "vip");
     const std::string pattern = bytes.c_str();
     UT_PathSearch path(pattern.c_str(), -1, "class", -1);
-    const std::string folders = joined(path.getAllDirs().toVector());
+    const std::string folders = shown(path.getAllDirs());
     fuzzExpectEqual(path.getAllDirs().entries(), path.getAbbreviatedDirs().entries());
     if (pattern.find_first_of("$~'\\") == pattern.npos)
         fuzzExpectEqual(plainFolders(pattern, false), folders);
     path.rebuild();
-    fuzzExpectEqual(folders, joined(path.getAllDirs().toVector()));
+    fuzzExpectEqual(folders, shown(path.getAllDirs()));
 }

@@ -72,27 +72,23 @@ TEST(Includes, AreSearchedAlongTheChosenPathWithItsCaret)
     EXPECT_EQ("other b\n", found(std::move(listed), "b.h"));
 }
 
-namespace
-{
 // Lines that a program makes, whatever it is told to open.
-struct CountingStream : CPP_Stream {
-    bool open(const char *) override { return false; }
-    void setFile(FILE *) override {}
-    void setStream(UT_IStream *) override {}
-    bool readLine(UT_ScratchBuffer &line) override
-    {
-        line.sprintf("line %d", ++count);
-        return count <= 3;
-    }
-    bool isOpen() const override { return true; }
-
-    int count = 0;
-};
-
 struct CountingManager : CPP_Manager {
-    CPP_Stream *newStream() override { return new CountingStream; }
+    struct Stream : CPP_Stream {
+        bool open(const char *) override { return false; }
+        void setFile(FILE *) override {}
+        void setStream(UT_IStream *) override {}
+        bool readLine(UT_ScratchBuffer &line) override
+        {
+            line.sprintf("line %d", ++count);
+            return count <= 3;
+        }
+        bool isOpen() const override { return true; }
+
+        int count = 0;
+    };
+    CPP_Stream *newStream() override { return new Stream; }
 };
-} // namespace
 
 TEST(Streams, ACallersOwnSourceFeedsTheManager)
 {

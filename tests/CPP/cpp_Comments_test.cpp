@@ -14,10 +14,8 @@ TEST(Comments, AreStrippedAsByThePlainTwin)
         fast.clear();
         fast.append(line.c_str());
         const bool fastEndsOpen = stripComments(fast, bySlash, byHash, isOpen);
-        ASSERT_TRUE(plain == fast.buffer() && endsOpen == fastEndsOpen)
-            << line << " slash " << bySlash << " hash " << byHash << " open " << isOpen << ":\n"
-            << fast.buffer() << "should be\n"
-            << plain;
+        ASSERT_EQ(std::pair(plain, endsOpen), std::pair(std::string(fast.buffer()), fastEndsOpen))
+            << line << " slash " << bySlash << " hash " << byHash << " open " << isOpen;
     };
     forEachString("a/*\"'\\# ", 6, [&](const std::string &text) {
         for (unsigned mode = 0; mode < 6 && !HasFailure(); ++mode)

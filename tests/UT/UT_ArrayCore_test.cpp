@@ -116,11 +116,7 @@ void ArrayCore<Array>::change()
          [&] { return list.resize(std::min(n, capacity = far + 1)), 0; });
     both([&] { return array.reverse(), 0; }, [&] { return std::reverse(begin, end), 0; });
     both([&] { return array.cycle(2 * n + from), 0; },
-         [&] {
-             return std::rotate(list.rbegin(), list.rbegin() + static_cast<ptrdiff_t>(from),
-                                list.rend()),
-                    0;
-         });
+         [&] { return std::rotate(begin, end - static_cast<ptrdiff_t>(from), end), 0; });
     both([&] { return array.constant(value), 0; }, [&] { return std::fill(begin, end, value), 0; });
     both([&] { return array.moveBlock(from, to, count), 0; },
          [&] {

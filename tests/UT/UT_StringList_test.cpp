@@ -3,15 +3,7 @@
 #include "tests/support/Cases.h"
 #include "tests/support/PlainText.h"
 
-namespace
-{
-const char *const ABC[] = {"a", "b", "c", nullptr};
-
-std::string shown(const UT_StringList &list)
-{
-    return joined(list.toVector());
-}
-} // namespace
+static const char *const ABC[] = {"a", "b", "c", nullptr};
 
 TEST(StringList, InsertsAndRemovesByIndex)
 {

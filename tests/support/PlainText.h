@@ -1,6 +1,8 @@
 // Slow, obvious versions of the text algorithms, to check the fast ones against.
 #pragma once
 
+#include "UT/UT_StringList.h"
+
 #include <functional>
 #include <map>
 #include <string>
@@ -32,6 +34,10 @@ private:
 
 // The words with a '|' behind each.
 std::string joined(const std::vector<std::string> &words);
+inline std::string shown(const UT_StringList &list)
+{
+    return joined(list.toVector());
+}
 
 // As an argument vector or an environment: with a null behind them.
 std::vector<char *> pointersTo(std::vector<std::string> &texts);
