@@ -11,33 +11,22 @@
 #include <iomanip>
 #include <sstream>
 
-namespace
-{
-std::string textOf(const UT_ScratchBuffer &buffer)
-{
-    return std::string(buffer.buffer(), static_cast<size_t>(buffer.length()));
-}
-
-constexpr size_t READERS = PlainReader::READERS;
-
-// Reads all of a text, whose chunks end as `cuts` says, in ways that `next` chooses.
-template <class Next>
-void readAll(const std::string &text, uint64_t cuts, Next next)
+// Reads all of a text, whose chunks end as `cuts` says, by one reader, then more at its end.
+static void readAll(const std::string &text, uint64_t cuts, size_t reader)
 {
     if (testing::Test::HasFailure())
         return;
     UT_IStream is(new TrickleSource(text, cuts), false);
     PlainReader plain{text};
     for (size_t reads = 0; reads <= text.size() || !plain.isAtEnd(); ++reads) {
-        const size_t reader = plain.isAtEnd() ? reads % (READERS - 1) : next();
-        EXPECT_EQ(plain.read(reader), readFrom(is, reader)) << "reader " << reader;
+        const size_t next = plain.isAtEnd() ? reads % (PlainReader::READERS - 1) : reader;
+        EXPECT_EQ(plain.read(next), readFrom(is, next)) << "reader " << next;
     }
     EXPECT_EQ(-1, is.getChar());
     EXPECT_TRUE(is.isEof());
     if (testing::Test::HasFailure())
         ADD_FAILURE() << "in " << testing::PrintToString(text) << " cut " << cuts;
 }
-} // namespace
 
 TEST(IStream, TextReadersFindTheSameHoweverTheTextIsCut)
 {
@@ -45,8 +34,9 @@ TEST(IStream, TextReadersFindTheSameHoweverTheTextIsCut)
         forEachString(alphabet, 4, [](const std::string &text) {
             for (uint64_t cuts = 0; cuts < (text.empty() ? 1 : uint64_t{1} << (text.size() - 1));
                  ++cuts)
-                for (size_t reader = 0; reader < READERS; ++reader)
-                    readAll(text, cuts, [&] { return reader == 6 ? 0 : reader; });
+                for (size_t reader = 0; reader < PlainReader::READERS; ++reader)
+                    if (reader != 6) // to skip space alone does not get on
+                        readAll(text, cuts, reader);
         });
 }
 
@@ -57,9 +47,9 @@ TEST(IStream, ALockedBufferStaysAsItIsAndInlineCommentsAreCutWhenAskedFor)
     line.append("kept\r");
     line.lock(0, 0);
     EXPECT_TRUE(is.getLine(line, '\n'));
-    EXPECT_EQ("kept\r", textOf(line));
+    EXPECT_STREQ("kept\r", line.buffer());
     EXPECT_EQ(1, is.getNonCommentLine(next, '#', true));
-    EXPECT_EQ("two ", textOf(next));
+    EXPECT_STREQ("two ", next.buffer());
 }
 
 // The number that a text holds, as each type reads it.

@@ -6,10 +6,6 @@
 TEST(Memory, ASizeThatNoObjectCanHaveEndsTheProcessWithAMessage)
 {
     volatile int negative = -1;
-    EXPECT_EXIT(
-        {
-            void *block = UTallocate(static_cast<size_t>(negative));
-            std::free(block);
-        },
-        testing::ExitedWithCode(1), "^Out of memory\n$");
+    EXPECT_EXIT(std::free(UTallocate(static_cast<size_t>(negative))), testing::ExitedWithCode(1),
+                "^Out of memory\n$");
 }

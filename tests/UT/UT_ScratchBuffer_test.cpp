@@ -71,14 +71,13 @@ TEST(ScratchBuffer, ReadsLines)
     lines.push_back("last");
     file += "last";
     UT_ScratchBuffer text;
-    const auto expectLines = [&text](FILE *fp, const std::vector<std::string> &expected) {
-        for (const std::string &line : expected) {
-            ASSERT_TRUE(text.getLine(fp));
-            ASSERT_EQ(line, std::string(text.buffer(), static_cast<size_t>(text.length())));
-        }
-        EXPECT_FALSE(text.getLine(fp));
-        fclose(fp);
-    };
-    expectLines(fmemopen(file.data(), file.size(), "rb"), lines);
-    expectLines(fopen("/", "rb"), {}); // cannot be read
+    FILE *const fp = fmemopen(file.data(), file.size(), "rb"), *const folder = fopen("/", "rb");
+    for (const std::string &line : lines) {
+        ASSERT_TRUE(text.getLine(fp));
+        ASSERT_EQ(line, std::string(text.buffer(), static_cast<size_t>(text.length())));
+    }
+    for (FILE *const each : {fp, folder}) { // at its end, and one that cannot be read
+        EXPECT_FALSE(text.getLine(each));
+        fclose(each);
+    }
 }

@@ -39,14 +39,6 @@ TEST_F(RenderJob, TakesTheFirstTemplateAndEveryShaderFolder)
     EXPECT_EQ("0 |vaskel\n|own\n", told("vr.palette"));
 }
 
-TEST_F(RenderJob, NamesTheTemplateThatIsMissing)
-{
-    std::filesystem::remove_all(path("share"));
-    EXPECT_EQ("0 Unable to find render script shop/palette/shadeball.ifd\n"
-              "Unable to open palette file y\n||",
-              told("vr.palette y"));
-}
-
 TEST_F(RenderJob, WhatIsWrongWithARendererIsReported)
 {
     // A section's name is what the renderer does.
