@@ -52,8 +52,6 @@ public:
 
 private:
     bool expect(const char *form) { return isGood = isGood && in.took(form); }
-    int64_t fail() { return isGood = false, 0; }
-
     // Operators of one level go from left to right.
     int64_t level(size_t precedence)
     {
@@ -86,7 +84,7 @@ private:
         return !isGood             ? 0
                : name == "defined" ? called([&] { return valueOf(takeName(in), true); })
                : name == "environment"
-                   ? called([&] { return std::getenv(takeName(in).c_str()) != nullptr; })
+                   ? called([&] { return std::getenv(takeName(in).c_str()) ? 1 : 0; })
                : name == "access" ? called([&] { return isReadable(takeText(in)); })
                : name == "strcmp" ? called([&] { return compared(); })
                                   : valueOf(name, false);
@@ -144,7 +142,7 @@ private:
         if (macro == nullptr || isAskedFor)
             return macro != nullptr;
         if (macro->body.find_first_not_of(" \t\n\v\f\r") == std::string::npos)
-            return fail();
+            return isGood = false;
         const int64_t value = std::strtoll(macro->body.c_str(), nullptr, 10);
         return std::clamp<int64_t>(value, INT32_MIN, INT32_MAX);
     }

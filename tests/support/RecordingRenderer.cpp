@@ -4,18 +4,11 @@
 
 namespace fs = std::filesystem;
 
-namespace
-{
-
-const char *const COMMANDS[] = {"vaskel", "render", "entropy", "renderdc", "ray"};
-
-const char *const RECORD = "cd \"${0%/*}/..\" || exit\n"
-                           "echo \"${0##*/}${*:+ $*}\" >>commands\n"
-                           "cat >>scene\n"
-                           "env >environment\n"
-                           "ls -l /proc/self/fd >descriptors\n";
-
-} // namespace
+static const char *const RECORD = "cd \"${0%/*}/..\" || exit\n"
+                                  "echo \"${0##*/}${*:+ $*}\" >>commands\n"
+                                  "cat >>scene\n"
+                                  "env >environment\n"
+                                  "ls -l /proc/self/fd >descriptors\n";
 
 RecordingRenderer::RecordingRenderer() : myFolder(myScratch.makeDirectory("renderers"))
 {
@@ -24,7 +17,7 @@ RecordingRenderer::RecordingRenderer() : myFolder(myScratch.makeDirectory("rende
 
 void RecordingRenderer::setScript(const std::string &script) const
 {
-    for (const char *command : COMMANDS) {
+    for (const char *command : {"vaskel", "render", "entropy", "renderdc", "ray"}) {
         const std::string file =
             myScratch.write(std::string("renderers/") + command, "#!/bin/sh\n" + script);
         fs::permissions(file, fs::perms::owner_all);

@@ -17,11 +17,6 @@ ThumbrenderTest::ThumbrenderTest()
     withTemplate(shown);
 }
 
-std::string ThumbrenderTest::withPalette(const std::string &name, const std::string &text) const
-{
-    return scratch.write("runs/" + name, text);
-}
-
 void ThumbrenderTest::withTemplate(const std::string &text) const
 {
     for (const char *suffix : {"ifd", "rib", "mi"})

@@ -1,4 +1,4 @@
-// A fixture with all that a run of thumbrender needs: a folder with the palettes of
+// A fixture with all that a run of thumbrender needs: a folder "runs" with the palettes of
 // data/palettes, the three templates on the main search path, and recording renderers.
 #pragma once
 
@@ -15,9 +15,6 @@ class ThumbrenderTest : public ::testing::Test
 {
 protected:
     ThumbrenderTest();
-
-    // Writes a palette (or any other file) into the folder of the runs; its path.
-    std::string withPalette(const std::string &name, const std::string &text) const;
 
     // Replaces the templates of all three scene languages. The first ones show
     // each definition in a line: its name in single quotes, a blank, its value.
