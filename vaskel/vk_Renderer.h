@@ -17,7 +17,7 @@ struct vk_Quality {
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .0170f, false},
+    {"draft", .25f, .017f, false},
     {"default", 1, .0078f, false},
     {"final", 8, .0027f, true},
 };

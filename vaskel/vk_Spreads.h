@@ -11,6 +11,7 @@
 class vk_Spreads
 {
 public:
+    // One more pixel; its spread is a squared error of full scale.
     void add(float spread);
     vk_Spreads &operator+=(const vk_Spreads &o);
 
