@@ -32,7 +32,7 @@ std::string ThumbrenderTest::told(const std::string &arguments,
                                             "PATH=" + renderer.folder() + ":/usr/bin:/bin"};
     environment.insert(environment.end(), settings.begin(), settings.end());
     const ProgramRun run =
-        runLine("$RUN " BIN_DIR "/thumbrender " + arguments, environment, path("runs"));
+        runLine("$RUN '" BIN_DIR "/thumbrender' " + arguments, environment, path("runs"));
     const bool isUsage = run.err == fileContents(TEST_DATA "/data/usage");
     return std::to_string(run.status) + ' ' + run.out + (isUsage ? "usage" : run.err) + '|' +
            renderer.record("commands").substr(commands) + '|' +

@@ -59,7 +59,7 @@ double difference(const std::vector<unsigned char> &a, const std::vector<unsigne
 TEST(Pictures, LookAsTheyDid)
 {
     const ScratchDirectory folder;
-    const ProgramRun script = runLine("exec " SOURCE_DIR "/scripts/render-small.sh .",
+    const ProgramRun script = runLine("exec '" SOURCE_DIR "/scripts/render-small.sh' .",
                                       {"PATH=" BIN_DIR ":/usr/bin:/bin", "VDX=" SOURCE_DIR "/share",
                                        "HOME=" + folder.makeDirectory("home")},
                                       folder.path());

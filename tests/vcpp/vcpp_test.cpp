@@ -11,7 +11,7 @@ TEST(Vcpp, RunsFollowTheirTable)
     std::filesystem::copy(TEST_DATA "/data/files", folder.path(),
                           std::filesystem::copy_options::recursive);
     expectTable(TEST_DATA "/data/runs", [&folder](const std::string &line, const char *in) {
-        const ProgramRun run = runLine("vcpp() { $RUN " BIN_DIR "/vcpp \"$@\"; }; " + line,
+        const ProgramRun run = runLine("vcpp() { $RUN '" BIN_DIR "/vcpp' \"$@\"; }; " + line,
                                        {"HOME=" + folder.path()}, folder.path(), in);
         const bool isBadUsage = run.status == 2 && !run.err.empty();
         return std::to_string(run.status) + ' ' + run.out + '|' + (isBadUsage ? "?" : run.err);
