@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 #include <unistd.h>
 
@@ -20,6 +21,15 @@ int fail(const std::string &message)
 {
     std::fprintf(stderr, "vaskel: error: %s\n", message.c_str());
     return FAILURE;
+}
+
+// What operator new calls.
+[[noreturn]] void dieWithoutMemory()
+{
+    constexpr char MESSAGE[] = "vaskel: error: out of memory\n";
+    vk_SafeFile::abandon();
+    static_cast<void>(!write(STDERR_FILENO, MESSAGE, sizeof MESSAGE - 1));
+    _exit(FAILURE);
 }
 
 // Prints to standard output; a full device or a closed pipe is a failure.
@@ -94,6 +104,7 @@ int readAndDraw(const vk_Options &options)
 
 int main(int argc, char *argv[])
 {
+    std::set_new_handler(dieWithoutMemory);
     vk_Options options;
     std::string error;
     if (!vk_parseOptions(argc, argv, options, error)) {

@@ -21,8 +21,7 @@ volatile sig_atomic_t isArmed = 0;
 // Only what POSIX calls async-signal-safe.
 extern "C" void removeAndDie(int number)
 {
-    if (isArmed != 0)
-        unlink(doomed);
+    vk_SafeFile::abandon();
     signal(number, SIG_DFL);
     raise(number);
 }
@@ -82,6 +81,12 @@ unsigned newFileMode()
     return 0666 & ~mask;
 }
 } // namespace
+
+void vk_SafeFile::abandon()
+{
+    if (isArmed != 0)
+        unlink(doomed);
+}
 
 vk_SafeFile::~vk_SafeFile()
 {

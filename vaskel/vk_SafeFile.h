@@ -31,6 +31,10 @@ public:
     // umask leaves.
     [[nodiscard]] bool commit(const void *bytes, std::size_t count);
 
+    // Removes the temporary file of the one that is open. Takes no memory, so that it
+    // can be called when there is none.
+    static void abandon();
+
     // After a failure: what went wrong, with the target's name.
     const std::string &error() const { return myError; }
 

@@ -34,7 +34,7 @@ public:
     vk_World(const vk_World &) = delete;
     vk_World &operator=(const vk_World &) = delete;
 
-    // Why there is no world to look at, when memory or Embree failed; else "".
+    // Why there is no world to look at, when Embree failed; else "".
     const std::string &error() const { return myError; }
 
     // The first thing that a ray meets; false when it meets nothing.
