@@ -12,6 +12,7 @@ public:
     vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override;
     vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override;
     const vk_Vec *place() const override { return &myCentre; }
+    float size() const override { return std::sqrt(myRadius2); }
 
 protected:
     const vk_Vec &centre() const { return myCentre; }

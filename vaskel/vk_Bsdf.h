@@ -18,6 +18,12 @@
 #include "vaskel/vk_Material.h"
 #include "vaskel/vk_Microfacet.h"
 
+// Whether scattering that draws a direction with this density counts as sharp, not even.
+constexpr bool vk_isSharp(float density)
+{
+    return density >= 1;
+}
+
 // What reaches the viewer by way of the coat, the boundary and the glass (sharp),
 // and by way of the base and the sheen (even).
 struct vk_Scattered {

@@ -4,23 +4,34 @@
 
 namespace
 {
+constexpr float NOT_QUITE = 1 - 1e-5f; // a light must not hide itself
+
 // Whether a direction leads into the shape.
 bool isBehind(const vk_Hit &hit, const vk_Vec &direction)
 {
     return (vk_dot(hit.facet, direction) > 0) == hit.inside;
 }
 
-// What several directions found, and one find by chance, the brighter the likelier.
+// A direction drawn to mirror.
+struct Mirrored {
+    vk_Vec direction;
+    vk_Colour sharp; // how much of what comes from there
+    float density;
+};
+
+// What several directions find of a light, and one find by chance, the brighter the likelier.
 struct Finds {
     vk_Colour sum;
-    float total = 0; // of their luminance
     vk_LightSample chosen;
-    float choice; // from 0 to 1, even for what is still to be chosen
+    float total = 0; // luminance
+    float choice;    // from 0 to 1, even for what is still to be chosen
 
     explicit Finds(float number) : choice(number) {}
     void add(const vk_Colour &light, const vk_LightSample &from)
     {
         const float part = vk_luminance(light);
+        if (part <= 0)
+            return;
         sum += light;
         total += part;
         const float at = choice * total;
@@ -62,24 +73,29 @@ std::size_t vk_Lighting::pick(float at) const
 }
 
 // Light of a sample at a point.
-vk_Colour vk_Lighting::arriving(const vk_Vec &from, const vk_Light &light,
-                                const vk_LightSample &sample) const
+vk_Lighting::Arrival vk_Lighting::arriving(const vk_Vec &from, const vk_Light &light,
+                                           const vk_LightSample &sample) const
 {
-    constexpr float NOT_QUITE = 1 - 1e-5f; // a light must not hide itself
-
     const vk_Colour radiance =
         sample.radiance * myFog.passes(from, sample.direction, sample.distance);
-    if (!myCastsShadows)
-        return radiance;
-    ++vk_myRays.shadow;
-    const vk_Vec direction = shadowRay(from, light, sample);
-    const float distance = sample.distance * NOT_QUITE;
-    if (!myWorld.occluded(from, direction, distance))
-        return radiance;
+    if (!isHidden(from, light, sample))
+        return {radiance, {}};
     const vk_Colour &left = myShadow.left;
     if (!mySeesThrough)
-        return radiance * left;
-    return radiance * (left + (vk_grey(1) - left) * passing(from, direction, distance));
+        return {radiance * left, {}};
+    const vk_Vec direction = shadowRay(from, light, sample);
+    const vk_Colour passes = passing(from, direction, sample.distance * NOT_QUITE);
+    return {radiance * left, radiance * (vk_grey(1) - left) * passes};
+}
+
+bool vk_Lighting::isHidden(const vk_Vec &from, const vk_Light &light,
+                           const vk_LightSample &sample) const
+{
+    if (!myCastsShadows)
+        return false;
+    ++vk_myRays.shadow;
+    const vk_Vec direction = shadowRay(from, light, sample);
+    return myWorld.occluded(from, direction, sample.distance * NOT_QUITE);
 }
 
 // Where a shadow comes from: beside the sample when shadows are softer or harder
@@ -127,7 +143,7 @@ vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Vec &direction) const
 }
 
 vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
-                                    vk_Sampler &sampler) const
+                                    bool isLast, vk_Sampler &sampler) const
 {
     const std::size_t count = myScene.lights.size();
     const bool all = count <= static_cast<std::size_t>(samples);
@@ -145,8 +161,10 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int 
         const vk_Scattered scattering = bsdf.evaluate(sample.direction, density);
         if (vk_largest(scattering.sum()) <= 0)
             continue;
-        const vk_Colour arrived =
-            arriving(hit.start(sample.direction), light, sample) * (1 / (chance + density));
+        const Arrival arrival = arriving(hit.start(sample.direction), light, sample);
+        vk_Colour arrived = arrival.open * (1 / (chance + (isLast ? 0 : density)));
+        if (isLast || !vk_isSharp(density))
+            arrived += arrival.through * (1 / chance);
         sum.sharp += scattering.sharp * arrived;
         sum.even += scattering.even * arrived;
     }
@@ -178,27 +196,34 @@ vk_Colour vk_Lighting::mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samp
 {
     constexpr int DIRECTIONS = 4;
 
-    Finds finds(sampler.number());
+    const float number = sampler.number();
+    Mirrored drawn[DIRECTIONS];
+    int count = 0;
     for (int i = 0; i < DIRECTIONS; ++i) {
-        const vk_Vec direction = bsdf.sample(sampler.square());
-        float density = 0;
-        const vk_Colour sharp = bsdf.evaluate(direction, density).sum();
-        if (density <= 0 || isBehind(hit, direction))
-            continue;
-        for (const auto &light : myScene.lights) {
-            const vk_LightSample seen = light->hit(hit.start(direction), direction);
+        Mirrored &now = drawn[count];
+        now.direction = bsdf.sample(sampler.square());
+        now.sharp = bsdf.evaluate(now.direction, now.density).sum();
+        if (now.density > 0 && vk_dot(hit.facet, now.direction) > 0)
+            ++count;
+    }
+    vk_Colour sum;
+    for (const auto &light : myScene.lights) {
+        Finds finds(number);
+        for (int i = 0; i < count; ++i) {
+            const Mirrored &now = drawn[i];
+            const vk_LightSample seen = light->hit(hit.start(now.direction), now.direction);
             const float chance = seen.density * expected(*light, samples);
             if (chance > 0)
-                finds.add(sharp * seen.radiance * (1 / (density + chance)), seen);
+                finds.add(now.sharp * seen.radiance * (1 / (now.density + chance)), seen);
         }
+        if (finds.total <= 0)
+            continue;
+        const vk_LightSample &seen = finds.chosen;
+        const vk_Vec from = hit.start(seen.direction);
+        const vk_Colour left = isHidden(from, *light, seen) ? myShadow.left : vk_grey(1);
+        sum += finds.sum * left * myFog.passes(from, seen.direction, seen.distance);
     }
-    if (finds.total <= 0)
-        return {};
-    const vk_Vec from = hit.start(finds.chosen.direction);
-    ++vk_myRays.shadow;
-    const bool isHidden = myWorld.occluded(from, finds.chosen.direction, finds.chosen.distance);
-    const float passes = myFog.passes(from, finds.chosen.direction, finds.chosen.distance);
-    return finds.sum * (isHidden ? myShadow.left : vk_grey(1)) * (passes / DIRECTIONS);
+    return sum * (1.0f / DIRECTIONS);
 }
 
 vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, float distance,
@@ -211,8 +236,9 @@ vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, fl
             continue;
         const float share = density / (density + seen.density * expected(*light, samples));
         const float passes = myFog.passes(origin, direction, seen.distance);
-        sum += seen.radiance * (seen.distance < distance ? vk_grey(1) : myShadow.left) *
-               (share * passes);
+        const bool isHidden =
+            myShadow.soft == 1 ? seen.distance >= distance : this->isHidden(origin, *light, seen);
+        sum += seen.radiance * (isHidden ? myShadow.left : vk_grey(1)) * (share * passes);
     }
     return sum;
 }
@@ -257,7 +283,9 @@ vk_Colour vk_Lighting::scattered(const vk_Light &light, const vk_Vec &origin,
         if (place.weight <= 0 || sample.density <= 0 || vk_largest(sample.radiance) <= 0)
             continue;
         const float phase = myFog.phase(vk_dot(direction, sample.direction));
-        sum += arriving(at, light, sample) * (place.weight * phase / (sample.density * PLACES));
+        const Arrival arrival = arriving(at, light, sample);
+        sum +=
+            (arrival.open + arrival.through) * (place.weight * phase / (sample.density * PLACES));
     }
     return sum * passes;
 }

@@ -16,9 +16,11 @@ public:
     vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog);
 
     // Light that a surface sends on to where its scattering was set up for,
-    // weighted against what scattered rays will find (see reached()). Glass sends on
-    // what arrives from outside.
-    vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
+    // weighted against what scattered rays will find (see reached()), or all of it where
+    // none follow. Glass sends on what arrives from outside. Light that comes through
+    // shapes is only found here, unless scattering is so sharp that rays go on to
+    // refract.
+    vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples, bool isLast,
                            vk_Sampler &sampler) const;
 
     // Whether a light's edge may be mirrored sharply at a hit. There one direction for
@@ -43,8 +45,12 @@ private:
                         float distance, vk_Sampler &sampler) const;
     float expected(const vk_Light &light, int samples) const;
     std::size_t pick(float at) const;
-    vk_Colour arriving(const vk_Vec &from, const vk_Light &light,
-                       const vk_LightSample &sample) const;
+    struct Arrival {
+        vk_Colour open;    // light that scattered rays may find as well,
+        vk_Colour through; // and light that comes through shapes
+    };
+    Arrival arriving(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
+    bool isHidden(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     vk_Colour passing(vk_Vec origin, const vk_Vec &direction, float distance) const;
     vk_Colour through(const vk_Hit &hit, const vk_Vec &direction) const;

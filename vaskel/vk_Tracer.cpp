@@ -17,7 +17,6 @@ constexpr float FADE_NEAR = 4;      // the floor fades between these
 constexpr float FADE_FAR = 18;      // distances from the origin
 constexpr float BLUR = .6f;         // roughness behind even scattering
 constexpr float MOST_INDIRECT = 2;  // brighter strays are cut
-constexpr float EVEN_DENSITY = 1;   // scattering below it counts as even
 constexpr float FAINT = .12f;       // so does a way that matters less
 constexpr float GROUND = .35f;      // rougher glass shows no edges
 constexpr float SMOOTH = .02f;      // rougher glass is lit by lights
@@ -59,6 +58,7 @@ struct vk_Tracer::Path {
     int panes = 0;               // of glass
     bool spread = false;         // has been scattered evenly
     bool foundLights = false;    // in the direction that it took last
+    bool isLast = false;         // goes no further
 
     int scatterings() const { return surfaces + panes; }
     void add(const vk_Colour &light) { add(light, sharp); }
@@ -130,7 +130,8 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
         return;
     path.view->albedo = material.diffuse + material.sheen;
     if (blursAll(material)) {
-        path.view->albedo = material.specular + material.clear;
+        path.view->albedo =
+            material.isClear() ? vk_grey(1) : material.specular + material.edge * .1f;
         path.sharp = {};
     }
     const bool isGround = material.isClear() && material.rough > GROUND;
@@ -180,14 +181,14 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
         path.spread = path.spread || vk_largest(path.weight) < FAINT;
         const bool isSmooth = material.isClear() && material.rough < SMOOTH;
         const int mostPanes = isSmooth ? MOST_PANES : MOST_ROUGH_PANES;
-        const bool isLast =
+        path.isLast =
             path.spread || path.surfaces + 1 == MOST_SURFACES || path.panes + 1 >= mostPanes;
         if (path.spread)
             material.rough = std::max(material.rough, BLUR);
         const bool split = isSmooth && path.scatterings() == 1 && branches.hasRoom();
         const int samples = path.spread ? SPREAD_SAMPLES : LIGHT_SAMPLES;
         const vk_Bsdf bsdf = light(path, hit, material, samples, split, sampler);
-        if (isLast) {
+        if (path.isLast) {
             const vk_Colour passed = material.clear * seen(path, path.direction);
             path.add((material.diffuse + material.specular) * ambient(hit.normal) + passed);
             return;
@@ -310,7 +311,7 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
     ++(material.isClear() ? path.panes : path.surfaces);
     if (path.samples == 0)
         return bsdf;
-    const vk_Scattered lit = myLighting.reflected(hit, bsdf, path.samples, sampler);
+    const vk_Scattered lit = myLighting.reflected(hit, bsdf, path.samples, path.isLast, sampler);
     if (path.scatterings() > 1 || path.sharp == vk_Colour{}) {
         path.add(lit.sum());
     } else {
@@ -332,7 +333,7 @@ bool vk_Tracer::scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
         path.sharp = shareOf(scattering.sharp, sum);
     path.weight = path.weight * sum * (1 / path.density);
     const bool entersGlass = bsdf.isGlass() && (above > 0) == hit.inside;
-    path.spread = path.spread || (path.density < EVEN_DENSITY && !entersGlass);
+    path.spread = path.spread || (!vk_isSharp(path.density) && !entersGlass);
     if (entersGlass)
         path.samples = 0; // lights were only asked for what arrives from outside
     path.origin = hit.start(next);

@@ -25,7 +25,7 @@ struct vk_View {
 
     vk_Colour sharp;  // all but
     vk_Colour even;   // light that the first surface scattered evenly,
-    vk_Colour albedo; // about so much of what arrived there
+    vk_Colour albedo; // about so much of what arrived there; not 0 where there is even light
     vk_Vec normal;    // of that surface; to the viewer where there is none
     float distance = 0;
     float blurred = 0; // how far the even layer is without edges: 1 where light wandered
