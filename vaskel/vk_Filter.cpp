@@ -2,12 +2,13 @@
 
 namespace
 {
-constexpr int NEAR_REACH = 2;  // pixels to each side, but where light wandered
-constexpr float SURE = .9f;    // length of a mean of normals that shows no edge
-constexpr float TURN = 50;     // how fast pixels that face elsewhere lose weight
-constexpr float DEPTH = .05f;  // share of the distance that makes two pixels differ
-constexpr float TOLERANCE = 6; // how many errors apart two pixels may be
-constexpr float FAR_TOLERANCE = 200;
+constexpr int NEAR_REACH = 2;        // pixels to each side, but where light wandered
+constexpr float SURE = .9f;          // length of a mean of normals that shows no edge
+constexpr float TURN = 100;          // how fast pixels that face elsewhere lose weight
+constexpr float DEPTH = .05f;        // share of the distance that makes two pixels differ
+constexpr float SHARP_TOLERANCE = 3; // how many errors apart two pixels may be
+constexpr float EVEN_TOLERANCE = 6;
+constexpr float FAR_TOLERANCE = 200; // where light wandered
 constexpr float INVISIBLE = 1.5e-6f; // a third of a step of the file
 constexpr float LEAST_ERROR = 1e-8f;
 
@@ -32,8 +33,8 @@ float weight(float difference, float tolerance, float own, float around, float o
 
 bool vk_Filter::helps(const vk_Pixel &pixel)
 {
-    const float length = vk_length(pixel.sum.normal);
-    return length > SURE * static_cast<float>(pixel.count);
+    const float sure = SURE * static_cast<float>(pixel.count);
+    return vk_dot(pixel.sum.normal, pixel.sum.normal) > sure * sure;
 }
 
 vk_Filter::vk_Filter(int columns, int rows)
@@ -57,7 +58,7 @@ void vk_Filter::take(const vk_Pixel *row, int y)
         now.smooth = helps(pixel);
         const bool isBlurred = pixel.sum.blurred > 0;
         now.reach = isBlurred ? REACH : NEAR_REACH;
-        now.tolerance = isBlurred ? FAR_TOLERANCE : TOLERANCE;
+        now.tolerance = isBlurred ? FAR_TOLERANCE : EVEN_TOLERANCE;
     }
 }
 
@@ -105,9 +106,9 @@ vk_Colour vk_Filter::at(int x, int y) const
             const vk_Vec visibility = smaller(here.visibility, there.visibility);
             const vk_Colour shown = (there.arriving - here.arriving) * here.albedo;
             const float forSharp =
-                alikeness * weight(vk_visible(there.sharp - here.sharp, visibility), TOLERANCE,
-                                   here.own.sharp, here.around.sharp, there.own.sharp,
-                                   there.around.sharp);
+                alikeness * weight(vk_visible(there.sharp - here.sharp, visibility),
+                                   SHARP_TOLERANCE, here.own.sharp, here.around.sharp,
+                                   there.own.sharp, there.around.sharp);
             const float forEven =
                 alikeness * weight(vk_visible(shown, visibility), here.tolerance, here.own.even,
                                    here.around.even, there.own.even, there.around.even);

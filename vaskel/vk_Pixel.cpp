@@ -26,10 +26,14 @@ void vk_Pixel::judge()
 {
     const vk_Vec visibility = vk_visibility(light());
     const vk_View before = half;
+    // For half of the samples 1.
+    const float share =
+        halfCount > 0 ? static_cast<float>(halfCount) / static_cast<float>(count - halfCount) : 1;
+    halfCount = count;
     half.sharp = sharp();
     half.even = arriving();
     half.albedo = albedo();
-    errorSharp = vk_visible(half.sharp - before.sharp, visibility);
-    errorEven = vk_visible((half.even - before.even) * half.albedo, visibility);
-    errorTexture = vk_visible((half.albedo - before.albedo) * half.even, visibility);
+    errorSharp = share * vk_visible(half.sharp - before.sharp, visibility);
+    errorEven = share * vk_visible((half.even - before.even) * half.albedo, visibility);
+    errorTexture = share * vk_visible((half.albedo - before.albedo) * half.even, visibility);
 }

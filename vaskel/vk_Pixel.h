@@ -7,11 +7,12 @@
 // shows as its square root.
 struct vk_Pixel {
     vk_View sum;
-    vk_View half;           // means when half of the samples were there
+    vk_View half;           // means when errors were estimated last
     float errorSharp = 0;   // of the sharp layer's mean, estimated,
     float errorEven = 0;    // of what arrived to be scattered evenly,
     float errorTexture = 0; // and of the colour that it met
     int count = 0;
+    float spread = 0; // what one sample would leave of the error; 0: not estimated yet
     bool quiet = false;
     bool bad = false; // had a sample that was no number
 
@@ -30,6 +31,8 @@ struct vk_Pixel {
     void judge();
 
 private:
+    int halfCount = 0; // samples of `half`
+
     float share() const { return 1 / static_cast<float>(count); }
 };
 

@@ -43,6 +43,7 @@ private:
         band.pixels.resize(static_cast<std::size_t>(band.columns * band.rows));
         const int across = tiles(band.columns);
         std::vector<vk_Tile> parts;
+        parts.reserve(static_cast<std::size_t>(across * tiles(band.rows)));
         for (int i = 0; i < across * tiles(band.rows); ++i)
             parts.emplace_back(myCanvas, band, i % across * vk_Tile::SIDE,
                                i / across * vk_Tile::SIDE);

@@ -17,9 +17,9 @@ struct vk_Quality {
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .017f, false},
-    {"default", 1, .0078f, false},
-    {"final", 8, .0027f, true},
+    {"draft", .25f, .014f, false},
+    {"default", 1, .0064f, false},
+    {"final", 8, .0022f, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 
@@ -38,7 +38,7 @@ struct vk_RenderSettings {
 int vk_threadCount();
 
 // Draws the scene. The film depends on the scene, the quality and the samples
-// only, not on the number of threads. False and a message when memory or ray
-// tracing failed.
+// only, not on the number of threads. False and a message when ray tracing failed; when
+// memory runs out, operator new does what the program chose.
 [[nodiscard]] bool vk_render(const vk_Scene &scene, const vk_RenderSettings &settings,
                              vk_Film &film, std::string &error);

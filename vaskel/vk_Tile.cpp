@@ -9,14 +9,38 @@ namespace
 constexpr int FIRST_SAMPLES = 2;  // a pixel; every further pass doubles them
 constexpr float FILTER_WIDTH = 1; // pixels to either side
 
-// Shares of errors that the filter leaves.
-constexpr float LEFT_SHARP = .5f;
-constexpr float LEFT_STRUCTURE = 1; // where there are edges
-constexpr float STRUCTURE = 1;      // differences over errors that are one
-constexpr float LEFT_EVEN = .05f;
-constexpr float LEFT_STEEP = .2f; // where differences are as large as errors
+// Shares of errors that the filter leaves, as they were found over the examples. At an
+// edge of a shape it cannot help, and few samples say too little of what is there.
+constexpr float LEFT_EDGE = 2;
+constexpr float LEFT_TEXTURE = .5f;
 constexpr float LEFT_GROUND = .035f;
-constexpr float LEFT_WANDERING = .02f;
+constexpr float LEFT_WANDERING = .028f;
+constexpr float LEAST_SHARP = .15f;
+constexpr float LEAST_EVEN = .02f;
+
+// Where pixels differ by more than their errors, more is left.
+float leftOf(float structure, float least)
+{
+    constexpr float SLOPE = .5f;
+    constexpr float MOST = 2;
+
+    return std::clamp(SLOPE * (structure - 1), least, MOST);
+}
+
+float leftOfEven(const vk_Pixel &pixel, float structure)
+{
+    if (pixel.sum.blurred <= 0)
+        return leftOf(structure, LEAST_EVEN);
+    return pixel.sum.blurred < static_cast<float>(pixel.count) ? LEFT_GROUND : LEFT_WANDERING;
+}
+
+// A surface needs no more than the first samples when its error is this part of the
+// one aimed at.
+constexpr float EARLY = .25f;
+
+// How much of an estimate is that of the passes before: one that is low by chance must
+// not end a pixel's samples.
+constexpr float BEFORE = .5f;
 
 // How much the mean error of a tile's even layer counts for each pixel: few samples
 // find bright things that are small only here and there.
@@ -32,6 +56,31 @@ float tent(float u)
     const float half = x < 0 ? std::sqrt(1 + x) - 1 : 1 - std::sqrt(1 - x);
     return half * FILTER_WIDTH;
 }
+
+// One layer of pixels beside each other.
+struct Layer {
+    vk_Colour sum, squares;
+    float errors = 0;
+    int count = 0;
+
+    void add(const vk_Colour &light, float error)
+    {
+        sum += light;
+        squares += light * light;
+        errors += error;
+        ++count;
+    }
+    // How much they differ: about 1 when it is their errors, more when there is something
+    // to be seen.
+    float structure(const vk_Vec &visibility) const
+    {
+        if (errors <= 0 || count < 2)
+            return 0;
+        const auto n = static_cast<float>(count);
+        const vk_Colour variance = (squares - sum * sum * (1 / n)) * (1 / (n - 1));
+        return vk_dot(variance, visibility) * (1.0f / 3) * n / errors;
+    }
+};
 
 // Whether any sample met something.
 bool showsSurface(const vk_Pixel &pixel)
@@ -55,7 +104,8 @@ vk_Lens::vk_Lens(const vk_Scene &scene)
 vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
                      const vk_RenderSettings &settings, vk_Film &film)
     : myScene(scene), myTracer(scene, world), myLens(scene), myFilm(film),
-      myGain(std::exp2(scene.exposure)), myRare(vk_Fog(scene.fog).isClear() ? RARE : RARE_IN_FOG)
+      myGain(std::exp2(scene.exposure)), myRare(vk_Fog(scene.fog).isClear() ? RARE : RARE_IN_FOG),
+      myFilters(settings.samples <= 0)
 {
     const vk_Quality &quality = *settings.quality;
     const float most = static_cast<float>(scene.samples) * quality.samples;
@@ -99,17 +149,25 @@ vk_Tile::vk_Tile(const vk_Canvas &canvas, vk_Band &band, int left, int top)
 {
 }
 
+// Calls a function with each pixel and its place.
+template <class Function>
+void vk_Tile::each(Function function) const
+{
+    for (int y = 0; y < myRows; ++y)
+        for (int x = 0; x < myColumns; ++x)
+            function(myBand.at(myLeft + x, myTop + y), x, y);
+}
+
 void vk_Tile::start()
 {
-    int count = myCanvas.firstSamples();
+    const int count = myCanvas.firstSamples();
     pass(count);
     if (count == myCanvas.mostSamples())
         return;
-    // The open sky mostly needs no more.
     judge();
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x)
-            pixel(x, y).quiet = !showsSurface(pixel(x, y)) && myErrors[y][x] < myCanvas.target();
+    each([&](vk_Pixel &now, int x, int y) {
+        now.quiet = myErrors[y][x] < (showsSurface(now) ? EARLY : 1) * myCanvas.target();
+    });
     pass(myCanvas.leastSamples());
 }
 
@@ -124,13 +182,14 @@ void vk_Tile::go(float limit)
     }
 }
 
+// Pixels that were quiet before count as if they had had as many samples as the others.
 vk_Spreads vk_Tile::spreads()
 {
     vk_Spreads spreads;
     judge();
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x)
-            spreads.add(myErrors[y][x] * static_cast<float>(pixel(x, y).count));
+    each([&](const vk_Pixel &, int x, int y) {
+        spreads.add(myErrors[y][x] * static_cast<float>(myCanvas.leastSamples()));
+    });
     return spreads;
 }
 
@@ -138,109 +197,79 @@ vk_Spreads vk_Tile::spreads()
 bool vk_Tile::pass(int count)
 {
     bool drew = false;
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x) {
-            vk_Pixel &now = pixel(x, y);
-            if (now.quiet)
+    each([&](vk_Pixel &now, int x, int y) {
+        if (now.quiet)
+            return;
+        for (const int part : {std::max(1, count / 2), count}) {
+            if (now.count >= part)
                 continue;
-            for (const int part : {std::max(1, count / 2), count}) {
-                myCanvas.sample(now, myLeft + x, myBand.top + myTop + y, part);
-                now.judge();
-            }
-            drew = true;
+            myCanvas.sample(now, myLeft + x, myBand.top + myTop + y, part);
+            now.judge();
         }
+        drew = true;
+    });
     return drew;
 }
 
 void vk_Tile::settle(float limit)
 {
     judge();
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x) {
-            vk_Pixel &now = pixel(x, y);
-            const float error = myErrors[y][x];
-            now.quiet = now.quiet || error < limit * static_cast<float>(now.count);
-        }
+    each([&](vk_Pixel &now, int x, int y) {
+        if (now.quiet)
+            return;
+        const auto count = static_cast<float>(now.count);
+        const float spread = myErrors[y][x] * count;
+        now.spread = now.spread > 0 ? spread + BEFORE * (now.spread - spread) : spread;
+        now.quiet = now.spread < limit * count * count;
+    });
 }
 
 void vk_Tile::judge()
 {
-    float errors[SIDE][SIDE];
     float rare = 0;
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x) {
-            errors[y][x] = errorOf(x, y);
-            rare += leftOfEven(x, y) * pixel(x, y).errorEven;
-        }
+    each([&](const vk_Pixel &now, int x, int y) {
+        const Left left = leftAround(now, x, y);
+        myErrors[y][x] = left.rest + left.even;
+        rare += left.even;
+    });
     rare *= myCanvas.rare() / static_cast<float>(pixels());
-    const auto around = [&](int x, int y) {
-        float sum = 0;
-        int count = 0;
-        for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
-            for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count)
-                sum += errors[j][i];
-        return std::max(rare, sum / static_cast<float>(count));
-    };
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x)
-            myErrors[y][x] = around(x, y);
+    each([&](const vk_Pixel &, int x, int y) { myErrors[y][x] = std::max(rare, myErrors[y][x]); });
 }
 
-// What is left of a pixel's error when it is filtered.
-float vk_Tile::errorOf(int x, int y) const
+vk_Tile::Left vk_Tile::leftAround(const vk_Pixel &now, int x, int y) const
 {
-    const vk_Pixel &now = pixel(x, y);
-    if (!vk_Filter::helps(now))
-        return now.errorSharp + now.errorEven + now.errorTexture;
-    return now.errorTexture + leftOfSharp(x, y) * now.errorSharp + leftOfEven(x, y) * now.errorEven;
-}
-
-// Share of the error of the sharp layer that is left: most of it where neighbours
-// differ by more than their errors.
-float vk_Tile::leftOfSharp(int x, int y) const
-{
-    const vk_Pixel &now = pixel(x, y);
-    const vk_Pixel &right = pixel(std::min(x + 1, myColumns - 1), y);
-    const vk_Pixel &below = pixel(x, std::min(y + 1, myRows - 1));
+    Left left;
+    Layer sharp, even;
+    int count = 0;
+    for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
+        for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count) {
+            const vk_Pixel &near = myBand.at(myLeft + i, myTop + j);
+            if (!vk_Filter::helps(near)) {
+                left.rest += LEFT_EDGE * (near.errorSharp + near.errorEven + near.errorTexture);
+                continue;
+            }
+            left.rest += LEFT_TEXTURE * near.errorTexture;
+            sharp.add(near.half.sharp, near.errorSharp);
+            even.add(near.half.even, near.errorEven);
+        }
     const vk_Vec visibility = vk_visibility(now.light());
-    const float steps = vk_visible(right.sharp() - now.sharp(), visibility) +
-                        vk_visible(below.sharp() - now.sharp(), visibility);
-    const float errors = 2 * now.errorSharp + right.errorSharp + below.errorSharp;
-    return steps > STRUCTURE * errors ? LEFT_STRUCTURE : LEFT_SHARP;
-}
-
-// The same of the even layer, growing with the differences: those are less steep.
-float vk_Tile::leftOfEven(int x, int y) const
-{
-    const vk_Pixel &now = pixel(x, y);
-    if (now.sum.blurred > 0)
-        return now.sum.blurred < static_cast<float>(now.count) ? LEFT_GROUND : LEFT_WANDERING;
-    const vk_Pixel &left = pixel(std::max(x - 1, 0), y);
-    const vk_Pixel &right = pixel(std::min(x + 1, myColumns - 1), y);
-    const vk_Pixel &above = pixel(x, std::max(y - 1, 0));
-    const vk_Pixel &below = pixel(x, std::min(y + 1, myRows - 1));
-    const vk_Vec visibility = vk_visibility(now.light());
-    const vk_Colour albedo = now.albedo();
-    const float steps = vk_visible((right.arriving() - left.arriving()) * albedo, visibility) +
-                        vk_visible((below.arriving() - above.arriving()) * albedo, visibility);
-    const float errors = left.errorEven + right.errorEven + above.errorEven + below.errorEven;
-    return errors > 0 ? std::clamp(LEFT_STEEP * steps / errors, LEFT_EVEN, 1.0f) : 1;
+    const vk_Colour &albedo = now.half.albedo;
+    left.rest += leftOf(sharp.structure(visibility), LEAST_SHARP) * sharp.errors;
+    left.even = leftOfEven(now, even.structure(visibility * albedo * albedo)) * even.errors;
+    const float share = 1 / static_cast<float>(count);
+    return {left.rest * share, left.even * share};
 }
 
 std::uint64_t vk_Tile::samples() const
 {
     std::uint64_t sum = 0;
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x)
-            sum += static_cast<std::uint64_t>(pixel(x, y).count);
+    each([&](const vk_Pixel &now, int, int) { sum += static_cast<std::uint64_t>(now.count); });
     return sum;
 }
 
 std::uint64_t vk_Tile::badPixels() const
 {
     std::uint64_t sum = 0;
-    for (int y = 0; y < myRows; ++y)
-        for (int x = 0; x < myColumns; ++x)
-            sum += pixel(x, y).bad ? 1u : 0u;
+    each([&](const vk_Pixel &now, int, int) { sum += now.bad ? 1u : 0u; });
     return sum;
 }

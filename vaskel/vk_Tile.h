@@ -43,7 +43,7 @@ public:
     int mostSamples() const { return myMostSamples; }
     float target() const { return myTarget; } // squared error that is aimed at
     float rare() const { return myRare; }     // weight of a tile's mean error in each pixel's
-    bool filters() const { return myFirstSamples < myMostSamples; }
+    bool filters() const { return myFilters; }
 
 private:
     vk_View view(int x, int y, vk_Sampler sampler) const;
@@ -55,6 +55,7 @@ private:
     float myGain;
     float myRare;
     float myTarget;
+    bool myFilters;
     int myMostSamples, myFirstSamples;
 };
 
@@ -67,12 +68,13 @@ struct vk_Band {
     vk_Pixel &at(int x, int y) { return pixels[static_cast<std::size_t>(y * columns + x)]; }
 };
 
-// A square of pixels. start() draws the first samples of all; go() doubles those of
-// the pixels that are not quiet yet, pass by pass. A sample is best spent where it takes
-// most off the squared error of the picture: a pixel is quiet when its own, divided by
-// its samples, is below a limit that all pixels share. One pixel's error is a poor
-// estimate; the mean over its neighbours in the tile is a fair one. Tiles know nothing
-// of each other, so their order does not matter.
+// A square of pixels. start() draws the least samples of all, and fewer where hardly
+// any error is left; go() doubles those of the pixels that are not quiet yet, pass by
+// pass. A sample is best spent where it takes most off the squared error of the
+// picture: a pixel is quiet when its own, divided by its samples, is below a limit that
+// all pixels of the band share. One pixel's error is a poor estimate; the mean over its neighbours
+// in the tile is a fair one. Tiles know nothing of each other, so their order does not
+// matter.
 class vk_Tile
 {
 public:
@@ -91,16 +93,19 @@ public:
     int pixels() const { return myColumns * myRows; }
 
 private:
+    // Errors that the filter leaves, of the even layer and of all else.
+    struct Left {
+        float rest = 0, even = 0;
+    };
+    template <class Function>
+    void each(Function function) const;
     bool pass(int count);
     void judge();
     void settle(float limit);
-    float errorOf(int x, int y) const;
-    float leftOfSharp(int x, int y) const;
-    float leftOfEven(int x, int y) const;
-    vk_Pixel &pixel(int x, int y) const { return myBand.at(myLeft + x, myTop + y); }
+    Left leftAround(const vk_Pixel &pixel, int x, int y) const;
 
     const vk_Canvas &myCanvas;
     vk_Band &myBand;
-    float myErrors[SIDE][SIDE]; // squared, means over neighbours
+    float myErrors[SIDE][SIDE] = {}; // squared, means over neighbours
     int myLeft, myTop, myColumns, myRows;
 };

@@ -15,42 +15,73 @@ constexpr char STUDIO[] = "picture p.png\ncamera\nfloor v_checker\n"
                           "lightplace from 4 5 -4 to 0 1 0\n"
                           "light v_area intensity .35 width 3 height 2\n";
 
-void readScene(const std::string &lines, vk_Scene &scene)
+void readScene(std::string text, vk_Scene &scene)
 {
-    std::string text = STUDIO + lines + "\n";
     std::FILE *const file = fmemopen(text.data(), text.size(), "r");
     vk_SceneReader reader("s", scene);
     EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
     std::fclose(file);
 }
 
-vk_Film draw(const std::string &lines, int threads = 2)
+vk_Film drawAll(const std::string &text, int threads = 2, int samples = 0)
 {
     vk_Scene scene;
     vk_Film film;
     std::string error;
-    readScene(lines, scene);
+    readScene(text, scene);
     vk_RenderSettings settings;
     settings.threads = threads;
+    settings.samples = samples;
     EXPECT_TRUE(vk_render(scene, settings, film, error)) << error;
     return film;
 }
 
-// Mean of the green bytes in a part of a film, in shares of its size.
-double meanOf(const vk_Film &film, double left, double top, double right, double bottom)
+vk_Film draw(const std::string &lines, int threads = 2)
+{
+    return drawAll(STUDIO + lines + "\n", threads);
+}
+
+// Mean of the bytes of one colour (green) in a part of a film, in shares of its size.
+double meanOf(const vk_Film &film, double left, double top, double right, double bottom,
+              int colour = 1)
 {
     double sum = 0, count = 0;
     for (int y = static_cast<int>(top * film.height); y < bottom * film.height; ++y)
         for (int x = static_cast<int>(left * film.width); x < right * film.width; ++x, ++count)
-            sum += film.bytes[static_cast<std::size_t>(3 * (y * film.width + x) + 1)];
+            sum += film.bytes[static_cast<std::size_t>(3 * (y * film.width + x) + colour)];
     return sum / count;
+}
+
+// How much two films of 24 by 24 pixels differ at most in the mean of one
+// colour over 4 by 4 of them.
+double differenceOf(const vk_Film &a, const vk_Film &b)
+{
+    constexpr double SHARE = 1.0 / 6;
+    double most = 0;
+    for (double y = 0; y < .99; y += SHARE)
+        for (double x = 0; x < .99; x += SHARE)
+            for (int c = 0; c < 3; ++c)
+                most = std::max(most, std::abs(meanOf(a, x, y, x + SHARE, y + SHARE, c) -
+                                               meanOf(b, x, y, x + SHARE, y + SHARE, c)));
+    return most;
+}
+
+// A dark room with lines, and a light that is so many in one place.
+std::string roomWith(const std::string &lines, int lights)
+{
+    std::string text = "picture p.png\nsize 24 24\ncamera from 0 2.5 6 at 0 .7 0 fov 25\n"
+                       "environment v_studio intensity 0\nfloor v_matte diff .8\n" +
+                       lines + "\nlightplace from 1 5 0 to 0 0 0\n";
+    for (int i = 0; i < lights; ++i)
+        text += "light v_area width 5 height 5 intensity " + std::to_string(1. / lights) + "\n";
+    return text;
 }
 
 // "finite", or what becomes of a ray.
 std::string lightOf(const std::string &lines, std::uint32_t rays)
 {
     vk_Scene scene;
-    readScene(lines, scene);
+    readScene(STUDIO + lines + "\n", scene);
     const vk_World world(scene);
     const vk_Tracer tracer(scene, world);
     const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
@@ -97,6 +128,69 @@ TEST(Renderer, MatteHalfShowsAsMiddleGrey)
     const vk_Film film = draw("size 64 64\nsurface v_matte diff .5\nsphere\n");
     EXPECT_NEAR(128, meanOf(film, .3, .3, .7, .7), 20);
     EXPECT_GT(meanOf(film, .3, .3, .4, .5), meanOf(film, .6, .5, .7, .7) + 20); // lit from the left
+}
+
+TEST(Renderer, ManyLightsInOnePlaceLookLikeOne)
+{
+    for (const char *const lines :
+         {"surface v_matte diff .9\nsphere", "surface v_plastic rough .3\nsphere",
+          "shadow v_softshadow soft 0\nsurface v_matte\nsphere",
+          "shadow v_softshadow soft 3\nsurface v_plastic rough .1\nsphere",
+          "shadow v_filtershadow amount 1\nsurface v_matte diff 1 .2 .2\nsphere",
+          "surface v_glass tint 1 .5 .2\nsphere"}) {
+        const vk_Film one = drawAll(roomWith(lines, 1), 2, 256);
+        EXPECT_LT(differenceOf(one, drawAll(roomWith(lines, 25), 2, 256)), 4) << lines;
+    }
+}
+
+// With glass anywhere mirrored lights are found in another way.
+TEST(Renderer, GlassOutOfSightChangesNothing)
+{
+    const std::string mirror = "floor v_metal rough .16\nlightplace from 0 1.5 -3 to 0 0 2\n";
+    const std::string hidden = "\nsurface v_matte diff 0\ntranslate 0 0 -4\nscale 2 1.5 2\ngrid\n"
+                               "lightplace from 0 1.5 -5 to 0 0 2\n"
+                               "light v_area color 0 0 1 width 6 height 6 intensity .5\nidentity\n";
+    for (const std::string &lines :
+         {"surface v_plastic diff 0 rough .12\nrotate 180 0 1 0\ngrid\n"
+          "lightplace from 0 2 5 to 0 1 0\nlight v_area width 3 height 3\n" +
+              std::string(),
+          mirror + "light v_area color 1 0 0 width 1 height 1 intensity .03" + hidden,
+          mirror + "light v_area intensity 0" + hidden}) {
+        const vk_Film alone = drawAll(roomWith(lines, 1), 2, 256);
+        const std::string glass = "surface v_glass\ntranslate 0 -50 0\nsphere";
+        EXPECT_LT(differenceOf(alone, drawAll(roomWith(lines + glass, 1), 2, 256)), 8) << lines;
+    }
+}
+
+TEST(Renderer, TakingNoiseOutLeavesColours)
+{
+    for (const char *const lines :
+         {"surface v_frosted color 1 0 0 tint 1\nsphere",
+          "surface v_metal color 0 rough .6\nsphere", "surface v_velvet diff 0 0 1\nsphere",
+          "surface v_skin\nsphere"})
+        EXPECT_LT(differenceOf(drawAll(roomWith(lines, 1)), drawAll(roomWith(lines, 1), 2, 256)), 9)
+            << lines;
+}
+
+TEST(Renderer, OneSampleMoreIsNotWorse)
+{
+    std::string scene = roomWith("surface v_matte\nshaderball", 1);
+    for (int i = 0; i < 30; ++i) {
+        const std::string place = std::to_string(.37 * i - 5) + " 4 " + std::to_string(i % 7 - 3);
+        scene += "light v_point intensity .06 color " +
+                 std::string(i % 2 == 0 ? "1 .2 0" : "0 .4 1") + " from " + place + "\n";
+    }
+    const vk_Film truth = drawAll(scene, 2, 1024);
+    const auto noise = [&](const char *samples) {
+        const vk_Film film = drawAll(scene + "samples " + samples + "\n");
+        double sum = 0;
+        for (std::size_t i = 0; i < film.bytes.size(); ++i)
+            sum += std::pow(film.bytes[i] - truth.bytes[i], 2);
+        return sum;
+    };
+    EXPECT_LT(noise("5"), 1.1 * noise("4"));
+    EXPECT_LT(noise("17"), 1.1 * noise("16"));
+    EXPECT_LT(noise("33"), 1.1 * noise("32"));
 }
 
 TEST(Renderer, ConstantsBackdropAndExposureShowWhatTheyDo)

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 // Half of the pixels spread 64 times as much as the others: with the limit that is given,
-// the error comes to the target, and no less than half of it, as samples double.
+// the error comes to the target, and, as samples double, not far below it.
 TEST(Spreads, LimitBringsTheErrorToTheTarget)
 {
     vk_Spreads spreads;
