@@ -49,23 +49,37 @@ private:
                                i / across * vk_Tile::SIDE);
         const int count = static_cast<int>(parts.size());
         const auto part = [&](int i) -> vk_Tile & { return parts[static_cast<std::size_t>(i)]; };
-        vk_Spreads spreads;
-        tbb::parallel_for(0, count, [&](int i) { startTile(part(i), spreads); });
-        const float limit =
-            spreads.limit(myCanvas.target(), myCanvas.leastSamples(), myCanvas.mostSamples());
+        FirstLook look;
+        tbb::parallel_for(0, count, [&](int i) { startTile(part(i), look); });
+        const float samples = mySettings.quality->rays / look.raysOfSample();
+        const float limit = look.spreads.limit(myCanvas.target(), samples, myCanvas.leastSamples(),
+                                               myCanvas.mostSamples());
         tbb::parallel_for(0, count, [&](int i) { finishTile(part(i), limit); });
         develop(band, top, bottom);
     }
 
     static int tiles(int pixels) { return (pixels + vk_Tile::SIDE - 1) / vk_Tile::SIDE; }
 
-    void startTile(vk_Tile &tile, vk_Spreads &spreads)
+    // What the least samples of all tiles tell.
+    struct FirstLook {
+        vk_Spreads spreads;
+        vk_RayCounts rays;
+
+        float raysOfSample() const
+        {
+            const std::uint64_t all = rays.camera + rays.scattered + rays.shadow;
+            return static_cast<float>(all) / static_cast<float>(rays.camera);
+        }
+    };
+
+    void startTile(vk_Tile &tile, FirstLook &look)
     {
         vk_myRays = {};
         tile.start();
         const vk_Spreads own = tile.spreads();
         const std::lock_guard<std::mutex> lock(myMutex);
-        spreads += own;
+        look.spreads += own;
+        look.rays += vk_myRays;
         if (mySettings.stats != nullptr)
             mySettings.stats->rays += vk_myRays;
     }

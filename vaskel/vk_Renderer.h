@@ -14,12 +14,13 @@ struct vk_Quality {
     const char *name;
     float samples;      // factor for the scene's most samples
     float error;        // root mean square, of full scale
+    float rays;         // a pixel, about, at most
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .014f, false},
-    {"default", 1, .0064f, false},
-    {"final", 8, .0022f, true},
+    {"draft", .25f, .014f, 30, false},
+    {"default", 1, .0064f, 118, false},
+    {"final", 8, .0022f, 2000, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 

@@ -20,29 +20,34 @@ vk_Spreads &vk_Spreads::operator+=(const vk_Spreads &o)
     return *this;
 }
 
-double vk_Spreads::meanError(float limit, int least, int most) const
+vk_Spreads::Forecast vk_Spreads::forecast(float limit, int least, int most) const
 {
-    double sum = 0;
+    Forecast sum;
     for (int i = 0; i <= HIGHEST - LOWEST; ++i) {
         const float spread = std::exp2(static_cast<float>(i + LOWEST) / STEPS);
         int samples = least;
         while (samples < most &&
                spread >= limit * static_cast<float>(samples) * static_cast<float>(samples))
             samples = std::min(2 * samples, most);
-        sum += static_cast<double>(myCounts[i]) * static_cast<double>(spread) / samples;
+        const auto count = static_cast<double>(myCounts[i]);
+        sum.error += count * static_cast<double>(spread) / samples;
+        sum.samples += count * samples;
     }
-    return sum / static_cast<double>(myPixels);
+    const auto pixels = static_cast<double>(myPixels);
+    return {sum.error / pixels, sum.samples / pixels};
 }
 
-float vk_Spreads::limit(float target, int least, int most) const
+float vk_Spreads::limit(float target, float meanSamples, int least, int most) const
 {
     constexpr float LOW = -60, HIGH = 20, CLOSE = .01f; // powers of 2
 
     float low = LOW, high = HIGH;
     while (high - low > CLOSE) {
         const float middle = (low + high) / 2;
-        const bool isMore = meanError(std::exp2(middle), least, most) > static_cast<double>(target);
-        (isMore ? high : low) = middle;
+        const Forecast then = forecast(std::exp2(middle), least, most);
+        const bool wantsMore = then.error > static_cast<double>(target) &&
+                               then.samples < static_cast<double>(meanSamples);
+        (wantsMore ? high : low) = middle;
     }
     return std::exp2(low);
 }

@@ -15,15 +15,20 @@ public:
     void add(float spread);
     vk_Spreads &operator+=(const vk_Spreads &o);
 
-    // The limit with which the pixels' mean squared error comes to a target, when each
-    // gets `least` samples, twice as many and so on up to `most`.
-    float limit(float target, int least, int most) const;
+    // The limit with which the pixels' mean squared error comes to a target, or their
+    // samples to so many on the mean, whichever takes fewer; when each gets `least`
+    // samples, twice as many and so on up to `most`.
+    float limit(float target, float meanSamples, int least, int most) const;
 
 private:
     static constexpr int STEPS = 4; // to a factor of 2
     static constexpr int LOWEST = -40 * STEPS, HIGHEST = 8 * STEPS;
 
-    double meanError(float limit, int least, int most) const;
+    // Means over the pixels.
+    struct Forecast {
+        double error = 0, samples = 0;
+    };
+    Forecast forecast(float limit, int least, int most) const;
 
     std::int64_t myCounts[HIGHEST - LOWEST + 1] = {}; // of spreads about 2^(i / STEPS)
     std::int64_t myPixels = 0;

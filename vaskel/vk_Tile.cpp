@@ -12,25 +12,27 @@ constexpr float FILTER_WIDTH = 1; // pixels to either side
 // Shares of errors that the filter leaves, as they were found over the examples. At an
 // edge of a shape it cannot help, and few samples say too little of what is there.
 constexpr float LEFT_EDGE = 2;
-constexpr float LEFT_TEXTURE = .5f;
+constexpr float LEFT_TEXTURE = .7f;
 constexpr float LEFT_GROUND = .035f;
-constexpr float LEFT_WANDERING = .028f;
-constexpr float LEAST_SHARP = .15f;
-constexpr float LEAST_EVEN = .02f;
+constexpr float LEFT_WANDERING = .033f;
 
 // Where pixels differ by more than their errors, more is left.
-float leftOf(float structure, float least)
-{
-    constexpr float SLOPE = .5f;
-    constexpr float MOST = 2;
+struct Leaving {
+    float least, most;
+    float onset, slope; // of structure
+};
+constexpr Leaving SHARP = {.15f, 1, 1, .5f};
+constexpr Leaving EVEN = {.02f, 3, 1.2f, 1};
 
-    return std::clamp(SLOPE * (structure - 1), least, MOST);
+float leftOf(const Leaving &leaving, float structure)
+{
+    return std::clamp(leaving.slope * (structure - leaving.onset), leaving.least, leaving.most);
 }
 
 float leftOfEven(const vk_Pixel &pixel, float structure)
 {
     if (pixel.sum.blurred <= 0)
-        return leftOf(structure, LEAST_EVEN);
+        return leftOf(EVEN, structure);
     return pixel.sum.blurred < static_cast<float>(pixel.count) ? LEFT_GROUND : LEFT_WANDERING;
 }
 
@@ -45,7 +47,6 @@ constexpr float BEFORE = .5f;
 // How much the mean error of a tile's even layer counts for each pixel: few samples
 // find bright things that are small only here and there.
 constexpr float RARE = .1f;
-constexpr float RARE_IN_FOG = 1;
 
 // A tent-shaped filter, drawn from instead of weighted by: each pixel then
 // keeps to its own samples (Ernst, Stamminger and Greiner, "Filter Importance
@@ -104,8 +105,7 @@ vk_Lens::vk_Lens(const vk_Scene &scene)
 vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
                      const vk_RenderSettings &settings, vk_Film &film)
     : myScene(scene), myTracer(scene, world), myLens(scene), myFilm(film),
-      myGain(std::exp2(scene.exposure)), myRare(vk_Fog(scene.fog).isClear() ? RARE : RARE_IN_FOG),
-      myFilters(settings.samples <= 0)
+      myGain(std::exp2(scene.exposure)), myFilters(settings.samples <= 0)
 {
     const vk_Quality &quality = *settings.quality;
     const float most = static_cast<float>(scene.samples) * quality.samples;
@@ -232,7 +232,7 @@ void vk_Tile::judge()
         myErrors[y][x] = left.rest + left.even;
         rare += left.even;
     });
-    rare *= myCanvas.rare() / static_cast<float>(pixels());
+    rare *= RARE / static_cast<float>(pixels());
     each([&](const vk_Pixel &, int x, int y) { myErrors[y][x] = std::max(rare, myErrors[y][x]); });
 }
 
@@ -254,7 +254,7 @@ vk_Tile::Left vk_Tile::leftAround(const vk_Pixel &now, int x, int y) const
         }
     const vk_Vec visibility = vk_visibility(now.light());
     const vk_Colour &albedo = now.half.albedo;
-    left.rest += leftOf(sharp.structure(visibility), LEAST_SHARP) * sharp.errors;
+    left.rest += leftOf(SHARP, sharp.structure(visibility)) * sharp.errors;
     left.even = leftOfEven(now, even.structure(visibility * albedo * albedo)) * even.errors;
     const float share = 1 / static_cast<float>(count);
     return {left.rest * share, left.even * share};

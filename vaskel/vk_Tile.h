@@ -42,7 +42,6 @@ public:
     int leastSamples() const { return std::min(2 * myFirstSamples, myMostSamples); }
     int mostSamples() const { return myMostSamples; }
     float target() const { return myTarget; } // squared error that is aimed at
-    float rare() const { return myRare; }     // weight of a tile's mean error in each pixel's
     bool filters() const { return myFilters; }
 
 private:
@@ -53,7 +52,6 @@ private:
     vk_Lens myLens;
     vk_Film &myFilm;
     float myGain;
-    float myRare;
     float myTarget;
     bool myFilters;
     int myMostSamples, myFirstSamples;

@@ -2,23 +2,47 @@
 
 #include <gtest/gtest.h>
 
-// Half of the pixels spread 64 times as much as the others: with the limit that is given,
-// the error comes to the target, and, as samples double, not far below it.
-TEST(Spreads, LimitBringsTheErrorToTheTarget)
+namespace
+{
+// Half of the pixels spread 64 times as much as the others.
+vk_Spreads twoKinds()
 {
     vk_Spreads spreads;
     for (int i = 0; i < 200; ++i)
         spreads.add(i % 2 == 0 ? .5f : 32.0f);
+    return spreads;
+}
+
+// What the mean pixel then has: squared error and samples.
+std::pair<float, float> with(float limit)
+{
+    std::pair<float, float> mean;
+    for (const float spread : {.5f, 32.0f}) {
+        float samples = 4;
+        while (samples < 1024 && spread >= limit * samples * samples)
+            samples *= 2;
+        mean.first += spread / samples / 2;
+        mean.second += samples / 2;
+    }
+    return mean;
+}
+} // namespace
+
+// As samples double, it is not far below.
+TEST(Spreads, LimitBringsTheErrorToTheTarget)
+{
     for (const float target : {4.0f, 1.0f, .25f}) {
-        const float limit = spreads.limit(target, 4, 1024);
-        float sum = 0;
-        for (const float spread : {.5f, 32.0f}) {
-            float samples = 4;
-            while (samples < 1024 && spread >= limit * samples * samples)
-                samples *= 2;
-            sum += spread / samples / 2;
-        }
-        EXPECT_LE(sum, target);
-        EXPECT_GT(sum, target / 4);
+        const float error = with(twoKinds().limit(target, 1000, 4, 1024)).first;
+        EXPECT_LE(error, target);
+        EXPECT_GT(error, target / 4);
+    }
+}
+
+TEST(Spreads, LimitKeepsToSoManySamples)
+{
+    for (const float most : {6.0f, 20.0f, 100.0f}) {
+        const float samples = with(twoKinds().limit(1e-9f, most, 4, 1024)).second;
+        EXPECT_LE(samples, 2 * most);
+        EXPECT_GT(samples, most / 4);
     }
 }
