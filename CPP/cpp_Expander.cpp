@@ -236,14 +236,15 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro)
         myOut->append(macro.myBody.data(), static_cast<int>(macro.myBody.size()));
         return true;
     }
-    Level &next = levelAt(myDepth + 1);
-    if (macro.myNumArgs > 0)
-        fillIn(macro, next.owned);
-    const std::string &text = macro.myNumArgs > 0 ? next.owned : macro.myBody;
-    next.start = next.next = text.data();
-    next.end = text.data() + text.size();
-    if (!spend(text.size()))
+    const bool hasArguments = macro.myNumArgs > 0;
+    const size_t size = hasArguments ? replacementSize(macro) : macro.myBody.size();
+    if (!spend(size))
         return false;
+    Level &next = levelAt(myDepth + 1);
+    if (hasArguments)
+        fillIn(macro, size, next.owned);
+    next.start = next.next = hasArguments ? next.owned.data() : macro.myBody.data();
+    next.end = next.start + size;
     goToLevel(myDepth + 1);
     return true;
 }
@@ -281,6 +282,8 @@ bool cpp_Expander::readLine()
     if (!myFile->readLogicalLine(line))
         return false;
     myManager.oweBlankLine();
+    for (Argument &argument : myArguments)
+        argument.own();
     Level &here = level();
     here.owned.assign(line.buffer(), static_cast<size_t>(line.length()));
     here.start = here.next = here.owned.data();
@@ -306,6 +309,8 @@ bool cpp_Expander::takeArguments(int count)
         return false;
     ++level().next;
     myArguments.resize(static_cast<size_t>(count));
+    for (Argument &argument : myArguments)
+        argument.text = {};
     for (int i = 0; i < count; ++i) {
         if (!takeArgument(myArguments[static_cast<size_t>(i)]))
             return false;
@@ -322,11 +327,46 @@ bool cpp_Expander::takeArguments(int count)
 }
 
 // Ends on the comma or parenthesis behind the argument.
-bool cpp_Expander::takeArgument(std::string &argument)
+bool cpp_Expander::takeArgument(Argument &argument)
 {
-    argument.clear();
     if (!skipSpace(true))
         return false;
+    const char *begin = level().next;
+    if (!takeAsItStands()) {
+        level().next = begin;
+        if (!copyArgument(argument.copy))
+            return false;
+        argument.text = argument.copy;
+    } else {
+        argument.text = {begin, static_cast<size_t>(level().next - begin)};
+    }
+    return !argument.text.empty() && argument.text.size() < MAX_ARGUMENT;
+}
+
+// Passes an argument that lies within the line and has nothing that changes: most do.
+bool cpp_Expander::takeAsItStands()
+{
+    Level &here = level();
+    for (int parentheses = 0;; ++here.next) {
+        here.next = find(ENDS_ARGUMENT_TEXT, here.next, here.end);
+        if (here.next == here.end || isOf(BACKSLASH, *here.next) || *here.next == '\n')
+            return false;
+        if (isOf(QUOTE, *here.next)) {
+            const char *end = skipQuoted(here.next, here.end);
+            if (end == nullptr)
+                return false;
+            here.next = end - 1;
+        } else if (parentheses == 0 && *here.next != '(') {
+            return true;
+        } else {
+            parentheses += *here.next == '(' ? 1 : *here.next == ')' ? -1 : 0;
+        }
+    }
+}
+
+bool cpp_Expander::copyArgument(std::string &argument)
+{
+    argument.clear();
     int parentheses = 0;
     while (argument.size() < MAX_ARGUMENT) {
         Level &here = level();
@@ -339,7 +379,7 @@ bool cpp_Expander::takeArgument(std::string &argument)
                 return false;
         } else {
             if (parentheses == 0 && (*run == ',' || *run == ')'))
-                return !argument.empty();
+                return true;
             if (!takeCharacter(argument, parentheses))
                 return false;
         }
@@ -373,25 +413,29 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
     return true;
 }
 
-// The body with its marks replaced by the arguments; not all of it when that is
-// more than the budget.
-void cpp_Expander::fillIn(const cpp_Macro &macro, std::string &replacement) const
+// ---- Replacements ----------------------------------------------------------
+
+size_t cpp_Expander::replacementSize(const cpp_Macro &macro) const
 {
-    const std::string_view body = macro.myBody;
-    replacement.clear();
-    for (size_t i = 0; i < body.size() && replacement.size() <= myBudget;) {
-        const size_t mark = std::min(body.find('#', i), body.size());
-        replacement.append(body, i, mark - i);
-        size_t digits = mark + 1;
-        size_t index = 0;
-        while (digits < body.size() && isOf(DIGIT, body[digits]) && index < myArguments.size())
-            index = index * 10 + static_cast<size_t>(body[digits++] - '0');
-        const bool isMark = digits > mark + 1 && digits < body.size() && body[digits] == '#' &&
-                            index < myArguments.size();
-        if (isMark)
-            replacement += myArguments[index];
-        else if (mark < body.size())
-            replacement += '#';
-        i = isMark ? digits + 1 : mark + 1;
+    size_t size = 0;
+    for (const cpp_Macro::Piece &piece : macro.myPieces) {
+        size += piece.length;
+        if (piece.argument < myArguments.size())
+            size += myArguments[piece.argument].text.size();
+    }
+    return size;
+}
+
+// The body with its marks replaced by the arguments.
+void cpp_Expander::fillIn(const cpp_Macro &macro, size_t size, std::string &replacement) const
+{
+    replacement.resize(size);
+    char *to = replacement.data();
+    for (const cpp_Macro::Piece &piece : macro.myPieces) {
+        to = std::copy_n(macro.myBody.data() + piece.begin, piece.length, to);
+        if (piece.argument >= myArguments.size())
+            continue;
+        const std::string_view argument = myArguments[piece.argument].text;
+        to = std::copy_n(argument.data(), argument.size(), to);
     }
 }

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class CPP_File;
@@ -48,6 +49,22 @@ private:
         std::string owned;
     };
 
+    // A view of the level's text, or of a copy where that is not the argument as it
+    // stands, or is about to go.
+    struct Argument {
+        std::string_view text;
+        std::string copy;
+
+        // One that is still to be taken is empty, and its copy is in the making.
+        void own()
+        {
+            if (text.empty() || text.data() == copy.data())
+                return;
+            copy.assign(text.data(), text.size());
+            text = copy;
+        }
+    };
+
     bool fail(std::string message);
     Level &level() { return *myLevel; }
     Level &levelAt(size_t depth); // makes it, one behind the last
@@ -64,9 +81,13 @@ private:
     bool readLine();
     bool skipSpace(bool acrossLines);
     bool takeArguments(int count);
-    bool takeArgument(std::string &argument);
+    bool takeArgument(Argument &argument);
+    bool takeAsItStands();
+    bool copyArgument(std::string &argument);
     bool takeCharacter(std::string &argument, int &parentheses);
-    void fillIn(const cpp_Macro &macro, std::string &replacement) const;
+
+    size_t replacementSize(const cpp_Macro &macro) const;
+    void fillIn(const cpp_Macro &macro, size_t size, std::string &replacement) const;
 
     CPP_Manager &myManager;
     CPP_File *myFile = nullptr;
@@ -78,6 +99,6 @@ private:
     Level *myLevel = nullptr; // the one at that depth
     size_t myLimit = 0;
     size_t myBudget = 0; // what the line's macros may still stand for
-    std::vector<std::string> myArguments;
+    std::vector<Argument> myArguments;
     std::string myMessage;
 };

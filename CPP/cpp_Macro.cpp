@@ -111,6 +111,28 @@ void trimEnd(std::string &body)
         body += ' ';
 }
 
+// Any '#' that is not part of a mark is text.
+std::vector<cpp_Macro::Piece> piecesOf(const std::string &body, size_t arguments)
+{
+    std::vector<cpp_Macro::Piece> pieces;
+    size_t begin = 0;
+    for (size_t i = body.find('#'); i != std::string::npos; i = body.find('#', i)) {
+        size_t end = i + 1;
+        size_t index = 0;
+        while (end < body.size() && isDigit(body[end]) && index < arguments)
+            index = index * 10 + static_cast<size_t>(body[end++] - '0');
+        const bool isMark =
+            end > i + 1 && end < body.size() && body[end] == '#' && index < arguments;
+        if (isMark) {
+            pieces.push_back({begin, i - begin, index});
+            begin = end + 1;
+        }
+        i = isMark ? begin : i + 1;
+    }
+    pieces.push_back({begin, body.size() - begin, cpp_Macro::Piece::NO_ARGUMENT});
+    return pieces;
+}
+
 bool hasNothingToExpand(const std::string &body)
 {
     return std::none_of(body.begin(), body.end(), [](char c) {
@@ -144,6 +166,8 @@ cpp_Macro *cpp_Macro::parse(const char *definition, bool commandLineForm)
             macro->myBody.pop_back();
     }
     trimEnd(macro->myBody);
+    if (macro->myNumArgs > 0)
+        macro->myPieces = piecesOf(macro->myBody, static_cast<size_t>(macro->myNumArgs));
     macro->isPlain = hasNothingToExpand(macro->myBody);
     return macro;
 }

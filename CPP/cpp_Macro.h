@@ -6,14 +6,24 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 struct cpp_Macro {
     enum Builtin { NONE, FILE_NAME, LINE_NUMBER, DATE, TIME };
 
     static constexpr int OBJECT_LIKE = -1;
 
+    // A part of the body between marks, and the argument behind it.
+    struct Piece {
+        static constexpr size_t NO_ARGUMENT = static_cast<size_t>(-1);
+
+        size_t begin, length;
+        size_t argument; // its number
+    };
+
     std::string myName;
     std::string myBody;
+    std::vector<Piece> myPieces; // of the body of a macro with parameters
     int myNumArgs = OBJECT_LIKE; // or the number of parameters
     Builtin myBuiltin = NONE;    // one of those has neither name nor body
     bool isPlain = true;         // the body has nothing that expansion would change
