@@ -236,9 +236,9 @@ vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, fl
             continue;
         const float share = density / (density + seen.density * expected(*light, samples));
         const float passes = myFog.passes(origin, direction, seen.distance);
-        const bool isHidden =
-            myShadow.soft == 1 ? seen.distance >= distance : this->isHidden(origin, *light, seen);
-        sum += seen.radiance * (isHidden ? myShadow.left : vk_grey(1)) * (share * passes);
+        const bool blocked =
+            myShadow.soft == 1 ? seen.distance >= distance : isHidden(origin, *light, seen);
+        sum += seen.radiance * (blocked ? myShadow.left : vk_grey(1)) * (share * passes);
     }
     return sum;
 }

@@ -70,9 +70,9 @@ struct vk_Band {
 // any error is left; go() doubles those of the pixels that are not quiet yet, pass by
 // pass. A sample is best spent where it takes most off the squared error of the
 // picture: a pixel is quiet when its own, divided by its samples, is below a limit that
-// all pixels of the band share. One pixel's error is a poor estimate; the mean over its neighbours
-// in the tile is a fair one. Tiles know nothing of each other, so their order does not
-// matter.
+// all pixels of the band share. One pixel's error is a poor estimate; the mean over its
+// neighbours in the tile is a fair one. Tiles know nothing of each other, so their order
+// does not matter.
 class vk_Tile
 {
 public:

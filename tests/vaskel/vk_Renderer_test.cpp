@@ -151,9 +151,8 @@ TEST(Renderer, GlassOutOfSightChangesNothing)
                                "lightplace from 0 1.5 -5 to 0 0 2\n"
                                "light v_area color 0 0 1 width 6 height 6 intensity .5\nidentity\n";
     for (const std::string &lines :
-         {"surface v_plastic diff 0 rough .12\nrotate 180 0 1 0\ngrid\n"
-          "lightplace from 0 2 5 to 0 1 0\nlight v_area width 3 height 3\n" +
-              std::string(),
+         {std::string("surface v_plastic diff 0 rough .12\nrotate 180 0 1 0\ngrid\n"
+                      "lightplace from 0 2 5 to 0 1 0\nlight v_area width 3 height 3\n"),
           mirror + "light v_area color 1 0 0 width 1 height 1 intensity .03" + hidden,
           mirror + "light v_area intensity 0" + hidden}) {
         const vk_Film alone = drawAll(roomWith(lines, 1), 2, 256);
@@ -168,7 +167,8 @@ TEST(Renderer, TakingNoiseOutLeavesColours)
          {"surface v_frosted color 1 0 0 tint 1\nsphere",
           "surface v_metal color 0 rough .6\nsphere", "surface v_velvet diff 0 0 1\nsphere",
           "surface v_skin\nsphere"})
-        EXPECT_LT(differenceOf(drawAll(roomWith(lines, 1)), drawAll(roomWith(lines, 1), 2, 256)), 14)
+        EXPECT_LT(differenceOf(drawAll(roomWith(lines, 1)), drawAll(roomWith(lines, 1), 2, 256)),
+                  14)
             << lines;
 }
 
