@@ -282,8 +282,8 @@ bool cpp_Expander::readLine()
     if (!myFile->readLogicalLine(line))
         return false;
     myManager.oweBlankLine();
-    for (Argument &argument : myArguments)
-        argument.own();
+    for (; myOwned < myTaken; ++myOwned) // their text may lie in what is replaced here
+        myArguments[myOwned].own();
     Level &here = level();
     here.owned.assign(line.buffer(), static_cast<size_t>(line.length()));
     here.start = here.next = here.owned.data();
@@ -311,9 +311,11 @@ bool cpp_Expander::takeArguments(int count)
     myArguments.resize(static_cast<size_t>(count));
     for (Argument &argument : myArguments)
         argument.text = {};
+    myOwned = myTaken = 0;
     for (int i = 0; i < count; ++i) {
         if (!takeArgument(myArguments[static_cast<size_t>(i)]))
             return false;
+        ++myTaken;
         const bool isLast = i + 1 == count;
         if (*level().next != (isLast ? ')' : ','))
             return false;
@@ -415,10 +417,13 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
 
 // ---- Replacements ----------------------------------------------------------
 
+// More than the budget is not counted to its end, which 32 bits might not hold.
 size_t cpp_Expander::replacementSize(const cpp_Macro &macro) const
 {
     size_t size = 0;
     for (const cpp_Macro::Piece &piece : macro.myPieces) {
+        if (size > myBudget)
+            return size;
         size += piece.length;
         if (piece.argument < myArguments.size())
             size += myArguments[piece.argument].text.size();

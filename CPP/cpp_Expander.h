@@ -55,10 +55,9 @@ private:
         std::string_view text;
         std::string copy;
 
-        // One that is still to be taken is empty, and its copy is in the making.
         void own()
         {
-            if (text.empty() || text.data() == copy.data())
+            if (text.data() == copy.data())
                 return;
             copy.assign(text.data(), text.size());
             text = copy;
@@ -100,5 +99,6 @@ private:
     size_t myLimit = 0;
     size_t myBudget = 0; // what the line's macros may still stand for
     std::vector<Argument> myArguments;
+    size_t myTaken = 0, myOwned = 0; // of the arguments, from the first one on
     std::string myMessage;
 };

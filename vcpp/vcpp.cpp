@@ -135,9 +135,9 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "vcpp: cannot open '%s'\n", argv[operand]);
         return BAD_USAGE;
     }
-    // The C library heeds a size only together with a buffer. A larger one would take
-    // copies of the long runs that go out as they are.
-    static char buffer[8192];
+    // The C library heeds a size only together with a buffer. This one fills a pipe, so
+    // that its reader is woken seldom; longer runs go out as they are.
+    static char buffer[65536];
     std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
     return preprocess(manager);
 }
