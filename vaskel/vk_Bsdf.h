@@ -24,6 +24,13 @@ constexpr bool vk_isSharp(float density)
     return density >= 1;
 }
 
+// Whether a way that counts with this weight is cut short: it counts as evenly
+// scattered, and sees of glass but what is straight behind.
+inline bool vk_isFaint(const vk_Colour &weight)
+{
+    return vk_largest(weight) < .12f;
+}
+
 // What reaches the viewer by way of the coat, the boundary and the glass (sharp),
 // and by way of the base and the sheen (even).
 struct vk_Scattered {

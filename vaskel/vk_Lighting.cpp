@@ -79,13 +79,13 @@ vk_Lighting::Arrival vk_Lighting::arriving(const vk_Vec &from, const vk_Light &l
     const vk_Colour radiance =
         sample.radiance * myFog.passes(from, sample.direction, sample.distance);
     if (!isHidden(from, light, sample))
-        return {radiance, {}};
+        return {radiance, {}, false};
     const vk_Colour &left = myShadow.left;
     if (!mySeesThrough)
-        return {radiance * left, {}};
+        return {radiance * left, {}, false};
     const vk_Vec direction = shadowRay(from, light, sample);
-    const vk_Colour passes = passing(from, direction, sample.distance * NOT_QUITE);
-    return {radiance * left, radiance * (vk_grey(1) - left) * passes};
+    const Passing passes = passing(from, direction, sample.distance * NOT_QUITE);
+    return {radiance * left, radiance * (vk_grey(1) - left) * passes.share, passes.onlyGlass};
 }
 
 bool vk_Lighting::isHidden(const vk_Vec &from, const vk_Light &light,
@@ -112,29 +112,32 @@ vk_Vec vk_Lighting::shadowRay(const vk_Vec &from, const vk_Light &light,
 }
 
 // Share of light that passes all that lies on the way.
-vk_Colour vk_Lighting::passing(vk_Vec origin, const vk_Vec &direction, float distance) const
+vk_Lighting::Passing vk_Lighting::passing(vk_Vec origin, const vk_Vec &direction,
+                                          float distance) const
 {
     constexpr int MOST_LAYERS = 8;
 
-    vk_Colour left = vk_grey(1);
+    Passing passes = {vk_grey(1), true};
     for (int i = 0; i < MOST_LAYERS; ++i) {
         vk_Hit hit;
         ++vk_myRays.shadow;
         if (!myWorld.intersect(origin, direction, hit) || hit.distance >= distance)
-            return left;
-        left = left * through(hit, direction);
-        if (vk_largest(left) < 1e-3f)
+            return passes;
+        const vk_Material material = (*hit.surface)(hit.point);
+        passes.onlyGlass = passes.onlyGlass && material.isClear();
+        passes.share = passes.share * through(hit, material, direction);
+        if (vk_largest(passes.share) < 1e-3f)
             break;
         distance -= hit.distance;
         origin = hit.start(direction);
     }
-    return {};
+    return {{}, false};
 }
 
 // What a surface lets pass straight on, and the glass in front of it.
-vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Vec &direction) const
+vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Material &material,
+                               const vk_Vec &direction) const
 {
-    const vk_Material material = (*hit.surface)(hit.point);
     if (!material.isClear())
         return material.diffuse * myShadow.stain;
     const float cosine = std::abs(vk_dot(hit.normal, direction));
@@ -142,8 +145,8 @@ vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Vec &direction) const
     return passes * myShadow.filter;
 }
 
-vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
-                                    bool isLast, vk_Sampler &sampler) const
+vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
+                                    int samples, bool isLast, vk_Sampler &sampler) const
 {
     const std::size_t count = myScene.lights.size();
     const bool all = count <= static_cast<std::size_t>(samples);
@@ -163,7 +166,9 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int 
             continue;
         const Arrival arrival = arriving(hit.start(sample.direction), light, sample);
         vk_Colour arrived = arrival.open * (1 / (chance + (isLast ? 0 : density)));
-        if (isLast || !vk_isSharp(density))
+        const bool goesOn = !isLast && vk_isSharp(density) &&
+                            !vk_isFaint(weight * scattering.sum() * (1 / density));
+        if (!goesOn || !arrival.throughGlass)
             arrived += arrival.through * (1 / chance);
         sum.sharp += scattering.sharp * arrived;
         sum.even += scattering.even * arrived;

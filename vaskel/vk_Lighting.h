@@ -18,10 +18,10 @@ public:
     // Light that a surface sends on to where its scattering was set up for,
     // weighted against what scattered rays will find (see reached()), or all of it where
     // none follow. Glass sends on what arrives from outside. Light that comes through
-    // shapes is only found here, unless scattering is so sharp that rays go on to
-    // refract.
-    vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples, bool isLast,
-                           vk_Sampler &sampler) const;
+    // shapes is only found here, unless it is but glass and scattering is so sharp that
+    // rays go on to refract; `weight` is that of the way so far.
+    vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
+                           int samples, bool isLast, vk_Sampler &sampler) const;
 
     // Whether a light's edge may be mirrored sharply at a hit. There one direction for
     // each sample tells too little, and mirrored() draws several at little cost: the
@@ -47,13 +47,19 @@ private:
     std::size_t pick(float at) const;
     struct Arrival {
         vk_Colour open;    // light that scattered rays may find as well,
-        vk_Colour through; // and light that comes through shapes
+        vk_Colour through; // and light that comes through shapes,
+        bool throughGlass; // only by way of glass
+    };
+    struct Passing {
+        vk_Colour share;
+        bool onlyGlass;
     };
     Arrival arriving(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     bool isHidden(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
-    vk_Colour passing(vk_Vec origin, const vk_Vec &direction, float distance) const;
-    vk_Colour through(const vk_Hit &hit, const vk_Vec &direction) const;
+    Passing passing(vk_Vec origin, const vk_Vec &direction, float distance) const;
+    vk_Colour through(const vk_Hit &hit, const vk_Material &material,
+                      const vk_Vec &direction) const;
 
     const vk_Scene &myScene;
     const vk_World &myWorld;

@@ -17,7 +17,6 @@ constexpr float FADE_NEAR = 4;      // the floor fades between these
 constexpr float FADE_FAR = 18;      // distances from the origin
 constexpr float BLUR = .6f;         // roughness behind even scattering
 constexpr float MOST_INDIRECT = 2;  // brighter strays are cut
-constexpr float FAINT = .12f;       // so does a way that matters less
 constexpr float GROUND = .35f;      // rougher glass shows no edges
 constexpr float SMOOTH = .02f;      // rougher glass is lit by lights
 
@@ -178,7 +177,7 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
     vk_Hit hit;
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
-        path.spread = path.spread || vk_largest(path.weight) < FAINT;
+        path.spread = path.spread || vk_isFaint(path.weight);
         const bool isSmooth = material.isClear() && material.rough < SMOOTH;
         const int mostPanes = isSmooth ? MOST_PANES : MOST_ROUGH_PANES;
         path.isLast =
@@ -311,7 +310,8 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
     ++(material.isClear() ? path.panes : path.surfaces);
     if (path.samples == 0)
         return bsdf;
-    const vk_Scattered lit = myLighting.reflected(hit, bsdf, path.samples, path.isLast, sampler);
+    const vk_Scattered lit =
+        myLighting.reflected(hit, bsdf, path.weight, path.samples, path.isLast, sampler);
     if (path.scatterings() > 1 || path.sharp == vk_Colour{}) {
         path.add(lit.sum());
     } else {

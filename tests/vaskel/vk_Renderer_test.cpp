@@ -161,6 +161,27 @@ TEST(Renderer, GlassOutOfSightChangesNothing)
     }
 }
 
+// The floor mirrors a light that stands behind the ball.
+TEST(Renderer, WhatLetsAllLightPassLeavesHighlightsAsTheyAre)
+{
+    const std::string room = "picture \"p.png\"\nsize 32 32\ncamera from 0 4 5 at 0 0 -.5 fov 12\n"
+                             "environment v_studio intensity 0\n"
+                             "lightplace from 0 4 -6 to 0 0 0\n"
+                             "light v_area width .7 height .7 intensity .8\n";
+    const std::string ball = "translate 0 .9 -2.5\nsphere radius .8\n";
+    const std::string glass = "surface v_glass ior 1.01 tint 1\n";
+    const std::string stain = "shadow v_filtershadow amount 1\nsurface v_matte diff 1\n";
+    const std::string coat = "floor v_plastic diff .5 rough .3\n";
+    const std::string glossyCoat = "floor v_plastic diff .5 rough .15\n";
+    const std::string metal = "floor v_metal color .2 .2 .2 rough .3\n";
+    for (const auto &[floor, shape] : {std::pair(coat, glass), std::pair(glossyCoat, glass),
+                                       std::pair(coat, stain), std::pair(metal, stain)})
+        EXPECT_LT(differenceOf(drawAll(room + floor, 2, 256),
+                               drawAll(room + floor + shape + ball, 2, 256)),
+                  20)
+            << floor << shape;
+}
+
 TEST(Renderer, TakingNoiseOutLeavesColours)
 {
     for (const char *const lines :
