@@ -101,6 +101,12 @@ const char *skipQuoted(const char *quote, const char *end)
     return nullptr;
 }
 
+// What a character adds to the count of open parentheses.
+int nesting(char c)
+{
+    return c == '(' ? 1 : c == ')' ? -1 : 0;
+}
+
 void append(UT_ScratchBuffer &out, const char *from, const char *to)
 {
     out.append(from, static_cast<int>(to - from));
@@ -230,23 +236,28 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro)
         return fail("Invalid arguments for macro \"" + macro.myName + "\"");
     if (myDepth + 1 >= myLimit)
         return fail(TOO_DEEP);
-    if (macro.isPlain && macro.myNumArgs <= 0) {
-        if (!spend(macro.myBody.size()))
-            return false;
-        myOut->append(macro.myBody.data(), static_cast<int>(macro.myBody.size()));
-        return true;
-    }
     const bool hasArguments = macro.myNumArgs > 0;
     const size_t size = hasArguments ? replacementSize(macro) : macro.myBody.size();
     if (!spend(size))
         return false;
-    Level &next = levelAt(myDepth + 1);
-    if (hasArguments)
-        fillIn(macro, size, next.owned);
-    next.start = next.next = hasArguments ? next.owned.data() : macro.myBody.data();
-    next.end = next.start + size;
-    goToLevel(myDepth + 1);
+    if (hasArguments) {
+        std::string &replacement = levelAt(myDepth + 1).owned;
+        fillIn(macro, size, replacement);
+        openLevel(replacement);
+    } else if (macro.isPlain) {
+        append(*myOut, macro.myBody.data(), macro.myBody.data() + size);
+    } else {
+        openLevel(macro.myBody);
+    }
     return true;
+}
+
+void cpp_Expander::openLevel(const std::string &text)
+{
+    goToLevel(myDepth + 1);
+    Level &here = level();
+    here.start = here.next = text.data();
+    here.end = here.start + text.size();
 }
 
 bool cpp_Expander::copyBuiltin(const cpp_Macro &macro)
@@ -334,13 +345,13 @@ bool cpp_Expander::takeArgument(Argument &argument)
     if (!skipSpace(true))
         return false;
     const char *begin = level().next;
-    if (!takeAsItStands()) {
+    if (takeAsItStands()) {
+        argument.text = {begin, static_cast<size_t>(level().next - begin)};
+    } else {
         level().next = begin;
         if (!copyArgument(argument.copy))
             return false;
         argument.text = argument.copy;
-    } else {
-        argument.text = {begin, static_cast<size_t>(level().next - begin)};
     }
     return !argument.text.empty() && argument.text.size() < MAX_ARGUMENT;
 }
@@ -361,7 +372,7 @@ bool cpp_Expander::takeAsItStands()
         } else if (parentheses == 0 && *here.next != '(') {
             return true;
         } else {
-            parentheses += *here.next == '(' ? 1 : *here.next == ')' ? -1 : 0;
+            parentheses += nesting(*here.next);
         }
     }
 }
@@ -409,7 +420,7 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
             return true;
         here.next = p + 1;
     }
-    parentheses += *p == '(' ? 1 : *p == ')' ? -1 : 0;
+    parentheses += nesting(*p);
     // A line's end inside an argument separates, but starts no line.
     argument += *p == '\n' ? ' ' : *p;
     return true;
@@ -425,7 +436,7 @@ size_t cpp_Expander::replacementSize(const cpp_Macro &macro) const
         if (size > myBudget)
             return size;
         size += piece.length;
-        if (piece.argument < myArguments.size())
+        if (piece.argument != cpp_Macro::Piece::NO_ARGUMENT)
             size += myArguments[piece.argument].text.size();
     }
     return size;
@@ -438,7 +449,7 @@ void cpp_Expander::fillIn(const cpp_Macro &macro, size_t size, std::string &repl
     char *to = replacement.data();
     for (const cpp_Macro::Piece &piece : macro.myPieces) {
         to = std::copy_n(macro.myBody.data() + piece.begin, piece.length, to);
-        if (piece.argument >= myArguments.size())
+        if (piece.argument == cpp_Macro::Piece::NO_ARGUMENT)
             continue;
         const std::string_view argument = myArguments[piece.argument].text;
         to = std::copy_n(argument.data(), argument.size(), to);

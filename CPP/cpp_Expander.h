@@ -73,7 +73,8 @@ private:
     const char *findWork(const Level &here, const cpp_Macro *&macro, size_t &nameLength) const;
     void copyBackslash();
     bool expandMacro(const cpp_Macro &macro);
-    bool spend(size_t bytes); // false when it is more than is left
+    void openLevel(const std::string &text); // the next one; keeps no copy
+    bool spend(size_t bytes);                // false when it is more than is left
     bool copyBuiltin(const cpp_Macro &macro);
 
     // Argument lists. All give false when the list is bad.
@@ -99,6 +100,7 @@ private:
     size_t myLimit = 0;
     size_t myBudget = 0; // what the line's macros may still stand for
     std::vector<Argument> myArguments;
-    size_t myTaken = 0, myOwned = 0; // of the arguments, from the first one on
+    size_t myTaken = 0; // how many of the arguments have been taken,
+    size_t myOwned = 0; // and how many of these need no text of a level any more
     std::string myMessage;
 };

@@ -111,23 +111,32 @@ void trimEnd(std::string &body)
         body += ' ';
 }
 
-// Any '#' that is not part of a mark is text.
+// Behind the mark that begins at a '#', with its argument; or `begin` where that is text.
+size_t skipMark(const std::string &body, size_t begin, size_t arguments, size_t &argument)
+{
+    size_t end = begin + 1;
+    argument = 0;
+    while (end < body.size() && isDigit(body[end]) && argument < arguments)
+        argument = argument * 10 + static_cast<size_t>(body[end++] - '0');
+    const bool isMark =
+        end > begin + 1 && end < body.size() && body[end] == '#' && argument < arguments;
+    return isMark ? end + 1 : begin;
+}
+
 std::vector<cpp_Macro::Piece> piecesOf(const std::string &body, size_t arguments)
 {
     std::vector<cpp_Macro::Piece> pieces;
     size_t begin = 0;
-    for (size_t i = body.find('#'); i != std::string::npos; i = body.find('#', i)) {
-        size_t end = i + 1;
-        size_t index = 0;
-        while (end < body.size() && isDigit(body[end]) && index < arguments)
-            index = index * 10 + static_cast<size_t>(body[end++] - '0');
-        const bool isMark =
-            end > i + 1 && end < body.size() && body[end] == '#' && index < arguments;
-        if (isMark) {
-            pieces.push_back({begin, i - begin, index});
-            begin = end + 1;
+    size_t next = 0;
+    for (size_t i = body.find('#'); i != std::string::npos; i = body.find('#', next)) {
+        size_t argument = 0;
+        next = skipMark(body, i, arguments, argument);
+        if (next == i) {
+            ++next;
+            continue;
         }
-        i = isMark ? begin : i + 1;
+        pieces.push_back({begin, i - begin, argument});
+        begin = next;
     }
     pieces.push_back({begin, body.size() - begin, cpp_Macro::Piece::NO_ARGUMENT});
     return pieces;

@@ -5,6 +5,7 @@
 // "##" between a parameter and its neighbour is gone.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,9 @@ struct cpp_Macro {
     struct Piece {
         static constexpr size_t NO_ARGUMENT = static_cast<size_t>(-1);
 
-        size_t begin, length;
-        size_t argument; // its number
+        size_t begin;
+        size_t length;
+        size_t argument; // its number, or NO_ARGUMENT behind the last mark
     };
 
     std::string myName;
