@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <new>
 
 #include <unistd.h>
@@ -23,13 +24,25 @@ int fail(const std::string &message)
     return FAILURE;
 }
 
+// Takes no memory.
+template <std::size_t SIZE>
+[[noreturn]] void die(const char (&message)[SIZE])
+{
+    vk_SafeFile::abandon();
+    static_cast<void>(!write(STDERR_FILENO, message, SIZE - 1));
+    _exit(FAILURE);
+}
+
 // What operator new calls.
 [[noreturn]] void dieWithoutMemory()
 {
-    constexpr char MESSAGE[] = "vaskel: error: out of memory\n";
-    vk_SafeFile::abandon();
-    static_cast<void>(!write(STDERR_FILENO, MESSAGE, sizeof MESSAGE - 1));
-    _exit(FAILURE);
+    die("vaskel: error: out of memory\n");
+}
+
+// What is called when TBB throws because the system has no further thread for it.
+[[noreturn]] void dieWithoutThreads()
+{
+    die("vaskel: error: cannot start threads (out of memory? see VELDRIN_MAXTHREADS)\n");
 }
 
 // Prints to standard output; a full device or a closed pipe is a failure.
@@ -105,6 +118,7 @@ int readAndDraw(const vk_Options &options)
 int main(int argc, char *argv[])
 {
     std::set_new_handler(dieWithoutMemory);
+    std::set_terminate(dieWithoutThreads);
     vk_Options options;
     std::string error;
     if (!vk_parseOptions(argc, argv, options, error)) {

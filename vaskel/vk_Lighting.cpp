@@ -15,7 +15,7 @@ bool isBehind(const vk_Hit &hit, const vk_Vec &direction)
 // A direction drawn to mirror.
 struct Mirrored {
     vk_Vec direction;
-    vk_Colour sharp; // how much of what comes from there
+    vk_Colour scattering; // how much of what comes from there
     float density;
 };
 
@@ -35,7 +35,7 @@ struct Finds {
         sum += light;
         total += part;
         const float at = choice * total;
-        if (at >= part) {
+        if (at >= part && part < total) {
             choice = (at - part) / (total - part);
             return;
         }
@@ -207,7 +207,7 @@ vk_Colour vk_Lighting::mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samp
     for (int i = 0; i < DIRECTIONS; ++i) {
         Mirrored &now = drawn[count];
         now.direction = bsdf.sample(sampler.square());
-        now.sharp = bsdf.evaluate(now.direction, now.density).sum();
+        now.scattering = bsdf.evaluate(now.direction, now.density).sum();
         if (now.density > 0 && vk_dot(hit.facet, now.direction) > 0)
             ++count;
     }
@@ -219,7 +219,7 @@ vk_Colour vk_Lighting::mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samp
             const vk_LightSample seen = light->hit(hit.start(now.direction), now.direction);
             const float chance = seen.density * expected(*light, samples);
             if (chance > 0)
-                finds.add(now.sharp * seen.radiance * (1 / (now.density + chance)), seen);
+                finds.add(now.scattering * seen.radiance * (1 / (now.density + chance)), seen);
         }
         if (finds.total <= 0)
             continue;

@@ -41,10 +41,6 @@ public:
                         vk_Sampler &sampler) const;
 
 private:
-    vk_Colour scattered(const vk_Light &light, const vk_Vec &origin, const vk_Vec &direction,
-                        float distance, vk_Sampler &sampler) const;
-    float expected(const vk_Light &light, int samples) const;
-    std::size_t pick(float at) const;
     struct Arrival {
         vk_Colour open;    // light that scattered rays may find as well,
         vk_Colour through; // and light that comes through shapes,
@@ -54,6 +50,10 @@ private:
         vk_Colour share;
         bool onlyGlass;
     };
+    vk_Colour scattered(const vk_Light &light, const vk_Vec &origin, const vk_Vec &direction,
+                        float distance, vk_Sampler &sampler) const;
+    float expected(const vk_Light &light, int samples) const;
+    std::size_t pick(float at) const;
     Arrival arriving(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     bool isHidden(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;

@@ -6,13 +6,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
-constexpr int SIGNALS[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGXFSZ, SIGXCPU};
+constexpr int SIGNALS[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGABRT, SIGXFSZ, SIGXCPU};
 
 // What the handler removes; valid while armed.
 char doomed[PATH_MAX];
@@ -131,9 +132,9 @@ bool vk_SafeFile::open(const std::string &target)
     myFile = mkstemp(temporary.data());
     if (myFile < 0)
         return fail("cannot write", errno);
-    myTemporary = temporary;
     std::memcpy(doomed, temporary.c_str(), temporary.size() + 1);
     isArmed = 1;
+    myTemporary = std::move(temporary);
     return true;
 }
 

@@ -4,8 +4,8 @@
 // ".NAME.vaskel-XXXXXX", which takes the target's place when all of it is
 // written. Until then an existing target stays as it was. The temporary file
 // goes when commit() is not reached, and when one of the signals that end
-// programs (SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGXFSZ, SIGXCPU) comes;
-// the process then ends by that signal. Only SIGKILL leaves it behind.
+// programs (SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGABRT, SIGXFSZ, SIGXCPU)
+// comes; the process then ends by that signal. Only SIGKILL leaves it behind.
 //
 // One such file at a time; a process has one set of signals.
 #pragma once

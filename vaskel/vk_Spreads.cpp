@@ -6,10 +6,9 @@
 void vk_Spreads::add(float spread)
 {
     ++myPixels;
-    if (spread <= 0)
-        return;
-    const int step = static_cast<int>(std::lround(STEPS * std::log2(spread)));
-    ++myCounts[std::clamp(step, LOWEST, HIGHEST) - LOWEST];
+    const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);
+    const auto step = static_cast<int>(std::lround(STEPS * std::log2(std::max(spread, least))));
+    ++myCounts[std::min(step, HIGHEST) - LOWEST];
 }
 
 vk_Spreads &vk_Spreads::operator+=(const vk_Spreads &o)

@@ -32,18 +32,23 @@ struct vk_World::Shape {
 struct vk_World::Embree {
     RTCDevice device = nullptr;
     RTCScene scene = nullptr;
+    bool failed = false;
 
     Embree() = default;
     Embree(const Embree &) = delete;
     Embree &operator=(const Embree &) = delete;
     ~Embree()
     {
+        // After it ran out of memory, Embree may wait for ever for what it was building.
+        if (failed)
+            return;
         if (scene != nullptr)
             rtcReleaseScene(scene);
         if (device != nullptr)
             rtcReleaseDevice(device);
     }
-    bool failed() const { return device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
+    // Once, after all is built.
+    void check() { failed = device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
     // A good tree, not the best: that one takes longer than the rays of a small picture
     // repay.
     void makeScene()
@@ -101,7 +106,8 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
     if (myEmbree->scene != nullptr)
         myEmbree->build();
     encloseShapes();
-    if (myEmbree->failed())
+    myEmbree->check();
+    if (myEmbree->failed)
         myError = "cannot set up ray tracing (out of memory?)";
 }
 
