@@ -24,13 +24,6 @@ constexpr bool vk_isSharp(float density)
     return density >= 1;
 }
 
-// Whether a way that counts with this weight is cut short: it counts as evenly
-// scattered, and sees of glass but what is straight behind.
-inline bool vk_isFaint(const vk_Colour &weight)
-{
-    return vk_largest(weight) < .12f;
-}
-
 // What reaches the viewer by way of the coat, the boundary and the glass (sharp),
 // and by way of the base and the sheen (even).
 struct vk_Scattered {
@@ -60,6 +53,7 @@ public:
     vk_Vec mirror() const;
 
     bool isGlass() const { return myMaterial.isClear(); }
+    bool isSmoothGlass() const { return myMaterial.isSmoothGlass(); }
 
     // Reflected or refracted radiance per irradiance from `in`, times the cosine
     // there; and the density, per solid angle, with which sample() draws it. Both

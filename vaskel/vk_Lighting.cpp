@@ -79,13 +79,13 @@ vk_Lighting::Arrival vk_Lighting::arriving(const vk_Vec &from, const vk_Light &l
     const vk_Colour radiance =
         sample.radiance * myFog.passes(from, sample.direction, sample.distance);
     if (!isHidden(from, light, sample))
-        return {radiance, {}, false};
+        return {radiance, {}, OTHER_SHAPES};
     const vk_Colour &left = myShadow.left;
     if (!mySeesThrough)
-        return {radiance * left, {}, false};
+        return {radiance * left, {}, OTHER_SHAPES};
     const vk_Vec direction = shadowRay(from, light, sample);
     const Passing passes = passing(from, direction, sample.distance * NOT_QUITE);
-    return {radiance * left, radiance * (vk_grey(1) - left) * passes.share, passes.onlyGlass};
+    return {radiance * left, radiance * (vk_grey(1) - left) * passes.share, passes.between};
 }
 
 bool vk_Lighting::isHidden(const vk_Vec &from, const vk_Light &light,
@@ -117,21 +117,28 @@ vk_Lighting::Passing vk_Lighting::passing(vk_Vec origin, const vk_Vec &direction
 {
     constexpr int MOST_LAYERS = 8;
 
-    Passing passes = {vk_grey(1), true};
+    Passing passes = {vk_grey(1), SMOOTH_GLASS};
     for (int i = 0; i < MOST_LAYERS; ++i) {
         vk_Hit hit;
         ++vk_myRays.shadow;
         if (!myWorld.intersect(origin, direction, hit) || hit.distance >= distance)
             return passes;
         const vk_Material material = (*hit.surface)(hit.point);
-        passes.onlyGlass = passes.onlyGlass && material.isClear();
+        passes.between = std::max(passes.between, kindOf(material));
         passes.share = passes.share * through(hit, material, direction);
         if (vk_largest(passes.share) < 1e-3f)
             break;
         distance -= hit.distance;
         origin = hit.start(direction);
     }
-    return {{}, false};
+    return {{}, OTHER_SHAPES};
+}
+
+vk_Lighting::Between vk_Lighting::kindOf(const vk_Material &material)
+{
+    if (!material.isClear())
+        return OTHER_SHAPES;
+    return material.isSmoothGlass() ? SMOOTH_GLASS : ROUGH_GLASS;
 }
 
 // What a surface lets pass straight on, and the glass in front of it.
@@ -165,11 +172,14 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, cons
         if (vk_largest(scattering.sum()) <= 0)
             continue;
         const Arrival arrival = arriving(hit.start(sample.direction), light, sample);
-        vk_Colour arrived = arrival.open * (1 / (chance + (isLast ? 0 : density)));
-        const bool goesOn = !isLast && vk_isSharp(density) &&
-                            !vk_isFaint(weight * scattering.sum() * (1 / density));
-        if (!goesOn || !arrival.throughGlass)
+        const float shared = 1 / (chance + (isLast ? 0 : density));
+        vk_Colour arrived = arrival.open * shared;
+        const bool refracts =
+            !isLast && vk_refracts(density, weight * scattering.sum() * (1 / density));
+        if (!refracts || arrival.between == OTHER_SHAPES)
             arrived += arrival.through * (1 / chance);
+        else if (arrival.between == SMOOTH_GLASS)
+            arrived += arrival.through * shared;
         sum.sharp += scattering.sharp * arrived;
         sum.even += scattering.even * arrived;
     }
@@ -232,8 +242,11 @@ vk_Colour vk_Lighting::mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samp
 }
 
 vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, float distance,
-                               float density, int samples) const
+                               float density, int samples, bool behindGlass) const
 {
+    const bool wasAsked = behindGlass && samples > 0;
+    const vk_Colour whenHidden = behindGlass ? vk_Colour{} : myShadow.left;
+    const vk_Colour whenOpen = wasAsked ? vk_grey(1) - myShadow.left : vk_grey(1);
     vk_Colour sum;
     for (const auto &light : myScene.lights) {
         const vk_LightSample seen = light->hit(origin, direction);
@@ -241,9 +254,9 @@ vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, fl
             continue;
         const float share = density / (density + seen.density * expected(*light, samples));
         const float passes = myFog.passes(origin, direction, seen.distance);
-        const bool blocked =
+        const bool hidden =
             myShadow.soft == 1 ? seen.distance >= distance : isHidden(origin, *light, seen);
-        sum += seen.radiance * (blocked ? myShadow.left : vk_grey(1)) * (share * passes);
+        sum += seen.radiance * (hidden ? whenHidden : whenOpen) * (share * passes);
     }
     return sum;
 }

@@ -9,6 +9,20 @@
 #include "vaskel/vk_Sampler.h"
 #include "vaskel/vk_World.h"
 
+// Whether a path that counts with this weight is cut short.
+inline bool vk_isFaint(const vk_Colour &weight)
+{
+    return vk_largest(weight) < .12f;
+}
+
+// Whether a path that a surface, not glass, scattered with a density to count with a
+// weight refracts in the glass that it meets, and finds lights behind. Other paths look
+// through glass straight on and find none.
+inline bool vk_refracts(float density, const vk_Colour &weight)
+{
+    return vk_isSharp(density) && !vk_isFaint(weight);
+}
+
 class vk_Lighting
 {
 public:
@@ -17,9 +31,11 @@ public:
 
     // Light that a surface sends on to where its scattering was set up for,
     // weighted against what scattered rays will find (see reached()), or all of it where
-    // none follow. Glass sends on what arrives from outside. Light that comes through
-    // shapes is only found here, unless it is but glass and scattering is so sharp that
-    // rays go on to refract; `weight` is that of the way so far.
+    // none follow. Glass sends on what arrives from outside. `weight` is that of the way
+    // so far. Who finds light that comes through shapes:
+    //   rays refract (see vk_refracts()) and there is only smooth glass   both, weighted
+    //   rays refract and there is rough glass                             those rays
+    //   else                                                              this function
     vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
                            int samples, bool isLast, vk_Sampler &sampler) const;
 
@@ -31,9 +47,10 @@ public:
                        vk_Sampler &sampler) const;
 
     // Light that a ray finds on its way, scattered with a density at a point
-    // that also asked for samples; `distance` is what it meets first.
+    // that also asked for samples; `distance` is what it meets first. A ray in or
+    // behind glass finds no light that shadows leave: its point was sent that already.
     vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance, float density,
-                      int samples) const;
+                      int samples, bool behindGlass) const;
 
     // Light of the lights that fog scatters back along a ray from all the way to a
     // distance.
@@ -41,14 +58,15 @@ public:
                         vk_Sampler &sampler) const;
 
 private:
+    enum Between { SMOOTH_GLASS, ROUGH_GLASS, OTHER_SHAPES };
     struct Arrival {
-        vk_Colour open;    // light that scattered rays may find as well,
+        vk_Colour open;    // light that nothing holds back,
         vk_Colour through; // and light that comes through shapes,
-        bool throughGlass; // only by way of glass
+        Between between;   // the worst of them
     };
     struct Passing {
         vk_Colour share;
-        bool onlyGlass;
+        Between between;
     };
     vk_Colour scattered(const vk_Light &light, const vk_Vec &origin, const vk_Vec &direction,
                         float distance, vk_Sampler &sampler) const;
@@ -58,6 +76,7 @@ private:
     bool isHidden(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     Passing passing(vk_Vec origin, const vk_Vec &direction, float distance) const;
+    static Between kindOf(const vk_Material &material);
     vk_Colour through(const vk_Hit &hit, const vk_Material &material,
                       const vk_Vec &direction) const;
 

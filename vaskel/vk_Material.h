@@ -39,6 +39,8 @@ struct vk_Material {
     vk_Vec scatter; // how far light wanders below the surface, for red, green, blue; 0: not
 
     bool isClear() const { return vk_largest(clear) > 0; }
+    // Glass so smooth that it is not lit by lights: rays find what it shows of them.
+    bool isSmoothGlass() const { return isClear() && rough < .02f; }
     // What passes straight through the surface of glass at a cosine to its normal, and
     // through a length of glass.
     vk_Colour passesStraight(float cosine, float length) const;

@@ -18,7 +18,6 @@ constexpr float FADE_FAR = 18;      // distances from the origin
 constexpr float BLUR = .6f;         // roughness behind even scattering
 constexpr float MOST_INDIRECT = 2;  // brighter strays are cut
 constexpr float GROUND = .35f;      // rougher glass shows no edges
-constexpr float SMOOTH = .02f;      // rougher glass is lit by lights
 
 // Pairs of the sampler between the beginnings of branches, more than one may use.
 constexpr std::uint32_t PAIRS = 128;
@@ -51,8 +50,9 @@ struct vk_Tracer::Path {
     vk_Vec origin, direction;
     vk_Colour weight = {1, 1, 1};
     vk_Colour sharp = {1, 1, 1}; // share that goes to the sharp layer
-    float density = 0;           // of the last scattering
-    int samples = 0;             // of lights there
+    float density = 0;           // of the last scattering but those in smooth glass
+    int samples = 0;             // that lights were asked for there
+    bool behindGlass = false;    // or inside it, since then
     int surfaces = 0;            // scattered at, other than
     int panes = 0;               // of glass
     bool spread = false;         // has been scattered evenly
@@ -177,13 +177,16 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
     vk_Hit hit;
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
-        path.spread = path.spread || vk_isFaint(path.weight);
-        const bool isSmooth = material.isClear() && material.rough < SMOOTH;
+        // What refracts on its way from a surface finds lights behind all the glass.
+        if (!material.isClear() || path.surfaces == 0)
+            path.spread = path.spread || vk_isFaint(path.weight);
+        const bool isSmooth = material.isSmoothGlass();
         const int mostPanes = isSmooth ? MOST_PANES : MOST_ROUGH_PANES;
         path.isLast =
             path.spread || path.surfaces + 1 == MOST_SURFACES || path.panes + 1 >= mostPanes;
         if (path.spread)
             material.rough = std::max(material.rough, BLUR);
+        path.foundLights = false;
         const bool split = isSmooth && path.scatterings() == 1 && branches.hasRoom();
         const int samples = path.spread ? SPREAD_SAMPLES : LIGHT_SAMPLES;
         const vk_Bsdf bsdf = light(path, hit, material, samples, split, sampler);
@@ -196,7 +199,6 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
             branch(path, hit, bsdf, sampler, branches);
             return;
         }
-        path.foundLights = false;
         if (!scatter(path, hit, bsdf, bsdf.sample(sampler.square())))
             return;
     }
@@ -225,7 +227,7 @@ bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sample
         const float distance = met ? hit.distance : FOREVER;
         if (path.scatterings() > 0 && path.density > 0 && !path.foundLights)
             path.add(myLighting.reached(path.origin, path.direction, distance, path.density,
-                                        path.samples));
+                                        path.samples, path.behindGlass));
         crossFog(path, distance, sampler);
         if (!met) {
             path.add(seen(path, path.direction));
@@ -305,11 +307,10 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
     const vk_Vec &normal = vk_dot(hit.normal, out) > 0 ? hit.normal : hit.facet;
     const vk_Vec along = material.brushed > 0 ? myWorld.along(hit) : vk_Vec{};
     const vk_Bsdf bsdf(material, normal, out, split, along, hit.inside);
-    // What smooth glass shows of lights, paths find.
-    path.samples = material.isClear() && material.rough < SMOOTH ? 0 : samples;
     ++(material.isClear() ? path.panes : path.surfaces);
-    if (path.samples == 0)
+    if (material.isSmoothGlass())
         return bsdf;
+    path.samples = samples;
     const vk_Scattered lit =
         myLighting.reflected(hit, bsdf, path.weight, path.samples, path.isLast, sampler);
     if (path.scatterings() > 1 || path.sharp == vk_Colour{}) {
@@ -324,18 +325,28 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
 bool vk_Tracer::scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
                         const vk_Vec &next) const
 {
-    const vk_Scattered scattering = bsdf.evaluate(next, path.density);
+    float density = 0;
+    const vk_Scattered scattering = bsdf.evaluate(next, density);
     const float above = vk_dot(hit.facet, next);
-    if (path.density <= 0 || (above <= 0 && !bsdf.isGlass()))
+    if (density <= 0 || (above <= 0 && !bsdf.isGlass()))
         return false;
     const vk_Colour sum = scattering.sum();
     if (path.scatterings() == 1 && !(path.sharp == vk_Colour{}))
         path.sharp = shareOf(scattering.sharp, sum);
-    path.weight = path.weight * sum * (1 / path.density);
-    const bool entersGlass = bsdf.isGlass() && (above > 0) == hit.inside;
-    path.spread = path.spread || (!vk_isSharp(path.density) && !entersGlass);
-    if (entersGlass)
-        path.samples = 0; // lights were only asked for what arrives from outside
+    path.weight = path.weight * sum * (1 / density);
+    const bool crosses = bsdf.isGlass() && (above > 0) == hit.inside;
+    if (bsdf.isGlass())
+        path.spread = path.spread || (!vk_isSharp(density) && !crosses);
+    else
+        path.spread = path.spread || !vk_refracts(density, path.weight);
+    // Behind smooth glass lights are where the surface before it asked for them; those
+    // of rough glass were only asked for what arrives from outside.
+    if (!crosses || !bsdf.isSmoothGlass() || path.samples == 0) {
+        path.density = density;
+        if (crosses || bsdf.isSmoothGlass())
+            path.samples = 0;
+    }
+    path.behindGlass = bsdf.isGlass() && (crosses || hit.inside);
     path.origin = hit.start(next);
     path.direction = next;
     return true;

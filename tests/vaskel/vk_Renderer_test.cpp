@@ -171,15 +171,16 @@ TEST(Renderer, WhatLetsAllLightPassLeavesHighlightsAsTheyAre)
     const std::string ball = "translate 0 .9 -2.5\nsphere radius .8\n";
     const std::string glass = "surface v_glass ior 1.01 tint 1\n";
     const std::string stain = "shadow v_filtershadow amount 1\nsurface v_matte diff 1\n";
-    const std::string coat = "floor v_plastic diff .5 rough .3\n";
-    const std::string glossyCoat = "floor v_plastic diff .5 rough .15\n";
-    const std::string metal = "floor v_metal color .2 .2 .2 rough .3\n";
-    for (const auto &[floor, shape] : {std::pair(coat, glass), std::pair(glossyCoat, glass),
-                                       std::pair(coat, stain), std::pair(metal, stain)})
-        EXPECT_LT(differenceOf(drawAll(room + floor, 2, 256),
-                               drawAll(room + floor + shape + ball, 2, 256)),
-                  20)
-            << floor << shape;
+    for (const std::string floor :
+         {"floor v_plastic diff .5 rough .3\n", "floor v_plastic diff .5 rough .15\n",
+          "floor v_metal color .2 rough .3\n", "floor v_metal color .9 rough .3\n",
+          "floor v_metal color .2 rough .1\n", "fog v_fog density .06\nfloor v_metal color .2\n",
+          "exposure -6\nfloor v_metal color .2 rough .2\n"}) {
+        const vk_Film alone = drawAll(room + floor, 2, 64);
+        for (const std::string &shape : {glass, stain, "shadow v_noshadow\n" + glass})
+            EXPECT_LT(differenceOf(alone, drawAll(room + floor + shape + ball, 2, 64)), 20)
+                << floor << shape;
+    }
 }
 
 TEST(Renderer, TakingNoiseOutLeavesColours)
