@@ -14,7 +14,7 @@
 class vk_Filter
 {
 public:
-    static constexpr int REACH = 5; // pixels to each side that it looks at, at most
+    static constexpr int REACH = 7; // pixels to each side that it looks at, at most
 
     vk_Filter(int columns, int rows);
 

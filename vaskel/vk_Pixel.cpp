@@ -25,15 +25,16 @@ vk_Colour vk_Pixel::arriving() const
 void vk_Pixel::judge()
 {
     const vk_Vec visibility = vk_visibility(light());
-    const vk_View before = half;
-    // For half of the samples 1.
+    const vk_View before = judged;
+    // The error that is left: for half of the samples as large as what they moved.
     const float share =
-        halfCount > 0 ? static_cast<float>(halfCount) / static_cast<float>(count - halfCount) : 1;
-    halfCount = count;
-    half.sharp = sharp();
-    half.even = arriving();
-    half.albedo = albedo();
-    errorSharp = share * vk_visible(half.sharp - before.sharp, visibility);
-    errorEven = share * vk_visible((half.even - before.even) * half.albedo, visibility);
-    errorTexture = share * vk_visible((half.albedo - before.albedo) * half.even, visibility);
+        judgedCount > 0 ? static_cast<float>(judgedCount) / static_cast<float>(count - judgedCount)
+                        : 1;
+    judgedCount = count;
+    judged.sharp = sharp();
+    judged.even = arriving();
+    judged.albedo = albedo();
+    errorSharp = share * vk_visible(judged.sharp - before.sharp, visibility);
+    errorEven = share * vk_visible((judged.even - before.even) * judged.albedo, visibility);
+    errorTexture = share * vk_visible((judged.albedo - before.albedo) * judged.even, visibility);
 }

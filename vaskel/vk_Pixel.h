@@ -7,7 +7,7 @@
 // shows as its square root.
 struct vk_Pixel {
     vk_View sum;
-    vk_View half;           // means when errors were estimated last
+    vk_View judged;         // means when errors were estimated last
     float errorSharp = 0;   // of the sharp layer's mean, estimated,
     float errorEven = 0;    // of what arrived to be scattered evenly,
     float errorTexture = 0; // and of the colour that it met
@@ -20,7 +20,6 @@ struct vk_Pixel {
 
     vk_Colour light() const { return sum.light() * share(); }
     vk_Colour sharp() const { return sum.sharp * share(); }
-    vk_Colour even() const { return sum.even * share(); }
     vk_Colour albedo() const { return sum.albedo * share(); }
 
     // What arrived for each part of the albedo; 0 where there is none.
@@ -31,7 +30,7 @@ struct vk_Pixel {
     void judge();
 
 private:
-    int halfCount = 0; // samples of `half`
+    int judgedCount = 0; // samples then
 
     float share() const { return 1 / static_cast<float>(count); }
 };

@@ -2,6 +2,7 @@
 
 #include "UT/UT_EnvControl.h"
 #include "vaskel/vk_Filter.h"
+#include "vaskel/vk_LinearPicture.h"
 #include "vaskel/vk_Tile.h"
 
 #include <tbb/global_control.h>
@@ -15,6 +16,7 @@
 namespace
 {
 constexpr int BAND_PIXELS = 1 << 18; // limits the memory that a large picture takes
+constexpr int MARGIN = vk_Filter::REACH + vk_LinearPicture::REACH; // rows around a band
 
 // Draws a picture, band by band, and keeps count of what that took.
 class Drawing
@@ -28,7 +30,7 @@ public:
     }
     void draw()
     {
-        const int most = std::max(4 * vk_Filter::REACH, BAND_PIXELS / myColumns);
+        const int most = std::max(4 * MARGIN, BAND_PIXELS / myColumns);
         for (int top = 0; top < myRows; top += most)
             drawBand(top, std::min(top + most, myRows));
     }
@@ -37,9 +39,9 @@ private:
     void drawBand(int top, int bottom)
     {
         vk_Band band;
-        band.top = std::max(0, top - vk_Filter::REACH);
+        band.top = std::max(0, top - MARGIN);
         band.columns = myColumns;
-        band.rows = std::min(myRows, bottom + vk_Filter::REACH) - band.top;
+        band.rows = std::min(myRows, bottom + MARGIN) - band.top;
         band.pixels.resize(static_cast<std::size_t>(band.columns * band.rows));
         const int across = tiles(band.columns);
         std::vector<vk_Tile> parts;
@@ -106,19 +108,33 @@ private:
         stats.badPixels += tile.badPixels();
     }
 
-    // Fixed samples are shown as they are.
     void develop(vk_Band &band, int top, int bottom)
     {
-        const bool filters = myCanvas.filters();
-        vk_Filter filter(band.columns, band.rows);
-        if (filters) {
-            tbb::parallel_for(0, band.rows, [&](int y) { filter.take(&band.at(0, y), y); });
-            tbb::parallel_for(0, band.rows, [&](int y) { filter.compare(y); });
-        }
+        vk_LinearPicture light(band.columns, band.rows);
+        collect(band, light);
         tbb::parallel_for(top - band.top, bottom - band.top, [&](int y) {
             for (int x = 0; x < band.columns; ++x)
-                myCanvas.develop(filters ? filter.at(x, y) : band.at(x, y).light(), x,
-                                 band.top + y);
+                myCanvas.develop(light.blended(x, y), x, band.top + y);
+        });
+    }
+
+    // Fixed samples are taken as they are.
+    void collect(vk_Band &band, vk_LinearPicture &light)
+    {
+        const auto each = [&](auto &&row) { tbb::parallel_for(0, band.rows, row); };
+        if (!myCanvas.filters()) {
+            each([&](int y) {
+                for (int x = 0; x < band.columns; ++x)
+                    light.at(x, y) = band.at(x, y).light();
+            });
+            return;
+        }
+        vk_Filter filter(band.columns, band.rows);
+        each([&](int y) { filter.take(&band.at(0, y), y); });
+        each([&](int y) { filter.compare(y); });
+        each([&](int y) {
+            for (int x = 0; x < band.columns; ++x)
+                light.at(x, y) = filter.at(x, y);
         });
     }
 

@@ -6,34 +6,43 @@
 
 namespace
 {
-constexpr int FIRST_SAMPLES = 2;  // a pixel; every further pass doubles them
-constexpr float FILTER_WIDTH = 1; // pixels to either side
+constexpr int FIRST_SAMPLES = 2; // a pixel; every further pass doubles them
 
-// Shares of errors that the filter leaves, as they were found over the examples. At an
-// edge of a shape it cannot help, and few samples say too little of what is there.
-constexpr float LEFT_EDGE = 2;
-constexpr float LEFT_TEXTURE = .7f;
-constexpr float LEFT_GROUND = .035f;
-constexpr float LEFT_WANDERING = .033f;
+// Shares of errors that the filter and the blending leave, as they were found over the
+// examples. At an edge of a shape the filter cannot help.
+constexpr float REMAINS_EDGE = .65f;
+constexpr float REMAINS_TEXTURE = .27f;
+constexpr float REMAINS_GROUND = .019f;
+constexpr float REMAINS_WANDERING = .0115f;
+
+// On a surface that turns away, neighbours help less, and differ without an error.
+constexpr float CURVED = .9995f; // length of a mean of normals that shows less of a curve
+constexpr float BENT = .98f;
+constexpr float REMAINS_CURVED = .11f;
+constexpr float REMAINS_BENT = .4f;
 
 // Where pixels differ by more than their errors, more is left.
-struct Leaving {
+struct Remainder {
     float least, most;
     float onset, slope; // of structure
 };
-constexpr Leaving SHARP = {.15f, 1, 1, .5f};
-constexpr Leaving EVEN = {.02f, 3, 1.2f, 1};
+constexpr Remainder SHARP = {.05f, .7f, .9f, .3f};
+constexpr Remainder EVEN = {.02f, 1.3f, 1.2f, .45f};
 
-float leftOf(const Leaving &leaving, float structure)
+float remainsOf(const Remainder &remainder, float structure)
 {
-    return std::clamp(leaving.slope * (structure - leaving.onset), leaving.least, leaving.most);
+    return std::clamp(remainder.slope * (structure - remainder.onset), remainder.least,
+                      remainder.most);
 }
 
-float leftOfEven(const vk_Pixel &pixel, float structure)
+float remainsOfEven(const vk_Pixel &pixel, float structure, float straightness)
 {
-    if (pixel.sum.blurred <= 0)
-        return leftOf(EVEN, structure);
-    return pixel.sum.blurred < static_cast<float>(pixel.count) ? LEFT_GROUND : LEFT_WANDERING;
+    if (pixel.sum.blurred > 0)
+        return pixel.sum.blurred < static_cast<float>(pixel.count) ? REMAINS_GROUND
+                                                                   : REMAINS_WANDERING;
+    if (straightness < CURVED)
+        return straightness < BENT ? REMAINS_BENT : REMAINS_CURVED;
+    return remainsOf(EVEN, structure);
 }
 
 // A surface needs no more than the first samples when its error is this part of the
@@ -42,21 +51,11 @@ constexpr float EARLY = .25f;
 
 // How much of an estimate is that of the passes before: one that is low by chance must
 // not end a pixel's samples.
-constexpr float BEFORE = .5f;
+constexpr float BEFORE = .7f;
 
 // How much the mean error of a tile's even layer counts for each pixel: few samples
 // find bright things that are small only here and there.
-constexpr float RARE = .1f;
-
-// A tent-shaped filter, drawn from instead of weighted by: each pixel then
-// keeps to its own samples (Ernst, Stamminger and Greiner, "Filter Importance
-// Sampling", 2006).
-float tent(float u)
-{
-    const float x = 2 * u - 1;
-    const float half = x < 0 ? std::sqrt(1 + x) - 1 : 1 - std::sqrt(1 - x);
-    return half * FILTER_WIDTH;
-}
+constexpr float RARE = .2f;
 
 // One layer of pixels beside each other.
 struct Layer {
@@ -80,6 +79,34 @@ struct Layer {
         const auto n = static_cast<float>(count);
         const vk_Colour variance = (squares - sum * sum * (1 / n)) * (1 / (n - 1));
         return vk_dot(variance, visibility) * (1.0f / 3) * n / errors;
+    }
+};
+
+// A pixel and those beside it.
+struct Around {
+    Layer sharp, even; // where the filter helps
+    vk_Vec normals;    // summed over samples,
+    int samples = 0;   // of those
+    float rest = 0;    // of errors other than those of the layers
+    int count = 0;
+
+    void add(const vk_Pixel &pixel)
+    {
+        ++count;
+        if (!vk_Filter::helps(pixel)) {
+            rest += REMAINS_EDGE * (pixel.errorSharp + pixel.errorEven + pixel.errorTexture);
+            return;
+        }
+        rest += REMAINS_TEXTURE * pixel.errorTexture;
+        sharp.add(pixel.judged.sharp, pixel.errorSharp);
+        even.add(pixel.judged.even, pixel.errorEven);
+        normals += pixel.sum.normal;
+        samples += pixel.count;
+    }
+    // 1 where all face the same way.
+    float straightness() const
+    {
+        return vk_length(normals) / static_cast<float>(std::max(1, samples));
     }
 };
 
@@ -126,8 +153,8 @@ void vk_Canvas::sample(vk_Pixel &pixel, int x, int y, int count) const
 vk_View vk_Canvas::view(int x, int y, vk_Sampler sampler) const
 {
     const vk_Square at = sampler.square();
-    const vk_Vec direction = myLens.direction(static_cast<float>(x) + .5f + tent(at.u),
-                                              static_cast<float>(y) + .5f + tent(at.v));
+    const vk_Vec direction =
+        myLens.direction(static_cast<float>(x) + at.u, static_cast<float>(y) + at.v);
     vk_View view = myTracer.view(myLens.from(), direction, sampler);
     // What is whiter than white must not outweigh its neighbours at an edge.
     const float largest = vk_largest(view.light()) * myGain;
@@ -228,36 +255,28 @@ void vk_Tile::judge()
 {
     float rare = 0;
     each([&](const vk_Pixel &now, int x, int y) {
-        const Left left = leftAround(now, x, y);
-        myErrors[y][x] = left.rest + left.even;
-        rare += left.even;
+        const Remaining remaining = remainingAround(now, x, y);
+        myErrors[y][x] = remaining.rest + remaining.even;
+        rare += remaining.even;
     });
     rare *= RARE / static_cast<float>(pixels());
     each([&](const vk_Pixel &, int x, int y) { myErrors[y][x] = std::max(rare, myErrors[y][x]); });
 }
 
-vk_Tile::Left vk_Tile::leftAround(const vk_Pixel &now, int x, int y) const
+vk_Tile::Remaining vk_Tile::remainingAround(const vk_Pixel &now, int x, int y) const
 {
-    Left left;
-    Layer sharp, even;
-    int count = 0;
+    Around around;
     for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
-        for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i, ++count) {
-            const vk_Pixel &near = myBand.at(myLeft + i, myTop + j);
-            if (!vk_Filter::helps(near)) {
-                left.rest += LEFT_EDGE * (near.errorSharp + near.errorEven + near.errorTexture);
-                continue;
-            }
-            left.rest += LEFT_TEXTURE * near.errorTexture;
-            sharp.add(near.half.sharp, near.errorSharp);
-            even.add(near.half.even, near.errorEven);
-        }
+        for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i)
+            around.add(myBand.at(myLeft + i, myTop + j));
     const vk_Vec visibility = vk_visibility(now.light());
-    const vk_Colour &albedo = now.half.albedo;
-    left.rest += leftOf(SHARP, sharp.structure(visibility)) * sharp.errors;
-    left.even = leftOfEven(now, even.structure(visibility * albedo * albedo)) * even.errors;
-    const float share = 1 / static_cast<float>(count);
-    return {left.rest * share, left.even * share};
+    const vk_Colour &albedo = now.judged.albedo;
+    const float structure = around.even.structure(visibility * albedo * albedo);
+    const float ofSharp = remainsOf(SHARP, around.sharp.structure(visibility));
+    const float ofEven = remainsOfEven(now, structure, around.straightness());
+    const float share = 1 / static_cast<float>(around.count);
+    return {share * (around.rest + ofSharp * around.sharp.errors),
+            share * ofEven * around.even.errors};
 }
 
 std::uint64_t vk_Tile::samples() const

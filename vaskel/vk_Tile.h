@@ -92,7 +92,7 @@ public:
 
 private:
     // Errors that the filter leaves, of the even layer and of all else.
-    struct Left {
+    struct Remaining {
         float rest = 0, even = 0;
     };
     template <class Function>
@@ -100,7 +100,7 @@ private:
     bool pass(int count);
     void judge();
     void settle(float limit);
-    Left leftAround(const vk_Pixel &pixel, int x, int y) const;
+    Remaining remainingAround(const vk_Pixel &pixel, int x, int y) const;
 
     const vk_Canvas &myCanvas;
     vk_Band &myBand;

@@ -46,3 +46,12 @@ TEST(Spreads, LimitKeepsToSoManySamples)
         EXPECT_GT(samples, most / 4);
     }
 }
+
+TEST(Spreads, PixelsWithoutErrorTakeTheirSamplesAllTheSame)
+{
+    vk_Spreads spreads;
+    for (int i = 0; i < 200; ++i)
+        spreads.add(i % 2 == 0 ? 0.0f : 2.0f);
+    // 4 and 8 samples come to a mean of 6, so the pixels with an error stop at 8.
+    EXPECT_GT(spreads.limit(1e-9f, 6, 4, 1024) * 8 * 8, 2);
+}
