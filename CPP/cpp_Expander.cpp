@@ -16,7 +16,7 @@
 
 namespace
 {
-const char TOO_DEEP[] = "Macro recursion limit reached";
+const char LIMIT_REACHED[] = "Macro recursion limit reached";
 
 constexpr size_t MAX_ARGUMENT = 8192; // characters, this one excluded
 
@@ -27,6 +27,10 @@ constexpr size_t BUDGET = size_t{1} << 27;
 constexpr size_t BUDGET_PER_CHARACTER = 64; // of the line,
 constexpr int MAX_COUNTED = 1 << 23;        // up to this one
 constexpr size_t NESTED_MACRO_COST = 64;
+constexpr size_t LINE_NUMBER_COST = 16;
+constexpr size_t TIME_COST = 1024; // asking the system takes long
+
+constexpr size_t MAX_KEPT = 65536; // bytes of a level that is left
 
 // What characters mean, as a set of these.
 enum Class : unsigned {
@@ -130,12 +134,15 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
     level().start = level().next = text;
     level().end = text + length;
     for (;;) {
-        if (!expandLevel())
+        const bool good = expandLevel();
+        while (!good && myDepth > 0)
+            leaveLevel();
+        if (!good)
             return false;
         if (level().next == level().end) {
             if (myDepth == 0)
                 return true;
-            goToLevel(myDepth - 1);
+            leaveLevel();
         }
     }
 }
@@ -161,11 +168,18 @@ void cpp_Expander::goToLevel(size_t depth)
     myLevel = &levelAt(depth);
 }
 
+void cpp_Expander::leaveLevel()
+{
+    if (level().owned.capacity() > MAX_KEPT)
+        std::string().swap(level().owned);
+    goToLevel(myDepth - 1);
+}
+
 bool cpp_Expander::spend(size_t bytes)
 {
     const size_t cost = bytes + (myDepth > 0 ? NESTED_MACRO_COST : 0);
     if (cost > myBudget)
-        return fail(TOO_DEEP);
+        return fail(LIMIT_REACHED);
     myBudget -= cost;
     return true;
 }
@@ -235,7 +249,7 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro)
     if (macro.myNumArgs >= 0 && !takeArguments(macro.myNumArgs))
         return fail("Invalid arguments for macro \"" + macro.myName + "\"");
     if (myDepth + 1 >= myLimit)
-        return fail(TOO_DEEP);
+        return fail(LIMIT_REACHED);
     const bool hasArguments = macro.myNumArgs > 0;
     const size_t size = hasArguments ? replacementSize(macro) : macro.myBody.size();
     if (!spend(size))
@@ -260,13 +274,25 @@ void cpp_Expander::openLevel(const std::string &text)
     here.end = here.start + text.size();
 }
 
+size_t cpp_Expander::costOf(cpp_Macro::Builtin builtin) const
+{
+    switch (builtin) {
+    case cpp_Macro::FILE_NAME:
+        return std::strlen(myFile->getName());
+    case cpp_Macro::LINE_NUMBER:
+        return LINE_NUMBER_COST;
+    default:
+        return TIME_COST;
+    }
+}
+
 bool cpp_Expander::copyBuiltin(const cpp_Macro &macro)
 {
+    if (!spend(costOf(macro.myBuiltin)))
+        return false;
     char text[512];
     switch (macro.myBuiltin) {
     case cpp_Macro::FILE_NAME:
-        if (!spend(std::strlen(myFile->getName())))
-            return false;
         myOut->append('"');
         myOut->append(myFile->getName());
         myOut->append('"');
@@ -428,7 +454,7 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
 
 // ---- Replacements ----------------------------------------------------------
 
-// More than the budget is not counted to its end, which 32 bits might not hold.
+// Anything above the budget means too much: 32 bits might not hold the whole sum.
 size_t cpp_Expander::replacementSize(const cpp_Macro &macro) const
 {
     size_t size = 0;

@@ -10,6 +10,8 @@
 // that they stand in.
 #pragma once
 
+#include "CPP/cpp_Macro.h"
+
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -19,7 +21,6 @@
 class CPP_File;
 class CPP_Manager;
 class UT_ScratchBuffer;
-struct cpp_Macro;
 
 class cpp_Expander
 {
@@ -68,6 +69,7 @@ private:
     Level &level() { return *myLevel; }
     Level &levelAt(size_t depth); // makes it, one behind the last
     void goToLevel(size_t depth);
+    void leaveLevel();
 
     bool expandLevel();
     const char *findWork(const Level &here, const cpp_Macro *&macro, size_t &nameLength) const;
@@ -75,6 +77,7 @@ private:
     bool expandMacro(const cpp_Macro &macro);
     void openLevel(const std::string &text); // the next one; keeps no copy
     bool spend(size_t bytes);                // false when it is more than is left
+    size_t costOf(cpp_Macro::Builtin builtin) const;
     bool copyBuiltin(const cpp_Macro &macro);
 
     // Argument lists. All give false when the list is bad.
@@ -86,21 +89,23 @@ private:
     bool copyArgument(std::string &argument);
     bool takeCharacter(std::string &argument, int &parentheses);
 
-    size_t replacementSize(const cpp_Macro &macro) const;
+    size_t replacementSize(const cpp_Macro &macro) const; // may stop above the budget
     void fillIn(const cpp_Macro &macro, size_t size, std::string &replacement) const;
 
     CPP_Manager &myManager;
     CPP_File *myFile = nullptr;
     UT_ScratchBuffer *myOut = nullptr;
     // Levels point into their own texts and must not move. Those above myDepth are
-    // kept for their memory.
+    // kept for their memory, if it is little.
     std::vector<std::unique_ptr<Level>> myLevels;
     size_t myDepth = 0;
     Level *myLevel = nullptr; // the one at that depth
     size_t myLimit = 0;
     size_t myBudget = 0; // what the line's macros may still stand for
     std::vector<Argument> myArguments;
-    size_t myTaken = 0; // how many of the arguments have been taken,
-    size_t myOwned = 0; // and how many of these need no text of a level any more
+    // Arguments below myOwned have texts of their own, those from there to myTaken may
+    // be views of the current level's.
+    size_t myTaken = 0;
+    size_t myOwned = 0;
     std::string myMessage;
 };

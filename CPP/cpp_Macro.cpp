@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <unordered_map>
 #include <vector>
 
 namespace
@@ -27,13 +28,18 @@ std::string takeUpTo(const char *&text, const char *delimiters)
     return std::string(start, text);
 }
 
+struct Parameters {
+    int count = 0;
+    std::unordered_map<std::string, int> numbers; // the first of a name counts
+};
+
 // From behind the "(" to behind the ")", or to the end of the text.
-std::vector<std::string> takeParameters(const char *&text)
+Parameters takeParameters(const char *&text)
 {
-    std::vector<std::string> names;
+    Parameters parameters;
     text = skipSpace(text);
-    while (*text != '\0' && !(names.empty() && *text == ')')) {
-        names.push_back(takeUpTo(text, ",)"));
+    while (*text != '\0' && !(parameters.count == 0 && *text == ')')) {
+        parameters.numbers.emplace(takeUpTo(text, ",)"), parameters.count++);
         text = skipSpace(text);
         if (*text == ')')
             break;
@@ -41,7 +47,7 @@ std::vector<std::string> takeParameters(const char *&text)
     }
     if (*text == ')')
         ++text;
-    return names;
+    return parameters;
 }
 
 // Copies a double-quoted string with its quotes; an open one goes on to the end.
@@ -57,15 +63,15 @@ const char *copyQuoted(const char *text, const char *end, std::string &body)
 
 // A word behind `hashes` '#' characters: a mark if it is a parameter.
 const char *copyWord(const char *text, const std::string &word, size_t hashes,
-                     const std::vector<std::string> &parameters, std::string &body)
+                     const Parameters &parameters, std::string &body)
 {
-    const auto found = std::find(parameters.begin(), parameters.end(), word);
-    if (word.empty() || found == parameters.end()) {
+    const auto found = parameters.numbers.find(word);
+    if (word.empty() || found == parameters.numbers.end()) {
         body.append(hashes, '#');
         body += word;
         return text;
     }
-    const std::string mark = "#" + std::to_string(found - parameters.begin()) + "#";
+    const std::string mark = "#" + std::to_string(found->second) + "#";
     body += hashes == 1 ? "\"" + mark + "\"" : mark;
     if (text[0] == '#' && text[1] == '#')
         return text + 2;
@@ -76,7 +82,7 @@ const char *copyWord(const char *text, const std::string &word, size_t hashes,
 }
 
 // The rest of the definition's first line.
-std::string compileBody(const char *text, const std::vector<std::string> &parameters)
+std::string compileBody(const char *text, const Parameters &parameters)
 {
     const char *end = text + std::strcspn(text, "\n");
     while (text < end && isSpace(*text))
@@ -165,8 +171,8 @@ cpp_Macro *cpp_Macro::parse(const char *definition, bool commandLineForm)
         ++text;
     if (*text == '(') {
         ++text;
-        const std::vector<std::string> parameters = takeParameters(text);
-        macro->myNumArgs = static_cast<int>(parameters.size());
+        const Parameters parameters = takeParameters(text);
+        macro->myNumArgs = parameters.count;
         macro->myBody = compileBody(text, parameters);
     } else {
         macro->myBody = skipSpace(text);

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include <unistd.h>
+
 namespace
 {
 enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
@@ -42,8 +44,10 @@ Kind kindOf(std::string_view text)
     return startsWith("# warning cpp warning: ") ? WARNING : TEXT;
 }
 
+// Behind the text in front of it, where both go to one place.
 void printDiagnostic(const std::string &line)
 {
+    std::fflush(stdout);
     std::fprintf(stderr, "%s%s", line.c_str(), line.back() == '\n' ? "" : "\n");
 }
 
@@ -136,8 +140,9 @@ int main(int argc, char *argv[])
         return BAD_USAGE;
     }
     // The C library heeds a size only together with a buffer. This one fills a pipe, so
-    // that its reader is woken seldom; longer runs go out as they are.
+    // that its reader is woken seldom.
     static char buffer[65536];
-    std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+    if (isatty(STDOUT_FILENO) == 0)
+        std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
     return preprocess(manager);
 }
