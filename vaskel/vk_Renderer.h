@@ -18,9 +18,9 @@ struct vk_Quality {
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .0115f, 23, false},
-    {"default", 1, .0052f, 90, false},
-    {"final", 8, .0018f, 1550, true},
+    {"draft", .25f, .011f, 23, false},
+    {"default", 1, .005f, 90, false},
+    {"final", 8, .0017f, 1550, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 

@@ -51,7 +51,7 @@ constexpr float EARLY = .25f;
 
 // How much of an estimate is that of the passes before: one that is low by chance must
 // not end a pixel's samples.
-constexpr float BEFORE = .7f;
+constexpr float BEFORE = .6f;
 
 // How much the mean error of a tile's even layer counts for each pixel: few samples
 // find bright things that are small only here and there.
