@@ -39,7 +39,8 @@ Parameters takeParameters(const char *&text)
     Parameters parameters;
     text = skipSpace(text);
     while (*text != '\0' && !(parameters.count == 0 && *text == ')')) {
-        parameters.numbers.emplace(takeUpTo(text, ",)"), parameters.count++);
+        parameters.numbers.emplace(takeUpTo(text, ",)"), parameters.count);
+        ++parameters.count;
         text = skipSpace(text);
         if (*text == ')')
             break;

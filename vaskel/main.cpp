@@ -5,6 +5,7 @@
 #include "vaskel/vk_SceneReader.h"
 #include "vaskel/vk_ShaderList.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -24,10 +25,13 @@ int fail(const std::string &message)
     return FAILURE;
 }
 
-// Takes no memory.
+// Takes no memory. Of several threads the first one speaks.
 template <std::size_t SIZE>
 [[noreturn]] void die(const char (&message)[SIZE])
 {
+    static std::atomic_flag isDying = ATOMIC_FLAG_INIT;
+    while (isDying.test_and_set())
+        pause();
     vk_SafeFile::abandon();
     static_cast<void>(!write(STDERR_FILENO, message, SIZE - 1));
     _exit(FAILURE);

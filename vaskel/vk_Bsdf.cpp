@@ -85,9 +85,18 @@ vk_Vec vk_Bsdf::mirror() const
     return myTop.toWorld({-myOut.x, -myOut.y, myOut.z});
 }
 
+float vk_Bsdf::likeliest() const
+{
+    float density = 0;
+    static_cast<void>(evaluate(mirror(), density));
+    return density;
+}
+
 // Parts get samples by what they reflect.
 void vk_Bsdf::share(bool split)
 {
+    constexpr float LEAST = 1e-20f; // less has no inverse to count on
+
     const vk_Material &m = myMaterial;
     myShare[COAT] = fresnelOfCoat(m, myOut.z);
     myShare[BOUNDARY] = vk_luminance(fresnel(myLower.z)) * myBelow;
@@ -96,12 +105,12 @@ void vk_Bsdf::share(bool split)
     myShare[BASE] = vk_luminance(m.diffuse) * myBelow;
     const float sharp = myShare[COAT] + myShare[BOUNDARY];
     const float even = myShare[SHEEN] + myShare[BASE];
-    const bool both = sharp > 0 && even > 0;
+    const bool both = sharp > LEAST && even > LEAST;
     // By chance, the sharp ones are drawn often enough to keep them quiet.
     const float ofSharp = both ? std::clamp(sharp / (sharp + even), .2f, .9f) : 1;
     myRounds = split && both ? 2 : 1;
-    const float toSharp = sharp > 0 ? (myRounds == 2 ? 1 : ofSharp) / sharp : 0;
-    const float toEven = even > 0 ? (myRounds == 2 || !both ? 1 : 1 - ofSharp) / even : 0;
+    const float toSharp = sharp > LEAST ? (myRounds == 2 ? 1 : ofSharp) / sharp : 0;
+    const float toEven = even > LEAST ? (myRounds == 2 || !both ? 1 : 1 - ofSharp) / even : 0;
     for (int part = 0; part < PARTS; ++part)
         myShare[part] *= part <= BOUNDARY ? toSharp : toEven;
 }

@@ -52,6 +52,9 @@ public:
     float lobe() const;
     vk_Vec mirror() const;
 
+    // About the highest density that evaluate() gives.
+    float likeliest() const;
+
     bool isGlass() const { return myMaterial.isClear(); }
     bool isSmoothGlass() const { return myMaterial.isSmoothGlass(); }
 

@@ -12,6 +12,14 @@ bool isBehind(const vk_Hit &hit, const vk_Vec &direction)
     return (vk_dot(hit.facet, direction) > 0) == hit.inside;
 }
 
+// Whether rays scattered towards a light, which samples find with a density, hardly ever
+// miss it.
+bool raysAreSure(const vk_Asked &asked, float chance)
+{
+    constexpr float SURELY = 3;
+    return asked.likeliest > SURELY * chance;
+}
+
 // A direction drawn to mirror.
 struct Mirrored {
     vk_Vec direction;
@@ -152,9 +160,19 @@ vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Material &material,
     return passes * myShadow.filter;
 }
 
-vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
-                                    int samples, bool isLast, vk_Sampler &sampler) const
+vk_Asked vk_Lighting::ask(const vk_Bsdf &bsdf, int samples) const
 {
+    vk_Asked asked;
+    asked.samples = samples;
+    if (mySeesThrough && !bsdf.isGlass())
+        asked.likeliest = bsdf.likeliest();
+    return asked;
+}
+
+vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
+                                    const vk_Asked &asked, bool isLast, vk_Sampler &sampler) const
+{
+    const int samples = asked.samples;
     const std::size_t count = myScene.lights.size();
     const bool all = count <= static_cast<std::size_t>(samples);
     const std::size_t rounds = all ? count : static_cast<std::size_t>(samples);
@@ -172,14 +190,13 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, cons
         if (vk_largest(scattering.sum()) <= 0)
             continue;
         const Arrival arrival = arriving(hit.start(sample.direction), light, sample);
-        const float shared = 1 / (chance + (isLast ? 0 : density));
-        vk_Colour arrived = arrival.open * shared;
+        vk_Colour arrived = arrival.open * (1 / (chance + (isLast ? 0 : density)));
         const bool refracts =
             !isLast && vk_refracts(density, weight * scattering.sum() * (1 / density));
-        if (!refracts || arrival.between == OTHER_SHAPES)
+        const bool raysFind = arrival.between == ROUGH_GLASS ||
+                              (arrival.between == SMOOTH_GLASS && raysAreSure(asked, chance));
+        if (!refracts || !raysFind)
             arrived += arrival.through * (1 / chance);
-        else if (arrival.between == SMOOTH_GLASS)
-            arrived += arrival.through * shared;
         sum.sharp += scattering.sharp * arrived;
         sum.even += scattering.even * arrived;
     }
@@ -242,17 +259,22 @@ vk_Colour vk_Lighting::mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samp
 }
 
 vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, float distance,
-                               float density, int samples, bool behindGlass) const
+                               const vk_Asked &asked) const
 {
-    const bool wasAsked = behindGlass && samples > 0;
-    const vk_Colour whenHidden = behindGlass ? vk_Colour{} : myShadow.left;
-    const vk_Colour whenOpen = wasAsked ? vk_grey(1) - myShadow.left : vk_grey(1);
+    const bool wasAsked = asked.behindGlass && asked.samples > 0;
+    const vk_Colour whenHidden = asked.behindGlass ? vk_Colour{} : myShadow.left;
+    const vk_Colour whenOpen = wasAsked ? (vk_grey(1) - myShadow.left) * asked.left : vk_grey(1);
     vk_Colour sum;
     for (const auto &light : myScene.lights) {
         const vk_LightSample seen = light->hit(origin, direction);
         if (seen.density <= 0)
             continue;
-        const float share = density / (density + seen.density * expected(*light, samples));
+        // The density that it had from where the light was asked for.
+        const float farther = 1 + asked.way / seen.distance;
+        const float chance = seen.density * farther * farther * expected(*light, asked.samples);
+        if (wasAsked && !raysAreSure(asked, chance))
+            continue;
+        const float share = wasAsked ? 1 : asked.density / (asked.density + chance);
         const float passes = myFog.passes(origin, direction, seen.distance);
         const bool hidden =
             myShadow.soft == 1 ? seen.distance >= distance : isHidden(origin, *light, seen);

@@ -23,21 +23,33 @@ inline bool vk_refracts(float density, const vk_Colour &weight)
     return vk_isSharp(density) && !vk_isFaint(weight);
 }
 
+// What lights were asked for where a ray was last scattered, other than in smooth glass.
+struct vk_Asked {
+    int samples = 0;          // 0: for nothing
+    float likeliest = 0;      // see vk_Bsdf; needed where light comes through glass
+    float density = 0;        // with which the ray was scattered,
+    float way = 0;            // from there to where the ray is now,
+    float left = 1;           // of light that passes the smooth glass on it, in shadows
+    bool behindGlass = false; // the ray is in glass, or has left it
+};
+
 class vk_Lighting
 {
 public:
     // Keeps references to all three.
     vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog);
 
+    // To ask for so many samples where a surface is hit.
+    vk_Asked ask(const vk_Bsdf &bsdf, int samples) const;
+
     // Light that a surface sends on to where its scattering was set up for,
     // weighted against what scattered rays will find (see reached()), or all of it where
     // none follow. Glass sends on what arrives from outside. `weight` is that of the way
-    // so far. Who finds light that comes through shapes:
-    //   rays refract (see vk_refracts()) and there is only smooth glass   both, weighted
-    //   rays refract and there is rough glass                             those rays
-    //   else                                                              this function
+    // so far. Light that comes through shapes is found here; but by rays where these
+    // refract (see vk_refracts()) and there is nothing but glass, unless that is smooth
+    // and the light so small that few rays find it.
     vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
-                           int samples, bool isLast, vk_Sampler &sampler) const;
+                           const vk_Asked &asked, bool isLast, vk_Sampler &sampler) const;
 
     // Whether a light's edge may be mirrored sharply at a hit. There one direction for
     // each sample tells too little, and mirrored() draws several at little cost: the
@@ -46,11 +58,14 @@ public:
     vk_Colour mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samples,
                        vk_Sampler &sampler) const;
 
-    // Light that a ray finds on its way, scattered with a density at a point
-    // that also asked for samples; `distance` is what it meets first. A ray in or
-    // behind glass finds no light that shadows leave: its point was sent that already.
-    vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance, float density,
-                      int samples, bool behindGlass) const;
+    // Light that a ray finds on its way; `distance` is what it meets first. In or behind
+    // glass that is no light that shadows leave: who asked before the glass has it
+    // already, and a viewer sees it behind all of the glass.
+    vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance,
+                      const vk_Asked &asked) const;
+
+    // Share of light that a surface of glass lets pass in shadows.
+    float filter() const { return myShadow.filter; }
 
     // Light of the lights that fog scatters back along a ray from all the way to a
     // distance.

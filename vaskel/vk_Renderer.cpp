@@ -16,7 +16,8 @@
 namespace
 {
 constexpr int BAND_PIXELS = 1 << 18; // limits the memory that a large picture takes
-constexpr int MARGIN = vk_Filter::REACH + vk_LinearPicture::REACH; // rows around a band
+// Rows around a band; the filter compares errors with those one row further.
+constexpr int MARGIN = vk_Filter::REACH + 1 + vk_LinearPicture::REACH;
 
 // Draws a picture, band by band, and keeps count of what that took.
 class Drawing

@@ -8,7 +8,7 @@ void vk_Spreads::add(float spread)
     ++myPixels;
     const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);
     const auto step = static_cast<int>(std::lround(STEPS * std::log2(std::max(spread, least))));
-    ++myCounts[std::min(step, HIGHEST) - LOWEST];
+    ++myCounts[std::clamp(step, LOWEST, HIGHEST) - LOWEST];
 }
 
 vk_Spreads &vk_Spreads::operator+=(const vk_Spreads &o)

@@ -15,9 +15,10 @@ constexpr float REMAINS_TEXTURE = .27f;
 constexpr float REMAINS_GROUND = .019f;
 constexpr float REMAINS_WANDERING = .0115f;
 
-// On a surface that turns away, neighbours help less, and differ without an error.
-constexpr float CURVED = .9995f; // length of a mean of normals that shows less of a curve
-constexpr float BENT = .98f;
+// On a surface that turns away, neighbours help less, and differ without an error. Its
+// straightness is the length of the mean of its normals around a pixel.
+constexpr float FLAT = .9995f; // at least
+constexpr float CURVED = .98f; // at least, and bent below
 constexpr float REMAINS_CURVED = .11f;
 constexpr float REMAINS_BENT = .4f;
 
@@ -37,12 +38,13 @@ float remainsOf(const Remainder &remainder, float structure)
 
 float remainsOfEven(const vk_Pixel &pixel, float structure, float straightness)
 {
+    if (pixel.sum.blurred >= static_cast<float>(pixel.count))
+        return REMAINS_WANDERING;
     if (pixel.sum.blurred > 0)
-        return pixel.sum.blurred < static_cast<float>(pixel.count) ? REMAINS_GROUND
-                                                                   : REMAINS_WANDERING;
+        return REMAINS_GROUND;
     if (straightness < CURVED)
-        return straightness < BENT ? REMAINS_BENT : REMAINS_CURVED;
-    return remainsOf(EVEN, structure);
+        return REMAINS_BENT;
+    return straightness < FLAT ? REMAINS_CURVED : remainsOf(EVEN, structure);
 }
 
 // A surface needs no more than the first samples when its error is this part of the
@@ -103,7 +105,7 @@ struct Around {
         normals += pixel.sum.normal;
         samples += pixel.count;
     }
-    // 1 where all face the same way.
+    // Near 1 where all face the same way.
     float straightness() const
     {
         return vk_length(normals) / static_cast<float>(std::max(1, samples));

@@ -50,21 +50,25 @@ struct vk_Tracer::Path {
     vk_Vec origin, direction;
     vk_Colour weight = {1, 1, 1};
     vk_Colour sharp = {1, 1, 1}; // share that goes to the sharp layer
-    float density = 0;           // of the last scattering but those in smooth glass
-    int samples = 0;             // that lights were asked for there
-    bool behindGlass = false;    // or inside it, since then
-    int surfaces = 0;            // scattered at, other than
-    int panes = 0;               // of glass
-    bool spread = false;         // has been scattered evenly
-    bool foundLights = false;    // in the direction that it took last
-    bool isLast = false;         // goes no further
+    vk_Asked asked;
+    int surfaces = 0;         // scattered at, other than
+    int panes = 0;            // of glass
+    bool spread = false;      // has been scattered evenly
+    bool foundLights = false; // in the direction that it took last
+    bool isLast = false;      // goes no further
 
     int scatterings() const { return surfaces + panes; }
+    // What one surface mirrors by way of smooth glass is none.
+    bool isStray() const
+    {
+        const bool isMirroredOnce = surfaces == 1 && asked.behindGlass && asked.samples > 0;
+        return scatterings() > 1 && !isMirroredOnce;
+    }
     void add(const vk_Colour &light) { add(light, sharp); }
     void add(const vk_Colour &light, const vk_Colour &toSharp)
     {
         vk_Colour arrived = weight * light;
-        if (scatterings() > 1)
+        if (isStray())
             arrived = cut(arrived, MOST_INDIRECT);
         view->sharp += arrived * toSharp;
         view->even += arrived * (vk_grey(1) - toSharp);
@@ -140,7 +144,7 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
     const vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, true, sampler);
     path.foundLights = myLighting.mirrorsLight(hit, bsdf);
     if (path.foundLights)
-        path.add(myLighting.mirrored(hit, bsdf, path.samples, sampler));
+        path.add(myLighting.mirrored(hit, bsdf, path.asked.samples, sampler));
     branch(path, hit, bsdf, sampler, branches);
 }
 
@@ -177,7 +181,7 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
     vk_Hit hit;
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
-        // What refracts on its way from a surface finds lights behind all the glass.
+        // A path that a surface scattered was judged there for all glass on its way.
         if (!material.isClear() || path.surfaces == 0)
             path.spread = path.spread || vk_isFaint(path.weight);
         const bool isSmooth = material.isSmoothGlass();
@@ -225,9 +229,8 @@ bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sample
         ++(path.scatterings() > 0 ? vk_myRays.scattered : vk_myRays.camera);
         const bool met = myWorld.intersect(path.origin, path.direction, hit);
         const float distance = met ? hit.distance : FOREVER;
-        if (path.scatterings() > 0 && path.density > 0 && !path.foundLights)
-            path.add(myLighting.reached(path.origin, path.direction, distance, path.density,
-                                        path.samples, path.behindGlass));
+        if (path.scatterings() > 0 && path.asked.density > 0 && !path.foundLights)
+            path.add(myLighting.reached(path.origin, path.direction, distance, path.asked));
         crossFog(path, distance, sampler);
         if (!met) {
             path.add(seen(path, path.direction));
@@ -259,7 +262,7 @@ void vk_Tracer::lookThrough(Path &path, const vk_Hit &hit, const vk_Material &ma
     const float length = hit.inside ? hit.distance : 0;
     path.weight = path.weight * material.passesStraight(cosine, length);
     path.origin = hit.start(path.direction);
-    path.density = 0;
+    path.asked = {};
 }
 
 // The environment in a direction, or what the camera sees in its place.
@@ -310,9 +313,9 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
     ++(material.isClear() ? path.panes : path.surfaces);
     if (material.isSmoothGlass())
         return bsdf;
-    path.samples = samples;
+    path.asked = myLighting.ask(bsdf, samples);
     const vk_Scattered lit =
-        myLighting.reflected(hit, bsdf, path.weight, path.samples, path.isLast, sampler);
+        myLighting.reflected(hit, bsdf, path.weight, path.asked, path.isLast, sampler);
     if (path.scatterings() > 1 || path.sharp == vk_Colour{}) {
         path.add(lit.sum());
     } else {
@@ -334,22 +337,32 @@ bool vk_Tracer::scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf,
     if (path.scatterings() == 1 && !(path.sharp == vk_Colour{}))
         path.sharp = shareOf(scattering.sharp, sum);
     path.weight = path.weight * sum * (1 / density);
-    const bool crosses = bsdf.isGlass() && (above > 0) == hit.inside;
-    if (bsdf.isGlass())
-        path.spread = path.spread || (!vk_isSharp(density) && !crosses);
-    else
-        path.spread = path.spread || !vk_refracts(density, path.weight);
-    // Behind smooth glass lights are where the surface before it asked for them; those
-    // of rough glass were only asked for what arrives from outside.
-    if (!crosses || !bsdf.isSmoothGlass() || path.samples == 0) {
-        path.density = density;
-        if (crosses || bsdf.isSmoothGlass())
-            path.samples = 0;
-    }
-    path.behindGlass = bsdf.isGlass() && (crosses || hit.inside);
+    turn(path, hit, bsdf, density, above);
     path.origin = hit.start(next);
     path.direction = next;
     return true;
+}
+
+// What a scattering, `above` the side that was hit, means for glass and lights ahead.
+void vk_Tracer::turn(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf, float density,
+                     float above) const
+{
+    const bool crosses = bsdf.isGlass() && above <= 0;
+    const bool isInside = bsdf.isGlass() && (above > 0) == hit.inside;
+    if (bsdf.isGlass())
+        path.spread = path.spread || (!vk_isSharp(density) && !isInside);
+    else
+        path.spread = path.spread || !vk_refracts(density, path.weight);
+    const bool wasAsked = crosses && bsdf.isSmoothGlass() && path.asked.samples > 0;
+    if (wasAsked) {
+        path.asked.way += hit.distance;
+        path.asked.left *= myLighting.filter();
+    } else {
+        // Lights of rough glass are only asked for what arrives from outside.
+        const bool asks = !isInside && !bsdf.isSmoothGlass();
+        path.asked = {asks ? path.asked.samples : 0, path.asked.likeliest, density};
+    }
+    path.asked.behindGlass = isInside || crosses;
 }
 
 // Mean of the environment over the side that a normal faces, weighted by the

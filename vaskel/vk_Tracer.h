@@ -13,7 +13,8 @@
 //
 // Deliberate simplifications keep pictures quiet. Behind an evenly scattering
 // surface all reflections are blurred (Kaplanyan and Dachsbacher, "Path Space
-// Regularization", 2013), and glass is looked through straight on, as shadows do.
+// Regularization", 2013), and glass is looked through straight on, as shadows do. Small
+// lights that a surface mirrors by way of smooth glass come straight through it as well.
 // Fog scatters light of the lights once. Light wanders below the first surface only.
 #pragma once
 
@@ -61,6 +62,7 @@ private:
     vk_Bsdf light(Path &path, const vk_Hit &hit, const vk_Material &material, int samples,
                   bool split, vk_Sampler &sampler) const;
     bool scatter(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &next) const;
+    void turn(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf, float density, float above) const;
     vk_Colour ambient(const vk_Vec &normal) const;
     vk_Colour seen(const Path &path, const vk_Vec &direction) const;
 

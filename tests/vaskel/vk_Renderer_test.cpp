@@ -161,26 +161,42 @@ TEST(Renderer, GlassOutOfSightChangesNothing)
     }
 }
 
-// The floor mirrors a light that stands behind the ball.
+// A floor that mirrors a light, and what may stand between them.
+std::string mirrorRoom(const std::string &intensity, const std::string &lines)
+{
+    return "picture \"p.png\"\nsize 24 24\ncamera from 0 4 5 at 0 0 -.5 fov 12\n"
+           "environment v_studio intensity 0\nlightplace from 0 4 -6 to 0 0 0\n"
+           "light v_area width .7 height .7 intensity " +
+           intensity + "\n" + lines;
+}
+const std::string BALL = "translate 0 .9 -2.5\nsphere radius .8\nidentity\n";
+const std::string THIN_GLASS = "surface v_glass ior 1.01 tint 1\n" + BALL;
+
 TEST(Renderer, WhatLetsAllLightPassLeavesHighlightsAsTheyAre)
 {
-    const std::string room = "picture \"p.png\"\nsize 32 32\ncamera from 0 4 5 at 0 0 -.5 fov 12\n"
-                             "environment v_studio intensity 0\n"
-                             "lightplace from 0 4 -6 to 0 0 0\n"
-                             "light v_area width .7 height .7 intensity .8\n";
-    const std::string ball = "translate 0 .9 -2.5\nsphere radius .8\n";
-    const std::string glass = "surface v_glass ior 1.01 tint 1\n";
-    const std::string stain = "shadow v_filtershadow amount 1\nsurface v_matte diff 1\n";
+    const std::string stain = "shadow v_filtershadow amount 1\nsurface v_matte diff 1\n" + BALL;
     for (const std::string floor :
          {"floor v_plastic diff .5 rough .3\n", "floor v_plastic diff .5 rough .15\n",
           "floor v_metal color .2 rough .3\n", "floor v_metal color .9 rough .3\n",
-          "floor v_metal color .2 rough .1\n", "fog v_fog density .06\nfloor v_metal color .2\n",
-          "exposure -6\nfloor v_metal color .2 rough .2\n"}) {
-        const vk_Film alone = drawAll(room + floor, 2, 64);
-        for (const std::string &shape : {glass, stain, "shadow v_noshadow\n" + glass})
-            EXPECT_LT(differenceOf(alone, drawAll(room + floor + shape + ball, 2, 64)), 20)
+          "floor v_metal color .2 rough .2\n", "fog v_fog density .06\nfloor v_metal color .2\n"}) {
+        const vk_Film alone = drawAll(mirrorRoom(".8", floor), 2, 64);
+        for (const std::string &shape : {THIN_GLASS, stain})
+            EXPECT_LT(differenceOf(alone, drawAll(mirrorRoom(".8", floor + shape), 2, 64)), 20)
                 << floor << shape;
     }
+}
+
+// Where it is so dim that twice as much would show.
+TEST(Renderer, LightThroughGlassCountsOnce)
+{
+    const std::string nearLight = "surface v_glass ior 1.01 tint 1\ntranslate 0 2 -4\nsphere\n";
+    const std::string floor = "floor v_metal color .9 rough .3\n";
+    const vk_Film alone = drawAll(mirrorRoom(".002", floor), 2, 256);
+    for (const std::string &shapes :
+         {THIN_GLASS, nearLight, THIN_GLASS + nearLight, "shadow v_noshadow\n" + THIN_GLASS,
+          "shadow v_rayshadow color .5\n" + THIN_GLASS})
+        EXPECT_LT(differenceOf(alone, drawAll(mirrorRoom(".002", floor + shapes), 2, 256)), 12)
+            << shapes;
 }
 
 TEST(Renderer, TakingNoiseOutLeavesColours)
