@@ -12,12 +12,11 @@ bool isBehind(const vk_Hit &hit, const vk_Vec &direction)
     return (vk_dot(hit.facet, direction) > 0) == hit.inside;
 }
 
-// Whether rays scattered towards a light, which samples find with a density, hardly ever
-// miss it.
-bool raysAreSure(const vk_Asked &asked, float chance)
+// How much of a light that samples find with a density counts where refracted rays find
+// it: all where they are so close together that they hardly ever miss it.
+float shareOfRays(const vk_Asked &asked, float chance)
 {
-    constexpr float SURELY = 3;
-    return asked.likeliest > SURELY * chance;
+    return vk_smoothStep(2 * chance, 5 * chance, asked.likeliest);
 }
 
 // A direction drawn to mirror.
@@ -160,13 +159,38 @@ vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Material &material,
     return passes * myShadow.filter;
 }
 
-vk_Asked vk_Lighting::ask(const vk_Bsdf &bsdf, int samples) const
+vk_Asked vk_Lighting::ask(const vk_Bsdf &bsdf, int samples, const vk_Colour &due) const
 {
     vk_Asked asked;
     asked.samples = samples;
     if (mySeesThrough && !bsdf.isGlass())
         asked.likeliest = bsdf.likeliest();
+    asked.due = due;
+    asked.isSent = true;
     return asked;
+}
+
+vk_Asked vk_Lighting::passed(vk_Asked asked, float distance) const
+{
+    asked.way += distance;
+    if (asked.isSent) {
+        const vk_Colour left = asked.behindGlass ? vk_Colour{} : myShadow.left;
+        asked.due = asked.due * (vk_grey(1) - left) * myShadow.filter;
+    }
+    asked.behindGlass = true;
+    return asked;
+}
+
+// How much of the light that comes through shapes counts for a sample that finds it with
+// a chance, where scattered rays have a density.
+float vk_Lighting::shareOfSample(Between between, const vk_Asked &asked, float chance,
+                                 float density, bool refracts)
+{
+    if (between == OTHER_SHAPES || density <= 0)
+        return 1;
+    if (!refracts)
+        return chance / (chance + density);
+    return between == SMOOTH_GLASS ? 1 - shareOfRays(asked, chance) : 0;
 }
 
 vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
@@ -189,14 +213,12 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, cons
         const vk_Scattered scattering = bsdf.evaluate(sample.direction, density);
         if (vk_largest(scattering.sum()) <= 0)
             continue;
+        const bool refracts = vk_refracts(density, weight * scattering.sum() * (1 / density));
+        const float ofRays = isLast ? 0 : density;
         const Arrival arrival = arriving(hit.start(sample.direction), light, sample);
-        vk_Colour arrived = arrival.open * (1 / (chance + (isLast ? 0 : density)));
-        const bool refracts =
-            !isLast && vk_refracts(density, weight * scattering.sum() * (1 / density));
-        const bool raysFind = arrival.between == ROUGH_GLASS ||
-                              (arrival.between == SMOOTH_GLASS && raysAreSure(asked, chance));
-        if (!refracts || !raysFind)
-            arrived += arrival.through * (1 / chance);
+        const float share = shareOfSample(arrival.between, asked, chance, ofRays, refracts);
+        const vk_Colour arrived = asked.due * (arrival.open * (1 / (chance + ofRays)) +
+                                               arrival.through * (share / chance));
         sum.sharp += scattering.sharp * arrived;
         sum.even += scattering.even * arrived;
     }
@@ -261,9 +283,7 @@ vk_Colour vk_Lighting::mirrored(const vk_Hit &hit, const vk_Bsdf &bsdf, int samp
 vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, float distance,
                                const vk_Asked &asked) const
 {
-    const bool wasAsked = asked.behindGlass && asked.samples > 0;
     const vk_Colour whenHidden = asked.behindGlass ? vk_Colour{} : myShadow.left;
-    const vk_Colour whenOpen = wasAsked ? (vk_grey(1) - myShadow.left) * asked.left : vk_grey(1);
     vk_Colour sum;
     for (const auto &light : myScene.lights) {
         const vk_LightSample seen = light->hit(origin, direction);
@@ -272,15 +292,14 @@ vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, fl
         // The density that it had from where the light was asked for.
         const float farther = 1 + asked.way / seen.distance;
         const float chance = seen.density * farther * farther * expected(*light, asked.samples);
-        if (wasAsked && !raysAreSure(asked, chance))
-            continue;
-        const float share = wasAsked ? 1 : asked.density / (asked.density + chance);
+        const float share = asked.isRefracted ? shareOfRays(asked, chance)
+                                              : asked.density / (asked.density + chance);
         const float passes = myFog.passes(origin, direction, seen.distance);
         const bool hidden =
             myShadow.soft == 1 ? seen.distance >= distance : isHidden(origin, *light, seen);
-        sum += seen.radiance * (hidden ? whenHidden : whenOpen) * (share * passes);
+        sum += seen.radiance * (hidden ? whenHidden : vk_grey(1)) * (share * passes);
     }
-    return sum;
+    return sum * asked.due;
 }
 
 vk_Colour vk_Lighting::scattered(const vk_Vec &origin, const vk_Vec &direction, float distance,

@@ -15,22 +15,25 @@ inline bool vk_isFaint(const vk_Colour &weight)
     return vk_largest(weight) < .12f;
 }
 
-// Whether a path that a surface, not glass, scattered with a density to count with a
-// weight refracts in the glass that it meets, and finds lights behind. Other paths look
-// through glass straight on and find none.
+// Whether a path that was scattered with a density, to count with a weight, is refracted
+// by the glass that it meets. Other paths look through glass straight on.
 inline bool vk_refracts(float density, const vk_Colour &weight)
 {
     return vk_isSharp(density) && !vk_isFaint(weight);
 }
 
-// What lights were asked for where a ray was last scattered, other than in smooth glass.
+// What a ray may still find of the lights. Where it set out they were asked for samples,
+// but for smooth glass and the inside of glass; a ray that smooth glass refracts is still
+// that of who asked before the glass.
 struct vk_Asked {
-    int samples = 0;          // 0: for nothing
-    float likeliest = 0;      // see vk_Bsdf; needed where light comes through glass
-    float density = 0;        // with which the ray was scattered,
-    float way = 0;            // from there to where the ray is now,
-    float left = 1;           // of light that passes the smooth glass on it, in shadows
-    bool behindGlass = false; // the ray is in glass, or has left it
+    int samples = 0;
+    float likeliest = 0;       // see vk_Bsdf; needed where light comes through glass
+    float density = 0;         // with which the ray was scattered there; 0: finds nothing
+    float way = 0;             // from there to where the ray is now
+    vk_Colour due = {1, 1, 1}; // share of light that nobody was sent and glass lets pass
+    bool isSent = false;       // what shadows leave of light was found before any glass
+    bool behindGlass = false;  // the ray is in glass, or has left it,
+    bool isRefracted = false;  // and is no longer straight
 };
 
 class vk_Lighting
@@ -39,15 +42,21 @@ public:
     // Keeps references to all three.
     vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog);
 
-    // To ask for so many samples where a surface is hit.
-    vk_Asked ask(const vk_Bsdf &bsdf, int samples) const;
+    // To ask for so many samples where a surface is hit that `due` arrives at.
+    vk_Asked ask(const vk_Bsdf &bsdf, int samples, const vk_Colour &due) const;
+
+    // What is asked for on a ray that crosses the surface of glass after a distance.
+    vk_Asked passed(vk_Asked asked, float distance) const;
 
     // Light that a surface sends on to where its scattering was set up for,
     // weighted against what scattered rays will find (see reached()), or all of it where
     // none follow. Glass sends on what arrives from outside. `weight` is that of the way
-    // so far. Light that comes through shapes is found here; but by rays where these
-    // refract (see vk_refracts()) and there is nothing but glass, unless that is smooth
-    // and the light so small that few rays find it.
+    // so far. Who finds light that comes through shapes:
+    //   other shapes than glass are among them     this function
+    //   rays look straight through glass           both, weighted as in the open
+    //   rays are refracted by smooth glass         those rays; this function where the
+    //                                              light is so small that few rays hit
+    //   rays are refracted by rough glass          those rays
     vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
                            const vk_Asked &asked, bool isLast, vk_Sampler &sampler) const;
 
@@ -59,13 +68,10 @@ public:
                        vk_Sampler &sampler) const;
 
     // Light that a ray finds on its way; `distance` is what it meets first. In or behind
-    // glass that is no light that shadows leave: who asked before the glass has it
-    // already, and a viewer sees it behind all of the glass.
+    // glass that is no light that shadows leave: it was sent before the glass, and a
+    // viewer sees it behind all of the glass.
     vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance,
                       const vk_Asked &asked) const;
-
-    // Share of light that a surface of glass lets pass in shadows.
-    float filter() const { return myShadow.filter; }
 
     // Light of the lights that fog scatters back along a ray from all the way to a
     // distance.
@@ -92,6 +98,8 @@ private:
     vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     Passing passing(vk_Vec origin, const vk_Vec &direction, float distance) const;
     static Between kindOf(const vk_Material &material);
+    static float shareOfSample(Between between, const vk_Asked &asked, float chance, float density,
+                               bool refracts);
     vk_Colour through(const vk_Hit &hit, const vk_Material &material,
                       const vk_Vec &direction) const;
 

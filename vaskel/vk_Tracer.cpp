@@ -50,18 +50,19 @@ struct vk_Tracer::Path {
     vk_Vec origin, direction;
     vk_Colour weight = {1, 1, 1};
     vk_Colour sharp = {1, 1, 1}; // share that goes to the sharp layer
-    vk_Asked asked;
-    int surfaces = 0;         // scattered at, other than
-    int panes = 0;            // of glass
-    bool spread = false;      // has been scattered evenly
-    bool foundLights = false; // in the direction that it took last
-    bool isLast = false;      // goes no further
+    vk_Asked asked;              // where it set out,
+    vk_Asked here;               // and what is asked for where it arrived
+    int surfaces = 0;            // scattered at, other than
+    int panes = 0;               // of glass
+    bool spread = false;         // has been scattered evenly
+    bool foundLights = false;    // in the direction that it took last
+    bool isLast = false;         // goes no further
 
     int scatterings() const { return surfaces + panes; }
     // What one surface mirrors by way of smooth glass is none.
     bool isStray() const
     {
-        const bool isMirroredOnce = surfaces == 1 && asked.behindGlass && asked.samples > 0;
+        const bool isMirroredOnce = surfaces == 1 && asked.isRefracted;
         return scatterings() > 1 && !isMirroredOnce;
     }
     void add(const vk_Colour &light) { add(light, sharp); }
@@ -144,7 +145,7 @@ void vk_Tracer::first(Path &path, vk_Sampler &sampler, Branches &branches) const
     const vk_Bsdf bsdf = light(path, hit, material, LIGHT_SAMPLES, true, sampler);
     path.foundLights = myLighting.mirrorsLight(hit, bsdf);
     if (path.foundLights)
-        path.add(myLighting.mirrored(hit, bsdf, path.asked.samples, sampler));
+        path.add(myLighting.mirrored(hit, bsdf, path.here.samples, sampler));
     branch(path, hit, bsdf, sampler, branches);
 }
 
@@ -254,15 +255,14 @@ bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sample
     return false;
 }
 
-// On behind glass, straight. Lights seen there shine through it already (see
-// vk_Lighting), so the path finds none.
+// On behind glass, straight.
 void vk_Tracer::lookThrough(Path &path, const vk_Hit &hit, const vk_Material &material) const
 {
     const float cosine = std::abs(vk_dot(hit.normal, path.direction));
     const float length = hit.inside ? hit.distance : 0;
     path.weight = path.weight * material.passesStraight(cosine, length);
     path.origin = hit.start(path.direction);
-    path.asked = {};
+    path.asked = myLighting.passed(path.asked, hit.distance);
 }
 
 // The environment in a direction, or what the camera sees in its place.
@@ -313,9 +313,12 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
     ++(material.isClear() ? path.panes : path.surfaces);
     if (material.isSmoothGlass())
         return bsdf;
-    path.asked = myLighting.ask(bsdf, samples);
+    const bool leavesGlass = material.isClear() && hit.inside;
+    const vk_Colour due =
+        leavesGlass ? myLighting.passed(path.asked, hit.distance).due : vk_grey(1);
+    path.here = myLighting.ask(bsdf, samples, due);
     const vk_Scattered lit =
-        myLighting.reflected(hit, bsdf, path.weight, path.asked, path.isLast, sampler);
+        myLighting.reflected(hit, bsdf, path.weight, path.here, path.isLast, sampler);
     if (path.scatterings() > 1 || path.sharp == vk_Colour{}) {
         path.add(lit.sum());
     } else {
@@ -349,20 +352,21 @@ void vk_Tracer::turn(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf, float d
 {
     const bool crosses = bsdf.isGlass() && above <= 0;
     const bool isInside = bsdf.isGlass() && (above > 0) == hit.inside;
-    if (bsdf.isGlass())
-        path.spread = path.spread || (!vk_isSharp(density) && !isInside);
-    else
+    if (!isInside && !bsdf.isSmoothGlass()) {
         path.spread = path.spread || !vk_refracts(density, path.weight);
-    const bool wasAsked = crosses && bsdf.isSmoothGlass() && path.asked.samples > 0;
-    if (wasAsked) {
-        path.asked.way += hit.distance;
-        path.asked.left *= myLighting.filter();
+        path.asked = path.here;
+    } else if (crosses) {
+        path.asked = myLighting.passed(path.asked, hit.distance);
+        if (!bsdf.isSmoothGlass())
+            path.asked.samples = 0;
+        path.asked.isRefracted = path.asked.samples > 0;
     } else {
-        // Lights of rough glass are only asked for what arrives from outside.
-        const bool asks = !isInside && !bsdf.isSmoothGlass();
-        path.asked = {asks ? path.asked.samples : 0, path.asked.likeliest, density};
+        path.asked = {};
+        path.asked.isSent = !isInside;
+        path.asked.behindGlass = isInside;
     }
-    path.asked.behindGlass = isInside || crosses;
+    if (!path.asked.isRefracted)
+        path.asked.density = density;
 }
 
 // Mean of the environment over the side that a normal faces, weighted by the

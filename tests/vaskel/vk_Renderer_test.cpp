@@ -171,6 +171,7 @@ std::string mirrorRoom(const std::string &intensity, const std::string &lines)
 }
 const std::string BALL = "translate 0 .9 -2.5\nsphere radius .8\nidentity\n";
 const std::string THIN_GLASS = "surface v_glass ior 1.01 tint 1\n" + BALL;
+const std::string THIN_FROSTED = "surface v_frosted ior 1.01 tint 1 rough .1\n" + BALL;
 
 TEST(Renderer, WhatLetsAllLightPassLeavesHighlightsAsTheyAre)
 {
@@ -192,11 +193,42 @@ TEST(Renderer, LightThroughGlassCountsOnce)
     const std::string nearLight = "surface v_glass ior 1.01 tint 1\ntranslate 0 2 -4\nsphere\n";
     const std::string floor = "floor v_metal color .9 rough .3\n";
     const vk_Film alone = drawAll(mirrorRoom(".002", floor), 2, 256);
-    for (const std::string &shapes :
-         {THIN_GLASS, nearLight, THIN_GLASS + nearLight, "shadow v_noshadow\n" + THIN_GLASS,
-          "shadow v_rayshadow color .5\n" + THIN_GLASS})
-        EXPECT_LT(differenceOf(alone, drawAll(mirrorRoom(".002", floor + shapes), 2, 256)), 12)
-            << shapes;
+    const auto change = [&](const std::string &shapes) {
+        return differenceOf(alone, drawAll(mirrorRoom(".002", floor + shapes), 2, 256));
+    };
+    for (const std::string &shapes : {THIN_GLASS, nearLight, THIN_GLASS + nearLight})
+        EXPECT_LT(change(shapes), 4) << shapes;
+    // A frosted ball gathers some light.
+    EXPECT_LT(change(THIN_FROSTED), 20);
+    for (const std::string shadow : {"shadow v_noshadow\n", "shadow v_rayshadow color .5\n"}) {
+        EXPECT_LT(change(shadow + THIN_GLASS), 4) << shadow;
+        EXPECT_LT(change(shadow + THIN_FROSTED), 12) << shadow;
+    }
+}
+
+TEST(Renderer, FilteredGlassKeepsLightFromWhatMirrorsIt)
+{
+    const std::string floor = "floor v_metal color .9 rough .3\n";
+    const std::string filter = "shadow v_filtershadow filter 0\n";
+    const vk_Film dark = drawAll(mirrorRoom("0", floor), 2, 64);
+    for (const std::string &glass : {THIN_GLASS, THIN_FROSTED})
+        EXPECT_LT(differenceOf(dark, drawAll(mirrorRoom(".002", floor + filter + glass), 2, 64)),
+                  12)
+            << glass;
+}
+
+// As the camera sees no lights but through shapes, smooth glass shows how bright one is.
+TEST(Renderer, FrostedGlassShowsTheLightBehindIt)
+{
+    const std::string room = "picture \"p.png\"\nsize 24 24\ncamera from 0 0 6 at 0 0 0 fov 20\n"
+                             "environment v_studio intensity 0\nlightplace from 0 0 -5 to 0 0 0\n"
+                             "light v_area width 1.5 height 1.5 intensity .1\n";
+    const vk_Film clear = drawAll(room + "surface v_glass ior 1.01 tint 1\nsphere", 2, 256);
+    for (const std::string shadow :
+         {"", "shadow v_noshadow\n", "shadow v_filtershadow filter 0\n"}) {
+        const std::string frosted = "surface v_frosted ior 1.01 tint 1 rough .1\nsphere";
+        EXPECT_LT(differenceOf(clear, drawAll(room + shadow + frosted, 2, 256)), 4) << shadow;
+    }
 }
 
 TEST(Renderer, TakingNoiseOutLeavesColours)
