@@ -158,7 +158,7 @@ bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
         path.assignCopy(name);
     else
         path.sprintf("%s/%s", directory, name);
-    return mySmallFiles->take(path) != nullptr || access(path, R_OK) == 0;
+    return mySmallFiles->take(path).data() != nullptr || access(path, R_OK) == 0;
 }
 
 bool CPP_Manager::pushPath(const char *path)

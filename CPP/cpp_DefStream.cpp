@@ -33,7 +33,7 @@ void cpp_DefStream::close()
 bool cpp_DefStream::open(const char *path)
 {
     close();
-    if (!takeWhole(mySmallFiles != nullptr ? mySmallFiles->take(path) : nullptr)) {
+    if (!takeWhole(path)) {
         myDescriptor = ::open(path, O_RDONLY | O_CLOEXEC);
         struct stat info;
         if (myDescriptor < 0 || fstat(myDescriptor, &info) != 0 || S_ISDIR(info.st_mode)) {
@@ -47,13 +47,14 @@ bool cpp_DefStream::open(const char *path)
     return true;
 }
 
-bool cpp_DefStream::takeWhole(const std::string *text)
+bool cpp_DefStream::takeWhole(const char *path)
 {
-    if (text == nullptr)
+    if (mySmallFiles == nullptr)
         return false;
-    myNext = text->data();
-    myEnd = myNext + text->size();
-    return true;
+    const std::string_view text = mySmallFiles->take(path);
+    myNext = text.data();
+    myEnd = myNext + text.size();
+    return myNext != nullptr;
 }
 
 void cpp_DefStream::setFile(FILE *fp)

@@ -31,8 +31,8 @@ private:
     static constexpr size_t BLOCK_BYTES = 65536;
 
     void close();
-    bool takeWhole(const std::string *text); // false without one
-    bool fillBlock();                        // when it is used up; false at the end of the file
+    bool takeWhole(const char *path); // of a small file; false for others
+    bool fillBlock();                 // when it is used up; false at the end of the file
     bool readFromBlock(UT_ScratchBuffer &line);
 
     cpp_SmallFiles *mySmallFiles;

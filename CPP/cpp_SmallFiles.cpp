@@ -1,12 +1,11 @@
 #include "CPP/cpp_SmallFiles.h"
 
 #include "CPP/CPP_Manager.h"
+#include "CPP/cpp_Runs.h"
 #include "CPP/cpp_Text.h"
 
 #include <algorithm>
 #include <fcntl.h>
-#include <memory>
-#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,65 +65,76 @@ std::string guardOf(std::string_view text)
     return isWholeWord ? std::string(name.begin(), end) : std::string();
 }
 
-bool readWhole(const char *path, size_t size, std::string &text)
+bool readWhole(const char *path, std::string &text)
 {
     const int descriptor = open(path, O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
-    text.resize(size);
-    const ssize_t count = read(descriptor, text.data(), size);
+    const ssize_t count = read(descriptor, text.data(), text.size());
     close(descriptor);
-    return count == static_cast<ssize_t>(size);
+    return count == static_cast<ssize_t>(text.size());
 }
 } // namespace
 
 struct cpp_SmallFiles::File {
+    std::string path;
     std::string text;
     std::string guard;
-    std::string emptyLines; // as many as the text has
+    int lines = 0;
 };
 
-cpp_SmallFiles::~cpp_SmallFiles()
-{
-    const auto deleteFile = [](void **value, const char *, void *) {
-        delete static_cast<File *>(*value);
-        return 1;
-    };
-    myFiles.traverseSymbols(deleteFile, nullptr);
-}
+cpp_SmallFiles::cpp_SmallFiles(const CPP_Manager &manager) : myManager(manager) {}
 
-const std::string *cpp_SmallFiles::take(const char *path)
+cpp_SmallFiles::~cpp_SmallFiles() = default;
+
+std::string_view cpp_SmallFiles::take(const char *path)
 {
-    void *value = nullptr;
-    if (!myFiles.findSymbol(path, &value))
-        value = keep(path);
-    if (value == nullptr)
-        return nullptr;
-    const auto *file = static_cast<const File *>(value);
+    const File *file = find(path);
+    if (file == nullptr)
+        return {};
     // Old-style includes are reported even in skipped text.
     const bool isSkipped = !file->guard.empty() &&
                            !myManager.hasFlag(CPP_Manager::OLD_STYLE_INCLUDE) &&
                            myManager.findMacro(file->guard.c_str()) != nullptr;
-    return isSkipped ? &file->emptyLines : &file->text;
+    if (!isSkipped)
+        return file->text;
+    if (myEmptyLines.empty())
+        myEmptyLines.assign(MAX_FILE, '\n');
+    return std::string_view(myEmptyLines).substr(0, static_cast<size_t>(file->lines));
+}
+
+const cpp_SmallFiles::File *cpp_SmallFiles::find(std::string_view path)
+{
+    if (myLast != nullptr && myLast->path == path)
+        return myLast;
+    const auto found = myFiles.find(path);
+    if (found != myFiles.end())
+        return myLast = found->second.get();
+    std::unique_ptr<File> file = read(path);
+    if (file == nullptr)
+        return nullptr;
+    myTotal += file->text.size();
+    myLast = file.get();
+    myFiles.emplace(myLast->path, std::move(file));
+    return myLast;
 }
 
 // Null when the file is none to keep. Only a regular file may be opened on trial: a
 // pipe's writer would notice. A size of 0 may be that of a file which the system
 // writes as it is read.
-cpp_SmallFiles::File *cpp_SmallFiles::keep(const char *path)
+std::unique_ptr<cpp_SmallFiles::File> cpp_SmallFiles::read(std::string_view path) const
 {
-    struct stat info;
-    if (stat(path, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size <= 0 ||
-        info.st_size > MAX_FILE || myTotal + info.st_size > MAX_TOTAL)
-        return nullptr;
     auto file = std::make_unique<File>();
-    if (!readWhole(path, static_cast<size_t>(info.st_size), file->text))
+    file->path = path;
+    struct stat info;
+    if (stat(file->path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size <= 0 ||
+        info.st_size > int64_t{MAX_FILE})
         return nullptr;
-    const std::string &text = file->text;
+    std::string &text = file->text;
+    text.resize(static_cast<size_t>(info.st_size));
+    if (myTotal + text.size() > MAX_TOTAL || !readWhole(file->path.c_str(), text))
+        return nullptr;
     file->guard = guardOf(text);
-    const auto lines = std::count(text.begin(), text.end(), '\n') + (text.back() != '\n');
-    file->emptyLines.assign(static_cast<size_t>(lines), '\n');
-    myTotal += info.st_size;
-    myFiles.addSymbol(path, file.get());
-    return file.release();
+    file->lines = countLines(text.data(), text.data() + text.size()) + (text.back() != '\n');
+    return file;
 }

@@ -9,9 +9,10 @@
 // within a fixed size; when that is used up, no more are kept.
 #pragma once
 
-#include "UT/UT_SymbolTable.h"
-
+#include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 class CPP_Manager;
 
@@ -19,25 +20,28 @@ class cpp_SmallFiles
 {
 public:
     // The manager is asked whether guards are defined, and outlives this.
-    explicit cpp_SmallFiles(const CPP_Manager &manager) : myManager(manager) {}
+    explicit cpp_SmallFiles(const CPP_Manager &manager);
     ~cpp_SmallFiles();
     cpp_SmallFiles(const cpp_SmallFiles &) = delete;
     cpp_SmallFiles &operator=(const cpp_SmallFiles &) = delete;
 
-    // The text of a file, or what it comes down to while its guard is defined. Null
-    // when the file is too long to keep, is no regular file or cannot be read. The
-    // text lives as long as this.
-    const std::string *take(const char *path);
+    // The text of a file, or what it comes down to while its guard is defined. Without
+    // data() when the file is too long to keep, is no regular file or cannot be read.
+    // The text lives as long as this.
+    std::string_view take(const char *path);
 
 private:
-    static constexpr int64_t MAX_FILE = 32768;
-    static constexpr int64_t MAX_TOTAL = 4 << 20;
+    static constexpr size_t MAX_FILE = 32768;
+    static constexpr size_t MAX_TOTAL = 4 << 20;
 
     struct File;
 
-    File *keep(const char *path);
+    const File *find(std::string_view path);
+    std::unique_ptr<File> read(std::string_view path) const;
 
     const CPP_Manager &myManager;
-    UT_SymbolTable myFiles; // values are File, deleted by us
-    int64_t myTotal = 0;
+    std::unordered_map<std::string_view, std::unique_ptr<File>> myFiles; // by their paths
+    const File *myLast = nullptr; // which is often asked for again
+    std::string myEmptyLines;     // as many as a file can have, once one needs some
+    size_t myTotal = 0;
 };

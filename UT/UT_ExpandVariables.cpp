@@ -10,6 +10,7 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 namespace
@@ -64,9 +65,11 @@ void appendPadded(UT_ScratchBuffer &out, const char *value, int width)
 }
 
 // What step() has to look at.
+constexpr char SIGNS[] = "\\$~`'";
+
 bool isSign(char c)
 {
-    return c == '\\' || c == '$' || c == '~' || c == '`' || c == '\'';
+    return std::find(SIGNS, std::end(SIGNS), c) != std::end(SIGNS);
 }
 
 // One expansion: step() takes one construct off the input and moves on, so every
@@ -363,6 +366,10 @@ int UTexpandVariables(UT_ScratchBuffer &out, const char *in, UT_VariableLookup l
     out.clear();
     if (in == nullptr)
         return 0;
+    if (std::strpbrk(in, SIGNS) == nullptr) {
+        out.append(in);
+        return 0;
+    }
     ut_VariableExpander expander(out, in);
     if (lookup != nullptr)
         expander.myLookup = lookup;
