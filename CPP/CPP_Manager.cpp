@@ -154,10 +154,10 @@ bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
     if (file == nullptr)
         return false;
     const char *directory = file->getDirectory();
-    if (directory == nullptr || std::strcmp(directory, ".") == 0)
-        path.assignCopy(name);
-    else
-        path.sprintf("%s/%s", directory, name);
+    path.clear();
+    if (directory != nullptr && std::strcmp(directory, ".") != 0)
+        (path += directory) += "/";
+    path += name;
     return mySmallFiles->take(path).data() != nullptr || access(path, R_OK) == 0;
 }
 

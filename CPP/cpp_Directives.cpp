@@ -66,7 +66,7 @@ const CPP_Manager::DirectiveRow CPP_Manager::DIRECTIVES[] = {
 // `text` is what follows the '#'.
 void CPP_Manager::processDirective(const char *text, UT_String &result)
 {
-    result.assignCopy("\n");
+    result = "\n";
     const bool hashComments = hasFlag(HASH_COMMENTS);
     if (hashComments && isSpace(*text))
         return;

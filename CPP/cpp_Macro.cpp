@@ -231,7 +231,7 @@ void CPP_Manager::storeMacro(const char *name, cpp_Macro *macro)
 
 bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool commandLineForm)
 {
-    result.assignCopy("\n");
+    result = "\n";
     cpp_Macro *macro = cpp_Macro::parse(definition, commandLineForm);
     const cpp_Macro *old = findMacro(macro->myName.c_str());
     if (old != nullptr && !old->isSameAs(*macro))
@@ -250,7 +250,7 @@ bool CPP_Manager::defineMacroValue(const char *name, const char *value)
 
 bool CPP_Manager::undefineMacro(const char *text, UT_String &result)
 {
-    result.assignCopy("\n");
+    result = "\n";
     text = skipSpace(text);
     const std::string name = takeUpTo(text, "").substr(0, MAX_UNDEFINED_NAME);
     const cpp_Macro *macro = findMacro(name.c_str());
