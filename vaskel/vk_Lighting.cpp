@@ -16,7 +16,7 @@ bool isBehind(const vk_Hit &hit, const vk_Vec &direction)
 // it: all where they are so close together that they hardly ever miss it.
 float shareOfRays(const vk_Asked &asked, float chance)
 {
-    return vk_smoothStep(2 * chance, 5 * chance, asked.likeliest);
+    return asked.likeliest > 0 ? vk_smoothStep(2, 5, asked.likeliest / chance) : 0;
 }
 
 // A direction drawn to mirror.
@@ -79,15 +79,15 @@ std::size_t vk_Lighting::pick(float at) const
     return i;
 }
 
-// Light of a sample at a point.
+// Light of a sample at a point, with what shadows leave of it.
 vk_Lighting::Arrival vk_Lighting::arriving(const vk_Vec &from, const vk_Light &light,
-                                           const vk_LightSample &sample) const
+                                           const vk_LightSample &sample,
+                                           const vk_Colour &left) const
 {
     const vk_Colour radiance =
         sample.radiance * myFog.passes(from, sample.direction, sample.distance);
     if (!isHidden(from, light, sample))
         return {radiance, {}, OTHER_SHAPES};
-    const vk_Colour &left = myShadow.left;
     if (!mySeesThrough)
         return {radiance * left, {}, OTHER_SHAPES};
     const vk_Vec direction = shadowRay(from, light, sample);
@@ -159,21 +159,22 @@ vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Material &material,
     return passes * myShadow.filter;
 }
 
-vk_Asked vk_Lighting::ask(const vk_Bsdf &bsdf, int samples, const vk_Colour &due) const
+vk_Asked vk_Lighting::ask(const vk_Bsdf &bsdf, int samples, const vk_Asked &before) const
 {
     vk_Asked asked;
     asked.samples = samples;
     if (mySeesThrough && !bsdf.isGlass())
         asked.likeliest = bsdf.likeliest();
-    asked.due = due;
-    asked.isSent = true;
+    asked.due = before.due;
+    asked.behindGlass = before.isShaded;
+    asked.isShaded = true;
     return asked;
 }
 
 vk_Asked vk_Lighting::passed(vk_Asked asked, float distance) const
 {
     asked.way += distance;
-    if (asked.isSent) {
+    if (asked.isShaded) {
         const vk_Colour left = asked.behindGlass ? vk_Colour{} : myShadow.left;
         asked.due = asked.due * (vk_grey(1) - left) * myShadow.filter;
     }
@@ -186,7 +187,9 @@ vk_Asked vk_Lighting::passed(vk_Asked asked, float distance) const
 float vk_Lighting::shareOfSample(Between between, const vk_Asked &asked, float chance,
                                  float density, bool refracts)
 {
-    if (between == OTHER_SHAPES || density <= 0)
+    if (between == OTHER_SHAPES)
+        return asked.behindGlass ? 0 : 1;
+    if (density <= 0)
         return 1;
     if (!refracts)
         return chance / (chance + density);
@@ -201,6 +204,7 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, cons
     const bool all = count <= static_cast<std::size_t>(samples);
     const std::size_t rounds = all ? count : static_cast<std::size_t>(samples);
     const float offset = all ? 0 : sampler.number();
+    const vk_Colour left = asked.behindGlass ? vk_Colour{} : myShadow.left;
     vk_Scattered sum;
     for (std::size_t i = 0; i < rounds; ++i) {
         const float place = (static_cast<float>(i) + offset) / static_cast<float>(rounds);
@@ -215,7 +219,7 @@ vk_Scattered vk_Lighting::reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, cons
             continue;
         const bool refracts = vk_refracts(density, weight * scattering.sum() * (1 / density));
         const float ofRays = isLast ? 0 : density;
-        const Arrival arrival = arriving(hit.start(sample.direction), light, sample);
+        const Arrival arrival = arriving(hit.start(sample.direction), light, sample, left);
         const float share = shareOfSample(arrival.between, asked, chance, ofRays, refracts);
         const vk_Colour arrived = asked.due * (arrival.open * (1 / (chance + ofRays)) +
                                                arrival.through * (share / chance));
@@ -289,9 +293,9 @@ vk_Colour vk_Lighting::reached(const vk_Vec &origin, const vk_Vec &direction, fl
         const vk_LightSample seen = light->hit(origin, direction);
         if (seen.density <= 0)
             continue;
-        // The density that it had from where the light was asked for.
-        const float farther = 1 + asked.way / seen.distance;
-        const float chance = seen.density * farther * farther * expected(*light, asked.samples);
+        const vk_Vec asker = origin - direction * asked.way; // as if the way were straight
+        const float density = asked.way > 0 ? light->hit(asker, direction).density : seen.density;
+        const float chance = density * expected(*light, asked.samples);
         const float share = asked.isRefracted ? shareOfRays(asked, chance)
                                               : asked.density / (asked.density + chance);
         const float passes = myFog.passes(origin, direction, seen.distance);
@@ -342,7 +346,7 @@ vk_Colour vk_Lighting::scattered(const vk_Light &light, const vk_Vec &origin,
         if (place.weight <= 0 || sample.density <= 0 || vk_largest(sample.radiance) <= 0)
             continue;
         const float phase = myFog.phase(vk_dot(direction, sample.direction));
-        const Arrival arrival = arriving(at, light, sample);
+        const Arrival arrival = arriving(at, light, sample, myShadow.left);
         sum +=
             (arrival.open + arrival.through) * (place.weight * phase / (sample.density * PLACES));
     }

@@ -15,8 +15,8 @@ inline bool vk_isFaint(const vk_Colour &weight)
     return vk_largest(weight) < .12f;
 }
 
-// Whether a path that was scattered with a density, to count with a weight, is refracted
-// by the glass that it meets. Other paths look through glass straight on.
+// Whether a path that a surface or rough glass scattered with a density, to count with a
+// weight, is refracted by the glass that it meets. Others look through glass straight on.
 inline bool vk_refracts(float density, const vk_Colour &weight)
 {
     return vk_isSharp(density) && !vk_isFaint(weight);
@@ -27,12 +27,12 @@ inline bool vk_refracts(float density, const vk_Colour &weight)
 // that of who asked before the glass.
 struct vk_Asked {
     int samples = 0;
-    float likeliest = 0;       // see vk_Bsdf; needed where light comes through glass
+    float likeliest = 0;       // see vk_Bsdf; 0 for glass, and where none lets light pass
     float density = 0;         // with which the ray was scattered there; 0: finds nothing
     float way = 0;             // from there to where the ray is now
-    vk_Colour due = {1, 1, 1}; // share of light that nobody was sent and glass lets pass
-    bool isSent = false;       // what shadows leave of light was found before any glass
-    bool behindGlass = false;  // the ray is in glass, or has left it,
+    vk_Colour due = {1, 1, 1}; // share of light that counts where it is found now
+    bool isShaded = false;     // glass dims lights as its shadow does; not for the viewer
+    bool behindGlass = false;  // what shadows leave was found; the ray is in or behind glass,
     bool isRefracted = false;  // and is no longer straight
 };
 
@@ -42,8 +42,9 @@ public:
     // Keeps references to all three.
     vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog);
 
-    // To ask for so many samples where a surface is hit that `due` arrives at.
-    vk_Asked ask(const vk_Bsdf &bsdf, int samples, const vk_Colour &due) const;
+    // To ask for so many samples where a surface is hit; `before` is a ray's that leaves
+    // glass there.
+    vk_Asked ask(const vk_Bsdf &bsdf, int samples, const vk_Asked &before) const;
 
     // What is asked for on a ray that crosses the surface of glass after a distance.
     vk_Asked passed(vk_Asked asked, float distance) const;
@@ -52,11 +53,12 @@ public:
     // weighted against what scattered rays will find (see reached()), or all of it where
     // none follow. Glass sends on what arrives from outside. `weight` is that of the way
     // so far. Who finds light that comes through shapes:
-    //   other shapes than glass are among them     this function
+    //   other shapes than glass are among them     this function, before all glass
     //   rays look straight through glass           both, weighted as in the open
-    //   rays are refracted by smooth glass         those rays; this function where the
-    //                                              light is so small that few rays hit
-    //   rays are refracted by rough glass          those rays
+    //   rays are refracted by rough glass          that glass, where they leave it
+    //   rays are refracted by smooth glass         those rays; this function for lights
+    //                                              so small that few of them hit, and
+    //                                              where rough glass is lit
     vk_Scattered reflected(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Colour &weight,
                            const vk_Asked &asked, bool isLast, vk_Sampler &sampler) const;
 
@@ -68,7 +70,7 @@ public:
                        vk_Sampler &sampler) const;
 
     // Light that a ray finds on its way; `distance` is what it meets first. In or behind
-    // glass that is no light that shadows leave: it was sent before the glass, and a
+    // glass that is no light that shadows leave: it was found before the glass, and a
     // viewer sees it behind all of the glass.
     vk_Colour reached(const vk_Vec &origin, const vk_Vec &direction, float distance,
                       const vk_Asked &asked) const;
@@ -93,7 +95,8 @@ private:
                         float distance, vk_Sampler &sampler) const;
     float expected(const vk_Light &light, int samples) const;
     std::size_t pick(float at) const;
-    Arrival arriving(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
+    Arrival arriving(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample,
+                     const vk_Colour &left) const;
     bool isHidden(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     Passing passing(vk_Vec origin, const vk_Vec &direction, float distance) const;

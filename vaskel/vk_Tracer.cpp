@@ -182,8 +182,8 @@ void vk_Tracer::follow(Path path, vk_Sampler &sampler, Branches &branches) const
     vk_Hit hit;
     vk_Material material;
     while (arrive(path, hit, material, sampler)) {
-        // A path that a surface scattered was judged there for all glass on its way.
-        if (!material.isClear() || path.surfaces == 0)
+        // Where lights were asked for, the path was judged for all glass on its way.
+        if (!material.isClear() || path.asked.samples == 0)
             path.spread = path.spread || vk_isFaint(path.weight);
         const bool isSmooth = material.isSmoothGlass();
         const int mostPanes = isSmooth ? MOST_PANES : MOST_ROUGH_PANES;
@@ -314,9 +314,8 @@ vk_Bsdf vk_Tracer::light(Path &path, const vk_Hit &hit, const vk_Material &mater
     if (material.isSmoothGlass())
         return bsdf;
     const bool leavesGlass = material.isClear() && hit.inside;
-    const vk_Colour due =
-        leavesGlass ? myLighting.passed(path.asked, hit.distance).due : vk_grey(1);
-    path.here = myLighting.ask(bsdf, samples, due);
+    const vk_Asked before = leavesGlass ? myLighting.passed(path.asked, hit.distance) : vk_Asked{};
+    path.here = myLighting.ask(bsdf, samples, before);
     const vk_Scattered lit =
         myLighting.reflected(hit, bsdf, path.weight, path.here, path.isLast, sampler);
     if (path.scatterings() > 1 || path.sharp == vk_Colour{}) {
@@ -362,7 +361,7 @@ void vk_Tracer::turn(Path &path, const vk_Hit &hit, const vk_Bsdf &bsdf, float d
         path.asked.isRefracted = path.asked.samples > 0;
     } else {
         path.asked = {};
-        path.asked.isSent = !isInside;
+        path.asked.isShaded = !isInside;
         path.asked.behindGlass = isInside;
     }
     if (!path.asked.isRefracted)

@@ -14,7 +14,7 @@
 // Deliberate simplifications keep pictures quiet. Behind an evenly scattering
 // surface all reflections are blurred (Kaplanyan and Dachsbacher, "Path Space
 // Regularization", 2013), and glass is looked through straight on, as shadows do. Small
-// lights that a surface mirrors by way of smooth glass come straight through it as well.
+// lights that a surface mirrors by way of smooth glass come straight through it instead.
 // Fog scatters light of the lights once. Light wanders below the first surface only.
 #pragma once
 

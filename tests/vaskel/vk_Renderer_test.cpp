@@ -204,6 +204,26 @@ TEST(Renderer, LightThroughGlassCountsOnce)
         EXPECT_LT(change(shadow + THIN_GLASS), 4) << shadow;
         EXPECT_LT(change(shadow + THIN_FROSTED), 12) << shadow;
     }
+    // A stained shape shows itself as well.
+    const std::string stained = "shadow v_filtershadow amount 1\nsurface v_matte diff 1\n"
+                                "translate 0 2 -4\nsphere radius .6\nidentity\n";
+    const vk_Film behind = drawAll(mirrorRoom(".002", floor + stained), 2, 256);
+    const vk_Film both = drawAll(mirrorRoom(".002", floor + stained + THIN_FROSTED), 2, 256);
+    EXPECT_LT(differenceOf(behind, both), 20);
+}
+
+TEST(Renderer, ThinGlassAroundABulbLeavesItsReflection)
+{
+    const std::string room = "picture \"p.png\"\nsize 24 24\ncamera from 0 3 5 at 0 0 -1 fov 8\n"
+                             "environment v_studio intensity 0\nlightplace from 0 1.5 -3.5\n"
+                             "light v_point radius .25 intensity .01\n";
+    const std::string glass =
+        "surface v_glass ior 1.01 tint 1\ntranslate 0 1.5 -3.5\nsphere radius .3\n";
+    for (const std::string floor : {"floor v_metal rough .1\n", "floor v_metal rough .4\n"}) {
+        const vk_Film bare = drawAll(room + floor, 2, 256);
+        EXPECT_GT(meanOf(bare, 0, 0, 1, 1), 20);
+        EXPECT_LT(differenceOf(bare, drawAll(room + floor + glass, 2, 256)), 8) << floor;
+    }
 }
 
 TEST(Renderer, FilteredGlassKeepsLightFromWhatMirrorsIt)
