@@ -1,5 +1,7 @@
 #include "vaskel/vk_Mesh.h"
 
+#include <tbb/parallel_for.h>
+
 namespace
 {
 // The normal of a surface through four neighbours, on the side of the one that it
@@ -18,12 +20,12 @@ vk_Vec normalAmong(const vk_Vec &along, const vk_Vec &up, const vk_Vec &before)
 // there for the normals of their neighbours.
 void vk_MeshBuilder::displace(std::vector<vk_Vertex> &net, std::size_t width) const
 {
-    std::vector<vk_Vec> moved;
-    moved.reserve(net.size());
-    for (const vk_Vertex &vertex : net) {
+    std::vector<vk_Vec> moved(net.size());
+    tbb::parallel_for(std::size_t{0}, net.size(), [&](std::size_t i) {
+        const vk_Vertex &vertex = net[i];
         const float height = myDisplace(vk_SurfacePoint{vertex.position, vertex.u, vertex.v});
-        moved.push_back(vertex.position + vertex.normal * height);
-    }
+        moved[i] = vertex.position + vertex.normal * height;
+    });
     std::size_t kept = 0; // so far; those that are still needed lie behind
     for (std::size_t i = width; i + width < net.size(); ++i) {
         if (i % width == 0 || i % width == width - 1)

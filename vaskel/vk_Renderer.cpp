@@ -151,6 +151,9 @@ bool drawScene(const vk_Scene &scene, const vk_RenderSettings &settings, vk_Film
                std::string &error)
 {
     const double start = vk_seconds();
+    // More threads than processors are wanted when somebody asks for them.
+    const auto threads = static_cast<std::size_t>(settings.threads);
+    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
     const vk_World world(scene);
     error = world.error();
     if (!error.empty())
@@ -159,9 +162,6 @@ bool drawScene(const vk_Scene &scene, const vk_RenderSettings &settings, vk_Film
     film.height = scene.height;
     film.bytes.assign(3 * static_cast<std::size_t>(scene.width * scene.height), 0);
     const double built = vk_seconds();
-    // More threads than processors are wanted when somebody asks for them.
-    const auto threads = static_cast<std::size_t>(settings.threads);
-    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
     tbb::task_arena arena(settings.threads);
     Drawing drawing(scene, world, settings, film);
     arena.execute([&] { drawing.draw(); });
