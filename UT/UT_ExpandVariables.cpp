@@ -10,7 +10,6 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <vector>
 
 namespace
@@ -69,7 +68,7 @@ constexpr char SIGNS[] = "\\$~`'";
 
 bool isSign(char c)
 {
-    return std::find(SIGNS, std::end(SIGNS), c) != std::end(SIGNS);
+    return std::strchr(SIGNS, c) != nullptr;
 }
 
 // One expansion: step() takes one construct off the input and moves on, so every
