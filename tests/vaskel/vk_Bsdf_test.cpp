@@ -1,8 +1,8 @@
-#include "vaskel/vk_Bsdf.h"
+#include "vaskel/scatter/vk_Bsdf.h"
 
-#include "vaskel/vk_Sampler.h"
-#include "vaskel/vk_Subsurface.h"
-#include "vaskel/vk_SurfaceShaders.h"
+#include "vaskel/base/vk_Sampler.h"
+#include "vaskel/shaders/vk_SurfaceShaders.h"
+#include "vaskel/trace/vk_Subsurface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "tests/support/PlainText.h"
-#include "vaskel/vk_LightShaders.h"
-#include "vaskel/vk_Sampler.h"
+#include "vaskel/base/vk_Sampler.h"
+#include "vaskel/lights/vk_LightShaders.h"
 
 #include <gtest/gtest.h>
 

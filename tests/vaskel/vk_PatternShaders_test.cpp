@@ -1,4 +1,4 @@
-#include "vaskel/vk_PatternShaders.h"
+#include "vaskel/shaders/vk_PatternShaders.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "vaskel/vk_Renderer.h"
+#include "vaskel/pixels/vk_Renderer.h"
 
 #include "tests/support/Cases.h"
 #include "tests/support/ScopedVariable.h"
-#include "vaskel/vk_SceneReader.h"
-#include "vaskel/vk_Tracer.h"
+#include "vaskel/scene/vk_SceneReader.h"
+#include "vaskel/trace/vk_Tracer.h"
 
 namespace
 {

@@ -1,8 +1,8 @@
-#include "vaskel/vk_SceneReader.h"
+#include "vaskel/scene/vk_SceneReader.h"
 
 #include "tests/support/Cases.h"
 #include "tests/support/ScratchDirectory.h"
-#include "vaskel/vk_ShaderList.h"
+#include "vaskel/scene/vk_ShaderList.h"
 
 #include <gmock/gmock.h>
 

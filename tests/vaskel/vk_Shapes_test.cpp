@@ -1,4 +1,4 @@
-#include "vaskel/vk_Shapes.h"
+#include "vaskel/shapes/vk_Shapes.h"
 
 #include <gtest/gtest.h>
 

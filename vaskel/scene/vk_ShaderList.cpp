@@ -1,0 +1,47 @@
+#include "vaskel/scene/vk_ShaderList.h"
+
+#include "vaskel/lights/vk_LightShaders.h"
+#include "vaskel/shaders/vk_DisplaceShaders.h"
+#include "vaskel/shaders/vk_EnvironmentShaders.h"
+#include "vaskel/shaders/vk_FogShaders.h"
+#include "vaskel/shaders/vk_ShadowShaders.h"
+#include "vaskel/shaders/vk_SurfaceShaders.h"
+#include "vaskel/shapes/vk_Shapes.h"
+
+namespace
+{
+void append(std::string &text, const char *name, const char *what, const vk_ParamTable &params)
+{
+    text += "\n### " + std::string(name) + ": " + what + "\n";
+    if (params.begin() != params.end())
+        text += "\n";
+    for (const vk_Param &param : params)
+        text += "- " + vk_paramText(param) + "\n";
+}
+
+template <class Function>
+void append(std::string &text, const vk_ShaderTable<Function> &table)
+{
+    text += "\n## Type " + std::string(table.type) + "\n";
+    for (const auto *part = &table; part != nullptr; part = part->more)
+        for (const vk_ShaderRow<Function> &row : *part)
+            append(text, row.name, row.what, row.params);
+}
+} // namespace
+
+std::string vk_listShaders()
+{
+    std::string text = "# Shaders and shapes of vaskel\n\n"
+                       "A parameter's line: its name and kind, its range, in brackets the value\n"
+                       "that it has when it is not given, and what it means.\n";
+    append(text, VK_SURFACE_SHADERS);
+    append(text, VK_DISPLACE_SHADERS);
+    append(text, VK_LIGHT_SHADERS);
+    append(text, VK_SHADOW_SHADERS);
+    append(text, VK_FOG_SHADERS);
+    append(text, VK_ENVIRONMENT_SHADERS);
+    text += "\n## Shapes\n";
+    for (const vk_ShapeRow &row : VK_SHAPES)
+        append(text, row.word, row.what, row.params);
+    return text;
+}

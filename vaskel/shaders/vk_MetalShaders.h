@@ -1,0 +1,14 @@
+// Surface shaders of bare and of painted metal.
+//
+// Colours of metals are reflectances straight on; see vk_ColourNames.h for those
+// that were measured. The scratches of brushed metal run along u. The paint is that
+// of cars: coloured flakes at different angles in a coloured ground, under a lacquer
+// (after Günther et al., "Efficient Acquisition and Realistic Rendering of Car
+// Paint", VMV 2005); a flake is the cell around a scattered point (Worley, "A
+// Cellular Texture Basis Function", SIGGRAPH 1996).
+#pragma once
+
+#include "vaskel/shaders/vk_SurfaceShaders.h"
+
+extern const vk_Param VK_METAL[3], VK_BRUSHED[4], VK_CARPAINT[6];
+vk_SurfaceFunction vk_metal, vk_brushed, vk_carpaint;
