@@ -9,10 +9,10 @@ namespace
 std::unique_ptr<vk_Light> makeLight(const std::string &line)
 {
     const vk_Words words = plainSplitWords("light " + line);
-    vk_Shader<vk_LightFunction> shader;
     std::string error;
-    EXPECT_TRUE(vk_parseShader(VK_LIGHT_SHADERS, words, shader, error)) << error;
-    return shader();
+    const auto shader = vk_parseShader(VK_LIGHT_SHADERS, words, error);
+    EXPECT_NE(nullptr, shader) << error;
+    return shader->make();
 }
 
 const char *const LIGHTS[] = {

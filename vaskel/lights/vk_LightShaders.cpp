@@ -111,68 +111,65 @@ private:
     vk_Colour myRadiance;
 };
 
-enum { AREA_WIDTH = VK_LIGHT_OWN, AREA_HEIGHT };
-constexpr vk_Param AREA[] = {
-    VK_LIGHT_FROM,
-    VK_LIGHT_TO,
-    VK_LIGHT_COLOR,
-    VK_LIGHT_INTENSITY,
-    {"width", VK_NUMBER, {3, 0, 0}, .01f, 1000, "width"},
-    {"height", VK_NUMBER, {3, 0, 0}, .01f, 1000, "height"},
+struct Area final : vk_LightShader {
+    float width = 3, height = 3;
+
+    void describe(vk_ParamList &list) override
+    {
+        vk_LightShader::describe(list);
+        list.number("width", width, .01f, 1000, "width");
+        list.number("height", height, .01f, 1000, "height");
+    }
+    std::unique_ptr<vk_Light> make() const override
+    {
+        return std::make_unique<AreaLight>(from, to, width, height, white());
+    }
 };
 
-std::unique_ptr<vk_Light> area(const vk_Values &p)
-{
-    return std::make_unique<AreaLight>(p.vec(VK_FROM), p.vec(VK_TO), p.number(AREA_WIDTH),
-                                       p.number(AREA_HEIGHT), vk_lightWhite(p));
-}
+struct Point final : vk_LightShader {
+    float radius = .25f;
 
-enum { POINT_RADIUS = VK_LIGHT_OWN };
-constexpr vk_Param POINT[] = {
-    VK_LIGHT_FROM,
-    VK_LIGHT_TO,
-    VK_LIGHT_COLOR,
-    VK_LIGHT_INTENSITY,
-    {"radius", VK_NUMBER, {.25f, 0, 0}, 0, 1000, "radius; clamped to at least .02"},
+    void describe(vk_ParamList &list) override
+    {
+        vk_LightShader::describe(list);
+        list.number("radius", radius, 0, 1000, "radius; clamped to at least .02");
+    }
+    std::unique_ptr<vk_Light> make() const override
+    {
+        return std::make_unique<vk_BallLight>(from, std::max(radius, .02f), to, white());
+    }
 };
 
-std::unique_ptr<vk_Light> point(const vk_Values &p)
-{
-    const float radius = std::max(p.number(POINT_RADIUS), .02f);
-    return std::make_unique<vk_BallLight>(p.vec(VK_FROM), radius, p.vec(VK_TO), vk_lightWhite(p));
-}
+struct Distant final : vk_LightShader {
+    float angle = 1.5f;
 
-enum { DISTANT_ANGLE = VK_LIGHT_OWN };
-constexpr vk_Param DISTANT[] = {
-    VK_LIGHT_FROM,
-    VK_LIGHT_TO,
-    VK_LIGHT_COLOR,
-    VK_LIGHT_INTENSITY,
-    {"angle", VK_NUMBER, {1.5f, 0, 0}, 0, 60, "half of its width, degrees; clamped to at least .2"},
+    void describe(vk_ParamList &list) override
+    {
+        vk_LightShader::describe(list);
+        list.number("angle", angle, 0, 60, "half of its width, degrees; clamped to at least .2");
+    }
+    std::unique_ptr<vk_Light> make() const override
+    {
+        const vk_Vec towards = vk_normalize(from - to);
+        return std::make_unique<DistantLight>(towards, std::max(angle, .2f), white());
+    }
 };
 
-std::unique_ptr<vk_Light> distant(const vk_Values &p)
-{
-    const vk_Vec towards = vk_normalize(p.vec(VK_FROM) - p.vec(VK_TO));
-    return std::make_unique<DistantLight>(towards, std::max(p.number(DISTANT_ANGLE), .2f),
-                                          vk_lightWhite(p));
-}
-
-constexpr vk_ShaderRow<vk_LightFunction> LIGHT_ROWS[] = {
-    {"v_area", "a glowing rectangle", AREA, area},
-    {"v_point", "a small glowing ball", POINT, point},
-    {"v_distant", "parallel light, as from the sun", DISTANT, distant},
-    {"v_asadlight", "another name of v_area", AREA, area},
+constexpr vk_ShaderRow<vk_LightShader> ROWS[] = {
+    vk_row<Area>("v_area", "a glowing rectangle"),
+    vk_row<Point>("v_point", "a small glowing ball"),
+    vk_row<Distant>("v_distant", "parallel light, as from the sun"),
+    vk_row<Area>("v_asadlight", "another name of v_area"),
 };
-
-static_assert(std::size(AREA) == AREA_HEIGHT + 1 && std::size(POINT) == POINT_RADIUS + 1 &&
-              std::size(DISTANT) == DISTANT_ANGLE + 1);
 } // namespace
 
-vk_Colour vk_lightWhite(const vk_Values &p)
+void vk_LightShader::describe(vk_ParamList &list)
 {
-    return p.vec(VK_COLOR) * p.number(VK_INTENSITY);
+    list.point("from", from, "where it stands");
+    list.point("to", to, "where it aims");
+    list.colour("color", color, 0, 1000, "colour");
+    list.number("intensity", intensity, 0, 1000, "what white matte shows at `to`");
 }
 
-const vk_ShaderTable<vk_LightFunction> VK_LIGHT_SHADERS = {"light", LIGHT_ROWS,
-                                                           std::size(LIGHT_ROWS), &VK_SLIDE_LIGHTS};
+const vk_ShaderTable<vk_LightShader> VK_LIGHT_SHADERS = {"light", ROWS, std::size(ROWS),
+                                                         &VK_SLIDE_LIGHTS};

@@ -1,8 +1,4 @@
 // The light shaders of the scene language.
-//
-// Every light takes `from` and `to` (where it stands and aims), `color`, and
-// `intensity`: what a white matte surface shows that faces the light at `to`, or
-// would show there if no slide were in the way.
 #pragma once
 
 #include "vaskel/lights/vk_Light.h"
@@ -10,16 +6,26 @@
 
 #include <memory>
 
-// These come first in the table of each light; its own begin at VK_LIGHT_OWN.
-enum { VK_FROM, VK_TO, VK_COLOR, VK_INTENSITY, VK_LIGHT_OWN };
-constexpr vk_Param VK_LIGHT_FROM = {"from", VK_POINT, {-4, 6, 5}, -1e6f, 1e6f, "where it stands"};
-constexpr vk_Param VK_LIGHT_TO = {"to", VK_POINT, {0, 1, 0}, -1e6f, 1e6f, "where it aims"};
-constexpr vk_Param VK_LIGHT_COLOR = {"color", VK_COLOUR, {1, 1, 1}, 0, 1000, "colour"};
-constexpr vk_Param VK_LIGHT_INTENSITY = {"intensity", VK_NUMBER, {.8f, 0, 0},
-                                         0,           1000,      "what white matte shows at `to`"};
+// Every light takes `from` and `to` (where it stands and aims), `color`, and
+// `intensity`: what a white matte surface shows that faces the light at `to`, or
+// would show there if no slide were in the way.
+class vk_LightShader : public vk_Parametrised
+{
+public:
+    using Type = vk_LightShader;
 
-// What a white matte surface shows that faces the light at `to`.
-vk_Colour vk_lightWhite(const vk_Values &p);
+    vk_Vec from = {-4, 6, 5};
+    vk_Vec to = {0, 1, 0};
+    vk_Colour color = vk_grey(1);
+    float intensity = .8f;
 
-using vk_LightFunction = std::unique_ptr<vk_Light>(const vk_Values &);
-extern const vk_ShaderTable<vk_LightFunction> VK_LIGHT_SHADERS;
+    void describe(vk_ParamList &list) override;
+
+    // The light, with the parameters that the shader has now.
+    virtual std::unique_ptr<vk_Light> make() const = 0;
+
+    // What a white matte surface shows that faces the light at `to`.
+    vk_Colour white() const { return color * intensity; }
+};
+
+extern const vk_ShaderTable<vk_LightShader> VK_LIGHT_SHADERS;

@@ -7,31 +7,34 @@
 
 namespace
 {
-using Slide = float(const vk_Values &, float x, float y);
+// What all have: a slide lets a share of the light pass at each place.
+struct Slide : vk_LightShader {
+    float angle, radius = .08f, soft;
 
-enum { ANGLE = VK_LIGHT_OWN, RADIUS, SOFT, OWN };
-constexpr vk_Param angleOf(float standard)
-{
-    return {"angle", VK_NUMBER, {standard, 0, 0}, 1, 80, "half of its width, degrees"};
-}
-constexpr vk_Param RADIUS_ROW = {"radius", VK_NUMBER, {.08f, 0, 0},
-                                 .02f,     1000,      "of the glowing ball"};
-constexpr vk_Param softOf(float standard)
-{
-    return {"soft", VK_NUMBER, {standard, 0, 0}, .001f, 1, "how softly edges fade"};
-}
+    Slide(float width, float softness) : angle(width), soft(softness) {}
+    void describe(vk_ParamList &list) override
+    {
+        vk_LightShader::describe(list);
+        list.number("angle", angle, 1, 80, "half of its width, degrees");
+        list.number("radius", radius, .02f, 1000, "of the glowing ball");
+        list.number("soft", soft, .001f, 1, "how softly edges fade");
+    }
 
+    // 1 inside of an edge, 0 outside, half at the edge; `inside` is how far in.
+    float edge(float inside) const { return vk_smoothStep(-soft / 2, soft / 2, inside); }
+};
+
+// The light of a slide that has float passes(float x, float y) const.
+template <class Picture>
 class SlideLight final : public vk_BallLight
 {
 public:
-    SlideLight(const vk_Values &values, Slide *slide)
-        : vk_BallLight(values.vec(VK_FROM), values.number(RADIUS), values.vec(VK_TO),
-                       vk_lightWhite(values)),
-          myValues(values), mySlide(slide)
+    explicit SlideLight(const Picture &slide)
+        : vk_BallLight(slide.from, slide.radius, slide.to, slide.white()), mySlide(slide)
     {
-        const vk_Vec ahead = vk_normalize(values.vec(VK_TO) - values.vec(VK_FROM));
+        const vk_Vec ahead = vk_normalize(slide.to - slide.from);
         const vk_Vec level = vk_cross(ahead, {0, 1, 0});
-        const float wide = std::tan(values.number(ANGLE) * VK_PI / 180);
+        const float wide = std::tan(slide.angle * VK_PI / 180);
         myRight = vk_dot(level, level) > 1e-6f ? vk_normalize(level) : vk_Vec{1, 0, 0};
         myUp = vk_cross(myRight, ahead);
         myAhead = ahead * wide;
@@ -70,54 +73,31 @@ private:
         const float x = vk_dot(way, myRight), y = vk_dot(way, myUp);
         if (sample.density <= 0 || std::max(std::abs(x), std::abs(y)) >= depth)
             return {};
-        const float share = mySlide(myValues, x / depth, y / depth);
+        const float share = mySlide.passes(x / depth, y / depth);
         if (share <= 0)
             return {};
         sample.radiance = sample.radiance * share;
         return sample;
     }
 
-    vk_Values myValues;
-    Slide *mySlide;
+    Picture mySlide;
     vk_Vec myRight, myUp;
     vk_Vec myAhead; // as long as the slide's half width at distance 1
 };
 
-template <Slide slide>
-std::unique_ptr<vk_Light> project(const vk_Values &p)
-{
-    return std::make_unique<SlideLight>(p, slide);
-}
-
-// 1 inside of an edge, 0 outside, half at the edge; `inside` is how far in.
-float edge(const vk_Values &p, float inside)
-{
-    const float soft = p.number(SOFT);
-    return vk_smoothStep(-soft / 2, soft / 2, inside);
-}
-
-constexpr vk_Param SPOT[] = {
-    VK_LIGHT_FROM, VK_LIGHT_TO, VK_LIGHT_COLOR, VK_LIGHT_INTENSITY,
-    angleOf(12),   RADIUS_ROW,  softOf(.25f),
+// What makes the light of a slide.
+template <class Picture>
+struct SlideOf : Slide {
+    using Slide::Slide;
+    std::unique_ptr<vk_Light> make() const override
+    {
+        return std::make_unique<SlideLight<Picture>>(static_cast<const Picture &>(*this));
+    }
 };
 
-float spot(const vk_Values &p, float x, float y)
-{
-    return edge(p, 1 - p.number(SOFT) / 2 - std::sqrt(x * x + y * y));
-}
-
-enum { WINDOW_COLUMNS = OWN, WINDOW_ROWS, WINDOW_BAR };
-constexpr vk_Param WINDOW[] = {
-    VK_LIGHT_FROM,
-    VK_LIGHT_TO,
-    VK_LIGHT_COLOR,
-    VK_LIGHT_INTENSITY,
-    angleOf(14),
-    RADIUS_ROW,
-    softOf(.03f),
-    {"columns", VK_NUMBER, {2, 0, 0}, 1, 100, "panes side by side, rounded"},
-    {"rows", VK_NUMBER, {2, 0, 0}, 1, 100, "panes above each other, rounded"},
-    {"bar", VK_NUMBER, {.12f, 0, 0}, 0, 1, "width of the bars between"},
+struct Spot final : SlideOf<Spot> {
+    Spot() : SlideOf(12, .25f) {}
+    float passes(float x, float y) const { return edge(1 - soft / 2 - std::sqrt(x * x + y * y)); }
 };
 
 // How far a place lies inside of its pane, along one axis.
@@ -128,64 +108,67 @@ float insidePane(float x, float panes, float bar)
     return std::min(inPane, 1 - inPane) * 2 / panes - bar / 2;
 }
 
-float window(const vk_Values &p, float x, float y)
-{
-    if (std::max(std::abs(x), std::abs(y)) >= 1)
-        return 0;
-    const float bar = p.number(WINDOW_BAR);
-    return edge(p, std::min(insidePane(x, std::round(p.number(WINDOW_COLUMNS)), bar),
-                            insidePane(y, std::round(p.number(WINDOW_ROWS)), bar)));
-}
+struct Window final : SlideOf<Window> {
+    float columns = 2, rows = 2, bar = .12f;
 
-enum { BLINDS_SLATS = OWN, BLINDS_GAP };
-constexpr vk_Param BLINDS[] = {
-    VK_LIGHT_FROM,
-    VK_LIGHT_TO,
-    VK_LIGHT_COLOR,
-    VK_LIGHT_INTENSITY,
-    angleOf(17),
-    RADIUS_ROW,
-    softOf(.04f),
-    {"slats", VK_NUMBER, {9, 0, 0}, 1, 100, "how many gaps it has, rounded"},
-    {"gap", VK_NUMBER, {.5f, 0, 0}, 0, 1, "share of the gaps"},
+    Window() : SlideOf(14, .03f) {}
+    void describe(vk_ParamList &list) override
+    {
+        Slide::describe(list);
+        list.number("columns", columns, 1, 100, "panes side by side, rounded");
+        list.number("rows", rows, 1, 100, "panes above each other, rounded");
+        list.number("bar", bar, 0, 1, "width of the bars between");
+    }
+    float passes(float x, float y) const
+    {
+        if (std::max(std::abs(x), std::abs(y)) >= 1)
+            return 0;
+        return edge(std::min(insidePane(x, std::round(columns), bar),
+                             insidePane(y, std::round(rows), bar)));
+    }
 };
 
-float blinds(const vk_Values &p, float x, float y)
-{
-    const float slats = std::round(p.number(BLINDS_SLATS));
-    const float shut = (1 - p.number(BLINDS_GAP)) * 2 / slats;
-    return std::abs(y) < 1 ? edge(p, std::min(insidePane(y, slats, shut), 1 - std::abs(x))) : 0;
-}
+struct Blinds final : SlideOf<Blinds> {
+    float slats = 9, gap = .5f;
 
-enum { LEAVES_SIZE = OWN, LEAVES_GAPS };
-constexpr vk_Param LEAVES[] = {
-    VK_LIGHT_FROM,
-    VK_LIGHT_TO,
-    VK_LIGHT_COLOR,
-    VK_LIGHT_INTENSITY,
-    angleOf(30),
-    RADIUS_ROW,
-    softOf(.3f),
-    {"size", VK_NUMBER, {.11f, 0, 0}, .01f, 10, "from spot to spot"},
-    {"gaps", VK_NUMBER, {.55f, 0, 0}, 0, 1, "how open the tree is"},
+    Blinds() : SlideOf(17, .04f) {}
+    void describe(vk_ParamList &list) override
+    {
+        Slide::describe(list);
+        list.number("slats", slats, 1, 100, "how many gaps it has, rounded");
+        list.number("gap", gap, 0, 1, "share of the gaps");
+    }
+    float passes(float x, float y) const
+    {
+        const float gaps = std::round(slats), shut = (1 - gap) * 2 / gaps;
+        return std::abs(y) < 1 ? edge(std::min(insidePane(y, gaps, shut), 1 - std::abs(x))) : 0;
+    }
 };
 
 // Small gaps show the sun's disc, so the spots are round. A plane through cells in
 // space has large and small ones.
-float leaves(const vk_Values &p, float x, float y)
-{
-    const float size = p.number(LEAVES_SIZE);
-    return edge(p, p.number(LEAVES_GAPS) - vk_cell({x / size, y / size, .5f}).distance);
-}
+struct Leaves final : SlideOf<Leaves> {
+    float size = .11f, gaps = .55f;
 
-constexpr vk_ShaderRow<vk_LightFunction> ROWS[] = {
-    {"v_spot", "a cone with a soft edge", SPOT, project<spot>},
-    {"v_window", "the picture of a window's panes", WINDOW, project<window>},
-    {"v_blinds", "stripes, as through a blind", BLINDS, project<blinds>},
-    {"v_leaves", "spots, as through the leaves of a tree", LEAVES, project<leaves>},
+    Leaves() : SlideOf(30, .3f) {}
+    void describe(vk_ParamList &list) override
+    {
+        Slide::describe(list);
+        list.number("size", size, .01f, 10, "from spot to spot");
+        list.number("gaps", gaps, 0, 1, "how open the tree is");
+    }
+    float passes(float x, float y) const
+    {
+        return edge(gaps - vk_cell({x / size, y / size, .5f}).distance);
+    }
 };
-static_assert(std::size(SPOT) == OWN && std::size(WINDOW) == WINDOW_BAR + 1 &&
-              std::size(BLINDS) == BLINDS_GAP + 1 && std::size(LEAVES) == LEAVES_GAPS + 1);
+
+constexpr vk_ShaderRow<vk_LightShader> ROWS[] = {
+    vk_row<Spot>("v_spot", "a cone with a soft edge"),
+    vk_row<Window>("v_window", "the picture of a window's panes"),
+    vk_row<Blinds>("v_blinds", "stripes, as through a blind"),
+    vk_row<Leaves>("v_leaves", "spots, as through the leaves of a tree"),
+};
 } // namespace
 
-const vk_ShaderTable<vk_LightFunction> VK_SLIDE_LIGHTS = {"light", ROWS, std::size(ROWS)};
+const vk_ShaderTable<vk_LightShader> VK_SLIDE_LIGHTS = {"light", ROWS, std::size(ROWS)};

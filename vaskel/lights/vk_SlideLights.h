@@ -8,4 +8,4 @@
 
 #include "vaskel/lights/vk_LightShaders.h"
 
-extern const vk_ShaderTable<vk_LightFunction> VK_SLIDE_LIGHTS;
+extern const vk_ShaderTable<vk_LightShader> VK_SLIDE_LIGHTS;

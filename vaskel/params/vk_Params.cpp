@@ -9,24 +9,18 @@
 
 namespace
 {
-std::string nameList(const vk_ParamTable &table)
-{
-    std::string list;
-    for (const vk_Param &param : table)
-        list += (list.empty() ? "" : ", ") + std::string(param.name);
-    return list;
-}
-
-std::string unknownParam(const vk_ParamTable &table, const char *owner, const std::string &word)
+std::string unknownParam(vk_ParamList &list, const char *owner, const std::string &word)
 {
     std::vector<std::string_view> names;
-    for (const vk_Param &param : table)
+    std::string all;
+    for (const vk_Param &param : list) {
+        all += (all.empty() ? "" : ", ") + std::string(param.name);
         names.push_back(param.name);
+    }
     const std::string unknown = std::string(owner) + " has no parameter " + vk_quoted(word);
     if (names.empty())
         return unknown + "; expected none";
-    return unknown + "; expected " + nameList(table) + "; nearest is " +
-           vk_quoted(vk_nearest(word, names));
+    return unknown + "; expected " + all + "; nearest is " + vk_quoted(vk_nearest(word, names));
 }
 
 // A colour given by one number is a grey: what follows is then no number.
@@ -78,28 +72,28 @@ bool parseValue(const vk_Param &param, const char *owner, const vk_Words &words,
 }
 } // namespace
 
-vk_Values::vk_Values(const vk_ParamTable &table)
+vk_Param *vk_ParamList::find(std::string_view name)
 {
-    for (std::size_t i = 0; i < table.count; ++i)
-        myValues[i] = table.rows[i].standard;
+    for (vk_Param &param : myRows)
+        if (name == param.name)
+            return &param;
+    return nullptr;
 }
 
-bool vk_parseParams(const vk_ParamTable &table, const char *owner, const vk_Words &words,
-                    std::size_t first, vk_Values &values, std::string &error)
+bool vk_parseParams(vk_ParamList list, const char *owner, const vk_Words &words, std::size_t first,
+                    std::string &error)
 {
     std::size_t at = first;
     while (at < words.size()) {
-        std::size_t row = 0;
-        while (row < table.count && words[at] != table.rows[row].name)
-            ++row;
-        if (row == table.count) {
-            error = unknownParam(table, owner, words[at]);
+        vk_Param *const param = list.find(words[at]);
+        if (param == nullptr) {
+            error = unknownParam(list, owner, words[at]);
             return false;
         }
         vk_Vec value;
-        if (!parseValue(table.rows[row], owner, words, ++at, value, error))
+        if (!parseValue(*param, owner, words, ++at, value, error))
             return false;
-        values.set(row, value);
+        param->set(value);
     }
     return true;
 }
@@ -138,11 +132,10 @@ std::string vk_numberText(float number)
 
 std::string vk_paramText(const vk_Param &param)
 {
-    std::string standard = vk_numberText(param.standard.x);
-    if (param.kind == VK_POINT || !(param.standard == vk_grey(param.standard.x)))
-        if (param.kind != VK_NUMBER)
-            standard +=
-                " " + vk_numberText(param.standard.y) + " " + vk_numberText(param.standard.z);
+    const vk_Vec value = param.value();
+    std::string standard = vk_numberText(value.x);
+    if (param.kind == VK_POINT || (param.kind == VK_COLOUR && !(value == vk_grey(value.x))))
+        standard += " " + vk_numberText(value.y) + " " + vk_numberText(value.z);
     constexpr const char *KINDS[] = {"number", "point", "colour"};
     return "`" + std::string(param.name) + "` " + KINDS[param.kind] + ", " +
            vk_numberText(param.least) + " to " + vk_numberText(param.most) + " (" + standard +

@@ -1,21 +1,21 @@
 // Named parameters: how shaders, shapes and some statements are told things.
 //
-// A table lists the parameters that a thing has; its users give «name value»
-// pairs in any order, and what they leave out keeps its standard value. Values
-// are then addressed by their place in the table, so that shading needs no
-// names:
+// A thing that has parameters keeps them as members of its own, whose initial values
+// are the standard ones, and describes them in a list; a scene gives «name value» pairs
+// in any order, which go straight to the members:
 //
-//     enum { DIFF, ROUGH };
-//     constexpr vk_Param MATTE[] = {
-//         {"diff", VK_COLOUR, {.5f, .5f, .5f}, 0, 1, "colour"},
-//         {"rough", VK_NUMBER, {.1f, 0, 0}, 0, 1, "roughness"}};
-//     ... values.number(ROUGH) ...
+//     struct Matte final : vk_Pointwise<Matte> {
+//         vk_Colour diff = vk_grey(.5f);
+//         void describe(vk_ParamList &list) override
+//         {
+//             list.colour("diff", diff, 0, 1, "colour");
+//         }
+//         vk_Material at(const vk_SurfacePoint &) const { ... diff ... }
+//     };
 #pragma once
 
 #include "vaskel/base/vk_Vec.h"
 
-#include <array>
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,53 +27,77 @@ enum vk_ParamKind {
 };
 
 struct vk_Param {
-    const char *name;
+    const char *name; // lives as long as whatever has the parameter
     vk_ParamKind kind;
-    vk_Vec standard; // a number sits in x
-    float least;     // range of each number given, ends included
+    float *number; // where the value is, of a number
+    vk_Vec *vec;   // or of the other kinds
+    float least;   // range of each number given, ends included
     float most;
     const char *what;
-};
 
-// A table of parameters, seen from outside.
-struct vk_ParamTable {
-    const vk_Param *rows = nullptr;
-    std::size_t count = 0;
-
-    constexpr vk_ParamTable() = default;
-    template <std::size_t N>
-    constexpr vk_ParamTable(const vk_Param (&table)[N]) : rows(table), count(N)
+    vk_Vec value() const { return kind == VK_NUMBER ? vk_Vec{*number, 0, 0} : *vec; }
+    void set(const vk_Vec &to)
     {
-        static_assert(N <= 12, "vk_Values holds twelve parameters");
+        if (kind == VK_NUMBER)
+            *number = to.x;
+        else
+            *vec = to;
     }
-    const vk_Param *begin() const { return rows; }
-    const vk_Param *end() const { return rows + count; }
 };
 
-// One value for each row of a table.
-class vk_Values
+// The parameters that something has, in the order in which lists show them.
+class vk_ParamList
 {
 public:
-    vk_Values() = default;
-    explicit vk_Values(const vk_ParamTable &table); // standard values
+    void number(const char *name, float &value, float least, float most, const char *what)
+    {
+        myRows.push_back({name, VK_NUMBER, &value, nullptr, least, most, what});
+    }
+    void point(const char *name, vk_Vec &value, const char *what)
+    {
+        myRows.push_back({name, VK_POINT, nullptr, &value, -1e6f, 1e6f, what});
+    }
+    void colour(const char *name, vk_Colour &value, float least, float most, const char *what)
+    {
+        myRows.push_back({name, VK_COLOUR, nullptr, &value, least, most, what});
+    }
 
-    float number(std::size_t row) const { return myValues[row].x; }
-    const vk_Vec &vec(std::size_t row) const { return myValues[row]; }
-    void set(std::size_t row, const vk_Vec &value) { myValues[row] = value; }
+    // Null when there is none of that name.
+    vk_Param *find(std::string_view name);
+
+    bool isEmpty() const { return myRows.empty(); }
+    std::vector<vk_Param>::iterator begin() { return myRows.begin(); }
+    std::vector<vk_Param>::iterator end() { return myRows.end(); }
 
 private:
-    std::array<vk_Vec, 12> myValues;
+    std::vector<vk_Param> myRows;
+};
+
+// What has parameters.
+class vk_Parametrised
+{
+public:
+    virtual ~vk_Parametrised() = default;
+
+    // Adds the parameters, which then lead to this very object.
+    virtual void describe(vk_ParamList &) {}
+
+    vk_ParamList params()
+    {
+        vk_ParamList list;
+        describe(list);
+        return list;
+    }
 };
 
 using vk_Words = std::vector<std::string>;
 
-// Takes «name value» pairs, from word number `first` on, into `values`. False
-// and a message without file and line when a name is unknown (the message
+// Takes «name value» pairs, from word number `first` on, into what the list leads to.
+// False and a message without file and line when a name is unknown (the message
 // names the nearest), a number is missing or no number, or a value lies outside
 // its range; `owner` is who has the parameters, for the message.
-[[nodiscard]] bool vk_parseParams(const vk_ParamTable &table, const char *owner,
-                                  const vk_Words &words, std::size_t first, vk_Values &values,
-                                  std::string &error);
+[[nodiscard]] bool vk_parseParams(vk_ParamList list, const char *owner, const vk_Words &words,
+                                  std::size_t first, std::string &error);
 
 // One decimal number that fits a float and lies in the range, ends included.
 // Takes no «nan», «inf», hexadecimal or trailing characters. False and a
@@ -81,6 +105,7 @@ using vk_Words = std::vector<std::string>;
 [[nodiscard]] bool vk_parseNumber(const std::string &word, const std::string &what, float least,
                                   float most, float &number, std::string &error);
 
-// A short form of a number, as messages print it, and a row as a line of a list.
+// A short form of a number, as messages print it, and a parameter as a line of a list,
+// with the value that it has.
 std::string vk_numberText(float number);
 std::string vk_paramText(const vk_Param &param);

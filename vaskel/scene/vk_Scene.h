@@ -13,17 +13,26 @@
 #include <string>
 #include <vector>
 
-struct vk_Camera {
-    vk_Vec from, at, up;
-    float fov = 0; // degrees, of the picture's shorter side
+struct vk_Camera : vk_Parametrised {
+    vk_Vec from = {0, 2.3f, 6.4f};
+    vk_Vec at = {0, .95f, 0};
+    vk_Vec up = {0, 1, 0};
+    float fov = 24; // degrees, of the picture's shorter side
+
+    void describe(vk_ParamList &list) override
+    {
+        list.point("from", from, "where the viewer stands");
+        list.point("at", at, "what is in the picture's middle");
+        list.point("up", up, "what points upwards");
+        list.number("fov", fov, .01f, 170, "angle of the shorter side");
+    }
 };
 
 struct vk_ShapeEntry {
-    const vk_ShapeRow *row = nullptr;
-    vk_Values values;
+    std::unique_ptr<vk_Shape> shape;
     vk_Transform transform;
-    vk_SurfaceShader surface;
-    vk_DisplaceShader displace;
+    std::shared_ptr<const vk_SurfaceShader> surface;
+    std::shared_ptr<const vk_DisplaceShader> displace; // null: none
 };
 
 struct vk_Scene {
@@ -46,10 +55,10 @@ struct vk_Scene {
     bool hasCamera = false;
     bool showsEnvironment = true;
     vk_Colour backdrop; // seen instead of the environment
-    vk_EnvironmentShader environment;
-    vk_SurfaceShader floor; // none chosen: no floor
-    vk_ShadowShader shadow;
-    vk_FogShader fog; // none chosen: clear air
+    std::unique_ptr<vk_EnvironmentShader> environment;
+    std::unique_ptr<vk_SurfaceShader> floor; // null: no floor
+    std::unique_ptr<vk_ShadowShader> shadow;
+    std::unique_ptr<vk_FogShader> fog; // null: clear air
 
     std::vector<std::unique_ptr<vk_Light>> lights;
     std::vector<vk_ShapeEntry> shapes;

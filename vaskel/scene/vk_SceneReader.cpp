@@ -10,26 +10,18 @@
 
 namespace
 {
-enum { CAMERA_FROM, CAMERA_AT, CAMERA_UP, CAMERA_FOV };
-constexpr vk_Param CAMERA[] = {
-    {"from", VK_POINT, {0, 2.3f, 6.4f}, -1e6f, 1e6f, "where the viewer stands"},
-    {"at", VK_POINT, {0, .95f, 0}, -1e6f, 1e6f, "what is in the picture's middle"},
-    {"up", VK_POINT, {0, 1, 0}, -1e6f, 1e6f, "what points upwards"},
-    {"fov", VK_NUMBER, {24, 0, 0}, .01f, 170, "angle of the shorter side"},
-};
-constexpr vk_Param LIGHT_PLACE[] = {
-    {"from", VK_POINT, {0, 0, 0}, -1e6f, 1e6f, "where lights stand"},
-    {"to", VK_POINT, {0, 1, 0}, -1e6f, 1e6f, "where they aim"},
-};
-static_assert(std::size(CAMERA) == CAMERA_FOV + 1);
-
 constexpr float NEUTRAL = .214f; // half of the scale in the file
 
-template <class Function>
-vk_Shader<Function> firstOf(const vk_ShaderTable<Function> &table)
-{
-    return {table.rows, vk_Values(table.rows->params)};
-}
+// Where the lights that follow stand and aim.
+struct LightPlace : vk_Parametrised {
+    vk_Vec from, to = {0, 1, 0};
+
+    void describe(vk_ParamList &list) override
+    {
+        list.point("from", from, "where lights stand");
+        list.point("to", to, "where they aim");
+    }
+};
 } // namespace
 
 struct vk_SceneReader::Statement {
@@ -73,9 +65,9 @@ vk_SceneReader::vk_SceneReader(const char *name, vk_Scene &scene)
     : myName(name != nullptr ? name : ""), myScene(&scene)
 {
     scene.backdrop = vk_grey(NEUTRAL);
-    scene.environment = firstOf(VK_ENVIRONMENT_SHADERS);
-    scene.shadow = firstOf(VK_SHADOW_SHADERS);
-    myState.surface = firstOf(VK_SURFACE_SHADERS);
+    scene.environment = VK_ENVIRONMENT_SHADERS.rows->make();
+    scene.shadow = VK_SHADOW_SHADERS.rows->make();
+    myState.surface = VK_SURFACE_SHADERS.rows->make();
 }
 
 std::vector<std::string_view> vk_SceneReader::words()
@@ -262,11 +254,9 @@ bool vk_SceneReader::doExposure()
 
 bool vk_SceneReader::doCamera()
 {
-    vk_Values values{vk_ParamTable(CAMERA)};
-    if (!vk_parseParams(CAMERA, "camera", myWords, 1, values, myError))
+    vk_Camera camera;
+    if (!vk_parseParams(camera.params(), "camera", myWords, 1, myError))
         return false;
-    const vk_Camera camera = {values.vec(CAMERA_FROM), values.vec(CAMERA_AT), values.vec(CAMERA_UP),
-                              values.number(CAMERA_FOV)};
     const vk_Vec view = vk_normalize(camera.at - camera.from);
     if (vk_length(camera.at - camera.from) < 1e-4f)
         return wrong("camera expected 'from' and 'at' to be apart");
@@ -284,19 +274,24 @@ bool vk_SceneReader::doBackground()
     if (choice != "off")
         return wrong("background expected 'on', or 'off' and a colour" +
                      (choice.empty() ? "" : ", found " + vk_quoted(choice)));
-    constexpr vk_Param OFF[] = {{"off", VK_COLOUR, {NEUTRAL, NEUTRAL, NEUTRAL}, 0, 1000, ""}};
-    vk_Values values{vk_ParamTable(OFF)};
-    if (myWords.size() > 2 && !vk_parseParams(OFF, "background", myWords, 1, values, myError))
+    vk_Colour backdrop = vk_grey(NEUTRAL);
+    vk_ParamList off;
+    off.colour("off", backdrop, 0, 1000, "");
+    if (myWords.size() > 2 && !vk_parseParams(off, "background", myWords, 1, myError))
         return false;
     myScene->showsEnvironment = false;
-    myScene->backdrop = values.vec(0);
+    myScene->backdrop = backdrop;
     return true;
 }
 
-template <class Function>
-bool vk_SceneReader::doShader(const vk_ShaderTable<Function> &table, vk_Shader<Function> &shader)
+template <class Type, class Pointer>
+bool vk_SceneReader::doShader(const vk_ShaderTable<Type> &table, Pointer &shader)
 {
-    return vk_parseShader(table, myWords, shader, myError);
+    std::unique_ptr<Type> made = vk_parseShader(table, myWords, myError);
+    if (made == nullptr)
+        return false;
+    shader = std::move(made);
+    return true;
 }
 
 bool vk_SceneReader::doEnvironment()
@@ -327,8 +322,8 @@ bool vk_SceneReader::doDisplace()
 
 bool vk_SceneReader::doLightPlace()
 {
-    vk_Values ignored;
-    if (!vk_parseParams(LIGHT_PLACE, "lightplace", myWords, 1, ignored, myError))
+    LightPlace place; // only to find mistakes: the words go to each light
+    if (!vk_parseParams(place.params(), "lightplace", myWords, 1, myError))
         return false;
     myState.lightPlace.assign(myWords.begin() + 1, myWords.end());
     return true;
@@ -341,14 +336,14 @@ bool vk_SceneReader::doLight()
         myWords.insert(myWords.begin() + 2, myState.lightPlace.begin(), myState.lightPlace.end());
     else
         myWords.insert(myWords.end(), myState.lightPlace.begin(), myState.lightPlace.end());
-    vk_Shader<vk_LightFunction> light;
+    std::unique_ptr<vk_LightShader> light;
     if (!doShader(VK_LIGHT_SHADERS, light))
         return false;
-    if (vk_length(light.values.vec(VK_TO) - light.values.vec(VK_FROM)) < 1e-3f)
+    if (vk_length(light->to - light->from) < 1e-3f)
         return wrong("light expected 'from' and 'to' to be apart");
     if (myScene->lights.size() == vk_Scene::MOST_LIGHTS)
         return wrong("expected at most " + std::to_string(vk_Scene::MOST_LIGHTS) + " lights");
-    myScene->lights.push_back(light());
+    myScene->lights.push_back(light->make());
     return true;
 }
 
@@ -401,16 +396,16 @@ bool vk_SceneReader::doIdentity()
 bool vk_SceneReader::doShape()
 {
     vk_ShapeEntry entry;
-    entry.row = vk_findShape(myWords[0]);
-    entry.values = vk_Values(entry.row->params);
-    if (!vk_parseParams(entry.row->params, entry.row->word, myWords, 1, entry.values, myError))
+    const vk_ShaderRow<vk_Shape> &row = *vk_findShape(myWords[0]);
+    entry.shape = row.make();
+    if (!vk_parseParams(entry.shape->params(), row.name, myWords, 1, myError))
         return false;
     if (myScene->shapes.size() == vk_Scene::MOST_SHAPES)
         return wrong("expected at most " + std::to_string(vk_Scene::MOST_SHAPES) + " shapes");
     entry.transform = myState.transform;
     entry.surface = myState.surface;
     entry.displace = myState.displace;
-    myScene->shapes.push_back(entry);
+    myScene->shapes.push_back(std::move(entry));
     return true;
 }
 

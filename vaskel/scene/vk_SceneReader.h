@@ -48,8 +48,8 @@ private:
     struct State {
         vk_Words lightPlace;
         vk_Transform transform;
-        vk_SurfaceShader surface;
-        vk_DisplaceShader displace;
+        std::shared_ptr<const vk_SurfaceShader> surface;
+        std::shared_ptr<const vk_DisplaceShader> displace;
     };
 
     bool readLine(std::FILE *file);
@@ -63,8 +63,8 @@ private:
     bool wrong(const std::string &message);
     bool takesNumbers(int least, int most, float smallest, float largest);
     bool doTransform(const vk_Transform &by);
-    template <class Function>
-    bool doShader(const vk_ShaderTable<Function> &table, vk_Shader<Function> &shader);
+    template <class Type, class Pointer>
+    bool doShader(const vk_ShaderTable<Type> &table, Pointer &shader);
 
     bool doPicture();
     bool doSize();

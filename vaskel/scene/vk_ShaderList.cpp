@@ -10,22 +10,25 @@
 
 namespace
 {
-void append(std::string &text, const char *name, const char *what, const vk_ParamTable &params)
+template <class Type>
+void append(std::string &text, const vk_ShaderRow<Type> &row)
 {
-    text += "\n### " + std::string(name) + ": " + what + "\n";
-    if (params.begin() != params.end())
+    const std::unique_ptr<Type> made = row.make();
+    vk_ParamList params = made->params();
+    text += "\n### " + std::string(row.name) + ": " + row.what + "\n";
+    if (!params.isEmpty())
         text += "\n";
     for (const vk_Param &param : params)
         text += "- " + vk_paramText(param) + "\n";
 }
 
-template <class Function>
-void append(std::string &text, const vk_ShaderTable<Function> &table)
+template <class Type>
+void append(std::string &text, const vk_ShaderTable<Type> &table)
 {
     text += "\n## Type " + std::string(table.type) + "\n";
     for (const auto *part = &table; part != nullptr; part = part->more)
-        for (const vk_ShaderRow<Function> &row : *part)
-            append(text, row.name, row.what, row.params);
+        for (const vk_ShaderRow<Type> &row : *part)
+            append(text, row);
 }
 } // namespace
 
@@ -41,7 +44,7 @@ std::string vk_listShaders()
     append(text, VK_FOG_SHADERS);
     append(text, VK_ENVIRONMENT_SHADERS);
     text += "\n## Shapes\n";
-    for (const vk_ShapeRow &row : VK_SHAPES)
-        append(text, row.word, row.what, row.params);
+    for (const vk_ShaderRow<vk_Shape> &row : VK_SHAPES)
+        append(text, row);
     return text;
 }

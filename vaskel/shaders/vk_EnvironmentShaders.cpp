@@ -4,29 +4,30 @@
 
 namespace
 {
-enum { STUDIO_TOP, STUDIO_HORIZON, STUDIO_GROUND, STUDIO_INTENSITY };
-constexpr vk_Param STUDIO[] = {
-    {"top", VK_COLOUR, {.11f, .125f, .15f}, 0, 1000, "colour overhead"},
-    {"horizon", VK_COLOUR, {.40f, .40f, .395f}, 0, 1000, "colour at the horizon"},
-    {"ground", VK_COLOUR, {.08f, .076f, .072f}, 0, 1000, "colour below"},
-    {"intensity", VK_NUMBER, {1, 0, 0}, 0, 1000, "a factor for all three"},
+struct Studio final : vk_EnvironmentShader {
+    vk_Colour top = {.11f, .125f, .15f};
+    vk_Colour horizon = {.40f, .40f, .395f};
+    vk_Colour ground = {.08f, .076f, .072f};
+    float intensity = 1;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.colour("top", top, 0, 1000, "colour overhead");
+        list.colour("horizon", horizon, 0, 1000, "colour at the horizon");
+        list.colour("ground", ground, 0, 1000, "colour below");
+        list.number("intensity", intensity, 0, 1000, "a factor for all three");
+    }
+    vk_Colour light(const vk_Vec &direction) const override
+    {
+        const vk_Colour sky = vk_mix(horizon, top, vk_smoothStep(-.1f, .8f, direction.y));
+        return vk_mix(sky, ground, vk_smoothStep(.02f, -.25f, direction.y)) * intensity;
+    }
 };
 
-vk_Colour studio(const vk_Values &p, const vk_Vec &direction)
-{
-    const float up = direction.y;
-    const vk_Colour sky =
-        vk_mix(p.vec(STUDIO_HORIZON), p.vec(STUDIO_TOP), vk_smoothStep(-.1f, .8f, up));
-    const float below = vk_smoothStep(.02f, -.25f, up);
-    return vk_mix(sky, p.vec(STUDIO_GROUND), below) * p.number(STUDIO_INTENSITY);
-}
-
-constexpr vk_ShaderRow<vk_EnvironmentFunction> ENVIRONMENT_ROWS[] = {
-    {"v_studio", "a soft sky with a horizon", STUDIO, studio},
+constexpr vk_ShaderRow<vk_EnvironmentShader> ROWS[] = {
+    vk_row<Studio>("v_studio", "a soft sky with a horizon"),
 };
-
-static_assert(std::size(STUDIO) == STUDIO_INTENSITY + 1);
 } // namespace
 
-const vk_ShaderTable<vk_EnvironmentFunction> VK_ENVIRONMENT_SHADERS = {
-    "environment", ENVIRONMENT_ROWS, std::size(ENVIRONMENT_ROWS)};
+const vk_ShaderTable<vk_EnvironmentShader> VK_ENVIRONMENT_SHADERS = {"environment", ROWS,
+                                                                     std::size(ROWS)};

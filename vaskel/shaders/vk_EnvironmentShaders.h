@@ -3,7 +3,13 @@
 
 #include "vaskel/params/vk_Shader.h"
 
-// An environment says what light arrives from a direction.
-using vk_EnvironmentFunction = vk_Colour(const vk_Values &, const vk_Vec &direction);
-using vk_EnvironmentShader = vk_Shader<vk_EnvironmentFunction>;
-extern const vk_ShaderTable<vk_EnvironmentFunction> VK_ENVIRONMENT_SHADERS;
+class vk_EnvironmentShader : public vk_Parametrised
+{
+public:
+    using Type = vk_EnvironmentShader;
+
+    // The radiance that arrives from a direction.
+    virtual vk_Colour light(const vk_Vec &direction) const = 0;
+};
+
+extern const vk_ShaderTable<vk_EnvironmentShader> VK_ENVIRONMENT_SHADERS;

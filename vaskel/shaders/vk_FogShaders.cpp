@@ -4,68 +4,79 @@
 
 namespace
 {
-constexpr const char *COLOR = "share of the light that it scatters on";
-constexpr const char *DENSITY = "light that it takes away per length";
-constexpr const char *RADIUS = "of the ball around the origin that it fills";
+// What all have.
+struct Ball : vk_FogShader {
+    vk_Colour color;
+    float density, radius;
 
-enum { FOG_COLOR, FOG_DENSITY, FOG_RADIUS, FOG_OWN };
-constexpr vk_Param EVEN[] = {
-    {"color", VK_COLOUR, {.9f, .9f, .9f}, 0, 1, COLOR},
-    {"density", VK_NUMBER, {.07f, 0, 0}, 0, 100, DENSITY},
-    {"radius", VK_NUMBER, {8, 0, 0}, 0, 1000, RADIUS},
+    Ball(float grey, float extinction, float size)
+        : color(vk_grey(grey)), density(extinction), radius(size)
+    {
+    }
+    void describe(vk_ParamList &list) override
+    {
+        describeBall(list, "light that it takes away per length");
+    }
+    void describeBall(vk_ParamList &list, const char *ofDensity)
+    {
+        list.colour("color", color, 0, 1, "share of the light that it scatters on");
+        list.number("density", density, 0, 100, ofDensity);
+        list.number("radius", radius, 0, 1000, "of the ball around the origin that it fills");
+    }
+    vk_Medium medium() const override
+    {
+        vk_Medium medium;
+        medium.extinction = density;
+        medium.albedo = color;
+        medium.radius = radius;
+        return medium;
+    }
 };
 
-vk_Medium even(const vk_Values &p)
-{
-    vk_Medium medium;
-    medium.extinction = p.number(FOG_DENSITY);
-    medium.albedo = p.vec(FOG_COLOR);
-    medium.radius = p.number(FOG_RADIUS);
-    return medium;
-}
-
-enum { GROUND_HEIGHT = FOG_OWN };
-constexpr vk_Param GROUND[] = {
-    {"color", VK_COLOUR, {.9f, .9f, .9f}, 0, 1, COLOR},
-    {"density", VK_NUMBER, {.45f, 0, 0}, 0, 100, "light that it takes away per length at y = 0"},
-    {"radius", VK_NUMBER, {9, 0, 0}, 0, 1000, RADIUS},
-    {"height", VK_NUMBER, {.35f, 0, 0}, .01f, 1000, "where it has thinned out to 37 %"},
+struct Even final : Ball {
+    Even() : Ball(.9f, .07f, 8) {}
 };
 
-vk_Medium ground(const vk_Values &p)
-{
-    vk_Medium medium = even(p);
-    medium.height = p.number(GROUND_HEIGHT);
-    return medium;
-}
+struct Ground final : Ball {
+    float height = .35f;
 
-enum { LIT_FORWARD = FOG_OWN };
-constexpr vk_Param LIT[] = {
-    {"color", VK_COLOUR, {1, 1, 1}, 0, 1, COLOR},
-    {"density", VK_NUMBER, {.1f, 0, 0}, 0, 100, DENSITY},
-    {"radius", VK_NUMBER, {6, 0, 0}, 0, 1000, RADIUS},
-    {"forward",
-     VK_NUMBER,
-     {.3f, 0, 0},
-     -.9f,
-     .9f,
-     "0: light goes on to all sides, .9: straight on"},
+    Ground() : Ball(.9f, .45f, 9) {}
+    void describe(vk_ParamList &list) override
+    {
+        describeBall(list, "light that it takes away per length at y = 0");
+        list.number("height", height, .01f, 1000, "where it has thinned out to 37 %");
+    }
+    vk_Medium medium() const override
+    {
+        vk_Medium medium = Ball::medium();
+        medium.height = height;
+        return medium;
+    }
 };
 
-vk_Medium lit(const vk_Values &p)
-{
-    vk_Medium medium = even(p);
-    medium.forward = p.number(LIT_FORWARD);
-    return medium;
-}
+struct Lit final : Ball {
+    float forward = .3f;
 
-constexpr vk_ShaderRow<vk_FogFunction> ROWS[] = {
-    {"v_fog", "even fog that takes light and shadow", EVEN, even},
-    {"v_groundfog", "fog that lies on the floor", GROUND, ground},
-    {"v_litfog", "haze in which beams of light show", LIT, lit},
+    Lit() : Ball(1, .1f, 6) {}
+    void describe(vk_ParamList &list) override
+    {
+        Ball::describe(list);
+        list.number("forward", forward, -.9f, .9f,
+                    "0: light goes on to all sides, .9: straight on");
+    }
+    vk_Medium medium() const override
+    {
+        vk_Medium medium = Ball::medium();
+        medium.forward = forward;
+        return medium;
+    }
 };
-static_assert(std::size(EVEN) == FOG_OWN && std::size(GROUND) == GROUND_HEIGHT + 1 &&
-              std::size(LIT) == LIT_FORWARD + 1);
+
+constexpr vk_ShaderRow<vk_FogShader> ROWS[] = {
+    vk_row<Even>("v_fog", "even fog that takes light and shadow"),
+    vk_row<Ground>("v_groundfog", "fog that lies on the floor"),
+    vk_row<Lit>("v_litfog", "haze in which beams of light show"),
+};
 } // namespace
 
-const vk_ShaderTable<vk_FogFunction> VK_FOG_SHADERS = {"fog", ROWS, std::size(ROWS)};
+const vk_ShaderTable<vk_FogShader> VK_FOG_SHADERS = {"fog", ROWS, std::size(ROWS)};

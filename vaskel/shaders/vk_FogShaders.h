@@ -12,6 +12,12 @@ struct vk_Medium {
     float height = 0;  // where extinction has fallen to 1/e, and nothing below y = 0; 0: even
     float forward = 0; // -1 to 1: mean cosine between light's old and new direction
 };
-using vk_FogFunction = vk_Medium(const vk_Values &);
-using vk_FogShader = vk_Shader<vk_FogFunction>;
-extern const vk_ShaderTable<vk_FogFunction> VK_FOG_SHADERS;
+
+class vk_FogShader : public vk_Parametrised
+{
+public:
+    using Type = vk_FogShader;
+    virtual vk_Medium medium() const = 0;
+};
+
+extern const vk_ShaderTable<vk_FogShader> VK_FOG_SHADERS;

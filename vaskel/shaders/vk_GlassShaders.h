@@ -5,5 +5,4 @@
 
 #include "vaskel/shaders/vk_SurfaceShaders.h"
 
-extern const vk_Param VK_GLASS[3], VK_FROSTED[4];
-vk_SurfaceFunction vk_glass, vk_frosted;
+extern const vk_ShaderTable<vk_SurfaceShader> VK_GLASS_SHADERS;

@@ -2,51 +2,10 @@
 
 #include "vaskel/base/vk_Noise.h"
 #include "vaskel/base/vk_Sampler.h"
+#include "vaskel/shaders/vk_GlassShaders.h"
 
 #include <iterator>
 #include <limits>
-
-enum { METAL_COLOR, METAL_EDGE, METAL_ROUGH, METAL_COUNT };
-const vk_Param VK_METAL[] = {
-    {"color", VK_COLOUR, {.91f, .92f, .92f}, 0, 1, "reflectance straight on, or a metal's name"},
-    {"edge", VK_COLOUR, {1, 1, 1}, 0, 1, "reflectance at grazing angles"},
-    {"rough", VK_NUMBER, {.25f, 0, 0}, 0, 1, "roughness, 0 is a mirror"},
-};
-
-vk_Material vk_metal(const vk_Values &p, const vk_SurfacePoint &)
-{
-    vk_Material material;
-    material.specular = p.vec(METAL_COLOR);
-    material.edge = p.vec(METAL_EDGE);
-    material.rough = p.number(METAL_ROUGH);
-    return material;
-}
-
-enum { BRUSHED_COLOR, BRUSHED_EDGE, BRUSHED_ROUGH, BRUSHED_BRUSHED, BRUSHED_COUNT };
-const vk_Param VK_BRUSHED[] = {
-    {"color", VK_COLOUR, {.91f, .92f, .92f}, 0, 1, "reflectance straight on, or a metal's name"},
-    {"edge", VK_COLOUR, {1, 1, 1}, 0, 1, "reflectance at grazing angles"},
-    {"rough", VK_NUMBER, {.4f, 0, 0}, 0, 1, "roughness"},
-    {"brushed", VK_NUMBER, {.9f, 0, 0}, 0, 1, "how much the scratches have one direction"},
-};
-
-vk_Material vk_brushed(const vk_Values &p, const vk_SurfacePoint &point)
-{
-    vk_Material material = vk_metal(p, point);
-    material.brushed = p.number(BRUSHED_BRUSHED);
-    return material;
-}
-static_assert(int(BRUSHED_ROUGH) == int(METAL_ROUGH), "brushed metal begins like metal");
-
-enum { PAINT_COLOR, PAINT_FLAKE, PAINT_FLAKES, PAINT_SIZE, PAINT_SPREAD, PAINT_COAT, PAINT_COUNT };
-const vk_Param VK_CARPAINT[] = {
-    {"color", VK_COLOUR, {.02f, .06f, .3f}, 0, 1, "colour of the ground"},
-    {"flake", VK_COLOUR, {.25f, .4f, .85f}, 0, 1, "reflectance of the flakes"},
-    {"flakes", VK_NUMBER, {.5f, 0, 0}, 0, 1, "how much of the surface they cover"},
-    {"size", VK_NUMBER, {.016f, 0, 0}, .001f, 10, "width of a flake"},
-    {"spread", VK_NUMBER, {.2f, 0, 0}, 0, 1, "how far they lean to all sides"},
-    {"coat", VK_NUMBER, {1, 0, 0}, 0, 1, "how much of a lacquer there is"},
-};
 
 namespace
 {
@@ -78,24 +37,93 @@ std::uint32_t flakeAt(const vk_Vec &place)
     }
     return vk_hash(nearest);
 }
+
+struct Metal final : vk_Pointwise<Metal> {
+    vk_Colour color = {.91f, .92f, .92f};
+    vk_Colour edge = vk_grey(1);
+    float rough = .25f;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.colour("color", color, 0, 1, "reflectance straight on, or a metal's name");
+        list.colour("edge", edge, 0, 1, "reflectance at grazing angles");
+        list.number("rough", rough, 0, 1, "roughness, 0 is a mirror");
+    }
+    vk_Material at(const vk_SurfacePoint &) const
+    {
+        vk_Material material;
+        material.specular = color;
+        material.edge = edge;
+        material.rough = rough;
+        return material;
+    }
+};
+
+struct Brushed final : vk_Pointwise<Brushed> {
+    vk_Colour color = {.91f, .92f, .92f};
+    vk_Colour edge = vk_grey(1);
+    float rough = .4f;
+    float brushed = .9f;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.colour("color", color, 0, 1, "reflectance straight on, or a metal's name");
+        list.colour("edge", edge, 0, 1, "reflectance at grazing angles");
+        list.number("rough", rough, 0, 1, "roughness");
+        list.number("brushed", brushed, 0, 1, "how much the scratches have one direction");
+    }
+    vk_Material at(const vk_SurfacePoint &) const
+    {
+        vk_Material material;
+        material.specular = color;
+        material.edge = edge;
+        material.rough = rough;
+        material.brushed = brushed;
+        return material;
+    }
+};
+
+struct CarPaint final : vk_Pointwise<CarPaint> {
+    vk_Colour color = {.02f, .06f, .3f};
+    vk_Colour flake = {.25f, .4f, .85f};
+    float flakes = .5f;
+    float size = .016f;
+    float spread = .2f;
+    float coat = 1;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.colour("color", color, 0, 1, "colour of the ground");
+        list.colour("flake", flake, 0, 1, "reflectance of the flakes");
+        list.number("flakes", flakes, 0, 1, "how much of the surface they cover");
+        list.number("size", size, .001f, 10, "width of a flake");
+        list.number("spread", spread, 0, 1, "how far they lean to all sides");
+        list.number("coat", coat, 0, 1, "how much of a lacquer there is");
+    }
+    vk_Material at(const vk_SurfacePoint &point) const
+    {
+        vk_Material material;
+        material.diffuse = color;
+        material.coat = coat;
+        material.coatRough = .05f;
+        const std::uint32_t hash = flakeAt(point.position * (1 / size));
+        material.rough = .45f;
+        material.specular = material.edge = flake * .4f; // of flakes further down
+        if (part(vk_hash(hash), 0) >= flakes)
+            return material;
+        const vk_Vec to = vk_Vec{part(hash, 0), part(hash, 1), part(hash, 2)} * 2 - vk_grey(1);
+        material.lean = to * spread;
+        material.specular = material.edge = flake;
+        return material;
+    }
+};
+
+constexpr vk_ShaderRow<vk_SurfaceShader> ROWS[] = {
+    vk_row<Metal>("v_metal", "bare metal"),
+    vk_row<Brushed>("v_brushed", "metal with scratches along u"),
+    vk_row<CarPaint>("v_carpaint", "flakes in a coloured ground under lacquer"),
+};
 } // namespace
 
-vk_Material vk_carpaint(const vk_Values &p, const vk_SurfacePoint &point)
-{
-    vk_Material material;
-    material.diffuse = p.vec(PAINT_COLOR);
-    material.coat = p.number(PAINT_COAT);
-    material.coatRough = .05f;
-    const std::uint32_t flake = flakeAt(point.position * (1 / p.number(PAINT_SIZE)));
-    material.rough = .45f;
-    material.specular = material.edge = p.vec(PAINT_FLAKE) * .4f; // of flakes further down
-    if (part(vk_hash(flake), 0) >= p.number(PAINT_FLAKES))
-        return material;
-    const vk_Vec to = vk_Vec{part(flake, 0), part(flake, 1), part(flake, 2)} * 2 - vk_grey(1);
-    material.lean = to * p.number(PAINT_SPREAD);
-    material.specular = material.edge = p.vec(PAINT_FLAKE);
-    return material;
-}
-
-static_assert(std::size(VK_METAL) == METAL_COUNT && std::size(VK_BRUSHED) == BRUSHED_COUNT &&
-              std::size(VK_CARPAINT) == PAINT_COUNT);
+const vk_ShaderTable<vk_SurfaceShader> VK_METAL_SHADERS = {"surface", ROWS, std::size(ROWS),
+                                                           &VK_GLASS_SHADERS};

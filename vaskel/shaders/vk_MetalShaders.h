@@ -10,5 +10,4 @@
 
 #include "vaskel/shaders/vk_SurfaceShaders.h"
 
-extern const vk_Param VK_METAL[3], VK_BRUSHED[4], VK_CARPAINT[6];
-vk_SurfaceFunction vk_metal, vk_brushed, vk_carpaint;
+extern const vk_ShaderTable<vk_SurfaceShader> VK_METAL_SHADERS;

@@ -4,4 +4,4 @@
 
 #include "vaskel/shaders/vk_SurfaceShaders.h"
 
-extern const vk_ShaderTable<vk_SurfaceFunction> VK_PATTERN_SHADERS;
+extern const vk_ShaderTable<vk_SurfaceShader> VK_PATTERN_SHADERS;

@@ -8,9 +8,14 @@ struct vk_Shadow {
     vk_Colour left;   // of the light in a full shadow: 0 is black, 1 no shadow at all
     float soft = 1;   // how wide lights are for shadows, times their own width
     float filter = 1; // how far glass lets light pass, in its colour
-    float stain = 0;  // the same for everything else, in the colour of its base
+    float tint = 0;   // the same for everything else, in the colour of its base
 };
 
-using vk_ShadowFunction = vk_Shadow(const vk_Values &);
-using vk_ShadowShader = vk_Shader<vk_ShadowFunction>;
-extern const vk_ShaderTable<vk_ShadowFunction> VK_SHADOW_SHADERS;
+class vk_ShadowShader : public vk_Parametrised
+{
+public:
+    using Type = vk_ShadowShader;
+    virtual vk_Shadow shadow() const = 0;
+};
+
+extern const vk_ShaderTable<vk_ShadowShader> VK_SHADOW_SHADERS;

@@ -8,5 +8,4 @@
 
 #include "vaskel/shaders/vk_SurfaceShaders.h"
 
-extern const vk_Param VK_VELVET[3], VK_SKIN[4], VK_WAX[4];
-vk_SurfaceFunction vk_velvet, vk_translucent;
+extern const vk_ShaderTable<vk_SurfaceShader> VK_SOFT_SHADERS;

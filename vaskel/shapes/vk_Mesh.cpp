@@ -23,7 +23,7 @@ void vk_MeshBuilder::displace(std::vector<vk_Vertex> &net, std::size_t width) co
     std::vector<vk_Vec> moved(net.size());
     tbb::parallel_for(std::size_t{0}, net.size(), [&](std::size_t i) {
         const vk_Vertex &vertex = net[i];
-        const float height = myDisplace(vk_SurfacePoint{vertex.position, vertex.u, vertex.v});
+        const float height = myDisplace->displace({vertex.position, vertex.u, vertex.v});
         moved[i] = vertex.position + vertex.normal * height;
     });
     std::size_t kept = 0; // so far; those that are still needed lie behind

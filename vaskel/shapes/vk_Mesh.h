@@ -25,7 +25,8 @@ struct vk_Mesh {
 class vk_MeshBuilder
 {
 public:
-    vk_MeshBuilder(const vk_Transform &transform, const vk_DisplaceShader &displace)
+    // Keeps both; no displacement when there is no shader for it.
+    vk_MeshBuilder(const vk_Transform &transform, const vk_DisplaceShader *displace)
         : myTransform(transform), myDisplace(displace)
     {
     }
@@ -36,7 +37,8 @@ public:
     template <class Function>
     void patch(int columns, int rows, const Function &at)
     {
-        const int finer = myDisplace ? 3 : 1, beyond = myDisplace ? 1 : 0;
+        const bool isMoved = myDisplace != nullptr;
+        const int finer = isMoved ? 3 : 1, beyond = isMoved ? 1 : 0;
         columns *= finer;
         rows *= finer;
         std::vector<vk_Vertex> net;
@@ -45,7 +47,7 @@ public:
             for (int column = -beyond; column <= columns + beyond; ++column)
                 net.push_back(at(static_cast<float>(column) / static_cast<float>(columns),
                                  static_cast<float>(row) / static_cast<float>(rows)));
-        if (myDisplace)
+        if (isMoved)
             displace(net, static_cast<std::size_t>(columns + 3));
         add(net, static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows));
     }
@@ -57,6 +59,6 @@ private:
     void add(const std::vector<vk_Vertex> &net, std::uint32_t columns, std::uint32_t rows);
 
     const vk_Transform &myTransform;
-    const vk_DisplaceShader &myDisplace;
+    const vk_DisplaceShader *myDisplace;
     vk_Mesh myMesh;
 };

@@ -63,65 +63,71 @@ void ball(vk_MeshBuilder &builder, float radius, float centre)
     });
 }
 
-enum { SPHERE_RADIUS };
-constexpr vk_Param SPHERE[] = {
-    {"radius", VK_NUMBER, {1, 0, 0}, .001f, 1000, "radius"},
+struct Sphere final : vk_Shape {
+    float radius = 1;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.number("radius", radius, .001f, 1000, "radius");
+    }
+    void build(vk_MeshBuilder &builder) const override { ball(builder, radius, radius); }
 };
 
-void sphere(const vk_Values &p, vk_MeshBuilder &builder)
-{
-    ball(builder, p.number(SPHERE_RADIUS), p.number(SPHERE_RADIUS));
-}
+struct ShaderBall final : vk_Shape {
+    float height = 2;
 
-enum { SHADERBALL_HEIGHT };
-constexpr vk_Param SHADERBALL[] = {
-    {"height", VK_NUMBER, {2, 0, 0}, .001f, 1000, "height of ball and stand"},
-};
-
-void shaderball(const vk_Values &p, vk_MeshBuilder &builder)
-{
-    const float scale = p.number(SHADERBALL_HEIGHT) / 2;
-    ball(builder, .88f * scale, 1.12f * scale);
-    builder.patch(144, 40, [&](float u, float v) { return standVertex(u, v, scale); });
-}
-
-enum { GRID_WIDTH, GRID_HEIGHT, GRID_WAVE };
-constexpr vk_Param GRID[] = {
-    {"width", VK_NUMBER, {2, 0, 0}, .001f, 1000, "width"},
-    {"height", VK_NUMBER, {2, 0, 0}, .001f, 1000, "height"},
-    {"wave", VK_NUMBER, {.16f, 0, 0}, -10, 10, "how far its folds reach to and fro"},
+    void describe(vk_ParamList &list) override
+    {
+        list.number("height", height, .001f, 1000, "height of ball and stand");
+    }
+    void build(vk_MeshBuilder &builder) const override
+    {
+        const float scale = height / 2;
+        ball(builder, .88f * scale, 1.12f * scale);
+        builder.patch(144, 40, [&](float u, float v) { return standVertex(u, v, scale); });
+    }
 };
 
 // Folds run down like those of a curtain, from a top edge that is nearly straight,
 // and lean a little, so that light plays on them in both directions.
-void grid(const vk_Values &p, vk_MeshBuilder &builder)
-{
-    const float width = p.number(GRID_WIDTH), height = p.number(GRID_HEIGHT);
-    const float wave = p.number(GRID_WAVE);
-    builder.patch(160, 120, [&](float u, float v) {
-        const float fold = TURN * 2 * u + 1.4f * v, reach = wave * (1.1f - .85f * v);
-        const vk_Vec at = {width * (u - .5f), height * v, reach * std::sin(fold)};
-        const float slope = reach * std::cos(fold);
-        const vk_Vec n = {-slope * TURN * 2 / width,
-                          (.85f * wave * std::sin(fold) - slope * 1.4f) / height, 1};
-        return vk_Vertex{at, vk_normalize(n), u, v};
-    });
-}
+struct Grid final : vk_Shape {
+    float width = 2, height = 2, wave = .16f;
 
-enum { TUBE_RADIUS, TUBE_HEIGHT };
-constexpr vk_Param TUBE[] = {
-    {"radius", VK_NUMBER, {.75f, 0, 0}, .001f, 1000, "radius"},
-    {"height", VK_NUMBER, {2, 0, 0}, .001f, 1000, "height"},
+    void describe(vk_ParamList &list) override
+    {
+        list.number("width", width, .001f, 1000, "width");
+        list.number("height", height, .001f, 1000, "height");
+        list.number("wave", wave, -10, 10, "how far its folds reach to and fro");
+    }
+    void build(vk_MeshBuilder &builder) const override
+    {
+        builder.patch(160, 120, [&](float u, float v) {
+            const float fold = TURN * 2 * u + 1.4f * v, reach = wave * (1.1f - .85f * v);
+            const vk_Vec at = {width * (u - .5f), height * v, reach * std::sin(fold)};
+            const float slope = reach * std::cos(fold);
+            const vk_Vec n = {-slope * TURN * 2 / width,
+                              (.85f * wave * std::sin(fold) - slope * 1.4f) / height, 1};
+            return vk_Vertex{at, vk_normalize(n), u, v};
+        });
+    }
 };
 
-void tube(const vk_Values &p, vk_MeshBuilder &builder)
-{
-    const float radius = p.number(TUBE_RADIUS), height = p.number(TUBE_HEIGHT);
-    builder.patch(144, 40, [&](float u, float v) {
-        const vk_Vec n = {std::sin(TURN * u), 0, std::cos(TURN * u)};
-        return vk_Vertex{n * radius + vk_Vec{0, height * v, 0}, n, u, v};
-    });
-}
+struct Tube final : vk_Shape {
+    float radius = .75f, height = 2;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.number("radius", radius, .001f, 1000, "radius");
+        list.number("height", height, .001f, 1000, "height");
+    }
+    void build(vk_MeshBuilder &builder) const override
+    {
+        builder.patch(144, 40, [&](float u, float v) {
+            const vk_Vec n = {std::sin(TURN * u), 0, std::cos(TURN * u)};
+            return vk_Vertex{n * radius + vk_Vec{0, height * v, 0}, n, u, v};
+        });
+    }
+};
 
 vk_Vec blended(const unsigned short (&patch)[16], const float (&u)[4], const float (&v)[4])
 {
@@ -164,45 +170,44 @@ constexpr Ring RINGS[] = {
     {4, 1, .6f},  {4, .6f, .3f},  {4, 0, .08f},                // knob, lid, bottom
 };
 
-enum { TEAPOT_WIDTH };
-constexpr vk_Param TEAPOT[] = {
-    {"width", VK_NUMBER, {2.6f, 0, 0}, .001f, 1000, "from handle to spout"},
+struct Teapot final : vk_Shape {
+    float width = 2.6f;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.number("width", width, .001f, 1000, "from handle to spout");
+    }
+    void build(vk_MeshBuilder &builder) const override
+    {
+        constexpr float LEFT = -3, RIGHT = 3.525f; // of the data
+
+        const float scale = width / (RIGHT - LEFT);
+        const auto *patch = VK_TEAPOT_PATCHES;
+        for (const Ring &ring : RINGS)
+            for (int i = 0; i < ring.patches; ++i, ++patch)
+                builder.patch(20, 20, [&](float u, float v) {
+                    vk_Vertex vertex = teapotVertex(*patch, u, v);
+                    vertex.position = (vertex.position - vk_Vec{(LEFT + RIGHT) / 2, 0, 0}) * scale;
+                    vertex.u = (static_cast<float>(i) + u) / static_cast<float>(ring.patches);
+                    vertex.v = ring.first + (ring.last - ring.first) * v;
+                    return vertex;
+                });
+    }
 };
-
-void teapot(const vk_Values &p, vk_MeshBuilder &builder)
-{
-    constexpr float LEFT = -3, RIGHT = 3.525f; // of the data
-
-    const float scale = p.number(TEAPOT_WIDTH) / (RIGHT - LEFT);
-    const auto *patch = VK_TEAPOT_PATCHES;
-    for (const Ring &ring : RINGS)
-        for (int i = 0; i < ring.patches; ++i, ++patch)
-            builder.patch(20, 20, [&](float u, float v) {
-                vk_Vertex vertex = teapotVertex(*patch, u, v);
-                vertex.position = (vertex.position - vk_Vec{(LEFT + RIGHT) / 2, 0, 0}) * scale;
-                vertex.u = (static_cast<float>(i) + u) / static_cast<float>(ring.patches);
-                vertex.v = ring.first + (ring.last - ring.first) * v;
-                return vertex;
-            });
-}
-
-static_assert(std::size(SHADERBALL) == SHADERBALL_HEIGHT + 1 &&
-              std::size(SPHERE) == SPHERE_RADIUS + 1 && std::size(GRID) == GRID_WAVE + 1 &&
-              std::size(TUBE) == TUBE_HEIGHT + 1 && std::size(TEAPOT) == TEAPOT_WIDTH + 1);
 } // namespace
 
-const vk_ShapeRow VK_SHAPES[VK_SHAPE_COUNT] = {
-    {"shaderball", "a ball on a stand, which curves both ways", SHADERBALL, shaderball},
-    {"sphere", "a ball", SPHERE, sphere},
-    {"grid", "a hanging sheet with folds", GRID, grid},
-    {"tube", "an open cylinder, its inside visible", TUBE, tube},
-    {"teapot", "the teapot", TEAPOT, teapot},
+const vk_ShaderRow<vk_Shape> VK_SHAPES[VK_SHAPE_COUNT] = {
+    vk_row<ShaderBall>("shaderball", "a ball on a stand, which curves both ways"),
+    vk_row<Sphere>("sphere", "a ball"),
+    vk_row<Grid>("grid", "a hanging sheet with folds"),
+    vk_row<Tube>("tube", "an open cylinder, its inside visible"),
+    vk_row<Teapot>("teapot", "the teapot"),
 };
 
-const vk_ShapeRow *vk_findShape(std::string_view word)
+const vk_ShaderRow<vk_Shape> *vk_findShape(std::string_view word)
 {
-    for (const vk_ShapeRow &row : VK_SHAPES)
-        if (word == row.word)
+    for (const vk_ShaderRow<vk_Shape> &row : VK_SHAPES)
+        if (word == row.name)
             return &row;
     return nullptr;
 }

@@ -2,20 +2,17 @@
 // +z and has texture coordinates u (around or across) and v (upwards).
 #pragma once
 
-#include "vaskel/params/vk_Params.h"
 #include "vaskel/shapes/vk_Mesh.h"
 
-#include <string_view>
-
-struct vk_ShapeRow {
-    const char *word;
-    const char *what; // one line for the list
-    vk_ParamTable params;
-    void (*build)(const vk_Values &, vk_MeshBuilder &);
+class vk_Shape : public vk_Parametrised
+{
+public:
+    using Type = vk_Shape;
+    virtual void build(vk_MeshBuilder &builder) const = 0;
 };
 
 constexpr std::size_t VK_SHAPE_COUNT = 5;
-extern const vk_ShapeRow VK_SHAPES[VK_SHAPE_COUNT];
+extern const vk_ShaderRow<vk_Shape> VK_SHAPES[VK_SHAPE_COUNT];
 
 // The shape of a word, null when there is none.
-const vk_ShapeRow *vk_findShape(std::string_view word);
+const vk_ShaderRow<vk_Shape> *vk_findShape(std::string_view word);

@@ -58,10 +58,10 @@ struct vk_Fog::Angles {
     }
 };
 
-vk_Fog::vk_Fog(const vk_FogShader &shader)
+vk_Fog::vk_Fog(const vk_FogShader *shader)
 {
-    if (shader)
-        myMedium = shader();
+    if (shader != nullptr)
+        myMedium = shader->medium();
 }
 
 // The part of a ray inside the ball of fog, above its bottom.

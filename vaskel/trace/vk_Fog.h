@@ -12,8 +12,8 @@
 class vk_Fog
 {
 public:
-    // Clear air for a shader that is not chosen.
-    explicit vk_Fog(const vk_FogShader &shader);
+    // Clear air when there is no shader.
+    explicit vk_Fog(const vk_FogShader *shader);
 
     bool isClear() const { return myMedium.extinction <= 0; }
     const vk_Colour &albedo() const { return myMedium.albedo; }

@@ -53,9 +53,9 @@ struct Finds {
 } // namespace
 
 vk_Lighting::vk_Lighting(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog)
-    : myScene(scene), myWorld(world), myFog(fog), myShadow(scene.shadow()),
+    : myScene(scene), myWorld(world), myFog(fog), myShadow(scene.shadow->shadow()),
       myCastsShadows(!(myShadow.left == vk_grey(1))),
-      mySeesThrough((world.hasGlass() && myShadow.filter > 0) || myShadow.stain > 0)
+      mySeesThrough((world.hasGlass() && myShadow.filter > 0) || myShadow.tint > 0)
 {
     for (const auto &light : scene.lights)
         myTotal += light->strength();
@@ -130,7 +130,7 @@ vk_Lighting::Passing vk_Lighting::passing(vk_Vec origin, const vk_Vec &direction
         ++vk_myRays.shadow;
         if (!myWorld.intersect(origin, direction, hit) || hit.distance >= distance)
             return passes;
-        const vk_Material material = (*hit.surface)(hit.point);
+        const vk_Material material = hit.surface->shade(hit.point);
         passes.between = std::max(passes.between, kindOf(material));
         passes.share = passes.share * through(hit, material, direction);
         if (vk_largest(passes.share) < 1e-3f)
@@ -153,7 +153,7 @@ vk_Colour vk_Lighting::through(const vk_Hit &hit, const vk_Material &material,
                                const vk_Vec &direction) const
 {
     if (!material.isClear())
-        return material.diffuse * myShadow.stain;
+        return material.diffuse * myShadow.tint;
     const float cosine = std::abs(vk_dot(hit.normal, direction));
     const vk_Colour passes = material.passesStraight(cosine, hit.inside ? hit.distance : 0);
     return passes * myShadow.filter;

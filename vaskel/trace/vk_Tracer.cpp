@@ -87,7 +87,7 @@ struct vk_Tracer::Branches {
 };
 
 vk_Tracer::vk_Tracer(const vk_Scene &scene, const vk_World &world)
-    : myScene(scene), myWorld(world), myFog(scene.fog), myLighting(scene, world, myFog)
+    : myScene(scene), myWorld(world), myFog(scene.fog.get()), myLighting(scene, world, myFog)
 {
     // Directions spread evenly over the sphere along a spiral.
     constexpr int COUNT = 256;
@@ -97,7 +97,7 @@ vk_Tracer::vk_Tracer(const vk_Scene &scene, const vk_World &world)
         const float around = 2.39996323f * static_cast<float>(i); // the golden angle
         const float side = std::sqrt(1 - up * up);
         const vk_Vec way = {side * std::cos(around), up, side * std::sin(around)};
-        const vk_Colour light = scene.environment(way) * SHARE;
+        const vk_Colour light = scene.environment->light(way) * SHARE;
         myMean += light;
         mySlope[0] += light * (2 * way.x);
         mySlope[1] += light * (2 * way.y);
@@ -239,7 +239,7 @@ bool vk_Tracer::arrive(Path &path, vk_Hit &hit, vk_Material &material, vk_Sample
         }
         if (hit.isFloor)
             fadeFloor(path, hit);
-        material = (*hit.surface)(hit.point);
+        material = hit.surface->shade(hit.point);
         path.add(material.emission);
         if (vk_largest(path.weight) < 1e-3f || !material.reflects())
             return false;
@@ -270,7 +270,7 @@ vk_Colour vk_Tracer::seen(const Path &path, const vk_Vec &direction) const
 {
     if (path.scatterings() == 0 && !myScene.showsEnvironment)
         return myScene.backdrop;
-    return myScene.environment(direction);
+    return myScene.environment->light(direction);
 }
 
 // Far away the floor gives way to the horizon.

@@ -95,14 +95,14 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
     for (const vk_ShapeEntry &entry : scene.shapes) {
         if (myEmbree->scene == nullptr)
             break;
-        vk_MeshBuilder builder(entry.transform, entry.displace);
-        entry.row->build(entry.values, builder);
+        vk_MeshBuilder builder(entry.transform, entry.displace.get());
+        entry.shape->build(builder);
         myShapes.push_back(std::make_unique<Shape>(
-            Shape{builder.take(), entry.transform.inverse(), &entry.surface}));
+            Shape{builder.take(), entry.transform.inverse(), entry.surface.get()}));
         myEmbree->attach(myShapes.back()->mesh);
     }
     for (const auto &shape : myShapes)
-        myHasGlass = myHasGlass || (*shape->surface)(vk_SurfacePoint()).isClear();
+        myHasGlass = myHasGlass || shape->surface->shade(vk_SurfacePoint()).isClear();
     if (myEmbree->scene != nullptr)
         myEmbree->build();
     encloseShapes();
@@ -157,7 +157,8 @@ bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &d
 {
     constexpr float FOREVER = std::numeric_limits<float>::infinity();
 
-    const float to = myScene.floor && direction.y != 0 ? -origin.y / direction.y : FOREVER;
+    const float to =
+        myScene.floor != nullptr && direction.y != 0 ? -origin.y / direction.y : FOREVER;
     const bool met = to > 0 && to < FOREVER;
     distance = met ? to : FOREVER;
     return met;
@@ -219,7 +220,7 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
         hit.position.y = 0;
         hit.facet = hit.normal = {0, 1, 0};
         hit.point = {hit.position, hit.position.x, hit.position.z};
-        hit.surface = &myScene.floor;
+        hit.surface = myScene.floor.get();
         hit.isFloor = true;
     } else {
         return false;
