@@ -1,11 +1,10 @@
 #include "vcpp/vcpp_Dependencies.h"
 
+#include "UT/UT_MakeRule.h"
 #include "vcpp/vcpp_Options.h"
 
 namespace
 {
-constexpr size_t LINE_LENGTH = 72;
-
 // "folder/name.x" gives "name", or keeps the folder.
 std::string stemOf(const std::string &name, bool keepsFolder)
 {
@@ -36,7 +35,7 @@ std::string defaultTarget(const vcpp_Options &options)
 std::string targetsOf(const vcpp_Options &options)
 {
     if (options.targets.empty())
-        return vcpp_quoteForMake(defaultTarget(options));
+        return UTquoteForMake(defaultTarget(options));
     std::string all;
     for (const std::string &target : options.targets)
         (all += all.empty() ? "" : " ") += target;
@@ -44,41 +43,12 @@ std::string targetsOf(const vcpp_Options &options)
 }
 } // namespace
 
-// In front of a blank make halves the backslashes, elsewhere it keeps them.
-std::string vcpp_quoteForMake(const std::string &name)
-{
-    std::string quoted;
-    size_t backslashes = 0;
-    for (const char c : name) {
-        if (c == ' ' || c == '\t')
-            quoted.append(backslashes + 1, '\\');
-        else if (c == '#')
-            quoted += '\\';
-        else if (c == '$')
-            quoted += '$';
-        quoted += c;
-        backslashes = c == '\\' ? backslashes + 1 : 0;
-    }
-    return quoted;
-}
-
 std::string vcpp_makeRule(const vcpp_Options &options, const std::vector<std::string> &files)
 {
-    std::string rule = targetsOf(options) + ":";
-    size_t column = rule.size();
-    for (const std::string &file : files) {
-        const std::string name = vcpp_quoteForMake(file);
-        if (column + 1 + name.size() > LINE_LENGTH) {
-            rule += " \\\n";
-            column = 0;
-        }
-        rule += " " + name;
-        column += 1 + name.size();
-    }
-    rule += '\n';
+    std::string rule = UTmakeRule(targetsOf(options), files);
     for (const std::string &file : files)
         if (options.hasPhony && file != inputOf(options))
-            rule += vcpp_quoteForMake(file) + ":\n";
+            rule += UTquoteForMake(file) + ":\n";
     return rule;
 }
 

@@ -1,5 +1,7 @@
 #include "vcpp/vcpp_Options.h"
 
+#include "UT/UT_MakeRule.h"
+
 #include "CPP/CPP_Manager.h"
 #include "vcpp/vcpp_Dependencies.h"
 
@@ -57,7 +59,7 @@ void append(Scan &scan, const char *value)
 
 void appendQuoted(Scan &scan, const char *value)
 {
-    scan.options.targets.push_back(vcpp_quoteForMake(value));
+    scan.options.targets.push_back(UTquoteForMake(value));
 }
 
 void defineToOne(Scan &scan, const char *)
