@@ -88,8 +88,8 @@ std::string stem(const fs::path &palette)
 {
     const std::string name = palette.filename().string();
     const std::size_t suffix = static_cast<std::size_t>(thePaletteSuffix.length());
-    const bool hasSuffix = name.size() > suffix &&
-                           name.compare(name.size() - suffix, suffix, thePaletteSuffix) == 0;
+    const bool hasSuffix =
+        name.size() > suffix && name.compare(name.size() - suffix, suffix, thePaletteSuffix) == 0;
     return hasSuffix ? name.substr(0, name.size() - suffix) : name;
 }
 

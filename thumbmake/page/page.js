@@ -70,10 +70,14 @@ const filters = [
   {label: 'no picture', wrong: true, takes: isMissing},
 ].filter(({wrong, takes}) => !wrong || data.entries.some(takes));
 
+const numberOf = (filter, entries) => entries.filter(filter.takes).length.toLocaleString();
+
 function addFilter(filter) {
   filter.button = document.createElement('button');
   filter.count = document.createElement('span');
   filter.count.className = 'count';
+  // As wide as it may become: nothing moves while somebody types.
+  filter.count.style.minWidth = numberOf(filter, data.entries).length + 'ch';
   filter.button.type = 'button';
   filter.button.append(filter.label, filter.count);
   filter.button.classList.toggle('wrong', Boolean(filter.wrong));
@@ -88,7 +92,7 @@ function choose(filter) {
 
 function showFilters(found) {
   for (const filter of filters) {
-    filter.count.textContent = found.filter(filter.takes).length.toLocaleString();
+    filter.count.textContent = numberOf(filter, found);
     filter.button.setAttribute('aria-pressed', String(filter === chosen));
   }
 }
@@ -369,7 +373,7 @@ function showPicture(entry) {
   view.className = stateOf(entry);
   viewPicture.hidden = stateOf(entry) !== '';
   byId('view-note').hidden = stateOf(entry) === '';
-  byId('view-note').textContent = isMissing(entry) ? 'no picture' : 'failed';
+  byId('view-note').textContent = note(entry);
   if (stateOf(entry) === '')
     viewPicture.src = pictureUrl(entry);
   else
@@ -381,7 +385,6 @@ function open(place) {
   current = place;
   byId('view-name').textContent = entry.name;
   byId('view-kind').textContent = kind(entry);
-  byId('view-message').textContent = entry.message;
   byId('view-place').textContent = (place + 1).toLocaleString() + ' of ' + shown.length.toLocaleString();
   byId('previous').disabled = place === 0;
   byId('next').disabled = place === shown.length - 1;
