@@ -171,6 +171,7 @@ function dropTiles(kept) {
   for (const [entry, item] of tiles) {
     if (kept.has(entry))
       continue;
+    item.querySelector('img').removeAttribute('src'); // what still loads is in the others' way
     item.remove();
     tiles.delete(entry);
   }
@@ -213,10 +214,10 @@ function layOut() {
 }
 
 function refresh() {
-  const entry = shown[current];
   const found = matching(search.value, inOrder(sort.value));
   shown = found.filter(chosen.takes);
-  current = Math.max(0, shown.indexOf(entry));
+  current = 0;
+  byId('clear').hidden = search.value === '';
   showFilters(found);
   tellNumber();
   scrollTo(0, 0);
@@ -233,10 +234,15 @@ function tellNumber() {
   nothing.querySelector('button').hidden = data.entries.length === 0;
 }
 
-function showAll() {
+function clearSearch() {
   search.value = '';
-  choose(filters[0]);
+  refresh();
   search.focus();
+}
+
+function showAll() {
+  chosen = filters[0];
+  clearSearch();
 }
 
 // ---- Moving ------------------------------------------------------------------------
@@ -285,7 +291,7 @@ const SHEET_KEYS = {
 const SEARCH_KEYS = {
   ArrowDown: () => go(current),
   Enter: () => { if (shown.length > 0) open(current); },
-  Escape: () => { if (search.value === '') search.blur(); else { search.value = ''; refresh(); } },
+  Escape: () => { if (search.value === '') search.blur(); else clearSearch(); },
 };
 
 const VIEW_KEYS = {
@@ -440,6 +446,7 @@ function listen() {
   systemDark.addEventListener('change', tellTheme);
   document.addEventListener('keydown', onKey);
   byId('nothing').querySelector('button').addEventListener('click', showAll);
+  byId('clear').addEventListener('click', clearSearch);
   byId('previous').addEventListener('click', () => step(-1));
   byId('next').addEventListener('click', () => step(1));
   byId('close').addEventListener('click', () => view.close());
