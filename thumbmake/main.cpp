@@ -53,8 +53,8 @@ int runJob(const std::vector<std::string> &words)
 // Many pictures keep all processors busy by themselves.
 void shareProcessors(const tm_Options &options, size_t pictures)
 {
-    const auto jobs = options.jobs > 0 ? static_cast<size_t>(options.jobs)
-                                       : std::thread::hardware_concurrency();
+    const auto jobs =
+        options.jobs > 0 ? static_cast<size_t>(options.jobs) : std::thread::hardware_concurrency();
     if (pictures >= jobs)
         setenv("VELDRIN_MAXTHREADS", "1", 0);
 }
@@ -96,8 +96,8 @@ private:
             std::printf("%s\n", name.c_str());
         const auto all = static_cast<long>(myLibrary.items.size());
         const auto count = static_cast<long>(names.size());
-        const int status = print(tm_grouped(count) + " to make, " + tm_grouped(all - count) +
-                                 " up to date\n");
+        const int status =
+            print(tm_grouped(count) + " to make, " + tm_grouped(all - count) + " up to date\n");
         return hasProblems() ? FAILED : status;
     }
 

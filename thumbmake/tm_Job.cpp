@@ -64,14 +64,15 @@ std::optional<std::string> runAndListen(const std::vector<std::string> &words)
         arguments.push_back(const_cast<char *>(word.c_str()));
     arguments.push_back(nullptr);
     pid_t child = -1;
-    const int code = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+    const int code =
+        posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     close(ends[1]);
     std::string said;
     char block[4096];
     ssize_t count = 0;
-    while (code == 0 && ((count = read(ends[0], block, sizeof block)) > 0 ||
-                         (count < 0 && errno == EINTR)))
+    while (code == 0 &&
+           ((count = read(ends[0], block, sizeof block)) > 0 || (count < 0 && errno == EINTR)))
         if (count > 0 && said.size() < MOST_SAID)
             said.append(block, static_cast<size_t>(count));
     close(ends[0]);
@@ -96,7 +97,8 @@ std::string withoutPicture(const std::string &line, const std::string &palette)
     if (end == line.npos || line.compare(0, stem.size(), stem) != 0)
         return line;
     const size_t colon = line.find(':', stem.size());
-    const std::string number = colon < end ? "scene line " + line.substr(colon + 1, end - colon - 1) + ": " : "";
+    const std::string number =
+        colon < end ? "scene line " + line.substr(colon + 1, end - colon - 1) + ": " : "";
     return number + line.substr(end + 9);
 }
 
@@ -119,10 +121,10 @@ public:
         if (!said)
             return {false, "cannot start thumbrender: " + std::string(std::strerror(errno))};
         const std::string line = firstLine(*said);
+        readRule(depfile);
         if (!isNew(before, identify(myItem.picture)))
             return {false, line.empty() ? "no picture " + myItem.picture + " was made"
                                         : withoutPicture(line, myItem.palette)};
-        readRule(depfile);
         return {true, *said};
     }
 
@@ -155,8 +157,7 @@ private:
     {
         std::string text;
         const size_t colon = tm_readFile(depfile, text) ? text.find(": ") : text.npos;
-        myRule = UTquoteForMake(myItem.stamp) +
-                 (colon == text.npos ? ":\n" : text.substr(colon));
+        myRule = UTquoteForMake(myItem.stamp) + (colon == text.npos ? ":\n" : text.substr(colon));
         std::error_code ignored;
         fs::remove(depfile, ignored);
     }

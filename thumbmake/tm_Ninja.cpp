@@ -186,8 +186,7 @@ void listen(Ninja &ninja, Listener &listener, tm_Outcome &outcome)
     const int status = ninja.wait();
     outcome.wasInterrupted = listener.wasInterrupted;
     outcome.error = listener.error;
-    if (status != 0 && outcome.failures.empty() && outcome.error.empty() &&
-        !outcome.wasInterrupted)
+    if (status != 0 && outcome.failures.empty() && outcome.error.empty() && !outcome.wasInterrupted)
         outcome.error = "ninja ended with status " + std::to_string(status);
 }
 } // namespace

@@ -127,8 +127,8 @@ bool takeOption(const std::vector<std::string> &words, size_t &at, tm_Options &o
     }
     if (option->handler(options, words[at]))
         return true;
-    error = word + " expected " + option->value + " (" + option->what + "), found '" + words[at] +
-            "'";
+    error =
+        word + " expected " + option->value + " (" + option->what + "), found '" + words[at] + "'";
     return false;
 }
 

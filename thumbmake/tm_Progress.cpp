@@ -51,8 +51,8 @@ std::string tm_Progress::timeLeft(long done, long all) const
     const double passed = seconds() - myStart;
     if (done >= all || passed < 1)
         return "";
-    const auto left = static_cast<long>(passed / static_cast<double>(done) *
-                                        static_cast<double>(all - done));
+    const auto left =
+        static_cast<long>(passed / static_cast<double>(done) * static_cast<double>(all - done));
     char text[64];
     if (left >= 3600)
         std::snprintf(text, sizeof text, "  %ld:%02ld:%02ld left", left / 3600, left / 60 % 60,

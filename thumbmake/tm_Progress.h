@@ -22,8 +22,8 @@ private:
     void clear();
     std::string timeLeft(long done, long all) const;
 
-    bool isShown;          // at all
-    bool isWrittenOver;    // on a terminal
-    bool hasLine = false;  // that is to be cleared
-    double myStart;        // seconds
+    bool isShown;         // at all
+    bool isWrittenOver;   // on a terminal
+    bool hasLine = false; // that is to be cleared
+    double myStart;       // seconds
 };
