@@ -1,0 +1,185 @@
+"""Lets every allocation and every system call of small jobs fail, one at a time."""
+import collections
+import concurrent.futures
+import errno
+import itertools
+import os
+import signal
+
+from place import Place
+
+# What is hindered in each kind of call; the errors are those that fit.
+CALLS = {
+    "open": "EACCES EMFILE ENOMEM EINTR EIO ENOSPC ENOENT", "read": "EIO EINTR",
+    "write": "EIO ENOSPC EINTR EPIPE", "close": "EIO EINTR", "rename": "EIO ENOSPC EACCES",
+    "link": "EIO ENOSPC EPERM", "unlink": "EIO EACCES", "stat": "EIO EACCES ENOENT",
+    "access": "EIO EACCES", "mmap": "ENOMEM", "brk": "ENOMEM", "mprotect": "ENOMEM",
+    "munmap": "ENOMEM", "madvise": "EINVAL", "clone": "EAGAIN ENOMEM", "exec": "ENOMEM EACCES",
+    "pipe": "EMFILE", "dup": "EBUSY EINTR", "wait": "EINTR ECHILD", "truncate": "EIO ENOSPC",
+    "sync": "EIO ENOSPC", "chmod": "EPERM EIO", "chown": "EPERM", "mkdir": "EACCES ENOSPC",
+    "getdents": "EIO", "readlink": "EIO", "getcwd": "ENOENT", "chdir": "EACCES",
+    "lseek": "ESPIPE", "ioctl": "EIO", "fcntl": "EMFILE", "timer": "EAGAIN", "poll": "EINTR",
+    "affinity": "EINVAL", "random": "ENOSYS EINTR", "sigaction": "EINVAL", "memfd": "EMFILE",
+}
+SHORT = ("read", "write")
+SIGNALS = "INT TERM HUP QUIT PIPE ALRM USR1 USR2 XCPU XFSZ ABRT SEGV KILL"
+
+# A command whose `program` is hindered; `picture` is what it makes, None for its output.
+Job = collections.namedtuple("Job", "name program command picture stdin tiny")
+JOBS = [
+    Job("vcpp", "vcpp", ["vcpp", "-DX=1", "main.in"], None, None, False),
+    Job("vcpp -", "vcpp", ["vcpp", "-DX=1", "-"], None, "main.in", False),
+    Job("thumbrender, tiny renderer", "thumbrender", ["thumbrender", "x.palette"], "x.jpg", None,
+        True),
+    Job("thumbrender, tiny RIB", "thumbrender", ["thumbrender", "-r", "prman", "x.palette"],
+        "x.jpg", None, True),
+    Job("thumbrender, vaskel", "thumbrender", ["thumbrender", "x.palette"], "x.jpg", None, False),
+    Job("vaskel, under it", "vaskel", ["thumbrender", "x.palette"], "x.jpg", None, False),
+    Job("vaskel", "vaskel", ["vaskel", "scene"], "x.jpg", None, False),
+    Job("vaskel -", "vaskel", ["vaskel", "-"], "x.jpg", "scene", False),
+]
+QUICK = ("vcpp", "thumbrender, tiny renderer", "vaskel")
+
+
+def faults_of(what):
+    """The faults of one row of the table, for every number."""
+    for number in itertools.count(1):
+        if what[0] == "memory":
+            yield ("memory", "%d%s" % (number, what[1]))
+        else:
+            yield (what[0], number, what[1])
+
+
+def rows(quick):
+    """Call, error (as printed), and what the tracer or the library is told."""
+    yield "memory", "once", ("memory", "")
+    yield "memory", "from then on", ("memory", "+")
+    for call, errors in CALLS.items():
+        for name in errors.split()[:1 if quick else None]:
+            yield call, name, (call, "error %d" % getattr(errno, name))
+            if not quick:
+                yield call, name + " on", (call, "error+ %d" % getattr(errno, name))
+    for call in SHORT:
+        yield call, "short", (call, "short")
+        yield call, "short on", (call, "short+")
+        yield call, "cut, EIO", (call, "cut %d" % errno.EIO)
+    for name in ("TERM USR1" if quick else SIGNALS).split():
+        yield "any", "SIG" + name, ("any", "signal %d" % getattr(signal, "SIG" + name))
+
+
+class Sweep:
+    """One job in a place of its own."""
+
+    def __init__(self, job, folder, programs):
+        self.job = job
+        self.place = Place(folder, programs, tiny=job.tiny)
+        run = self.execute(None)
+        self.output = run.out
+        self.picture = job.picture and self.place.snapshot()["work/" + job.picture]
+        if run.status != 0 or run.err or self.place.changes(self.own()) or (
+                job.picture and self.picture == self.place.before["work/" + job.picture]):
+            raise SystemExit("%s does not work unhindered: %s" % (job.name, run))
+        self.place.reset()
+
+    def own(self):
+        return ("work/" + self.job.picture,) if self.job.picture else ()
+
+    def execute(self, fault):
+        options = {}
+        if self.job.stdin:
+            options["stdin"] = open(self.place.file(self.job.stdin), "rb")
+        if fault is None:
+            return self.place.run(self.job.command, **options)
+        return self.place.run_hindered(self.job.command, self.job.program, fault, **options)
+
+    def is_right(self, run):
+        """All is there that an unhindered run gives."""
+        if self.job.picture:
+            return self.place.snapshot().get("work/" + self.job.picture) == self.picture
+        return run.out == self.output
+
+    def judge(self, run, fault):
+        """What is wrong about a hindered run, as phrases."""
+        if run.status is None:
+            return ["hangs"]
+        wrong = []
+        right = self.is_right(run)
+        is_signal = str(fault[-1]).startswith("signal")
+        if run.status < 0 and not (is_signal and run.status == -int(fault[-1].split()[1])):
+            wrong.append("ends by signal %d" % -run.status)
+        elif not is_signal:
+            wrong += self.judge_status(run, right)
+        if not right and run.call != "write" and not is_signal and not run.err.strip():
+            wrong.append("no message")
+        # What could not be removed stays.
+        changes = self.place.changes(self.own() if right else ())
+        return wrong + [change for change in changes
+                        if run.call != "unlink" or not change.startswith("leaves")]
+
+    def judge_status(self, run, right):
+        if self.job.command[0] == "thumbrender":
+            return [] if run.status in (0, 1) else ["status %d" % run.status]
+        documented = (0,) if right else (1, 2) if self.job.program == "vcpp" else (1,)
+        # An error behind the last byte is told as well.
+        if run.status in documented or (right and run.status == 1 and run.err):
+            return []
+        return ["status %d" % run.status]
+
+    def sweep(self, what):
+        """Number of places, and the wrong ones with what was wrong."""
+        wrong = []
+        for number, fault in enumerate(faults_of(what)):
+            run = self.execute(fault)
+            if run.hits == 0:
+                return number, wrong
+            found = self.judge(run, fault)
+            if found:
+                wrong.append((fault, found))
+            if self.place.snapshot() != self.place.before:
+                self.place.reset()
+
+
+def command_line(job, fault):
+    """To see it again by hand."""
+    what = " ".join("'%s'" % word if " " in str(word) else str(word) for word in fault)
+    return "faults.py --job '%s' --fault %s" % (job.name, what)
+
+
+def sweep_job(job, folder, programs, quick, only):
+    sweep = Sweep(job, folder, programs)
+    lines, count = [], 0
+    for call, error, what in rows(quick):
+        if only and call not in only:
+            continue
+        places, wrong = sweep.sweep(what)
+        if places:
+            lines.append("%-28s %-9s %-14s %7d %6d" % (job.name, call, error, places, len(wrong)))
+        for fault, found in wrong[:5]:
+            lines.append("    %s: %s" % (command_line(job, fault), ", ".join(found)))
+        count += len(wrong)
+    return lines, count
+
+
+def sweep_all(folder, programs, quick, only_jobs, only_calls):
+    """Prints the table; how many are wrong."""
+    print("%-28s %-9s %-14s %7s %6s" % ("program", "call", "error", "places", "wrong"))
+    jobs = [job for job in JOBS if job.name in (only_jobs or (QUICK if quick else
+                                                              [j.name for j in JOBS]))]
+    total = 0
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        runs = [pool.submit(sweep_job, job, os.path.join(folder, "sweep%d" % i), programs, quick,
+                            only_calls) for i, job in enumerate(jobs)]
+        for run in runs:
+            lines, count = run.result()
+            print("\n".join(lines), flush=True)
+            total += count
+    return total
+
+
+def show_one(folder, programs, name, fault):
+    """One fault of one job, with all that it prints."""
+    job = next(job for job in JOBS if job.name == name)
+    sweep = Sweep(job, os.path.join(folder, "one"), programs)
+    run = sweep.execute(fault)
+    print(run)
+    print("wrong:", ", ".join(sweep.judge(run, fault)) or "nothing")
