@@ -1,20 +1,18 @@
 #include "UT/UT_Memory.h"
 
+#include "UT/UT_Process.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 namespace
 {
 void *checked(void *block)
 {
-    if (block != nullptr)
-        return block;
-    static const char message[] = "Out of memory\n";
-    const ssize_t ignored = write(STDERR_FILENO, message, sizeof message - 1);
-    (void)ignored;
-    _exit(1);
+    if (block == nullptr)
+        UTdieWithoutMemory();
+    return block;
 }
 
 // A size that was negative before its conversion, or beyond any object, fails

@@ -1,5 +1,7 @@
 #include "vaskel/vk_Nearest.h"
 
+#include "UT/UT_Process.h"
+
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -65,9 +67,13 @@ std::string vk_quoted(std::string_view word)
 {
     constexpr std::size_t SHOWN = 40;
 
-    std::string text(word.substr(0, SHOWN));
-    for (char &c : text)
-        if ((c >= 0 && c < ' ') || c == 0x7f)
-            c = '?';
-    return "'" + text + (word.size() > SHOWN ? "...'" : "'");
+    const std::string text = vk_quotedName(word.substr(0, SHOWN));
+    return word.size() > SHOWN ? text.substr(0, text.size() - 1) + "...'" : text;
+}
+
+std::string vk_quotedName(std::string_view name)
+{
+    std::string text(name);
+    UTmakePrintable(text.data(), text.size());
+    return "'" + text + "'";
 }

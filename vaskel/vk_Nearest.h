@@ -18,3 +18,6 @@ std::string_view vk_nearest(std::string_view word, const std::vector<std::string
 
 // The word in single quotes, control characters as '?', cut to 40 bytes.
 std::string vk_quoted(std::string_view word);
+
+// A file's name in single quotes, control characters as '?', whole however long it is.
+std::string vk_quotedName(std::string_view name);

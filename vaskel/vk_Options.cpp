@@ -1,5 +1,6 @@
 #include "vaskel/vk_Options.h"
 
+#include "UT/UT_Environment.h"
 #include "vaskel/vk_Nearest.h"
 #include "vaskel/vk_Params.h"
 
@@ -34,6 +35,22 @@ bool takeSamples(vk_Options &options, const char *value, std::string &error)
     return false;
 }
 
+const char *const LIMIT_VARIABLE = "VELDRIN_VASKEL_LIMIT";
+
+bool takeLimit(vk_Options &options, const char *value, std::string &error)
+{
+    return vk_parseNumber(value, "--limit", 0, vk_Options::LONGEST_LIMIT, options.limit, error);
+}
+
+// A driver starts us without options.
+bool takeEnvironment(vk_Options &options, std::string &error)
+{
+    const char *const value = UTgetenv(LIMIT_VARIABLE);
+    return value == nullptr || *value == '\0' ||
+           vk_parseNumber(value, LIMIT_VARIABLE, 0, vk_Options::LONGEST_LIMIT, options.limit,
+                          error);
+}
+
 bool takeQuality(vk_Options &options, const char *value, std::string &error)
 {
     std::vector<std::string_view> known;
@@ -58,6 +75,7 @@ struct Option {
 constexpr Option OPTIONS[] = {
     {"--samples", "N", takeSamples, "samples for every pixel, quiet or not"},
     {"--quality", "Q", takeQuality, "draft, default or final"},
+    {"--limit", "SECONDS", takeLimit, "give up after so long; 0: never, however much is asked for"},
     {"--stats", nullptr, takeStats, "tell on standard error what the picture took"},
     {"--list-shaders", nullptr, act<VK_LIST_SHADERS>, "print the shaders with their parameters"},
     {"--help", nullptr, act<VK_HELP>, "print this text and end"},
@@ -95,6 +113,7 @@ bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, st
     int scenes = 0;
     bool inOptions = true;
     std::string first; // complaint
+    static_cast<void>(takeEnvironment(options, first));
     for (int i = 1; i < argc; ++i) {
         std::string wrong;
         if (inOptions && std::strcmp(argv[i], "--") == 0)
@@ -125,8 +144,14 @@ std::string vk_usage()
         left.resize(20, ' ');
         text += left + option.what + "\n";
     }
-    return text + "Environment:\n"
-                  "  VELDRIN_MAXTHREADS  how many threads draw, 1 to 100;\n"
-                  "                      0 or -1: one for each processor\n"
-                  "The scene language is described in doc/scene.md.\n";
+    return text +
+           "Environment:\n"
+           "  VELDRIN_MAXTHREADS  how many threads draw, 1 to 100;\n"
+           "                      0 or -1: one for each processor\n"
+           "  VELDRIN_VASKEL_LIMIT  stands for a --limit that is not given\n"
+           "Of a scene from standard input, width times height times samples may be at\n"
+           "most " +
+           std::to_string(vk_Scene::MOST_WORK) +
+           " (2048 x 2048 pixels with 256 samples); any limit lifts that.\n"
+           "The scene language is described in doc/scene.md.\n";
 }

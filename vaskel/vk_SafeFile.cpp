@@ -1,47 +1,21 @@
 #include "vaskel/vk_SafeFile.h"
 
 #include <cerrno>
-#include <climits>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <utility>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
-constexpr int SIGNALS[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGABRT, SIGXFSZ, SIGXCPU};
+constexpr mode_t GROUP_SHIFT = 3; // from the bits of others to those of the group
 
-// What the handler removes; valid while armed.
-char doomed[PATH_MAX];
-volatile sig_atomic_t isArmed = 0;
-
-// Only what POSIX calls async-signal-safe.
-extern "C" void removeAndDie(int number)
-{
-    vk_SafeFile::abandon();
-    signal(number, SIG_DFL);
-    raise(number);
-}
-
-// Signals that somebody chose to ignore (nohup) stay ignored.
-void catchSignals()
-{
-    for (const int number : SIGNALS) {
-        struct sigaction action = {};
-        if (sigaction(number, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
-            continue;
-        action.sa_handler = removeAndDie;
-        sigfillset(&action.sa_mask);
-        sigaction(number, &action, nullptr);
-    }
-}
-
-// Keeps the signals back while the temporary file's name and its existence
-// are not yet or no longer in step.
+// Keeps signals back while a file lies beside the target. By then no other thread is
+// left that could take them.
 class SignalPause
 {
 public:
@@ -59,86 +33,64 @@ private:
     sigset_t myBefore;
 };
 
-// Where a name leads: links resolved, or the name itself when nothing is there.
-std::string resolved(const std::string &name)
+// Up to and with the last '/'.
+std::string folderOf(const std::string &name)
 {
-    const std::unique_ptr<char, decltype(&std::free)> path(realpath(name.c_str(), nullptr),
-                                                           &std::free);
-    return path != nullptr ? path.get() : name;
+    const std::size_t slash = name.rfind('/');
+    return slash == std::string::npos ? "" : name.substr(0, slash + 1);
 }
 
 std::string temporaryName(const std::string &target)
 {
-    const std::size_t slash = target.rfind('/');
-    const std::size_t folder = slash == std::string::npos ? 0 : slash + 1;
+    const std::string folder = folderOf(target);
     // A name may be 255 bytes long, of which the frame takes 16.
-    return target.substr(0, folder) + "." + target.substr(folder, 200) + ".vaskel-XXXXXX";
+    return folder + "." + target.substr(folder.size(), 200) + ".vaskel-XXXXXX";
 }
 
-unsigned newFileMode()
+mode_t newFileMode()
 {
     const mode_t mask = umask(0);
     umask(mask);
     return 0666 & ~mask;
 }
+
+// `made` is what the new file is by itself. The old file's bits were given to its owner
+// and to its group: another owner's mean nothing here, and another group gets no more
+// than everybody.
+mode_t permissions(const std::string &target, const struct stat &made)
+{
+    struct stat old = {};
+    if (lstat(target.c_str(), &old) != 0 || !S_ISREG(old.st_mode) || old.st_uid != made.st_uid)
+        return newFileMode();
+    const mode_t bits = old.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
+    if (old.st_gid == made.st_gid)
+        return bits;
+    return bits & (~static_cast<mode_t>(S_IRWXG) | (bits & S_IRWXO) << GROUP_SHIFT);
+}
 } // namespace
 
-void vk_SafeFile::abandon()
-{
-    if (isArmed != 0)
-        unlink(doomed);
-}
-
-vk_SafeFile::~vk_SafeFile()
-{
-    discard();
-}
+vk_SafeFile::vk_SafeFile(const std::string &target) : myTarget(target) {}
 
 bool vk_SafeFile::fail(const char *what, int code)
 {
-    myError = std::string(what) + " '" + myTarget + "': " + std::strerror(code);
-    discard();
+    myError = std::string(what) + ": " + std::strerror(code);
     return false;
 }
 
-void vk_SafeFile::discard()
+bool vk_SafeFile::isWritable()
 {
-    if (myFile >= 0)
-        close(myFile);
-    myFile = -1;
-    if (myTemporary.empty())
-        return;
-    const SignalPause pause;
-    unlink(myTemporary.c_str());
-    isArmed = 0;
-    myTemporary.clear();
-}
-
-bool vk_SafeFile::open(const std::string &target)
-{
-    myTarget = resolved(target);
     struct stat there = {};
-    const bool exists = stat(myTarget.c_str(), &there) == 0;
-    if (exists && !S_ISREG(there.st_mode)) {
-        myError = "cannot replace '" + target + "': not a regular file";
+    if (lstat(myTarget.c_str(), &there) == 0 && !S_ISREG(there.st_mode) &&
+        !S_ISLNK(there.st_mode)) {
+        myError = "cannot replace what is there: not a regular file";
         return false;
     }
-    myMode = exists ? there.st_mode & 07777 : newFileMode();
-    std::string temporary = temporaryName(myTarget);
-    if (temporary.size() >= sizeof doomed)
-        return fail("cannot write", ENAMETOOLONG);
-    catchSignals();
-    const SignalPause pause;
-    myFile = mkstemp(temporary.data());
-    if (myFile < 0)
-        return fail("cannot write", errno);
-    std::memcpy(doomed, temporary.c_str(), temporary.size() + 1);
-    isArmed = 1;
-    myTemporary = std::move(temporary);
-    return true;
+    const std::string folder = folderOf(myTarget);
+    const char *const place = folder.empty() ? "." : folder.c_str();
+    return faccessat(AT_FDCWD, place, W_OK | X_OK, AT_EACCESS) == 0 || fail("cannot write", errno);
 }
 
-bool vk_SafeFile::write(const char *bytes, std::size_t count)
+bool vk_SafeFile::writeAll(const char *bytes, std::size_t count)
 {
     while (count > 0) {
         const ssize_t written = ::write(myFile, bytes, count);
@@ -152,18 +104,32 @@ bool vk_SafeFile::write(const char *bytes, std::size_t count)
     return true;
 }
 
-bool vk_SafeFile::commit(const void *bytes, std::size_t count)
+// Writes the new file and closes it in any case; errno tells a failure.
+bool vk_SafeFile::fill(const char *bytes, std::size_t count)
 {
-    if (!write(static_cast<const char *>(bytes), count) || fchmod(myFile, myMode) != 0)
-        return fail("cannot write", errno);
-    const int file = myFile;
-    myFile = -1;
-    if (close(file) != 0)
-        return fail("cannot write", errno);
+    struct stat made = {};
+    const bool good = fstat(myFile, &made) == 0 && writeAll(bytes, count) &&
+                      fchmod(myFile, permissions(myTarget, made)) == 0;
+    const int code = errno;
+    const bool closed = close(myFile) == 0;
+    if (!good)
+        errno = code;
+    return good && closed;
+}
+
+bool vk_SafeFile::write(const void *bytes, std::size_t count)
+{
+    if (!isWritable()) // which may have changed since
+        return false;
+    std::string temporary = temporaryName(myTarget);
     const SignalPause pause;
-    if (std::rename(myTemporary.c_str(), myTarget.c_str()) != 0)
-        return fail("cannot replace", errno);
-    isArmed = 0;
-    myTemporary.clear();
-    return true;
+    myFile = mkstemp(temporary.data());
+    if (myFile < 0)
+        return fail("cannot write", errno);
+    const bool filled = fill(static_cast<const char *>(bytes), count);
+    if (filled && std::rename(temporary.c_str(), myTarget.c_str()) == 0)
+        return true;
+    const int code = errno;
+    unlink(temporary.c_str());
+    return fail(filled ? "cannot replace" : "cannot write", code);
 }

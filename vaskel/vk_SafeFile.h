@@ -1,13 +1,12 @@
-// A file that is there whole or not at all.
+// A picture's file, which is there whole or not at all.
 //
-// What is written goes to a temporary file in the target's folder, named
-// ".NAME.vaskel-XXXXXX", which takes the target's place when all of it is
-// written. Until then an existing target stays as it was. The temporary file
-// goes when commit() is not reached, and when one of the signals that end
-// programs (SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGQUIT, SIGABRT, SIGXFSZ, SIGXCPU)
-// comes; the process then ends by that signal. Only SIGKILL leaves it behind.
+// While the picture is drawn its folder stays as it is. write() puts the bytes into a
+// file beside the target, named ".NAME.vaskel-XXXXXX", which then takes the target's
+// place (POSIX rename). Signals wait meanwhile, so only SIGKILL can leave that file,
+// within the moment that writing takes; a full disk or a limit removes it.
 //
-// One such file at a time; a process has one set of signals.
+// A symbolic link is replaced itself, its target is not touched. Whatever else is no
+// regular file stays, and that is an error.
 #pragma once
 
 #include <cstddef>
@@ -16,36 +15,26 @@
 class vk_SafeFile
 {
 public:
-    vk_SafeFile() = default;
-    ~vk_SafeFile();
-    vk_SafeFile(const vk_SafeFile &) = delete;
-    vk_SafeFile &operator=(const vk_SafeFile &) = delete;
+    explicit vk_SafeFile(const std::string &target);
 
-    // Makes the temporary file. A symbolic link is followed: what it points to
-    // is replaced. False when the target is there but no regular file, or the
-    // folder is missing or not writable.
-    [[nodiscard]] bool open(const std::string &target);
+    // Whether write() is likely to succeed, so that nobody draws in vain: the folder can
+    // be written and what is there can be replaced. Changes nothing.
+    [[nodiscard]] bool isWritable();
 
-    // Writes the bytes and renames, without waiting for the device: a picture can be
-    // drawn again. The target keeps its permissions, a new one gets those that the
-    // umask leaves.
-    [[nodiscard]] bool commit(const void *bytes, std::size_t count);
+    // Writes and renames, without waiting for the device: a picture can be drawn again.
+    // The file gets the permissions of a new one, or the read, write and execute bits of
+    // a regular file of the same owner that it replaces; never more than those.
+    [[nodiscard]] bool write(const void *bytes, std::size_t count);
 
-    // Removes the temporary file of the one that is open. Takes no memory, so that it
-    // can be called when there is none.
-    static void abandon();
-
-    // After a failure: what went wrong, with the target's name.
+    // After a failure: what went wrong, without the target's name.
     const std::string &error() const { return myError; }
 
 private:
     bool fail(const char *what, int code);
-    bool write(const char *bytes, std::size_t count);
-    void discard();
+    bool writeAll(const char *bytes, std::size_t count);
+    bool fill(const char *bytes, std::size_t count);
 
     std::string myTarget;
-    std::string myTemporary;
     std::string myError;
     int myFile = -1;
-    unsigned myMode = 0;
 };

@@ -8,6 +8,7 @@
 #include "vaskel/vk_Shapes.h"
 #include "vaskel/vk_SurfaceShaders.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,6 +32,9 @@ struct vk_Scene {
     static constexpr int MOST_SAMPLES = 65536; // a pixel
     static constexpr int LONGEST_SIDE = 8192;
     static constexpr int MOST_PIXELS = 1 << 24;
+    // Width times height times samples that a scene may ask for which somebody else wrote:
+    // some ten seconds to a few minutes.
+    static constexpr std::int64_t MOST_WORK = 1 << 30;
 
     std::string picture; // file name
     int width = 256;
@@ -49,4 +53,6 @@ struct vk_Scene {
 
     std::vector<std::unique_ptr<vk_Light>> lights;
     std::vector<vk_ShapeEntry> shapes;
+
+    std::int64_t work() const { return std::int64_t{width} * height * samples; }
 };

@@ -1,8 +1,11 @@
 #include "vaskel/vk_SceneReader.h"
 
+#include "UT/UT_Process.h"
 #include "vaskel/vk_Line.h"
 #include "vaskel/vk_Picture.h"
 
+#include <cerrno>
+#include <cstring>
 #include <iterator>
 
 namespace
@@ -63,10 +66,11 @@ const vk_SceneReader::Statement vk_SceneReader::STATEMENTS[] = {
     {"tube", "PARAMETERS", &vk_SceneReader::doShape, "an open cylinder"},
     {"teapot", "PARAMETERS", &vk_SceneReader::doShape, "the teapot"},
     {"default", "STATEMENT", &vk_SceneReader::doDefault, "counts if its word is new"},
-    {"end", "nothing", &vk_SceneReader::doEnd, "nothing behind it is read"},
+    {"end", "nothing", &vk_SceneReader::doEnd, "the last one of every scene"},
 };
 
-vk_SceneReader::vk_SceneReader(const char *name, vk_Scene &scene) : myName(name), myScene(&scene)
+vk_SceneReader::vk_SceneReader(const char *name, vk_Scene &scene)
+    : myName(name != nullptr ? name : ""), myScene(&scene)
 {
     scene.backdrop = vk_grey(NEUTRAL);
     scene.environment = firstOf(VK_ENVIRONMENT_SHADERS);
@@ -84,7 +88,7 @@ std::vector<std::string_view> vk_SceneReader::words()
 
 bool vk_SceneReader::read(std::FILE *file)
 {
-    while (!myEnded && readLine(file)) {
+    while (myMessages.size() < MOST_MESSAGES && readLine(file)) {
         ++myLineNumber;
         if (myLine.size() > LONGEST_LINE) {
             report("expected a line of at most a million bytes");
@@ -93,9 +97,11 @@ bool vk_SceneReader::read(std::FILE *file)
         takeLine();
     }
     if (std::ferror(file) != 0)
-        report("cannot be read");
+        report(std::string("cannot be read: ") + std::strerror(errno));
     if (myMessages.empty())
         checkWhole();
+    if (myMessages.size() >= MOST_MESSAGES)
+        report("too many errors, reading stopped");
     return myMessages.empty();
 }
 
@@ -113,6 +119,10 @@ bool vk_SceneReader::readLine(std::FILE *file)
 
 void vk_SceneReader::takeLine()
 {
+    if (myEnded) {
+        checkBehindEnd();
+        return;
+    }
     if (!vk_splitLine(myLine, myWords, myError) && !takesLine()) {
         report(myError);
         return;
@@ -152,20 +162,39 @@ bool vk_SceneReader::wrong(const std::string &message)
 
 void vk_SceneReader::report(const std::string &message)
 {
-    myMessages.push_back(myName + ":" + std::to_string(myLineNumber) + ": error: " + message);
-    if (myMessages.size() < MOST_MESSAGES || myEnded)
-        return;
-    myMessages.push_back(myName + ":" + std::to_string(myLineNumber) +
-                         ": error: too many errors, reading stopped");
-    myEnded = true;
+    myMessages.push_back(std::to_string(myLineNumber) + ": error: " + message);
 }
 
+// Made at the end, when the picture's name is known.
+std::vector<std::string> vk_SceneReader::messages() const
+{
+    const std::string &picture = myScene->picture;
+    std::string name = !myName.empty() ? myName : !picture.empty() ? picture : "<stdin>";
+    UTmakePrintable(name.data(), name.size());
+    std::vector<std::string> all;
+    for (const std::string &message : myMessages)
+        all.push_back(name + ":" + message);
+    return all;
+}
+
+// A scene that was cut off, by a writer that died say, must not pass for a whole one.
 void vk_SceneReader::checkWhole()
 {
+    if (!myEnded) {
+        report("expected the statement 'end' as the last one, found the end of the text");
+        return;
+    }
     if (myScene->picture.empty())
         report("expected a statement 'picture NAME' before the end");
     if (!myScene->hasCamera)
         report("expected a statement 'camera PARAMETERS' before the end");
+}
+
+void vk_SceneReader::checkBehindEnd()
+{
+    const std::size_t first = myLine.find_first_not_of(" \t\r\v\f");
+    if (first != std::string::npos)
+        report("expected nothing behind 'end', found " + vk_quoted(myLine.substr(first)));
 }
 
 // Puts the words behind the first into myNumbers, `least` to `most` of them.
@@ -193,8 +222,11 @@ bool vk_SceneReader::doPicture()
     if (!vk_isPictureName(name))
         return wrong("picture expected a name that ends in .jpg, .jpeg or .png, found " +
                      vk_quoted(name));
+    // Text in front of the scene must not choose where the picture goes. Messages take
+    // the later name.
+    const bool isFirst = myScene->picture.empty();
     myScene->picture = name;
-    return true;
+    return isFirst || wrong("picture expected only once in a scene");
 }
 
 bool vk_SceneReader::doSize()

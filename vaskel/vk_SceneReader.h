@@ -5,6 +5,9 @@
 // message "file:line: error: ..." that says what was expected and names the
 // nearest known word; reading goes on behind it, so that one run shows more
 // than one mistake and whoever writes to a pipe can finish.
+//
+// Only a scene that was read up to its last statement, `end`, counts: half of one looks
+// like another scene.
 #pragma once
 
 #include "vaskel/vk_Scene.h"
@@ -17,15 +20,16 @@
 class vk_SceneReader
 {
 public:
-    // `name` is what messages call the file.
+    // `name` is what messages call the file; null: the picture's name, as far as the
+    // scene has one.
     vk_SceneReader(const char *name, vk_Scene &scene);
 
-    // Reads to the end of the file or the statement `end`. False when something
-    // was wrong; the scene is then not to be drawn.
+    // Reads to the end of the file, or to the tenth mistake. False when something was
+    // wrong; the scene is then not to be drawn.
     [[nodiscard]] bool read(std::FILE *file);
 
-    // The messages, in order, without newlines; at ten reading stops.
-    const std::vector<std::string> &messages() const { return myMessages; }
+    // The messages, in order, without newlines.
+    std::vector<std::string> messages() const;
 
     // For tests and lists: the words of all statements.
     static std::vector<std::string_view> words();
@@ -54,6 +58,7 @@ private:
     bool takesLine() const;
     void report(const std::string &message);
     void checkWhole();
+    void checkBehindEnd();
 
     bool wrong(const std::string &message);
     bool takesNumbers(int least, int most, float smallest, float largest);
@@ -90,8 +95,8 @@ private:
     vk_Words myWords;
     float myNumbers[3] = {0, 0, 0}; // of takesNumbers()
     std::string myError;
-    std::vector<std::string> myMessages;
-    std::set<std::string> mySeen; // words of statements used without `default`
+    std::vector<std::string> myMessages; // without the file's name
+    std::set<std::string> mySeen;        // words of statements used without `default`
     bool myEnded = false;
     State myState;
 };

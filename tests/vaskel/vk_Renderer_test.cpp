@@ -17,6 +17,7 @@ constexpr char STUDIO[] = "picture p.png\ncamera\nfloor v_checker\n"
 
 void readScene(std::string text, vk_Scene &scene)
 {
+    text += "\nend\n";
     std::FILE *const file = fmemopen(text.data(), text.size(), "r");
     vk_SceneReader reader("s", scene);
     EXPECT_TRUE(reader.read(file)) << reader.messages()[0];

@@ -39,12 +39,29 @@ static std::string told(std::string text)
 TEST(SceneReader, TellsMistakesOrTheSceneByTheTable)
 {
     const auto behind = [](const std::string &head) {
-        return [head](const char *in) { return told(head + in + '\n'); };
+        return [head](const char *in) { return told(head + in + "\nend\n"); };
     };
     expectTable(TEST_DATA "/data/scenes", {{"scene", told},
                                            {"third line", behind("picture p.jpg\ncamera\n")},
                                            {"picture", behind("camera\n")}});
     EXPECT_EQ("s:1: error: expected text, found a zero byte\n", told({"cam\0era\n", 8}));
+}
+
+TEST(SceneReader, MessagesTakeThePicturesNameWhereTheSceneHasNone)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"bad\npicture a\x1b[2J.jpg\n", "a?[2J.jpg:1"},
+        {"picture evil.jpg\npicture good.jpg\n", "good.jpg:2"},
+        {"bad\n", "<stdin>:1"},
+    };
+    for (auto [text, start] : cases) {
+        vk_Scene scene;
+        vk_SceneReader reader(nullptr, scene);
+        std::FILE *const file = fmemopen(text.data(), text.size(), "r");
+        EXPECT_FALSE(reader.read(file));
+        std::fclose(file);
+        EXPECT_THAT(reader.messages().front(), testing::StartsWith(start + ": error: "));
+    }
 }
 
 TEST(SceneReader, TheManualHasEveryStatementAndShader)
