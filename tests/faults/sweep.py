@@ -5,6 +5,7 @@ import errno
 import itertools
 import os
 import signal
+import threading
 
 from place import Place
 
@@ -41,9 +42,9 @@ JOBS = [
 QUICK = ("vcpp", "thumbrender, tiny renderer", "vaskel")
 
 
-def faults_of(what):
-    """The faults of one row of the table, for every number."""
-    for number in itertools.count(1):
+def faults_of(what, step):
+    """The faults of one row of the table, for every number or each step-th one."""
+    for number in itertools.count(1, step):
         if what[0] == "memory":
             yield ("memory", "%d%s" % (number, what[1]))
         else:
@@ -53,17 +54,19 @@ def faults_of(what):
 def rows(quick):
     """Call, error (as printed), and what the tracer or the library is told."""
     yield "memory", "once", ("memory", "")
-    yield "memory", "from then on", ("memory", "+")
+    if not quick:
+        yield "memory", "from then on", ("memory", "+")
     for call, errors in CALLS.items():
         for name in errors.split()[:1 if quick else None]:
             yield call, name, (call, "error %d" % getattr(errno, name))
-            if not quick:
+            # Who tries again after EINTR may do so for ever.
+            if not quick and name != "EINTR":
                 yield call, name + " on", (call, "error+ %d" % getattr(errno, name))
     for call in SHORT:
         yield call, "short", (call, "short")
         yield call, "short on", (call, "short+")
         yield call, "cut, EIO", (call, "cut %d" % errno.EIO)
-    for name in ("TERM USR1" if quick else SIGNALS).split():
+    for name in ("USR1" if quick else SIGNALS).split():
         yield "any", "SIG" + name, ("any", "signal %d" % getattr(signal, "SIG" + name))
 
 
@@ -125,18 +128,18 @@ class Sweep:
             return []
         return ["status %d" % run.status]
 
-    def sweep(self, what):
+    def sweep(self, what, step):
         """Number of places, and the wrong ones with what was wrong."""
         wrong = []
-        for number, fault in enumerate(faults_of(what)):
+        for number, fault in enumerate(faults_of(what, step)):
             run = self.execute(fault)
-            if run.hits == 0:
-                return number, wrong
             found = self.judge(run, fault)
             if found:
                 wrong.append((fault, found))
-            if self.place.snapshot() != self.place.before:
+            if self.place.changes():
                 self.place.reset()
+            if run.hits == 0:
+                return number, wrong
 
 
 def command_line(job, fault):
@@ -145,40 +148,63 @@ def command_line(job, fault):
     return "faults.py --job '%s' --fault %s" % (job.name, what)
 
 
-def sweep_job(job, folder, programs, quick, only):
-    sweep = Sweep(job, folder, programs)
-    lines, count = [], 0
-    for call, error, what in rows(quick):
-        if only and call not in only:
-            continue
-        places, wrong = sweep.sweep(what)
-        if places:
-            lines.append("%-28s %-9s %-14s %7d %6d" % (job.name, call, error, places, len(wrong)))
-        for fault, found in wrong[:5]:
-            lines.append("    %s: %s" % (command_line(job, fault), ", ".join(found)))
-        count += len(wrong)
-    return lines, count
+class Sweeps:
+    """For each thread and job a place that is made once."""
+
+    def __init__(self, folder, programs):
+        self.folder, self.programs = folder, programs
+        self.known = threading.local()
+
+    def of(self, job):
+        sweeps = self.known.__dict__.setdefault("sweeps", {})
+        if job.name not in sweeps:
+            folder = os.path.join(self.folder, "%d-%s" % (threading.get_ident(), job.name))
+            sweeps[job.name] = Sweep(job, folder, self.programs)
+        return sweeps[job.name]
+
+
+def sweep_row(sweeps, job, row, step):
+    """The row's lines and how many places are wrong."""
+    call, error, what = row
+    places, wrong = sweeps.of(job).sweep(what, step)
+    if places == 0:
+        return [], 0
+    lines = ["%-28s %-9s %-14s %7d %6d" % (job.name, call, error, places, len(wrong))]
+    for fault, found in wrong[:5]:
+        lines.append("    %s: %s" % (command_line(job, fault), ", ".join(found)))
+    return lines, len(wrong)
 
 
 def sweep_all(folder, programs, quick, only_jobs, only_calls):
     """Prints the table; how many are wrong."""
     print("%-28s %-9s %-14s %7s %6s" % ("program", "call", "error", "places", "wrong"))
-    jobs = [job for job in JOBS if job.name in (only_jobs or (QUICK if quick else
-                                                              [j.name for j in JOBS]))]
+    sweeps = Sweeps(folder, programs)
     total = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        runs = [pool.submit(sweep_job, job, os.path.join(folder, "sweep%d" % i), programs, quick,
-                            only_calls) for i, job in enumerate(jobs)]
+        runs = [pool.submit(sweep_row, sweeps, job, row, row_step(row, quick))
+                for job in chosen_jobs(quick, only_jobs) for row in rows(quick)
+                if not only_calls or row[0] in only_calls]
         for run in runs:
             lines, count = run.result()
-            print("\n".join(lines), flush=True)
             total += count
+            if lines:
+                print("\n".join(lines), flush=True)
     return total
+
+
+def chosen_jobs(quick, names):
+    names = names or (QUICK if quick else [job.name for job in JOBS])
+    return [job for job in JOBS if job.name in names]
+
+
+def row_step(row, quick):
+    """The many places of these are looked at in part when there is little time."""
+    return 7 if quick and row[0] in ("memory", "any") else 1
 
 
 def show_one(folder, programs, name, fault):
     """One fault of one job, with all that it prints."""
-    job = next(job for job in JOBS if job.name == name)
+    job = chosen_jobs(False, [name])[0]
     sweep = Sweep(job, os.path.join(folder, "one"), programs)
     run = sweep.execute(fault)
     print(run)

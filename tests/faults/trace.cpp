@@ -128,8 +128,12 @@ struct Fault {
 
 struct Process {
     bool isCounted = false;
-    int error = 0;  // of the call that it is in
-    int signal = 0; // to send behind that call
+    // About the call that it is in: its true arguments where they were changed, the
+    // error that it gets, and the signal that comes behind it.
+    bool isChanged = false;
+    user_regs_struct arguments = {};
+    int error = 0;
+    int signal = 0;
 };
 
 const char *groupOf(long number)
@@ -177,10 +181,14 @@ void hinder(pid_t pid, user_regs_struct registers, Process &process, Fault &faul
         process.signal = fault.value;
         return;
     }
+    process.isChanged = true;
+    process.arguments = registers;
     const bool isShort =
         fault.what.rfind("short", 0) == 0 || (fault.what == "cut" && fault.seen == fault.number);
     if (isShort) {
         registers.rdx = registers.rdx > 0 ? 1 : 0;
+    } else if (registers.orig_rax == SYS_brk) {
+        registers.rdi = 0; // it has no error, but tells where memory still ends
     } else {
         registers.orig_rax = static_cast<unsigned long long>(-1);
         process.error = fault.value;
@@ -200,16 +208,19 @@ void enterCall(pid_t pid, Process &process, Fault &fault)
 
 void leaveCall(pid_t pid, Process &process)
 {
-    if (process.error != 0) {
+    if (process.isChanged) {
         user_regs_struct registers;
         ptrace(PTRACE_GETREGS, pid, nullptr, &registers);
-        registers.rax = static_cast<unsigned long long>(-process.error);
+        registers.rdi = process.arguments.rdi;
+        registers.rdx = process.arguments.rdx;
+        if (process.error != 0)
+            registers.rax = static_cast<unsigned long long>(-process.error);
         ptrace(PTRACE_SETREGS, pid, nullptr, &registers);
-        process.error = 0;
     }
     if (process.signal != 0)
         kill(pid, process.signal);
-    process.signal = 0;
+    process.isChanged = false;
+    process.error = process.signal = 0;
 }
 
 void stopAtCall(pid_t pid, Process &process, Fault &fault)
