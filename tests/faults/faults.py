@@ -15,6 +15,7 @@ import shutil
 import sys
 import tempfile
 
+import rows
 import sweep
 from place import ROOT, Programs
 
@@ -27,8 +28,21 @@ def parse():
     parser.add_argument("--quick", action="store_true", help="a part of it, under a minute")
     parser.add_argument("--job", action="append", help="only this one of the table")
     parser.add_argument("--call", action="append", help="only this one of the table")
+    parser.add_argument("--row", action="append", help="only the named faults with this word")
     parser.add_argument("--fault", nargs="+", help="one fault of one job, and what comes of it")
     return parser.parse_args()
+
+
+def judge(folder, programs, arguments):
+    """How much is wrong."""
+    only = arguments.row or arguments.job or arguments.call
+    wrong = 0
+    if arguments.row or not only:
+        wrong += rows.run_rows(folder, programs, arguments.row)
+    if not arguments.row:
+        wrong += sweep.sweep_all(folder, programs, arguments.quick, arguments.job, arguments.call)
+    print("%d wrong" % wrong)
+    return wrong
 
 
 def main():
@@ -39,8 +53,7 @@ def main():
         if arguments.fault:
             sweep.show_one(folder, programs, arguments.job[0], arguments.fault)
             return 0
-        return 1 if sweep.sweep_all(folder, programs, arguments.quick, arguments.job,
-                                    arguments.call) else 0
+        return 1 if judge(folder, programs, arguments) else 0
     finally:
         shutil.rmtree(folder)
 

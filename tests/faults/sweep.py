@@ -39,35 +39,31 @@ JOBS = [
     Job("vaskel", "vaskel", ["vaskel", "scene"], "x.jpg", None, False),
     Job("vaskel -", "vaskel", ["vaskel", "-"], "x.jpg", "scene", False),
 ]
+TABLE = "%-27s %-9s %6d %5d  %s"
+MOST_SHOWN = 20 # wrong places of a row
 QUICK = ("vcpp", "thumbrender, tiny renderer", "vaskel")
 
 
-def faults_of(what, step):
-    """The faults of one row of the table, for every number or each step-th one."""
+def faults_of(call, what, step):
+    """For every number or each step-th one."""
     for number in itertools.count(1, step):
-        if what[0] == "memory":
-            yield ("memory", "%d%s" % (number, what[1]))
-        else:
-            yield (what[0], number, what[1])
+        yield ("memory", "%d%s" % (number, what)) if call == "memory" else (call, number, what)
 
 
 def rows(quick):
-    """Call, error (as printed), and what the tracer or the library is told."""
-    yield "memory", "once", ("memory", "")
-    if not quick:
-        yield "memory", "from then on", ("memory", "+")
+    """A call, and what happens to it: a name, and what the tracer or the library is told."""
+    yield "memory", [("once", "")] + ([] if quick else [("from then on", "+")])
     for call, errors in CALLS.items():
-        for name in errors.split()[:1 if quick else None]:
-            yield call, name, (call, "error %d" % getattr(errno, name))
-            # Who tries again after EINTR may do so for ever.
-            if not quick and name != "EINTR":
-                yield call, name + " on", (call, "error+ %d" % getattr(errno, name))
-    for call in SHORT:
-        yield call, "short", (call, "short")
-        yield call, "short on", (call, "short+")
-        yield call, "cut, EIO", (call, "cut %d" % errno.EIO)
-    for name in ("USR1" if quick else SIGNALS).split():
-        yield "any", "SIG" + name, ("any", "signal %d" % getattr(signal, "SIG" + name))
+        names = errors.split()[:1 if quick else None]
+        whats = [(name, "error %d" % getattr(errno, name)) for name in names]
+        # Who tries again after EINTR may do so for ever.
+        whats += [(name + " on", what.replace(" ", "+ ")) for name, what in whats
+                  if name != "EINTR"][:0 if quick else None]
+        if call in SHORT:
+            whats += [("short", "short"), ("short on", "short+"), ("cut", "cut %d" % errno.EIO)]
+        yield call, whats
+    yield "any", [("SIG" + name, "signal %d" % getattr(signal, "SIG" + name))
+                  for name in ("USR1" if quick else SIGNALS).split()]
 
 
 class Sweep:
@@ -128,10 +124,10 @@ class Sweep:
             return []
         return ["status %d" % run.status]
 
-    def sweep(self, what, step):
+    def sweep(self, call, what, step):
         """Number of places, and the wrong ones with what was wrong."""
         wrong = []
-        for number, fault in enumerate(faults_of(what, step)):
+        for number, fault in enumerate(faults_of(call, what, step)):
             run = self.execute(fault)
             found = self.judge(run, fault)
             if found:
@@ -163,27 +159,31 @@ class Sweeps:
         return sweeps[job.name]
 
 
-def sweep_row(sweeps, job, row, step):
+def sweep_row(sweeps, job, call, whats, step):
     """The row's lines and how many places are wrong."""
-    call, error, what = row
-    places, wrong = sweeps.of(job).sweep(what, step)
-    if places == 0:
-        return [], 0
-    lines = ["%-28s %-9s %-14s %7d %6d" % (job.name, call, error, places, len(wrong))]
-    for fault, found in wrong[:5]:
-        lines.append("    %s: %s" % (command_line(job, fault), ", ".join(found)))
+    names, places, wrong = [], 0, []
+    for name, what in whats:
+        count, found = sweeps.of(job).sweep(call, what, step)
+        if count == 0:
+            return [], 0
+        names.append(name)
+        places += count
+        wrong += found
+    lines = [TABLE % (job.name, call, places, len(wrong), ", ".join(names))]
+    lines += ["    %s: %s" % (command_line(job, fault), ", ".join(found))
+              for fault, found in wrong[:MOST_SHOWN]]
     return lines, len(wrong)
 
 
 def sweep_all(folder, programs, quick, only_jobs, only_calls):
     """Prints the table; how many are wrong."""
-    print("%-28s %-9s %-14s %7s %6s" % ("program", "call", "error", "places", "wrong"))
+    print(TABLE.replace("d", "s") % ("program", "call", "places", "wrong", "errors"))
     sweeps = Sweeps(folder, programs)
     total = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        runs = [pool.submit(sweep_row, sweeps, job, row, row_step(row, quick))
-                for job in chosen_jobs(quick, only_jobs) for row in rows(quick)
-                if not only_calls or row[0] in only_calls]
+        runs = [pool.submit(sweep_row, sweeps, job, call, whats, step_of(call, quick))
+                for job in chosen_jobs(quick, only_jobs) for call, whats in rows(quick)
+                if not only_calls or call in only_calls]
         for run in runs:
             lines, count = run.result()
             total += count
@@ -197,9 +197,9 @@ def chosen_jobs(quick, names):
     return [job for job in JOBS if job.name in names]
 
 
-def row_step(row, quick):
+def step_of(call, quick):
     """The many places of these are looked at in part when there is little time."""
-    return 7 if quick and row[0] in ("memory", "any") else 1
+    return 7 if quick and call in ("memory", "any") else 1
 
 
 def show_one(folder, programs, name, fault):

@@ -10,7 +10,8 @@
 //     error+ E    so do all that follow
 //     short       one byte at most is read or written
 //     short+      the same for all that follow
-//     cut E       one byte, and all that follow give the error: a file that breaks off
+//     cut E       half of it is read or written, and all that follow give the error: a
+//                 file that breaks off
 //     signal S    the process gets signal S when the call is done
 //
 // The file REPORT gets one line: how many calls were hindered, the first one's name
@@ -134,6 +135,7 @@ struct Process {
     user_regs_struct arguments = {};
     int error = 0;
     int signal = 0;
+    bool isHalved = false; // what it has read
 };
 
 const char *groupOf(long number)
@@ -171,6 +173,24 @@ bool isDue(const Fault &fault)
            (fault.seen > fault.number && fault.what == "cut");
 }
 
+void changeArguments(user_regs_struct &registers, Process &process, const Fault &fault)
+{
+    const bool isCut = fault.what == "cut" && fault.seen == fault.number;
+    const bool isRead = strcmp(groupOf(static_cast<long>(registers.orig_rax)), "read") == 0;
+    if (isCut && isRead) {
+        process.isHalved = true;
+    } else if (isCut) {
+        registers.rdx /= 2;
+    } else if (fault.what.rfind("short", 0) == 0) {
+        registers.rdx = registers.rdx > 0 ? 1 : 0;
+    } else if (registers.orig_rax == SYS_brk) {
+        registers.rdi = 0; // it has no error, but tells where memory still ends
+    } else {
+        registers.orig_rax = static_cast<unsigned long long>(-1);
+        process.error = fault.value;
+    }
+}
+
 void hinder(pid_t pid, user_regs_struct registers, Process &process, Fault &fault)
 {
     if (fault.done++ == 0) {
@@ -183,16 +203,7 @@ void hinder(pid_t pid, user_regs_struct registers, Process &process, Fault &faul
     }
     process.isChanged = true;
     process.arguments = registers;
-    const bool isShort =
-        fault.what.rfind("short", 0) == 0 || (fault.what == "cut" && fault.seen == fault.number);
-    if (isShort) {
-        registers.rdx = registers.rdx > 0 ? 1 : 0;
-    } else if (registers.orig_rax == SYS_brk) {
-        registers.rdi = 0; // it has no error, but tells where memory still ends
-    } else {
-        registers.orig_rax = static_cast<unsigned long long>(-1);
-        process.error = fault.value;
-    }
+    changeArguments(registers, process, fault);
     ptrace(PTRACE_SETREGS, pid, nullptr, &registers);
 }
 
@@ -213,13 +224,15 @@ void leaveCall(pid_t pid, Process &process)
         ptrace(PTRACE_GETREGS, pid, nullptr, &registers);
         registers.rdi = process.arguments.rdi;
         registers.rdx = process.arguments.rdx;
+        if (process.isHalved && static_cast<long>(registers.rax) > 0)
+            registers.rax = (registers.rax + 1) / 2;
         if (process.error != 0)
             registers.rax = static_cast<unsigned long long>(-process.error);
         ptrace(PTRACE_SETREGS, pid, nullptr, &registers);
     }
     if (process.signal != 0)
         kill(pid, process.signal);
-    process.isChanged = false;
+    process.isChanged = process.isHalved = false;
     process.error = process.signal = 0;
 }
 
