@@ -9,6 +9,7 @@
 #include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
 #include "UT/UT_IStream.h"
+#include "UT/UT_Memory.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -295,11 +296,17 @@ void CPP_Manager::takeSourceLine(UT_ScratchBuffer &out)
 void CPP_Manager::popFile(UT_ScratchBuffer &out)
 {
     CPP_File *file = currentFile();
-    if (file->hasOpenCondition()) {
-        UT_String diagnostic;
+    UT_String diagnostic;
+    if (const char *reason = file->getStream()->readError()) {
+        UT_String message;
+        message.sprintf("Unable to read: %s", reason);
+        makeDiagnostic(diagnostic, ERROR, message);
+        stop();
+    } else if (file->hasOpenCondition()) {
         makeDiagnostic(diagnostic, ERROR, "Missing #endif");
-        out.append(diagnostic);
     }
+    if (diagnostic.isNonEmpty())
+        out.append(diagnostic);
     file->release();
     myFiles.removeIndex(myFiles.entries() - 1);
     hasPoppedFile = myFiles.entries() > 0;
@@ -412,7 +419,7 @@ void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *for
     va_list args;
     va_start(args, format);
     char *message = nullptr;
-    const int length = vasprintf(&message, format, args);
+    const int length = UTprint(message, format, args);
     va_end(args);
     if (length < 0)
         return;

@@ -2,7 +2,9 @@
 
 #include "UT/UT_Process.h"
 
+#include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -33,6 +35,17 @@ void *UTreallocate(void *block, size_t bytes)
 {
     bytes = sane(bytes);
     return checked(bytes == SIZE_MAX ? nullptr : std::realloc(block, bytes != 0 ? bytes : 1));
+}
+
+int UTprint(char *&text, const char *format, va_list arguments)
+{
+    const int length = vasprintf(&text, format, arguments);
+    if (length >= 0)
+        return length;
+    if (errno == ENOMEM)
+        UTdieWithoutMemory();
+    text = nullptr;
+    return -1;
 }
 
 char *UTduplicate(const char *text)

@@ -84,6 +84,13 @@ void readHead(UT_IFStream &in, PaletteHead &head)
     }
 }
 
+void reportReadError(const char *fileName, const char *reason)
+{
+    UT_String text;
+    text.sprintf("%s: %s", fileName, reason);
+    reportError("Unable to read palette file %s", text);
+}
+
 UT_String pictureNameOf(const char *fileName)
 {
     UT_String name(UT_String::ALWAYS_DEEP, fileName);
@@ -104,6 +111,10 @@ void readPalette(const char *fileName, UT_Args &args)
 
     PaletteHead head;
     readHead(in, head);
+    if (in.hasError()) {
+        reportReadError(fileName, in.getSource().getErrorText());
+        return;
+    }
     ThumbRenderer *row = chooseRenderer(head.vvaskelShader, head.ribShader, head.miShader);
     if (head.shaderType.isNonEmpty() && row != nullptr) {
         row->myShaderType = head.shaderType;

@@ -25,5 +25,6 @@ class UT_Args;
 // Handles one palette file to its end: reads it, chooses a renderer, runs it.
 // The picture takes the file's name with ".jpg" in place of ".palette", or behind
 // a name that does not end so. Failures go to reportError. The file is only read.
+// A file that cannot be read to the end of its head gives no picture.
 // Memory grows with the longest line and with the extra blocks.
 void readPalette(const char *fileName, UT_Args &args);

@@ -1,6 +1,7 @@
 // vcpp: the preprocessor as a command. Text goes to standard output, diagnostics
 // to standard error.
 #include "CPP/CPP_Manager.h"
+#include "UT/UT_Process.h"
 
 #include <csignal>
 #include <cstdio>
@@ -45,8 +46,10 @@ Kind kindOf(std::string_view text)
 }
 
 // Behind the text in front of it, where both go to one place.
-void printDiagnostic(const std::string &line)
+void printDiagnostic(std::string line)
 {
+    const size_t length = line.find_last_not_of('\n') + 1;
+    UTmakePrintable(line.data(), length);
     std::fflush(stdout);
     std::fprintf(stderr, "%s%s", line.c_str(), line.back() == '\n' ? "" : "\n");
 }
@@ -57,7 +60,6 @@ int reportError(const char *what)
     return FAILED;
 }
 
-const char CANNOT_READ[] = "vcpp: cannot read the standard input";
 const char CANNOT_WRITE[] = "vcpp: cannot write the output";
 
 // `status`, unless what was printed does not get out.
@@ -86,8 +88,6 @@ int preprocess(CPP_Manager &manager)
         else if (fwrite_unlocked(text.data(), 1, text.size(), stdout) != text.size())
             return reportError(CANNOT_WRITE);
     }
-    if (std::ferror(stdin) != 0)
-        status = reportError(CANNOT_READ);
     return finishOutput(status);
 }
 
@@ -124,6 +124,7 @@ int badUsage(const char *what)
 
 int main(int argc, char *argv[])
 {
+    UTstartProgram();
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a write error like others
     if (const int status = printInformation(argc, argv); status >= 0)
         return status;
@@ -136,6 +137,7 @@ int main(int argc, char *argv[])
     if (operand + 1 < argc)
         return badUsage("more than one file");
     if (!open(manager, argv[operand])) {
+        UTmakePrintable(argv[operand], std::strlen(argv[operand]));
         std::fprintf(stderr, "vcpp: cannot open '%s'\n", argv[operand]);
         return BAD_USAGE;
     }
