@@ -125,31 +125,41 @@ def open_quote(place):
     return refused(place, render(place))
 
 
-def each(place, call, what):
-    """Lets thumbrender's calls fail in turn: the right picture, or the old one and a
-    message, which who was killed need not give."""
+def each(place, call, what, count=None):
+    """Lets the calls of thumbrender fail in turn, or the first one in `count` ways: the
+    right picture, or the old one and a message, which who was killed need not give."""
     wrong = []
     render(place)
     right = place.snapshot()
     place.reset()
-    for number in itertools.count(1):
-        run = place.run_hindered(["thumbrender", "x.palette"], "thumbrender",
-                                 (call, number, what))
-        if run.hits == 0:
-            return wrong if number > 1 else ["never hindered"]
+    for i in itertools.count(0):
+        fault = (call, i + 1, what) if count is None else (call, 1, what % (i * 41))
+        run = place.run_hindered(["thumbrender", "x.palette"], "thumbrender", fault)
+        if run.hits == 0 or i == count:
+            return wrong if i > 0 else ["never hindered"]
         found = [] if place.snapshot() == right else \
             place.changes() if run.status == -signal.SIGKILL else refused(place, run)
-        wrong += ["%s %d: %s" % (call, number, phrase) for phrase in found]
+        wrong += ["%s: %s" % (fault, phrase) for phrase in found]
         if found:
             place.reset()
+
+
+def broken_off(place, name, folder="../share/veldrin/shop/palette/"):
+    """EIO behind the file's first bytes, more of them each time."""
+    return each(place, "read@" + name, "cut 5 %d", len(place.read(folder + name)) // 41)
 
 
 LONG = "# %s\n" % ("-" * 70) * 1000 + "exposure 2\n"
 
 
-@row("4 nor does a driver that is killed", extra=LONG)
+@row("4 nor does a driver that is killed")
 def killed_driver(place):
-    return each(place, "write", "signal 9")
+    wrong = []
+    for length in range(3500, 4100, 25): # where the pipe's buffer is full
+        place.palette = PALETTE % ("", "# " + "-" * length + "\n")
+        place.reset()
+        wrong += each(place, "write", "signal 9")
+    return wrong
 
 
 @row("4 nor a pipe that breaks", extra=LONG)
@@ -174,17 +184,17 @@ def text_behind_end(place):
 
 @row("5 EIO in the template")
 def broken_template(place):
-    return each(place, "read@shadeball.ifd", "cut 5")
+    return broken_off(place, "shadeball.ifd")
 
 
 @row("5 EIO in its include")
 def broken_include(place):
-    return each(place, "read@shadeball.inc", "cut 5")
+    return broken_off(place, "shadeball.inc")
 
 
 @row("5 EIO in the palette")
 def broken_palette(place):
-    return each(place, "read@x.palette", "cut 5")
+    return broken_off(place, "x.palette", "")
 
 
 @row("5 EIO in the extra text", extra=LONG)
@@ -209,7 +219,7 @@ def unreadable_memory(place):
 def broken_source(place):
     wrong = []
     for name in ("main.in", "a.h"):
-        run = place.run_hindered(["vcpp", "-P", "main.in"], "vcpp", ("read@" + name, 1, "cut 5"))
+        run = place.run_hindered(["vcpp", "-P", "main.in"], "vcpp", ("read@" + name, 1, "cut 5 9"))
         wrong += refused(place, run) + ([] if run.status == 1 else ["status %s" % run.status])
         wrong += [] if name.encode() in run.err else ["message without the name"]
     return wrong

@@ -60,7 +60,7 @@ def rows(quick):
         whats += [(name + " on", what.replace(" ", "+ ")) for name, what in whats
                   if name != "EINTR"][:0 if quick else None]
         if call in SHORT:
-            whats += [("short", "short"), ("short on", "short+"), ("cut", "cut %d" % errno.EIO)]
+            whats += [("short", "short"), ("short on", "short+"), ("cut", "cut %d 40" % errno.EIO)]
         yield call, whats
     yield "any", [("SIG" + name, "signal %d" % getattr(signal, "SIG" + name))
                   for name in ("USR1" if quick else SIGNALS).split()]

@@ -10,8 +10,8 @@
 //     error+ E    so do all that follow
 //     short       one byte at most is read or written
 //     short+      the same for all that follow
-//     cut E       half of it is read or written, and all that follow give the error: a
-//                 file that breaks off
+//     cut E K     K bytes at most, and all that follow give the error: a file that
+//                 breaks off
 //     signal S    the process gets signal S when the call is done
 //
 // The file REPORT gets one line: how many calls were hindered, the first one's name
@@ -19,6 +19,7 @@
 // that ended it. Ends when all processes have ended.
 #include "tests/faults/mark.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -122,6 +123,7 @@ struct Fault {
     long number = 0;
     std::string what;
     int value = 0;
+    unsigned long long most = 1; // bytes
     long seen = 0, done = 0;
     const char *name = "-";
     long argument = -1;
@@ -135,7 +137,6 @@ struct Process {
     user_regs_struct arguments = {};
     int error = 0;
     int signal = 0;
-    bool isHalved = false; // what it has read
 };
 
 const char *groupOf(long number)
@@ -176,13 +177,10 @@ bool isDue(const Fault &fault)
 void changeArguments(user_regs_struct &registers, Process &process, const Fault &fault)
 {
     const bool isCut = fault.what == "cut" && fault.seen == fault.number;
-    const bool isRead = strcmp(groupOf(static_cast<long>(registers.orig_rax)), "read") == 0;
-    if (isCut && isRead) {
-        process.isHalved = true;
-    } else if (isCut) {
-        registers.rdx /= 2;
+    if (isCut) {
+        registers.rdx = std::min(registers.rdx, fault.most);
     } else if (fault.what.rfind("short", 0) == 0) {
-        registers.rdx = registers.rdx > 0 ? 1 : 0;
+        registers.rdx = std::min(registers.rdx, 1ULL);
     } else if (registers.orig_rax == SYS_brk) {
         registers.rdi = 0; // it has no error, but tells where memory still ends
     } else {
@@ -224,15 +222,13 @@ void leaveCall(pid_t pid, Process &process)
         ptrace(PTRACE_GETREGS, pid, nullptr, &registers);
         registers.rdi = process.arguments.rdi;
         registers.rdx = process.arguments.rdx;
-        if (process.isHalved && static_cast<long>(registers.rax) > 0)
-            registers.rax = (registers.rax + 1) / 2;
         if (process.error != 0)
             registers.rax = static_cast<unsigned long long>(-process.error);
         ptrace(PTRACE_SETREGS, pid, nullptr, &registers);
     }
     if (process.signal != 0)
         kill(pid, process.signal);
-    process.isChanged = process.isHalved = false;
+    process.isChanged = false;
     process.error = process.signal = 0;
 }
 
@@ -331,11 +327,9 @@ int main(int argc, char *argv[])
         fault.group.resize(at);
     }
     fault.number = std::atol(argv[3]);
-    fault.what = argv[4];
-    if (const size_t blank = fault.what.find(' '); blank != std::string::npos) {
-        fault.value = std::atoi(fault.what.c_str() + blank);
-        fault.what.resize(blank);
-    }
+    char what[16] = "";
+    std::sscanf(argv[4], "%15s %d %llu", what, &fault.value, &fault.most);
+    fault.what = what;
     const int status = trace(argv + 5, fault);
     return report(argv[1], fault, status) ? 0 : 1;
 }
