@@ -12,7 +12,7 @@ SECONDS = 20  # what a run may take
 
 SMALL = "size 8 8\nsamples 1\n"
 PALETTE = ('ShaderType surface\nVVaskel "v_plastic diff .62 .02 .02 rough .12"\n'
-           'RIB "plastic" "Kd" [.8]\n%sBeginIfdExtra\n' + SMALL + "%sEndIfdExtra\nShopData\n")
+           'RIB "plastic" "Kd" [.8]\nBeginIfdExtra\n' + SMALL + "%sEndIfdExtra\nShopData\n")
 SCENE = 'picture "x.jpg"\n' + SMALL + ("camera\nenvironment v_studio\nfloor v_checker\n"
          "surface v_plastic diff 1 0 0 rough .2\nsphere\n")
 # A renderer for drivers: its picture is the scene, if that is whole.
@@ -64,9 +64,9 @@ class Place:
     """work/ holds the palette, its old picture and files of others; the programs start
     there. home/, share/ and bin/ are the user's, the templates and the programs."""
 
-    def __init__(self, root, programs, extra="", head="", tiny=False):
+    def __init__(self, root, programs, extra="", tiny=False):
         self.root, self.programs, self.tiny = root, programs, tiny
-        self.palette = PALETTE % (head, extra)
+        self.files = {"x.palette": PALETTE % extra}  # what is not as always
         self.work = os.path.join(root, "work")
         self.report = root + ".report"
         self.reset()
@@ -76,7 +76,6 @@ class Place:
         for folder in ("work", "home/veldrin9.0", "bin"):
             os.makedirs(os.path.join(self.root, folder))
         shutil.copytree(self.programs.share, os.path.join(self.root, "share"))
-        self.write("x.palette", self.palette)
         self.write("scene", SCENE + self.end())
         self.write("main.in", '#include "a.h"\nDOUBLE(X) __FILE__\n' * 3)
         self.write("a.h", "#define DOUBLE(n) n n\n// a comment\nA TEXT\n")
@@ -89,6 +88,8 @@ class Place:
             self.write("../bin/" + name + ".new", TINY_SCRIPT % word)
             os.chmod(self.file("../bin/" + name + ".new"), 0o755)
             os.rename(self.file("../bin/" + name + ".new"), self.file("../bin/" + name))
+        for name, content in self.files.items():
+            self.write(name, content)
         self.before = self.snapshot()
 
     def end(self):
@@ -118,7 +119,7 @@ class Place:
 
     def environment(self):
         return {"PATH": os.path.join(self.root, "bin") + ":/usr/bin:/bin",
-                "HOME": os.path.join(self.root, "home"), "VELDRIN_MAXTHREADS": "1",
+                "HOME": os.path.join(self.root, "home"), "VELDRIN_MAXTHREADS": "1", "USER": "me", # else glibc looks, and crashes without memory
                 "VDX": os.path.join(self.root, "share")}
 
     def start(self, command, more=None, **options):

@@ -105,6 +105,14 @@ int posix_memalign(void **block, size_t alignment, size_t size)
     return 0;
 }
 
+// What glibc 2.36 makes when the first dlopen fails; without memory for that it crashes,
+// and there is nothing that a program could do about it.
+static void makeErrorRecord()
+{
+    static_cast<void>(dlopen("/", RTLD_LAZY));
+    static_cast<void>(dlerror());
+}
+
 using Main = int (*)(int, char **, char **);
 using Start = int (*)(Main, int, char **, void (*)(), void (*)(), void (*)(), void *);
 
@@ -114,6 +122,7 @@ int __libc_start_main(Main main, int argc, char **argv, void (*init)(), void (*f
 {
     const auto start = reinterpret_cast<Start>(dlsym(RTLD_NEXT, "__libc_start_main"));
     if (argc > 0 && isMeant(argv[0])) {
+        makeErrorRecord();
         syscall(FAULTS_MARK);
         readSettings();
     }

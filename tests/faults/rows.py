@@ -120,7 +120,7 @@ def folder(place):
 @row("4 an open quote makes no half scene")
 def open_quote(place):
     shader = PALETTE.replace('"v_plastic diff .62 .02 .02 rough .12"', "'v_plastic \"diff 1'")
-    place.write("x.palette", shader % ("", ""))
+    place.write("x.palette", shader % "")
     place.before = place.snapshot()
     return refused(place, render(place))
 
@@ -144,19 +144,28 @@ def each(place, call, what, count=None):
             place.reset()
 
 
-def broken_off(place, name, folder="../share/veldrin/shop/palette/"):
-    """EIO behind the file's first bytes, more of them each time."""
-    return each(place, "read@" + name, "cut 5 %d", len(place.read(folder + name)) // 41)
+def broken_off(place, name, mark, folder="../share/veldrin/shop/palette/"):
+    """EIO behind the file's first bytes, more of them each time; and between two reads of
+    a file of more than BUFFER bytes."""
+    text = place.read(folder + name)
+    wrong = each(place, "read@" + name, "cut 5 %d", len(text) // 41)
+    for tail in range(1, len(text), len(text) // 20):
+        fill = b"-" * (BUFFER - len(text) + tail - len(mark) - 1)
+        place.files[folder + name] = mark + fill + b"\n" + text
+        place.reset()
+        wrong += each(place, "read@" + name, "error+ 5")
+    return wrong
 
 
+BUFFER = 65536
 LONG = "# %s\n" % ("-" * 70) * 1000 + "exposure 2\n"
 
 
 @row("4 nor does a driver that is killed")
 def killed_driver(place):
     wrong = []
-    for length in range(3500, 4100, 25): # where the pipe's buffer is full
-        place.palette = PALETTE % ("", "# " + "-" * length + "\n")
+    for length in range(3500, 4100, 25):  # where the pipe's buffer is full
+        place.files["x.palette"] = PALETTE % ("# " + "-" * length + "\n")
         place.reset()
         wrong += each(place, "write", "signal 9")
     return wrong
@@ -184,17 +193,17 @@ def text_behind_end(place):
 
 @row("5 EIO in the template")
 def broken_template(place):
-    return broken_off(place, "shadeball.ifd")
+    return broken_off(place, "shadeball.ifd", b"//")
 
 
 @row("5 EIO in its include")
 def broken_include(place):
-    return broken_off(place, "shadeball.inc")
+    return broken_off(place, "shadeball.inc", b"//")
 
 
 @row("5 EIO in the palette")
 def broken_palette(place):
-    return broken_off(place, "x.palette", "")
+    return broken_off(place, "x.palette", b"#", "")
 
 
 @row("5 EIO in the extra text", extra=LONG)
