@@ -119,7 +119,7 @@ class Place:
 
     def environment(self):
         return {"PATH": os.path.join(self.root, "bin") + ":/usr/bin:/bin",
-                "HOME": os.path.join(self.root, "home"), "VELDRIN_MAXTHREADS": "1", "USER": "me", # else glibc looks, and crashes without memory
+                "HOME": os.path.join(self.root, "home"), "VELDRIN_MAXTHREADS": "1",
                 "VDX": os.path.join(self.root, "share")}
 
     def start(self, command, more=None, **options):

@@ -16,6 +16,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pwd.h>
 #include <unistd.h>
 
 // What the C library keeps for those who put their own functions in front of it.
@@ -31,6 +32,13 @@ namespace
 std::atomic<long> allocations{0};
 long failing = 0; // 0: none
 bool failsOn = false;
+thread_local bool isPaused = false;
+
+// Until its end the thread's allocations do not count.
+struct Pause {
+    Pause() { isPaused = true; }
+    ~Pause() { isPaused = false; }
+};
 
 void tellHit()
 {
@@ -42,7 +50,7 @@ void tellHit()
 
 bool isFailing()
 {
-    if (failing == 0)
+    if (failing == 0 || isPaused)
         return false;
     const long number = ++allocations;
     if (number != failing && !(failsOn && number > failing))
@@ -105,12 +113,24 @@ int posix_memalign(void **block, size_t alignment, size_t size)
     return 0;
 }
 
-// What glibc 2.36 makes when the first dlopen fails; without memory for that it crashes,
-// and there is nothing that a program could do about it.
-static void makeErrorRecord()
+// glibc 2.36 crashes inside these two when its own allocations fail, and no program could
+// do anything about it: they fail as a whole.
+void *dlopen(const char *file, int flags)
 {
-    static_cast<void>(dlopen("/", RTLD_LAZY));
-    static_cast<void>(dlerror());
+    const auto open = reinterpret_cast<void *(*)(const char *, int)>(dlsym(RTLD_NEXT, "dlopen"));
+    if (isFailing())
+        return nullptr;
+    const Pause pause;
+    return open(file, flags);
+}
+
+passwd *getpwuid(uid_t user)
+{
+    const auto get = reinterpret_cast<passwd *(*)(uid_t)>(dlsym(RTLD_NEXT, "getpwuid"));
+    if (isFailing())
+        return nullptr;
+    const Pause pause;
+    return get(user);
 }
 
 using Main = int (*)(int, char **, char **);
@@ -122,7 +142,6 @@ int __libc_start_main(Main main, int argc, char **argv, void (*init)(), void (*f
 {
     const auto start = reinterpret_cast<Start>(dlsym(RTLD_NEXT, "__libc_start_main"));
     if (argc > 0 && isMeant(argv[0])) {
-        makeErrorRecord();
         syscall(FAULTS_MARK);
         readSettings();
     }
