@@ -16,6 +16,7 @@ import sys
 import tempfile
 
 import rows
+import stress
 import sweep
 from place import ROOT, Programs
 
@@ -29,17 +30,20 @@ def parse():
     parser.add_argument("--job", action="append", help="only this one of the table")
     parser.add_argument("--call", action="append", help="only this one of the table")
     parser.add_argument("--row", action="append", help="only the named faults with this word")
+    parser.add_argument("--stress", action="append", help="only this one of them")
     parser.add_argument("--fault", nargs="+", help="one fault of one job, and what comes of it")
     return parser.parse_args()
 
 
 def judge(folder, programs, arguments):
     """How much is wrong."""
-    only = arguments.row or arguments.job or arguments.call
+    only = arguments.row or arguments.job or arguments.call or arguments.stress
     wrong = 0
     if arguments.row or not only:
         wrong += rows.run_rows(folder, programs, arguments.row)
-    if not arguments.row:
+    if arguments.stress or not only:
+        wrong += stress.run_all(folder, programs, arguments.quick, arguments.stress)
+    if arguments.job or arguments.call or not only:
         wrong += sweep.sweep_all(folder, programs, arguments.quick, arguments.job, arguments.call)
     print("%d wrong" % wrong)
     return wrong
