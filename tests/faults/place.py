@@ -12,7 +12,7 @@ SECONDS = 20  # what a run may take
 
 SMALL = "size 8 8\nsamples 1\n"
 PALETTE = ('ShaderType surface\nVVaskel "v_plastic diff .62 .02 .02 rough .12"\n'
-           'RIB "plastic" "Kd" [.8]\nBeginIfdExtra\n' + SMALL + "%sEndIfdExtra\nShopData\n")
+           "RIB '\"plastic\" \"Kd\" [.8]'\n" 'BeginIfdExtra\n' + SMALL + "%sEndIfdExtra\nShopData\n")
 SCENE = 'picture "x.jpg"\n' + SMALL + ("camera\nenvironment v_studio\nfloor v_checker\n"
          "surface v_plastic diff 1 0 0 rough .2\nsphere\n")
 # A renderer for drivers: its picture is the scene, if that is whole.

@@ -1,5 +1,6 @@
 """Faults that were seen once, each by its name: what a stranger's palette or a failing
 disk did. A row renders in a place of its own and returns what is wrong, as phrases."""
+import concurrent.futures
 import itertools
 import os
 import shutil
@@ -125,55 +126,63 @@ def open_quote(place):
     return refused(place, render(place))
 
 
-def each(place, call, what, count=None):
-    """Lets the calls of thumbrender fail in turn, or the first one in `count` ways: the
-    right picture, or the old one and a message, which who was killed need not give."""
+def each(place, faults, more=()):
+    """Renders with each fault: the right picture, or the old one and a message, which who
+    was killed need not give. Ends with the first fault that never comes."""
     wrong = []
-    render(place)
+    render(place, *more)
     right = place.snapshot()
     place.reset()
-    for i in itertools.count(0):
-        fault = (call, i + 1, what) if count is None else (call, 1, what % (i * 41))
-        run = place.run_hindered(["thumbrender", "x.palette"], "thumbrender", fault)
-        if run.hits == 0 or i == count:
-            return wrong if i > 0 else ["never hindered"]
+    for fault in faults:
+        run = place.run_hindered(["thumbrender", *more, "x.palette"], "thumbrender", fault)
+        if run.hits == 0:
+            break
         found = [] if place.snapshot() == right else \
             place.changes() if run.status == -signal.SIGKILL else refused(place, run)
         wrong += ["%s: %s" % (fault, phrase) for phrase in found]
-        if found:
+        if place.changes():
             place.reset()
-
-
-def broken_off(place, name, mark, folder="../share/veldrin/shop/palette/"):
-    """EIO behind the file's first bytes, more of them each time; and between two reads of
-    a file of more than BUFFER bytes."""
-    text = place.read(folder + name)
-    wrong = each(place, "read@" + name, "cut 5 %d", len(text) // 41)
-    for tail in range(1, len(text), len(text) // 20):
-        fill = b"-" * (BUFFER - len(text) + tail - len(mark) - 1)
-        place.files[folder + name] = mark + fill + b"\n" + text
-        place.reset()
-        wrong += each(place, "read@" + name, "error+ 5")
     return wrong
 
 
+def every(call, what):
+    return ((call, number, what) for number in itertools.count(1))
+
+
+TEMPLATES = "../share/veldrin/shop/palette/"
 BUFFER = 65536
+
+
+def broken_off(place, name, mark, more=()):
+    """EIO behind the file's first bytes, more of them each time; and between two reads of
+    a file of more than BUFFER bytes."""
+    text = place.read(name)
+    call = "read@" + os.path.basename(name)
+    wrong = each(place, [(call, 1, "cut 5 %d" % (len(text) * i // 16)) for i in range(16)], more)
+    for tail in range(1, len(text), len(text) // 12):
+        fill = b"-" * (BUFFER - len(text) + tail - len(mark) - 1)
+        place.files[name] = mark + fill + b"\n" + text
+        place.reset()
+        wrong += each(place, [(call, 2, "error+ 5")], more)
+    return wrong
+
+
 LONG = "# %s\n" % ("-" * 70) * 1000 + "exposure 2\n"
 
 
 @row("4 nor does a driver that is killed")
 def killed_driver(place):
     wrong = []
-    for length in range(3500, 4100, 25):  # where the pipe's buffer is full
+    for length in range(3700, 4100, 10):  # where the pipe's buffer is full
         place.files["x.palette"] = PALETTE % ("# " + "-" * length + "\n")
         place.reset()
-        wrong += each(place, "write", "signal 9")
+        wrong += each(place, every("write", "signal 9"))
     return wrong
 
 
 @row("4 nor a pipe that breaks", extra=LONG)
 def broken_pipe(place):
-    return each(place, "write", "error+ 5")
+    return each(place, every("write", "error+ 5"))
 
 
 @row("4 a scene without end is not drawn")
@@ -193,29 +202,27 @@ def text_behind_end(place):
 
 @row("5 EIO in the template")
 def broken_template(place):
-    return broken_off(place, "shadeball.ifd", b"//")
+    return broken_off(place, TEMPLATES + "shadeball.ifd", b"//")
 
 
 @row("5 EIO in its include")
 def broken_include(place):
-    return broken_off(place, "shadeball.inc", b"//")
+    return broken_off(place, TEMPLATES + "shadeball.inc", b"//")
 
 
 @row("5 EIO in the palette")
 def broken_palette(place):
-    return broken_off(place, "x.palette", b"#", "")
+    return broken_off(place, "x.palette", b"#")
 
 
 @row("5 EIO in the extra text", extra=LONG)
 def broken_extra_text(place):
-    return each(place, "read@x.palette", "error+ 5")
+    return each(place, every("read@x.palette", "error+ 5"))
 
 
 @row("5 EIO in a RIB template", tiny=True)
 def broken_rib(place):
-    run = place.run_hindered(["thumbrender", "-r", "prman", "x.palette"], "thumbrender",
-                             ("read@shadeball.rib", 2, "error+ 5"))
-    return refused(place, run)
+    return broken_off(place, TEMPLATES + "shadeball.rib", b"//", ("-r", "prman"))
 
 
 @row("5 vcpp tells of a file that cannot be read")
@@ -238,7 +245,7 @@ def broken_source(place):
 def signals(place):
     wrong = []
     for number in (10, 12, 14, 15, 24):
-        for call in itertools.count(1, 9):
+        for call in itertools.count(1, 29):
             run = place.run_hindered(["vaskel", "scene"], "vaskel",
                                      ("any", call, "signal %d" % number))
             if run.hits == 0:
@@ -264,17 +271,17 @@ def without_memory(place, program, command, step):
 
 @row("6 nor does a renderer without memory")
 def renderer_without_memory(place):
-    return without_memory(place, "vaskel", ["vaskel", "scene"], 5)
+    return without_memory(place, "vaskel", ["vaskel", "scene"], 11)
 
 
 @row("7 vcpp without memory ends with a message")
 def vcpp_without_memory(place):
-    return without_memory(place, "vcpp", ["vcpp", "main.in"], 5)
+    return without_memory(place, "vcpp", ["vcpp", "main.in"], 11)
 
 
 @row("7 thumbrender without memory ends with a message")
 def thumbrender_without_memory(place):
-    return without_memory(place, "thumbrender", ["thumbrender", "x.palette"], 5)
+    return without_memory(place, "thumbrender", ["thumbrender", "x.palette"], 11)
 
 
 def unmasked(run):
@@ -349,16 +356,22 @@ def time_limit(place):
     return refused(place, run) + ([] if run.status == 1 else ["status %s" % run.status])
 
 
+def run_row(folder, programs, name, palette, function):
+    place = Place(os.path.join(folder, name.replace("/", " ")), programs, **palette)
+    wrong = function(place)
+    shutil.rmtree(place.root)
+    return wrong
+
+
 def run_rows(folder, programs, only):
     """Prints the rows; how many are wrong."""
+    rows = [row for row in ROWS if not only or any(word in row[0] for word in only)]
     total = 0
-    for name, palette, function in ROWS:
-        if only and not any(word in name for word in only):
-            continue
-        place = Place(os.path.join(folder, "row"), programs, **palette)
-        wrong = function(place)
-        total += bool(wrong)
-        print("%-58s %s" % (name, "wrong: " + "; ".join(wrong)[:300] if wrong else "good"),
-              flush=True)
-        shutil.rmtree(place.root)
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        runs = [pool.submit(run_row, folder, programs, *row) for row in rows]
+        for (name, _, _), run in zip(rows, runs):
+            wrong = run.result()
+            total += bool(wrong)
+            print("%-53s %s" % (name, "wrong: " + "; ".join(wrong)[:300] if wrong else "good"),
+                  flush=True)
     return total
