@@ -14,7 +14,8 @@
 
 // vasprintf: the length of the malloc'd text; -1, and null, for a format that cannot be
 // printed or a text that an int cannot count.
-[[nodiscard]] int UTprint(char *&text, const char *format, va_list arguments);
+[[nodiscard]] [[gnu::format(printf, 2, 0)]] int UTprint(char *&text, const char *format,
+                                                        va_list arguments);
 
 // A malloc'd copy of a NUL-terminated text; null stays null.
 [[nodiscard]] char *UTduplicate(const char *text);

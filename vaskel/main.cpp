@@ -1,11 +1,11 @@
 // vaskel: draws the scene of a file or of standard input.
 #include "UT/UT_Process.h"
-#include "vaskel/vk_Nearest.h"
+#include "vaskel/file/vk_Picture.h"
+#include "vaskel/file/vk_SafeFile.h"
+#include "vaskel/params/vk_Nearest.h"
+#include "vaskel/scene/vk_SceneReader.h"
+#include "vaskel/scene/vk_ShaderList.h"
 #include "vaskel/vk_Options.h"
-#include "vaskel/vk_Picture.h"
-#include "vaskel/vk_SafeFile.h"
-#include "vaskel/vk_SceneReader.h"
-#include "vaskel/vk_ShaderList.h"
 
 #include <algorithm>
 #include <atomic>

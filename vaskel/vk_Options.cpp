@@ -1,8 +1,8 @@
 #include "vaskel/vk_Options.h"
 
 #include "UT/UT_Environment.h"
-#include "vaskel/vk_Nearest.h"
-#include "vaskel/vk_Params.h"
+#include "vaskel/params/vk_Nearest.h"
+#include "vaskel/params/vk_Params.h"
 
 #include <cstring>
 

@@ -1,7 +1,7 @@
 // The command line of vaskel.
 #pragma once
 
-#include "vaskel/vk_Renderer.h"
+#include "vaskel/pixels/vk_Renderer.h"
 
 enum vk_Action { VK_DRAW, VK_HELP, VK_VERSION, VK_LIST_SHADERS };
 

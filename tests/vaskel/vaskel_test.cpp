@@ -2,7 +2,7 @@
 #include "tests/support/Cases.h"
 #include "tests/support/ProgramRun.h"
 #include "tests/support/ScratchDirectory.h"
-#include "vaskel/vk_SafeFile.h"
+#include "vaskel/file/vk_SafeFile.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
-#include "vaskel/vk_SceneReader.h"
+#include "vaskel/scene/vk_SceneReader.h"
 
 #include "tests/support/Cases.h"
 #include "tests/support/ScratchDirectory.h"
-#include "vaskel/vk_ShaderList.h"
+#include "vaskel/scene/vk_ShaderList.h"
 
 #include <gmock/gmock.h>
 
@@ -29,9 +29,9 @@ static std::string told(std::string text)
     out << scene.picture << ' ' << scene.width << 'x' << scene.height << " exposure "
         << scene.exposure << ", lights " << scene.lights.size();
     for (const vk_ShapeEntry &shape : scene.shapes) {
-        const vk_Material material = shape.surface(vk_SurfacePoint{});
-        out << ", " << shape.surface.row->name << " rough " << material.rough << " diff "
-            << material.diffuse.y << " top " << shape.transform.point({0, 1, 0}).y;
+        const vk_Material material = shape.surface->shade(vk_SurfacePoint{});
+        out << ", rough " << material.rough << " diff " << material.diffuse.y << " top "
+            << shape.transform.point({0, 1, 0}).y;
     }
     return out.str();
 }
