@@ -8,7 +8,7 @@ import subprocess
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(os.path.dirname(HERE))
-SECONDS = 20  # what a run may take
+SECONDS = 60  # what a run may take
 
 SMALL = "size 8 8\nsamples 1\n"
 PALETTE = ('ShaderType surface\nVVaskel "v_plastic diff .62 .02 .02 rough .12"\n'

@@ -108,12 +108,17 @@ class Sweep:
             wrong.append("ends by signal %d" % -run.status)
         elif not is_signal:
             wrong += self.judge_status(run, right)
-        if not right and run.call != "write" and not is_signal and not run.err.strip():
+        if not (right or is_signal or run.err.strip() or self.is_message_lost(run, fault)):
             wrong.append("no message")
         # What could not be removed stays.
         changes = self.place.changes(self.own() if right else ())
         return wrong + [change for change in changes
                         if run.call != "unlink" or not change.startswith("leaves")]
+
+    @staticmethod
+    def is_message_lost(run, fault):
+        """What was hindered is the message, or all that is written from then on."""
+        return run.call == "write" and (run.argument == 2 or "+" in fault[-1] or "cut" in fault[-1])
 
     def judge_status(self, run, right):
         if self.job.command[0] == "thumbrender":

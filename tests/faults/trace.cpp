@@ -27,6 +27,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
@@ -36,85 +37,50 @@
 
 namespace
 {
-struct Call {
-    const char *group;
-    long number;
+struct Group {
+    const char *name;
+    std::vector<long> numbers;
 };
 
-const Call CALLS[] = {
-    {"open", SYS_open},
-    {"open", SYS_openat},
-    {"read", SYS_read},
-    {"read", SYS_pread64},
-    {"read", SYS_readv},
-    {"write", SYS_write},
-    {"write", SYS_pwrite64},
-    {"write", SYS_writev},
-    {"close", SYS_close},
-    {"rename", SYS_rename},
-    {"rename", SYS_renameat},
-    {"rename", SYS_renameat2},
-    {"link", SYS_link},
-    {"link", SYS_linkat},
-    {"unlink", SYS_unlink},
-    {"unlink", SYS_unlinkat},
-    {"stat", SYS_stat},
-    {"stat", SYS_fstat},
-    {"stat", SYS_lstat},
-    {"stat", SYS_newfstatat},
-    {"stat", SYS_statx},
-    {"access", SYS_access},
-    {"access", SYS_faccessat},
-    {"access", SYS_faccessat2},
-    {"mmap", SYS_mmap},
-    {"mmap", SYS_mremap},
-    {"brk", SYS_brk},
-    {"mprotect", SYS_mprotect},
-    {"munmap", SYS_munmap},
-    {"madvise", SYS_madvise},
-    {"clone", SYS_clone},
-    {"clone", SYS_clone3},
-    {"clone", SYS_fork},
-    {"clone", SYS_vfork},
-    {"exec", SYS_execve},
-    {"pipe", SYS_pipe},
-    {"pipe", SYS_pipe2},
-    {"dup", SYS_dup},
-    {"dup", SYS_dup2},
-    {"dup", SYS_dup3},
-    {"wait", SYS_wait4},
-    {"wait", SYS_waitid},
-    {"truncate", SYS_ftruncate},
-    {"truncate", SYS_fallocate},
-    {"sync", SYS_fsync},
-    {"sync", SYS_fdatasync},
-    {"chmod", SYS_chmod},
-    {"chmod", SYS_fchmod},
-    {"chmod", SYS_fchmodat},
-    {"chown", SYS_chown},
-    {"chown", SYS_fchown},
-    {"mkdir", SYS_mkdir},
-    {"mkdir", SYS_mkdirat},
-    {"getdents", SYS_getdents64},
-    {"readlink", SYS_readlink},
-    {"readlink", SYS_readlinkat},
-    {"getcwd", SYS_getcwd},
-    {"chdir", SYS_chdir},
-    {"chdir", SYS_fchdir},
-    {"lseek", SYS_lseek},
-    {"ioctl", SYS_ioctl},
-    {"fcntl", SYS_fcntl},
-    {"futex", SYS_futex},
-    {"timer", SYS_setitimer},
-    {"timer", SYS_timer_create},
-    {"timer", SYS_timer_settime},
-    {"affinity", SYS_sched_getaffinity},
-    {"random", SYS_getrandom},
-    {"sigaction", SYS_rt_sigaction},
-    {"memfd", SYS_memfd_create},
-    {"poll", SYS_poll},
-    {"poll", SYS_ppoll},
-    {"poll", SYS_pselect6},
+const Group GROUPS[] = {
+    {"open", {SYS_open, SYS_openat}},
+    {"read", {SYS_read, SYS_pread64, SYS_readv}},
+    {"write", {SYS_write, SYS_pwrite64, SYS_writev}},
+    {"close", {SYS_close}},
+    {"rename", {SYS_rename, SYS_renameat, SYS_renameat2}},
+    {"link", {SYS_link, SYS_linkat}},
+    {"unlink", {SYS_unlink, SYS_unlinkat}},
+    {"stat", {SYS_stat, SYS_fstat, SYS_lstat, SYS_newfstatat, SYS_statx}},
+    {"access", {SYS_access, SYS_faccessat, SYS_faccessat2}},
+    {"mmap", {SYS_mmap, SYS_mremap}},
+    {"brk", {SYS_brk}},
+    {"mprotect", {SYS_mprotect}},
+    {"munmap", {SYS_munmap}},
+    {"madvise", {SYS_madvise}},
+    {"clone", {SYS_clone, SYS_clone3, SYS_fork, SYS_vfork}},
+    {"exec", {SYS_execve}},
+    {"pipe", {SYS_pipe, SYS_pipe2}},
+    {"dup", {SYS_dup, SYS_dup2, SYS_dup3}},
+    {"wait", {SYS_wait4, SYS_waitid}},
+    {"truncate", {SYS_ftruncate, SYS_fallocate}},
+    {"sync", {SYS_fsync, SYS_fdatasync}},
+    {"chmod", {SYS_chmod, SYS_fchmod, SYS_fchmodat}},
+    {"chown", {SYS_chown, SYS_fchown}},
+    {"mkdir", {SYS_mkdir, SYS_mkdirat}},
+    {"getdents", {SYS_getdents64}},
+    {"readlink", {SYS_readlink, SYS_readlinkat}},
+    {"getcwd", {SYS_getcwd}},
+    {"chdir", {SYS_chdir, SYS_fchdir}},
+    {"lseek", {SYS_lseek}},
+    {"ioctl", {SYS_ioctl}},
+    {"fcntl", {SYS_fcntl}},
+    {"futex", {SYS_futex}},
+    {"timer", {SYS_setitimer, SYS_timer_create, SYS_timer_settime}},
+    {"affinity", {SYS_sched_getaffinity}},
+    {"random", {SYS_getrandom}},
+    {"sigaction", {SYS_rt_sigaction}},
+    {"memfd", {SYS_memfd_create}},
+    {"poll", {SYS_poll, SYS_ppoll, SYS_pselect6}},
 };
 
 // What to do to which call, and what was done.
@@ -141,9 +107,9 @@ struct Process {
 
 const char *groupOf(long number)
 {
-    for (const Call &call : CALLS) {
-        if (call.number == number)
-            return call.group;
+    for (const Group &group : GROUPS) {
+        if (std::find(group.numbers.begin(), group.numbers.end(), number) != group.numbers.end())
+            return group.name;
     }
     return "other";
 }
