@@ -166,11 +166,22 @@ bool CPP_Manager::pushPath(const char *path)
 {
     auto *file = new CPP_File(newStream());
     CPP_Stream *stream = file->getStream();
-    if (isStandardInput(path))
-        stream->setStream(standardInput());
-    else if (*path != '\0')
+    const bool isFile = *path != '\0' && !isStandardInput(path);
+    if (isFile)
         static_cast<void>(stream->open(path)); // whether it is open now, counts
-    return pushFile(file, path);
+    else if (*path != '\0')
+        stream->setStream(standardInput());
+    if (!pushFile(file, path))
+        return false;
+    if (isFile)
+        noteOpened(path);
+    return true;
+}
+
+void CPP_Manager::noteOpened(const char *path)
+{
+    if (myOpenedNames.addSymbol(path, nullptr))
+        myOpenedFiles.append(path);
 }
 
 bool CPP_Manager::pushFile(CPP_File *file, const char *path)

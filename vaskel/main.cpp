@@ -57,7 +57,7 @@ int fail(const std::string &message)
 
 extern "C" void giveUp(int)
 {
-    die("not finished within the limit (--limit, VELDRIN_VASKEL_LIMIT)\n");
+    die("not finished within the limit (--limit, VELDRIN_VASKEL_OPTIONS)\n");
 }
 
 void setTimer(float seconds)
@@ -96,6 +96,20 @@ vk_RenderSettings settingsOf(const vk_Options &options, vk_Stats &stats)
     return settings;
 }
 
+// What the command line says wins over the scene, and counts before the limits do.
+void applyOptions(const vk_Options &options, vk_Scene &scene)
+{
+    if (!options.output.empty())
+        scene.picture = options.output;
+    else if (!options.format.empty())
+        scene.picture.replace(scene.picture.rfind('.') + 1, std::string::npos, options.format);
+    if (options.size == 0)
+        return;
+    const int longer = std::max(scene.width, scene.height);
+    scene.width = std::max(1, scene.width * options.size / longer);
+    scene.height = std::max(1, scene.height * options.size / longer);
+}
+
 int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
 {
     // The place is tried before the work is done.
@@ -103,12 +117,15 @@ int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
     vk_Film film;
     std::vector<std::uint8_t> bytes;
     std::string error;
+    const std::string encoded = options.format.empty() ? scene.picture : "x." + options.format;
+    if (!vk_isPictureName(encoded))
+        return fail("expected a name that ends in .jpg, .jpeg or .png");
     if (!file.isWritable())
         return fail(file.error());
     if (!vk_render(scene, settingsOf(options, stats), film, error))
         return fail(error);
     const double start = vk_seconds();
-    if (!vk_encode(film, scene.picture, bytes, error))
+    if (!vk_encode(film, encoded, scene.comment, bytes, error))
         return fail(error);
     if (!file.write(bytes.data(), bytes.size()))
         return fail(file.error());
@@ -119,7 +136,7 @@ int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
 // A palette's author may ask for hours of somebody else's machine.
 bool isTooMuch(const vk_Scene &scene, const vk_Options &options)
 {
-    const bool isInput = std::strcmp(options.scene, "-") == 0;
+    const bool isInput = options.scene == "-";
     return isInput && options.limit < 0 && scene.work() > vk_Scene::MOST_WORK;
 }
 
@@ -127,12 +144,12 @@ int readAndDraw(const vk_Options &options)
 {
     vk_Stats stats;
     const double start = vk_seconds();
-    const bool isInput = std::strcmp(options.scene, "-") == 0;
-    std::FILE *const file = isInput ? stdin : std::fopen(options.scene, "rb");
+    const bool isInput = options.scene == "-";
+    std::FILE *const file = isInput ? stdin : std::fopen(options.scene.c_str(), "rb");
     if (file == nullptr)
         return fail("cannot open " + vk_quotedName(options.scene) + ": " + std::strerror(errno));
     vk_Scene scene;
-    vk_SceneReader reader(isInput ? nullptr : options.scene, scene);
+    vk_SceneReader reader(isInput ? nullptr : options.scene.c_str(), scene);
     const bool good = reader.read(file);
     if (!isInput)
         std::fclose(file);
@@ -141,11 +158,13 @@ int readAndDraw(const vk_Options &options)
     stats.reading = vk_seconds() - start;
     if (!good)
         return FAILURE;
+    applyOptions(options, scene);
     setSubject(scene.picture);
     if (isTooMuch(scene, options))
-        return fail("width times height times samples expected at most " +
-                    std::to_string(vk_Scene::MOST_WORK) +
-                    " in a scene from standard input; --limit or VELDRIN_VASKEL_LIMIT lifts that");
+        return fail(
+            "width times height times samples expected at most " +
+            std::to_string(vk_Scene::MOST_WORK) +
+            " in a scene from standard input; --limit or VELDRIN_VASKEL_OPTIONS lifts that");
     const int status = draw(scene, options, stats);
     if (options.stats && status == 0)
         std::fputs(stats.text().c_str(), stderr);

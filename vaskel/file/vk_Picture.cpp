@@ -42,7 +42,7 @@ extern "C" void escapeFromJpeg(j_common_ptr info)
     std::longjmp(errors->escape, 1);
 }
 
-void compressRows(jpeg_compress_struct &info, const vk_Film &film)
+void compressRows(jpeg_compress_struct &info, const vk_Film &film, const std::string &comment)
 {
     info.image_width = static_cast<JDIMENSION>(film.width);
     info.image_height = static_cast<JDIMENSION>(film.height);
@@ -55,6 +55,9 @@ void compressRows(jpeg_compress_struct &info, const vk_Film &film)
     info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
     jpeg_start_compress(&info, TRUE);
     jpeg_write_marker(&info, JPEG_APP0 + 1, EXIF_SRGB, sizeof EXIF_SRGB);
+    if (!comment.empty())
+        jpeg_write_marker(&info, JPEG_COM, reinterpret_cast<const JOCTET *>(comment.data()),
+                          static_cast<unsigned>(comment.size()));
     while (info.next_scanline < info.image_height) {
         const std::size_t row = std::size_t{3} * info.image_width * info.next_scanline;
         JSAMPROW pixels = const_cast<JSAMPROW>(film.bytes.data() + row);
@@ -63,7 +66,7 @@ void compressRows(jpeg_compress_struct &info, const vk_Film &film)
     jpeg_finish_compress(&info);
 }
 
-bool encodeJpeg(const vk_Film &film, Bytes &file, std::string &error)
+bool encodeJpeg(const vk_Film &film, const std::string &comment, Bytes &file, std::string &error)
 {
     jpeg_compress_struct info = {};
     JpegErrors errors = {};
@@ -80,7 +83,7 @@ bool encodeJpeg(const vk_Film &film, Bytes &file, std::string &error)
     }
     jpeg_create_compress(&info);
     jpeg_mem_dest(&info, &memory, &size);
-    compressRows(info, film);
+    compressRows(info, film, comment);
     jpeg_destroy_compress(&info);
     file.assign(memory, memory + size);
     std::free(memory);
@@ -98,7 +101,17 @@ extern "C" void escapeFromPng(png_structp png, png_const_charp)
     png_longjmp(png, 1);
 }
 
-bool encodePng(const vk_Film &film, Bytes &file, std::string &error)
+void writeComment(png_structp png, png_infop info, const std::string &comment)
+{
+    char keyword[] = "Comment";
+    png_text text = {};
+    text.compression = PNG_TEXT_COMPRESSION_NONE;
+    text.key = keyword;
+    text.text = const_cast<char *>(comment.c_str()); // libpng copies it
+    png_set_text(png, info, &text, 1);
+}
+
+bool encodePng(const vk_Film &film, const std::string &comment, Bytes &file, std::string &error)
 {
     png_structp png =
         png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, escapeFromPng, nullptr);
@@ -113,6 +126,8 @@ bool encodePng(const vk_Film &film, Bytes &file, std::string &error)
                  static_cast<png_uint_32>(film.height), 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_sRGB(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
+    if (!comment.empty())
+        writeComment(png, info, comment);
     png_write_info(png, info);
     for (int y = 0; y < film.height; ++y)
         png_write_row(png, film.bytes.data() + 3 * static_cast<std::size_t>(y * film.width));
@@ -123,7 +138,7 @@ bool encodePng(const vk_Film &film, Bytes &file, std::string &error)
 
 struct Format {
     std::string_view suffix;
-    bool (*encode)(const vk_Film &, Bytes &, std::string &);
+    bool (*encode)(const vk_Film &, const std::string &, Bytes &, std::string &);
 };
 constexpr Format FORMATS[] = {
     {".jpg", encodeJpeg},
@@ -142,11 +157,12 @@ const Format *formatOf(const std::string &name)
 }
 } // namespace
 
-bool vk_encode(const vk_Film &film, const std::string &name, Bytes &file, std::string &error)
+bool vk_encode(const vk_Film &film, const std::string &name, const std::string &comment,
+               Bytes &file, std::string &error)
 {
     const Format *const format = formatOf(name);
     if (format != nullptr)
-        return format->encode(film, file, error);
+        return format->encode(film, comment, file, error);
     error = "expected a name that ends in .jpg, .jpeg or .png";
     return false;
 }

@@ -46,6 +46,7 @@ struct vk_Scene {
     static constexpr std::int64_t MOST_WORK = 1 << 30;
 
     std::string picture; // file name
+    std::string comment; // for the picture's file, lines
     int width = 256;
     int height = 256;
     int samples = 256;  // most for a pixel

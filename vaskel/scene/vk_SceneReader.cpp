@@ -35,6 +35,8 @@ struct vk_SceneReader::Statement {
 // doc/scene.md has the same rows.
 const vk_SceneReader::Statement vk_SceneReader::STATEMENTS[] = {
     {"picture", "NAME", &vk_SceneReader::doPicture, "the picture to write", true},
+    {"comment", "TEXT", &vk_SceneReader::doComment, "a line of text within the picture's file",
+     true},
     {"size", "WIDTH HEIGHT", &vk_SceneReader::doSize, "picture size in pixels"},
     {"samples", "COUNT", &vk_SceneReader::doSamples, "the most samples that a pixel gets"},
     {"exposure", "STOPS", &vk_SceneReader::doExposure, "brighter by powers of two"},
@@ -219,6 +221,18 @@ bool vk_SceneReader::doPicture()
     const bool isFirst = myScene->picture.empty();
     myScene->picture = name;
     return isFirst || wrong("picture expected only once in a scene");
+}
+
+bool vk_SceneReader::doComment()
+{
+    const std::size_t start = myLine.find_first_not_of(" \t", myLine.find("comment") + 7);
+    std::string text = start == std::string::npos ? "" : myLine.substr(start);
+    if (myScene->comment.size() + text.size() >= VK_LONGEST_COMMENT)
+        return wrong("comment expected texts of at most " + std::to_string(VK_LONGEST_COMMENT) +
+                     " bytes together");
+    UTmakePrintable(text.data(), text.size());
+    myScene->comment += (myScene->comment.empty() ? "" : "\n") + text;
+    return true;
 }
 
 bool vk_SceneReader::doSize()

@@ -67,6 +67,7 @@ private:
     bool doShader(const vk_ShaderTable<Type> &table, Pointer &shader);
 
     bool doPicture();
+    bool doComment();
     bool doSize();
     bool doSamples();
     bool doExposure();
