@@ -13,7 +13,7 @@ from place import Place
 CALLS = {
     "open": "EACCES EMFILE ENOMEM EINTR EIO ENOSPC ENOENT", "read": "EIO EINTR",
     "write": "EIO ENOSPC EINTR EPIPE", "close": "EIO EINTR", "rename": "EIO ENOSPC EACCES",
-    "link": "EIO ENOSPC EPERM", "unlink": "EIO EACCES", "stat": "EIO EACCES ENOENT",
+    "link": "EIO ENOSPC EPERM", "unlink": "EIO EACCES", "stat": "EIO EACCES",
     "access": "EIO EACCES", "mmap": "ENOMEM", "brk": "ENOMEM", "mprotect": "ENOMEM",
     "munmap": "ENOMEM", "madvise": "EINVAL", "clone": "EAGAIN ENOMEM", "exec": "ENOMEM EACCES",
     "pipe": "EMFILE", "dup": "EBUSY EINTR", "wait": "EINTR ECHILD", "truncate": "EIO ENOSPC",
