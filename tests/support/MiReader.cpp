@@ -21,6 +21,7 @@ private:
     bool readLink();
     bool readInclude();
     bool readDeclare();
+    bool readShader();
     bool readBlock();
     bool readStatement(const std::string &block);
     bool readForm(const MiStatement &statement);
@@ -140,7 +141,7 @@ bool Reader::readCommand()
         {"camera", &Reader::readBlock},      {"light", &Reader::readBlock},
         {"material", &Reader::readBlock},    {"object", &Reader::readObject},
         {"instance", &Reader::readInstance}, {"instgroup", &Reader::readGroupOfInstances},
-        {"render", &Reader::readRender},
+        {"shader", &Reader::readShader},     {"render", &Reader::readRender},
     };
     const auto command = COMMANDS.find(at().text);
     if (at().kind != 'w' || command == COMMANDS.end())
@@ -182,6 +183,11 @@ bool Reader::readDeclare()
     }
     myShaders[name] = shader;
     return takeEnd("declare");
+}
+
+bool Reader::readShader()
+{
+    return takeNewName("shader") && readCall("shader");
 }
 
 bool Reader::readBlock()
@@ -274,6 +280,8 @@ bool Reader::readParameter(const std::string &shader, const MiShader &known)
     if (at().kind != 's' || parameter == known.parameters.end())
         return found("no parameter of " + shader);
     ++myNext;
+    if (take("="))
+        return takeName("shader");
     if (parameter->second == "lights")
         return readLights();
     const size_t from = myNext;
