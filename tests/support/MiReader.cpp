@@ -290,6 +290,7 @@ bool Reader::readParameter(const std::string &shader, const MiShader &known)
         if (readValues(form))
             return true;
     }
+    myNext = from;
     return found("not a " + parameter->second);
 }
 

@@ -5,11 +5,14 @@
 #include "tests/support/ProgramRun.h"
 #include "tests/support/RecordingRenderer.h"
 #include "tests/support/RibReader.h"
+#include "tests/support/preprocessed.h"
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <iterator>
 #include <set>
+#include <sstream>
 
 namespace
 {
@@ -23,6 +26,8 @@ const struct {
     {"shadow", "\"spotlight\" 1", "\"mib_transparency\" (\"transp\" 1 1 1)"},
     {"fog", "\"depthcue\" \"maxdistance\" [9]", "\"mib_volume\" (\"max\" 9)"},
 };
+const double DEGREE = std::acos(-1.0) / 180;
+
 const char *const OWN_SHADER =
     "declare shader scalar \"own_bumps\" (scalar \"height\") end declare\n";
 
@@ -55,8 +60,8 @@ OtherRenderers::OtherRenderers()
     for (const auto &kind : KINDS)
         all += " '" +
                scratch.write(std::string(kind.type) + ".palette",
-                             "ShaderType " + std::string(kind.type) + "\nRIB '" + kind.rib +
-                                 "'\nMI '" + kind.mi + "'\n") +
+                             "ShaderType " + std::string(kind.type) + "\nVVaskel v\nRIB '" +
+                                 kind.rib + "'\nMI '" + kind.mi + "'\n") +
                "'";
     for (const std::string &example : files(SOURCE_DIR "/examples")) {
         const std::string text = fileContents(example);
@@ -70,7 +75,7 @@ OtherRenderers::OtherRenderers()
 std::vector<std::string> OtherRenderers::scenes(const std::string &name, const std::string &options,
                                                 const std::string &palettes) const
 {
-    const size_t from = renderer.record("scene").size();
+    std::filesystem::remove(renderer.folder() + "/../scene");
     const ProgramRun run =
         runLine("$RUN '" BIN_DIR "/thumbrender' -r " + name + ' ' + options + palettes,
                 {"HOME=" + scratch.path("home"), "VDX=" SOURCE_DIR "/share",
@@ -78,7 +83,7 @@ std::vector<std::string> OtherRenderers::scenes(const std::string &name, const s
                 scratch.path());
     EXPECT_EQ("", run.err);
     std::vector<std::string> pieces;
-    const std::string text = renderer.record("scene").substr(from), mark = "# next\n";
+    const std::string text = renderer.record("scene"), mark = "# next\n";
     for (size_t at = 0, end; (end = text.find(mark, at)) != std::string::npos;
          at = end + mark.size())
         pieces.push_back(text.substr(at, end - at));
@@ -123,4 +128,110 @@ TEST_F(OtherRenderers, TakeEveryMiScene)
         for (size_t i = 0; i < found.size(); ++i)
             EXPECT_EQ("", together(readMi(found[i]).findings)) << options << ' ' << i;
     }
+}
+
+// Where vaskel's camera, whose line this is, sees a point.
+static ScenePixel seenByVaskel(const std::string &scene, const ScenePoint &point)
+{
+    double eyeY, eyeZ, atY, atZ, fov;
+    const size_t line = scene.find("camera from ");
+    EXPECT_EQ(5, sscanf(scene.c_str() + line, "camera from 0 %lf %lf at 0 %lf %lf fov %lf", &eyeY,
+                        &eyeZ, &atY, &atZ, &fov));
+    const double pitch = std::atan2(eyeY - atY, eyeZ - atZ) / DEGREE;
+    const SceneMatrix camera =
+        sceneTranslation(0, -eyeY, -eyeZ) * sceneRotation(pitch, {1, 0, 0}) * sceneScale(1, 1, -1);
+    return scenePixel(point * camera, std::tan(fov / 2 * DEGREE), 256);
+}
+
+TEST_F(OtherRenderers, SeeWhatVaskelSees)
+{
+    for (const char *type : {"surface", "light"}) {
+        for (const char *shape : {"sphere", "grid", "cylinder", "teapot"}) {
+            const std::string options = std::string("-g ") + shape;
+            const std::string palette = ' ' + scratch.path(type) + ".palette";
+            const RibScene rib = readRib(scenes("prman", options, palette).at(0));
+            const MiScene mi = readMi(scenes("mi", options, palette).at(0));
+            const std::string ours = scenes("vaskel", options, palette).at(0);
+            for (const ScenePoint &point : scenePoints({-1, 0, 0, 1, 2, 0, .3, 1, .8, 2, 0, -4})) {
+                const ScenePixel wanted = seenByVaskel(ours, point);
+                const ScenePixel pixels[] = {
+                    scenePixel(point * rib.camera, std::tan(rib.fieldOfView / 2 * DEGREE), 256),
+                    scenePixel(point * mi.camera * sceneScale(1, 1, -1), mi.tangent, 256)};
+                for (const ScenePixel &pixel : pixels) {
+                    EXPECT_NEAR(wanted.x, pixel.x, .5) << type << options;
+                    EXPECT_NEAR(wanted.y, pixel.y, .5) << type << options;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(OtherRenderers, TakeWhatASiteHas)
+{
+    const std::string fog = " '" + scratch.path("fog.palette") + "'",
+                      surface = " '" + scratch.path("surface.palette") + "'";
+    scratch.write("home/veldrin9.0/shop/palette/site.rib",
+                  "#define RIB_DISPLAY \"jpeg\"\n"
+                  "#define RIB_DISTANTLIGHT \"sun\"\n"
+                  "#define RIB_SPOTLIGHT \"beam\"\n"
+                  "#define RIB_SHADOWED \"string map\" [\"rays\"]\n"
+                  "#define RIB_CASTERS Attribute \"own\" \"float rays\" 1\n");
+    const auto expectInScene = [](const std::string &scene, const char *text, bool isThere) {
+        EXPECT_EQ(isThere, scene.find(text) != std::string::npos) << text;
+    };
+    const std::string beam = scenes("rdc", "", fog).at(0), sun = scenes("rdc", "", surface).at(0),
+                      none = scenes("rdc", "-s", surface).at(0);
+    expectInScene(sun, "surface.jpg\" \"jpeg\" \"rgb\"\n", true);
+    expectInScene(sun, "LightSource \"sun\" 1 \"string map\" [\"rays\"]", true);
+    expectInScene(beam, "LightSource \"beam\" 1 \"string map\" [\"rays\"]", true);
+    expectInScene(sun, "Attribute \"own\" \"float rays\" 1\n", true);
+    for (const char *text : {"\"sun\"", "\"string map\"", "\"own\""})
+        expectInScene(none, text, false);
+}
+
+// Numbers of levels.inc against what they are derived from in shadeball.inc.
+TEST(OtherRenderersLevels, AreThoseOfTheStudio)
+{
+    const std::string palettes = SOURCE_DIR "/share/veldrin/shop/palette";
+    for (const std::string light : {"LAMP", "BEAM"}) {
+        const bool isBeam = light == "BEAM";
+        const std::string name = "STUDIO_" + light, start = name + "_START",
+                          aim = isBeam ? "STUDIO_BEAM_AIM" : "STUDIO_AIM";
+        const std::string text =
+            preprocessed("-P -DFOG_SHADER=x -I" + palettes,
+                         "#include \"shadeball.inc\"\n#include \"levels.inc\"\n" + name + ' ' +
+                             aim + ' ' + name + "_LEVEL " + start + "_LEVEL " + start + ' ' + name +
+                             "_STOP STUDIO_BEAM_POWER\n");
+        std::istringstream in(text);
+        const std::vector<double> n{std::istream_iterator<double>(in), {}};
+        ASSERT_EQ(11u, n.size()) << text;
+        const double distance = std::hypot(n[0] - n[3], n[1] - n[4], n[2] - n[5]), level = n[6];
+        EXPECT_NEAR(level, n[7] * (n[9] - distance) / (n[9] - n[8]), .01 * level) << light;
+        EXPECT_NEAR(.6 * distance, n[8], .01) << light;
+        EXPECT_NEAR(2 * distance, n[9], .01) << light;
+        if (isBeam) {
+            EXPECT_NEAR(level * distance * distance, n[10], .1);
+        }
+    }
+}
+
+TEST(StrictReaders, TellWhatIsWrong)
+{
+    expectTable(TEST_DATA "/data/scenes",
+                {{"rib",
+                  [](const char *in) {
+                      return together(readRib("Display \"x\" \"file\" \"rgb\" Translate 0 0 5 "
+                                              "WorldBegin " +
+                                              std::string(in) + " WorldEnd\n")
+                                          .findings);
+                  }},
+                 {"mi", [](const char *in) {
+                      return together(
+                          readMi("link \"base.so\" $include <base.mi> options \"o\" end options "
+                                 "material \"m\" end material instgroup \"s\" end instgroup "
+                                 "camera \"c\" focal 1 aperture 1 end camera "
+                                 "instance \"v\" \"c\" end instance " +
+                                 std::string(in) + " render \"s\" \"v\" \"o\"\n")
+                              .findings);
+                  }}});
 }
