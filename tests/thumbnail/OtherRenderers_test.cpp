@@ -112,8 +112,8 @@ TEST_F(OtherRenderers, TakeEveryRibScene)
 {
     for (const std::string &options : everyOption()) {
         const auto found = scenes("prman", options, all);
-        EXPECT_EQ(found, scenes("entropy", options, all));
-        EXPECT_EQ(found, scenes("rdc", options, all));
+        EXPECT_TRUE(found == scenes("entropy", options, all)) << options;
+        EXPECT_TRUE(found == scenes("rdc", options, all)) << options;
         EXPECT_GE(found.size(), 15u);
         for (size_t i = 0; i < found.size(); ++i)
             EXPECT_EQ("", together(readRib(found[i]).findings)) << options << ' ' << i;
