@@ -92,6 +92,8 @@ private:
         const tm_Outcome outcome = tm_askNinja(myCache.folder(), names);
         if (!outcome.error.empty())
             return fail("ninja: " + outcome.error);
+        if (myOptions.isQuiet)
+            return hasProblems() ? FAILED : OK;
         for (const std::string &name : names)
             std::printf("%s\n", name.c_str());
         const auto all = static_cast<long>(myLibrary.items.size());
