@@ -33,7 +33,7 @@ public:
     // Of monochromatic light, scaled to at most about 1; black outside 380 to 780 nm.
     osl_Colour wavelength(float nanometres) const;
 
-    osl_Primaries(const char *name, const float xy[8]); // red, green, blue, white
+    osl_Primaries(const char *name, const float (&xy)[8]); // red, green, blue, white
 
 private:
     const char *myName;
