@@ -74,38 +74,53 @@ float slopeAt(const osl_SplineBasis &basis, float x, const osl_Knots &knots)
     return slopeOf(cubic, at.t) * static_cast<float>(segments(basis, knots));
 }
 
-// A piece of the spline on which y is looked for.
+float plain(float x)
+{
+    return x;
+}
+float plain(const osl_Dual &x)
+{
+    return x.val;
+}
+
+// A piece of the spline on which y is looked for. T is float or osl_Dual: the
+// derivatives of the answer come out of the search itself, as they do elsewhere.
+template <class T>
 struct Bracket {
-    float low, high;     // x
-    float atLow, atHigh; // values there
+    T low, high;     // x
+    T atLow, atHigh; // values there
 };
 
-float between(const Bracket &b, float y, bool isBisection)
+template <class T>
+T between(const Bracket<T> &b, const T &y, bool isBisection)
 {
-    const float t = isBisection ? 0.5f : (y - b.atLow) / (b.atHigh - b.atLow);
-    return osl_mix(b.low, b.high, t > 0 && t < 1 ? t : 0.5f);
+    T t = isBisection ? T(0.5f) : osl_div(y - b.atLow, b.atHigh - b.atLow);
+    if (!(plain(t) > 0 && plain(t) < 1))
+        t = T(0.5f);
+    return osl_mix(b.low, b.high, t);
 }
 
 // Regula falsi, then bisection. REQUIRES: y is between the values at the ends
-float searchPiece(const osl_SplineBasis &basis, float y, const osl_Knots &knots, Bracket b)
+template <class T>
+T searchPiece(const osl_SplineBasis &basis, const T &y, const osl_Knots &knots, Bracket<T> b)
 {
     constexpr int STEPS = 32, FALSI_STEPS = 24;
     constexpr float EPSILON = 1e-6f;
-    const bool rises = b.atLow < b.atHigh;
-    float x = b.low;
-    if (std::fabs(b.atLow - b.atHigh) < EPSILON)
+    const bool rises = plain(b.atLow) < plain(b.atHigh);
+    T x = b.low;
+    if (std::fabs(plain(b.atLow - b.atHigh)) < EPSILON)
         return x;
     for (int step = 0; step < STEPS; ++step) {
         x = between(b, y, step >= FALSI_STEPS);
-        const float v = osl_spline(basis, x, knots);
-        if ((v < y) == rises) {
+        const T v = osl_spline(basis, x, knots);
+        if ((plain(v) < plain(y)) == rises) {
             b.low = x;
             b.atLow = v;
         } else {
             b.high = x;
             b.atHigh = v;
         }
-        if (std::fabs(b.high - b.low) < EPSILON || std::fabs(v - y) < EPSILON)
+        if (std::fabs(plain(b.high - b.low)) < EPSILON || std::fabs(plain(v - y)) < EPSILON)
             break;
     }
     return x;
@@ -127,18 +142,20 @@ bool isOutside(const osl_SplineBasis &basis, float y, const osl_Knots &knots, fl
 }
 
 // The segments one by one, as even rising knots may make a curve that falls in places.
-float searchAll(const osl_SplineBasis &basis, float y, const osl_Knots &knots)
+template <class T>
+T searchAll(const osl_SplineBasis &basis, const T &y, const osl_Knots &knots)
 {
     const int count = segments(basis, knots);
-    const float width = 1.0f / static_cast<float>(count);
-    float x = 0;
-    Bracket b = {0, 0, 0, osl_spline(basis, 0, knots)};
+    const float width = 1.0f / static_cast<float>(count), at = plain(y);
+    T x = 0;
+    Bracket<T> b = {0, 0, 0, osl_spline(basis, T(0), knots)};
     for (int s = 0; s < count; ++s) {
         b = {b.high, width * static_cast<float>(s + 1), b.atHigh, 0};
         b.atHigh = osl_spline(basis, b.high, knots);
-        if (y >= std::min(b.atLow, b.atHigh) && y <= std::max(b.atLow, b.atHigh))
+        const float low = plain(b.atLow), high = plain(b.atHigh);
+        if (at >= std::min(low, high) && at <= std::max(low, high))
             return searchPiece(basis, y, knots, b);
-        x = (y < b.atLow) == (b.atLow < b.atHigh) ? b.low : b.high;
+        x = (at < low) == (low < high) ? b.low : b.high;
     }
     return x;
 }
@@ -178,7 +195,7 @@ osl_Dual osl_spline(const osl_SplineBasis &basis, const osl_Dual &x, const osl_K
 float osl_splineInverse(const osl_SplineBasis &basis, float y, const osl_Knots &knots)
 {
     float x;
-    return isOutside(basis, y, knots, x) ? x : searchAll(basis, y, knots);
+    return isOutside(basis, y, knots, x) ? x : searchAll<float>(basis, y, knots);
 }
 
 osl_Dual osl_splineInverse(const osl_SplineBasis &basis, const osl_Dual &y, const osl_Knots &knots)
@@ -186,6 +203,7 @@ osl_Dual osl_splineInverse(const osl_SplineBasis &basis, const osl_Dual &y, cons
     float x;
     if (isOutside(basis, y.val, knots, x))
         return x;
-    x = searchAll(basis, y.val, knots);
-    return osl_chain(y, x, osl_div(1.0f, slopeAt(basis, x, knots)));
+    osl_Knots still = knots;
+    still.dx = still.dy = nullptr;
+    return searchAll(basis, y, still);
 }
