@@ -43,7 +43,8 @@ osl_Ref &osl_Generator::lookUp(const Node *node)
 // A register that nobody else refers to.
 bool osl_Generator::isFresh(int reg) const
 {
-    return myRegisters[reg].kind == osl_Registers::TEMPORARY && myRegisters[reg].parent < 0;
+    return myRegisters[reg].kind == osl_Registers::TEMPORARY && myRegisters[reg].parent < 0 &&
+           !myRegisters[reg].isNamed;
 }
 
 osl_Ref osl_Generator::withStep(osl_Ref ref, const osl_Ref::Step &step, int index)

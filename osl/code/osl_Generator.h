@@ -75,7 +75,7 @@ private:
     // Parameters and statements (osl_GenStatements.cpp)
     void genParameters();
     void genParameter(const Node *node);
-    osl_Ref boundParameter(const Node *node, const osl_Type &type, const std::string &name);
+    osl_Ref boundParameter(const osl_Type &type, const std::string &name);
     osl_Ref bindFields(const osl_Ref &value, const std::string &name);
     const OSL_Value *findBinding(const std::string &name) const;
     static bool isInterpolated(const Node *node);
@@ -102,6 +102,7 @@ private:
     bool retarget(int to, int from);
     osl_Ref zero(const osl_Type &type);
     bool isFresh(int reg) const;
+    void name(const osl_Ref &ref); // what is fresh in it becomes a variable
 
     // Expressions (osl_GenExpressions.cpp)
     osl_Ref gen(const Node *node);

@@ -24,7 +24,8 @@ public:
         int data = 0; // CONSTANT: its first word in data()
         bool isVarying = false;
         bool hasDerivatives = false;
-        bool isKept = false; // has its place for the whole run
+        bool isNamed = false; // a variable that is written only once: this write
+        bool isKept = false;  // has its place for the whole run
         int firstUse = -1;   // instruction
         int lastUse = -1;
         int at = 0;

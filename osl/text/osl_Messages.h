@@ -23,6 +23,7 @@ public:
     {
         return myFiles[static_cast<size_t>(number)];
     }
+    int files() const { return static_cast<int>(myFiles.size()); }
     // The name without its folders.
     std::string_view baseName(int number) const;
 
