@@ -71,7 +71,7 @@ struct osl_Code {
     std::vector<std::string> files; // by the number in a place
     std::array<int, 13> globals{};  // registers of P, I, ... Ci in their order; -1: not used
     std::vector<osl_CodeOutput> outputs;
-    std::vector<osl_ClosureRow> closures; // by the number of OSL_CLOSURE
+    std::vector<const osl_ClosureRow *> closures; // by the number of OSL_CLOSURE
 };
 
 // The globals in the order of osl_Code::globals.

@@ -47,7 +47,7 @@ struct osl_Made {
     std::vector<int> arguments; // registers, -1 for none
     std::vector<int> regions;   // of each instruction
     std::vector<osl_Region> tree;
-    std::vector<osl_ClosureRow> closures;
+    std::vector<const osl_ClosureRow *> closures;
     std::array<int, 13> globals{};
     std::vector<osl_CodeOutput> outputs;
 };
