@@ -190,9 +190,8 @@ bool Analysis::spreadDerivatives()
         const bool isWanted = result >= 0 && rootOf(result).hasDerivatives;
         const bool isTexture = in->op == OSL_TEXTURE || in->op == OSL_ENVIRONMENT;
         const bool isFiltered = in->op == OSL_NOISE && (in->number == OSL_NOISE_GABOR || in->number < 0);
-        const bool isMessage = in->op == OSL_SETMESSAGE;
         if (kind == osl_OpRow::USES || (kind == osl_OpRow::ALL && isWanted) || isTexture ||
-            isFiltered || isMessage)
+            isFiltered)
             isChanged = needArguments(*in) || isChanged;
         // Elements are written into what is read later.
         if ((in->op == OSL_SET_ELEMENT) && isWanted)
@@ -334,6 +333,8 @@ osl_Operand Analysis::operandOf(int reg) const
         return operand;
     const Register &made = myRegisters[reg];
     const Register &root = myRegisters[myRegisters.root(reg)];
+    operand.words = made.words;
+    operand.step = made.words > 1 ? 1 : 0;
     operand.at = root.at + made.offset;
     if (root.kind == osl_Registers::CONSTANT)
         operand.at = made.at;

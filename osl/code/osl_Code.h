@@ -24,6 +24,8 @@ struct osl_Operand {
     int at = 0;
     int dx = 0;
     int dy = 0;
+    int words = 0;
+    int step = 0; // 1, or 0 for a single word that stands for any number of them
     int reg = -1; // its number, for those who need its type; -1 for no operand
 };
 
