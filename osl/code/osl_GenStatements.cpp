@@ -80,7 +80,7 @@ int osl_Generator::fold(osl_Op op, const osl_Type &type, const std::vector<int> 
     for (const int reg : arguments)
         data.emplace_back(myRegisters.data(reg), myRegisters[reg].words);
     std::vector<int> result(static_cast<size_t>(words));
-    if (!osl_fold(op, data, result, myRegisters))
+    if (!osl_fold(op, data, result))
         return -1;
     return myRegisters.constant(type, result);
 }

@@ -1,6 +1,5 @@
 #include "osl/code/osl_Fold.h"
 
-#include "osl/lib/osl_Hash.h"
 #include "osl/run/osl_Kernel.h"
 
 #include <algorithm>
@@ -11,7 +10,7 @@ constexpr int MAX_WORDS = 64; // larger ones are not worth it
 } // namespace
 
 bool osl_fold(osl_Op op, const std::vector<std::pair<const int *, int>> &arguments,
-              std::vector<int> &result, const osl_Registers &)
+              std::vector<int> &result)
 {
     const osl_Kernel kernel = osl_plainKernels(1, 1).plain[op];
     if (kernel == nullptr || result.size() > MAX_WORDS)

@@ -124,7 +124,7 @@ struct Comparison {
     {
         const Lanes<int, W> out(memory, o[0], 0);
         const int words = o[1].words > o[2].words ? o[1].words : o[2].words;
-        int result[N];
+        int result[static_cast<size_t>(N)];
         for (int l = 0; l < N; ++l)
             result[l] = IS_ANY ? 0 : 1;
         for (int w = 0; w < words; ++w) {
@@ -146,7 +146,7 @@ struct Truth {
     static void run(int *memory, const osl_Instruction &, const osl_Operand *o)
     {
         const Lanes<int, W> out(memory, o[0], 0);
-        int result[N] = {};
+        int result[static_cast<size_t>(N)] = {};
         for (int w = 0; w < o[1].words; ++w) {
             const Lanes<float, W> a(memory, o[1], w);
             for (int l = 0; l < N; ++l)
