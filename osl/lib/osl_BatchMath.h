@@ -5,14 +5,14 @@
 // AVX2, and both give the same bits. What osl_Math.h says about arguments
 // outside a function's domain holds here too; NaN gives any number.
 //
-// Largest errors, over all floats unless a range is told:
-//   sin, cos        1e-7 absolute for |x| <= 8192, growing with |x| beyond;
-//                   0 and 1 from 1e9 on
-//   exp, exp2       3e-7 relative
-//   log, log2       2e-7 absolute or relative, whichever is larger
-//   pow             1e-6 relative for results between 1e-10 and 1e10, growing
-//                   with the exponent beyond (4e-6)
-//   the others      the last bit
+// Largest errors:
+//   sin, cos         1e-7 absolute
+//   tan              4e-7 relative, away from its poles
+//   exp, exp2        3e-7 relative
+//   log, log2        2e-7 absolute or relative, whichever is larger
+//   pow              1e-6 relative for results from 1e-10 to 1e10, 1e-5 beyond;
+//                    none for exponents 1 and 2
+//   the others       the last bit
 #pragma once
 
 using osl_Unary = void (*)(float *out, const float *x, int n);
@@ -21,6 +21,7 @@ using osl_Binary = void (*)(float *out, const float *x, const float *y, int n);
 struct osl_BatchMath {
     osl_Unary sin;
     osl_Unary cos;
+    osl_Unary tan;
     osl_Unary exp;
     osl_Unary exp2;
     osl_Unary log;

@@ -44,11 +44,14 @@ OSL_INLINE Words toWords(const Ints &x)
     return sameBits<Words>(x);
 }
 
-// `count` floats, the other lanes 0.
+// `count` floats, the other lanes 0. Sizes that the compiler knows make one move.
 OSL_INLINE Floats loadLanes(const float *from, int count)
 {
     Floats to = {};
-    std::memcpy(&to, from, count >= LANES ? sizeof to : sizeof(float) * static_cast<size_t>(count));
+    if (count >= LANES)
+        std::memcpy(&to, from, sizeof to);
+    else
+        std::memcpy(&to, from, sizeof(float) * static_cast<size_t>(count));
     return to;
 }
 OSL_INLINE void storeLanes(float *to, const Floats &from, int count)

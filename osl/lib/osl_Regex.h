@@ -13,9 +13,11 @@
 //
 // An expression is made into a program that runs all its choices side by side
 // (Thompson 1968, Pike 1987), so no text makes it slow. Bounds: 10000 instructions,
-// 100 groups inside each other, repeats up to 1000.
+// 100 groups inside each other, repeats up to 1000; a run that takes more than 10
+// million steps finds nothing.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -43,29 +45,19 @@ private:
     friend class osl_RegexCompiler;
     friend class osl_RegexRun;
 
-    enum Op : uint8_t {
-        CHAR,
-        ANY,
-        SET,
-        SPLIT,
-        JUMP,
-        SAVE,
-        BEGIN,
-        END,
-        WORD_EDGE,
-        NO_WORD_EDGE,
-        DONE
-    };
+    // SPLIT goes on at both places, a preferred; JUMP and SPLIT count from themselves.
+    enum Op : uint8_t { CHAR, ANY, SET, SPLIT, JUMP, SAVE, BEGIN, END, EDGE, NO_EDGE, DONE };
     struct Instruction {
         Op op;
-        int a; // character, set, place, or where to go first
-        int b; // where to go second
+        int a = 0; // character, set, place to save at, or where to go on
+        int b = 0;
     };
-    using Set = std::vector<bool>; // 256 of them
+    using Code = std::vector<Instruction>;
+    using Set = std::bitset<256>;
 
     bool run(std::string_view text, std::vector<int> &places, bool isWhole) const;
 
-    std::vector<Instruction> myProgram;
+    Code myCode;
     std::vector<Set> mySets;
     int myGroups = 0;
     std::string myError;
