@@ -12,7 +12,8 @@
 #include <memory>
 #include <string_view>
 
-class osl_Texture;
+class osl_MipMap;
+using osl_Texture = osl_MipMap;
 
 struct OSL_Ray {
     osl_Vec origin;

@@ -57,6 +57,8 @@ osl_TextureOptions osl_Machine::textureOptions(In in, int lane)
         }
         if (name == "interp" && type.isString())
             static_cast<void>(osl_interpByName(textAt(value, lane), options.interp));
+        else if (name == "alpha")
+            options.wantsAlpha = true;
         else if (name == "firstchannel")
             options.firstChannel = static_cast<int>(number);
         else if (name == "colorspace" && type.isString())
@@ -124,7 +126,7 @@ void osl_Machine::texture(In in)
         const osl_Texture *texture = textureOf(textAt(o[1], lane), error);
         osl_TextureValue value;
         const osl_TextureOptions options = textureOptions(in, lane);
-        const int channels = std::min(in.words + 1, 4);
+        const int channels = in.words;
         if (osl_textureLookup(texture, options, place, channels, value))
             error.clear();
         setTexel(in, lane, value, error, place);
@@ -157,7 +159,7 @@ void osl_Machine::environment(In in)
         const osl_Texture *texture = textureOf(textAt(o[1], lane), error);
         osl_TextureValue value;
         const osl_TextureOptions options = textureOptions(in, lane);
-        const int channels = std::min(in.words + 1, 4);
+        const int channels = in.words;
         if (osl_environmentLookup(texture, options, dualVectorAt(o[2], lane), channels, value))
             error.clear();
         setTexel(in, lane, value, error, {});
@@ -178,15 +180,12 @@ void osl_Machine::textureInfo(In in)
         int numbers[16];
         float reals[16];
         std::string text;
-        int count = 0;
-        if (type.base == osl_Type::INT)
-            count = osl_textureInfo(texture, name, numbers);
-        else if (type.base == osl_Type::STRING)
-            count = osl_textureInfo(texture, name, text);
-        else
-            count = osl_textureInfo(texture, name, reals);
-        const bool fits = count > 0 && (count == to.words || (type.isArray() && count < to.words));
-        if (!fits)
+        const int count = std::min(to.words, 16);
+        const bool isFound =
+            type.base == osl_Type::INT      ? osl_textureInfo(texture, name, count, numbers)
+            : type.base == osl_Type::STRING ? osl_textureInfo(texture, name, text)
+                                            : osl_textureInfo(texture, name, count, reals);
+        if (!isFound)
             return;
         for (int word = 0; word < count; ++word) {
             if (type.base == osl_Type::INT)
