@@ -128,8 +128,9 @@ void osl_Checker::readPrelude(const char *source)
         if (!isGood)
             break;
         // Checked in a world of its own: no name of the shader is seen there.
-        osl_Symbols symbols;
-        std::swap(symbols, mySymbols);
+        myWorlds.emplace_back();
+        osl_Symbols &world = myWorlds.back();
+        std::swap(world, mySymbols);
         declareGlobals();
         osl_Function *outer = myFunction;
         const int loops = myLoops;
@@ -144,7 +145,7 @@ void osl_Checker::readPrelude(const char *source)
         checkFunction(node);
         myFunction = outer;
         myLoops = loops;
-        std::swap(symbols, mySymbols);
+        std::swap(world, mySymbols);
     }
     for (osl_Node *node : declarations)
         addBuiltin(node->function);

@@ -108,6 +108,7 @@ private:
     osl_Tree &myTree;
     osl_Messages &myMessages;
     osl_Symbols mySymbols;
+    std::deque<osl_Symbols> myWorlds; // of functions that are written in the language
     std::deque<osl_Function> myFunctions;
     std::vector<std::unique_ptr<osl_ClosureRow>> myClosures;
     std::unordered_map<std::string_view, osl_Function *> myBuiltins;

@@ -263,7 +263,7 @@ osl_Ref osl_Generator::genMatrix(const Node *args)
     if (!hasSpace)
         return made;
     const int matrix = spaces(space, myRegisters.textConstant("common"));
-    return value(type, emit(OSL_MMUL, type, {made.reg, matrix}));
+    return value(type, emit(OSL_MMUL, type, {matrix, made.reg}));
 }
 
 // ---- Operators ------------------------------------------------------------

@@ -11,7 +11,7 @@ bool osl_Machine::matrixBetween(In in, std::string_view from, std::string_view t
 {
     osl_Matrix parts[2] = {osl_Matrix::diagonal(1), osl_Matrix::diagonal(1)};
     bool isGood = true;
-    const std::string_view names[2] = {to, from};
+    const std::string_view names[2] = {from, to};
     for (int i = 0; i < 2; ++i) {
         if (names[i] == "common" || names[i].empty())
             continue;
@@ -22,7 +22,7 @@ bool osl_Machine::matrixBetween(In in, std::string_view from, std::string_view t
         isGood = false;
     }
     const bool isBack = to != "common" && !to.empty();
-    matrix = isBack ? parts[1] * osl_inverse(parts[0]) : parts[1];
+    matrix = isBack ? parts[0] * osl_inverse(parts[1]) : parts[0];
     return isGood;
 }
 

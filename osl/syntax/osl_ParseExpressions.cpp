@@ -189,6 +189,8 @@ osl_Node *osl_Parser::parsePostfix()
 {
     osl_Node *left = parsePrimary();
     while (!isBroken) {
+        if (token().is(osl_punct("[")) && token(1).is(osl_punct("["))) // metadata
+            return left;
         osl_Node *node = myTree.make(osl_Node::EMPTY, left->place);
         node->a = left;
         node->punct = token().punct;
