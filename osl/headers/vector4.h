@@ -88,3 +88,13 @@ vector4 normalize(vector4 a)
     return l > 0 ? a / l : a * 0.0;
 }
 vector4 transform(matrix m, vector4 p) { return vector4(p.x * m[0][0] + p.y * m[1][0] + p.z * m[2][0] + p.w * m[3][0], p.x * m[0][1] + p.y * m[1][1] + p.z * m[2][1] + p.w * m[3][1], p.x * m[0][2] + p.y * m[1][2] + p.z * m[2][2] + p.w * m[3][2], p.x * m[0][3] + p.y * m[1][3] + p.z * m[2][3] + p.w * m[3][3]); }
+
+// A homogeneous point as three numbers, and back.
+vector vec4ToVec3(vector4 v) { return vector(v.x, v.y, v.z) / v.w; }
+vector4 vec3ToVec4(vector v) { return vector4(v[0], v[1], v[2], 1.0); }
+
+vector4 transform(string fromspace, string tospace, vector4 p)
+{
+    return transform(matrix(fromspace, tospace), p);
+}
+vector4 transform(string tospace, vector4 p) { return transform("common", tospace, p); }
