@@ -35,7 +35,7 @@ const osl_Builtin BUILTINS[] = {
     {"exp", OSL_EXP, "TT"},
     {"exp2", OSL_EXP2, "TT"},
     {"expm1", OSL_EXPM1, "TT"},
-    {"log", OSL_LOG, "TT"},
+    {"log", OSL_LOG, "TT TTf"},
     {"log2", OSL_LOG2, "TT"},
     {"log10", OSL_LOG10, "TT"},
     {"logb", OSL_LOGB, "TT"},

@@ -138,8 +138,7 @@ osl_Ref osl_Generator::genUserCall(const Node *node)
     if (call.isEarly) {
         closeRegion();
         emitInto(OSL_CALL_END, -1, {});
-        if (!isOver())
-            myMade.instructions[static_cast<size_t>(start)].target = here() - 1;
+        aim(OSL_RETURN, start, here() - 1);
     }
     myCalls.pop_back();
     for (const Back &pair : back)

@@ -328,6 +328,7 @@ void osl_Generator::genLoop(const Node *node)
     if (node->punct != Node::DO && node->b != nullptr)
         tested = test();
     genStatement(node->d);
+    const int step = here();
     emitInto(OSL_LOOP_STEP, -1, {});
     if (node->c != nullptr)
         gen(node->c);
@@ -339,9 +340,21 @@ void osl_Generator::genLoop(const Node *node)
     if (isOver())
         return;
     myMade.instructions[static_cast<size_t>(end)].target = start + 1;
-    myMade.instructions[static_cast<size_t>(start)].target = end;
+    myMade.instructions[static_cast<size_t>(step)].target = end;
+    aim(OSL_BREAK, start, step);
+    aim(OSL_CONTINUE, start, step);
     if (tested >= 0)
         myMade.instructions[static_cast<size_t>(tested)].target = end;
+}
+
+// Sets the targets of an operation from `start` on; inner ones have theirs already.
+void osl_Generator::aim(osl_Op op, int start, int target)
+{
+    for (int at = start; at < here(); ++at) {
+        osl_Instruction &in = myMade.instructions[static_cast<size_t>(at)];
+        if (in.op == op && in.target == 0)
+            in.target = target;
+    }
 }
 
 void osl_Generator::genReturn(const Node *node)

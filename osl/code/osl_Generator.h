@@ -147,6 +147,7 @@ private:
     int fold(osl_Op op, const osl_Type &type, const std::vector<int> &arguments);
     int openRegion(osl_Region::Kind kind, int condition);
     void closeRegion();
+    void aim(osl_Op op, int start, int target);
     osl_Instruction &last() { return myMade.instructions.back(); }
     int here() const { return static_cast<int>(myMade.instructions.size()); }
     bool isOver() const;

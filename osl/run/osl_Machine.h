@@ -87,7 +87,7 @@ private:
     int doLoop(int at);
     int doLoopTest(In in, int at);
     int doLoopEnd(In in, int at);
-    void leave(Frame::Kind kind, Mask Frame::*lanes);
+    bool leave(Frame::Kind kind, Mask Frame::*lanes);
     void doStep(In in, const Step &step);
     void saveResult(In in);
     void restoreResult(In in);

@@ -23,21 +23,18 @@ int osl_Machine::control(In in, int at)
         myDead &= ~myFrames.back().skipped;
         myFrames.back().skipped = 0;
         myMask = myFrames.back().other & ~myDead;
-        return at + 1;
+        return myMask != 0 ? at + 1 : in.target;
     case OSL_LOOP_END:
         return doLoopEnd(in, at);
     case OSL_BREAK:
-        leave(Frame::LOOP, &Frame::left);
-        return at + 1;
+        return leave(Frame::LOOP, &Frame::left) ? in.target : at + 1;
     case OSL_CONTINUE:
-        leave(Frame::LOOP, &Frame::skipped);
-        return at + 1;
+        return leave(Frame::LOOP, &Frame::skipped) ? in.target : at + 1;
     case OSL_CALL:
-        myFrames.push_back({Frame::CALL, myMask});
+        myFrames.push_back({Frame::CALL, myMask, myMask});
         return at + 1;
     case OSL_RETURN:
-        leave(Frame::CALL, &Frame::left);
-        return at + 1;
+        return leave(Frame::CALL, &Frame::left) ? in.target : at + 1;
     case OSL_CALL_END:
         myDead &= ~myFrames.back().left;
         myMask = myFrames.back().saved & ~myDead;
@@ -46,7 +43,7 @@ int osl_Machine::control(In in, int at)
     case OSL_EXIT:
         myDead |= myMask;
         myMask = 0;
-        return (myDead & myFull) == myFull && myFrames.empty() ? -1 : at + 1;
+        return (myDead & myFull) == myFull ? -1 : at + 1;
     default:
         return -1;
     }
@@ -80,7 +77,7 @@ int osl_Machine::doElse(In in, int at)
     return myMask != 0 ? at + 1 : in.target;
 }
 
-// In a loop's frame `other` holds the lanes that go round.
+// In a loop's frame `other` holds the lanes that go round; in a call's those that came.
 int osl_Machine::doLoop(int at)
 {
     myFrames.push_back({Frame::LOOP, myMask, myMask});
@@ -112,15 +109,19 @@ int osl_Machine::doLoopEnd(In in, int at)
     return at + 1;
 }
 
-// Takes the lanes that are on away until the innermost frame of a kind ends.
-void osl_Machine::leave(Frame::Kind kind, Mask Frame::*lanes)
+// Takes the lanes that are on away until the innermost frame of a kind ends. True when
+// none is left in it: then control goes to its end, where code is not masked.
+bool osl_Machine::leave(Frame::Kind kind, Mask Frame::*lanes)
 {
-    for (auto frame = myFrames.rbegin(); frame != myFrames.rend(); ++frame) {
-        if (frame->kind == kind) {
-            (*frame).*lanes |= myMask;
-            break;
-        }
-    }
+    size_t depth = myFrames.size();
+    while (depth > 0 && myFrames[depth - 1].kind != kind)
+        --depth;
+    Frame &frame = myFrames[depth - 1];
+    frame.*lanes |= myMask;
     myDead |= myMask;
     myMask = 0;
+    const bool isOver = (frame.other & ~myDead) == 0;
+    if (isOver)
+        myFrames.resize(depth);
+    return isOver;
 }
