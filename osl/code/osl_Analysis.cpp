@@ -40,6 +40,7 @@ private:
     bool need(int reg);
     bool needArguments(const osl_Instruction &in);
     void flag();
+    void markSpread();
     void findUses();
     void use(int reg, int at);
     void extendOverLoops();
@@ -217,6 +218,25 @@ void Analysis::flag()
         // A varying register that is written from uniform ones still has all lanes.
         if (hasResult && rootOf(arguments[0]).isVarying)
             in.isUniform = false;
+    }
+    markSpread();
+}
+
+// What is the same for all lanes is copied to all of them only where someone reads it so.
+void Analysis::markSpread()
+{
+    for (const osl_CodeOutput &output : myMade.outputs)
+        rootOf(output.reg).isReadByLanes = true;
+    for (const osl_Instruction &in : myMade.instructions) {
+        const int *arguments = argumentsOf(in);
+        for (int i = 0; i < in.count && !in.isUniform; ++i) {
+            if (arguments[i] >= 0)
+                rootOf(arguments[i]).isReadByLanes = true;
+        }
+    }
+    for (osl_Instruction &in : myMade.instructions) {
+        const int result = argumentsOf(in)[0];
+        in.isSpread = in.isUniform && result >= 0 && rootOf(result).isReadByLanes;
     }
 }
 

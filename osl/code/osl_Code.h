@@ -32,6 +32,7 @@ struct osl_Operand {
 struct osl_Instruction {
     osl_Op op = OSL_END;
     bool isUniform = false;      // the same for all lanes: done once
+    bool isSpread = false;       // and copied to all lanes, for those who read them
     bool isMasked = false;       // the result stays as it was where a lane is off
     bool hasDerivatives = false; // of the result
     int first = 0;               // operand

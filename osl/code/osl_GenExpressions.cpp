@@ -134,6 +134,13 @@ osl_Ref osl_Generator::convert(const osl_Ref &from, const osl_Type &type)
 // 0 or 1 as an int.
 int osl_Generator::truth(const osl_Ref &from)
 {
+    if (!myMade.instructions.empty() && isFresh(from.reg)) { // 0 or 1 already?
+        const osl_Instruction &maker = last();
+        const bool isTruth = (maker.op >= OSL_EQI && maker.op <= OSL_ORI) ||
+                             (maker.op >= OSL_EQ && maker.op <= OSL_BOOL);
+        if (isTruth && myMade.arguments[static_cast<size_t>(maker.first)] == from.reg)
+            return from.reg;
+    }
     if (from.type.isFloatBased())
         return emit(OSL_BOOL, osl_Type::INT, {from.reg});
     return emit(OSL_BOOLI, osl_Type::INT, {from.reg});

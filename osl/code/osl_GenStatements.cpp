@@ -254,8 +254,17 @@ void osl_Generator::genStatement(const Node *node)
     case Node::STRUCT:
         return;
     default:
-        gen(node);
+        genEffect(node);
     }
+}
+
+// An expression whose value nobody wants: i++ needs no copy of the old value.
+void osl_Generator::genEffect(const Node *node)
+{
+    if (node->kind == Node::POSTFIX)
+        genStep(node, true);
+    else
+        gen(node);
 }
 
 void osl_Generator::genVariable(const Node *node)
@@ -331,7 +340,7 @@ void osl_Generator::genLoop(const Node *node)
     const int step = here();
     emitInto(OSL_LOOP_STEP, -1, {});
     if (node->c != nullptr)
-        gen(node->c);
+        genEffect(node->c);
     if (node->punct == Node::DO && node->b != nullptr)
         tested = test();
     emitInto(OSL_LOOP_END, -1, {});

@@ -83,6 +83,7 @@ private:
     void genUserdata(const osl_Ref &ref, const std::string &name);
     void genList(const Node *list);
     void genStatement(const Node *node);
+    void genEffect(const Node *node);
     void genVariable(const Node *node);
     void genIf(const Node *node);
     void genLoop(const Node *node);

@@ -25,6 +25,7 @@ public:
         bool isVarying = false;
         bool hasDerivatives = false;
         bool isNamed = false; // a variable that is written only once: this write
+        bool isReadByLanes = false; // by operations on all lanes
         bool isKept = false;  // has its place for the whole run
         int firstUse = -1;   // instruction
         int lastUse = -1;

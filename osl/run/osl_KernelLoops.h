@@ -2,6 +2,7 @@
 // anonymous namespace, so that code for AVX2 stays in the one source that may have it.
 #pragma once
 
+#include "osl/lib/osl_BatchMath.h"
 #include "osl/lib/osl_Dual.h"
 #include "osl/run/osl_Kernel.h"
 
@@ -114,6 +115,33 @@ struct Ternary {
             for (int l = 0; l < N; ++l)
                 out.set(l, F::apply(a.get(l), b.get(l), c.get(l)));
         }
+    }
+};
+
+// Functions that the library has for many numbers at once.
+template <osl_Unary osl_BatchMath::*F, int N, int W>
+struct BatchUnary {
+    static void run(int *memory, const osl_Instruction &in, const osl_Operand *o)
+    {
+        const osl_BatchMath &math = osl_BatchMath::best();
+        if (N == W && o[1].words == in.words) {
+            (math.*F)(floatsAt<W>(memory, o[0].at), floatsAt<W>(memory, o[1].at), in.words * W);
+            return;
+        }
+        for (int w = 0; w < in.words; ++w)
+            (math.*F)(floatsAt<W>(memory, o[0].at + w), floatsAt<W>(memory, o[1].at + w * o[1].step),
+                      N);
+    }
+};
+
+template <osl_Binary osl_BatchMath::*F, int N, int W>
+struct BatchBinary {
+    static void run(int *memory, const osl_Instruction &in, const osl_Operand *o)
+    {
+        const osl_BatchMath &math = osl_BatchMath::best();
+        for (int w = 0; w < in.words; ++w)
+            (math.*F)(floatsAt<W>(memory, o[0].at + w), floatsAt<W>(memory, o[1].at + w * o[1].step),
+                      floatsAt<W>(memory, o[2].at + w * o[2].step), N);
     }
 };
 

@@ -42,6 +42,19 @@ private:
         set.plain[op] = &Ternary<F, float, float, N, W>::run;
         set.dual[op] = &Ternary<F, osl_Dual, osl_Dual, N, W>::run;
     }
+    // The plain form in batches
+    template <class F, osl_Unary osl_BatchMath::*B>
+    void batchUnary(osl_Op op)
+    {
+        unary<F>(op);
+        set.plain[op] = &BatchUnary<B, N, W>::run;
+    }
+    template <class F, osl_Binary osl_BatchMath::*B>
+    void batchBinary(osl_Op op)
+    {
+        binary<F>(op);
+        set.plain[op] = &BatchBinary<B, N, W>::run;
+    }
     // Without derivatives
     template <class F>
     void stepping(osl_Op op)
@@ -142,8 +155,8 @@ private:
     {
         unary<Radians>(OSL_RADIANS);
         unary<Degrees>(OSL_DEGREES);
-        unary<Sin>(OSL_SIN);
-        unary<Cos>(OSL_COS);
+        batchUnary<Sin, &osl_BatchMath::sin>(OSL_SIN);
+        batchUnary<Cos, &osl_BatchMath::cos>(OSL_COS);
         unary<Tan>(OSL_TAN);
         unary<Asin>(OSL_ASIN);
         unary<Acos>(OSL_ACOS);
@@ -152,13 +165,13 @@ private:
         unary<Sinh>(OSL_SINH);
         unary<Cosh>(OSL_COSH);
         unary<Tanh>(OSL_TANH);
-        binary<Pow>(OSL_POW);
-        unary<Exp>(OSL_EXP);
-        unary<Exp2>(OSL_EXP2);
+        batchBinary<Pow, &osl_BatchMath::pow>(OSL_POW);
+        batchUnary<Exp, &osl_BatchMath::exp>(OSL_EXP);
+        batchUnary<Exp2, &osl_BatchMath::exp2>(OSL_EXP2);
         unary<Expm1>(OSL_EXPM1);
-        unary<Log>(OSL_LOG);
+        batchUnary<Log, &osl_BatchMath::log>(OSL_LOG);
         binary<LogBase>(OSL_LOGBASE);
-        unary<Log2>(OSL_LOG2);
+        batchUnary<Log2, &osl_BatchMath::log2>(OSL_LOG2);
         unary<Log10>(OSL_LOG10);
         stepping<Logb>(OSL_LOGB);
         unary<Sqrt>(OSL_SQRT);

@@ -90,6 +90,10 @@ void osl_Machine::prepare()
             step.kernel = set.plain[in.op];
             step.clearsDerivatives = step.kernel != nullptr;
         }
+        step.in = &in;
+        step.operands = operands(in);
+        step.isPlain = step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked &&
+                       !in.isSpread;
         mySteps.push_back(step);
     }
     for (const osl_CodeOutput &from : myCode.outputs) {
@@ -180,14 +184,20 @@ void osl_Machine::execute()
     uint64_t done = 0;
     int at = 0;
     while (at >= 0 && at < end && !isStopped) {
-        In in = myCode.instructions[static_cast<size_t>(at)];
+        const Step &step = mySteps[static_cast<size_t>(at)];
         if (++done > MAX_INSTRUCTIONS)
             stop("takes too long: a loop without end?");
+        if (step.isPlain) {
+            step.kernel(myMemory, *step.in, step.operands);
+            ++at;
+            continue;
+        }
+        In in = *step.in;
         if (in.op >= OSL_IF) {
             at = control(in, at);
             continue;
         }
-        doStep(in, mySteps[static_cast<size_t>(at)]);
+        doStep(in, step);
         ++at;
     }
     myDone += done * static_cast<uint64_t>(__builtin_popcount(myFull));
@@ -205,7 +215,7 @@ void osl_Machine::doStep(In in, const Step &step)
         (this->*step.act)(in);
     if (step.clearsDerivatives)
         clearDerivatives(in);
-    if (in.isUniform && o[0].reg >= 0)
+    if (in.isSpread)
         broadcast(o[0], in.words);
     if (isSaved)
         restoreResult(in);

@@ -45,6 +45,9 @@ private:
     struct Step {
         osl_Kernel kernel = nullptr;
         Act act = nullptr;
+        const osl_Instruction *in = nullptr;
+        const osl_Operand *operands = nullptr;
+        bool isPlain = false; // the kernel is all there is to do
         bool clearsDerivatives = false; // the kernel gives none
     };
 
