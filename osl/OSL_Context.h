@@ -30,7 +30,7 @@ struct OSL_Points {
 // An output parameter, or a global that the shader has written.
 struct OSL_Output {
     osl_Type type;
-    int words = 0;             // numbers at one point: components of all elements
+    int words = 0;                 // numbers at one point: components of all elements
     const float *floats = nullptr; // number c of point i is [c * stride + i]
     const int32_t *ints = nullptr; // for ints, and for the handles of texts and closures
     int stride = 0;

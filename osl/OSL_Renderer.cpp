@@ -54,14 +54,8 @@ bool OSL_Renderer::traceResult(std::string_view, int, OSL_Value &)
     return false;
 }
 
-void OSL_Renderer::print(std::string_view)
-{
-}
+void OSL_Renderer::print(std::string_view) {}
 
-void OSL_Renderer::message(Severity, std::string_view)
-{
-}
+void OSL_Renderer::message(Severity, std::string_view) {}
 
-void OSL_Renderer::appendToFile(std::string_view, std::string_view)
-{
-}
+void OSL_Renderer::appendToFile(std::string_view, std::string_view) {}

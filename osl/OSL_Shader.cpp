@@ -20,15 +20,12 @@ struct osl_Compilation {
 namespace
 {
 const char *const CONSTANTS[] = {
-    "M_PI=3.1415926535897932",       "M_PI_2=1.5707963267948966",
-    "M_PI_4=0.7853981633974483",     "M_2_PI=0.6366197723675813",
-    "M_2PI=6.2831853071795865",      "M_4PI=12.566370614359173",
-    "M_2_SQRTPI=1.1283791670955126", "M_E=2.7182818284590452",
-    "M_LN2=0.6931471805599453",      "M_LN10=2.3025850929940457",
-    "M_LOG2E=1.4426950408889634",    "M_LOG10E=0.4342944819032518",
-    "M_SQRT2=1.4142135623730950",    "M_SQRT1_2=0.7071067811865475",
-    "OSL_VERSION_MAJOR=1",           "OSL_VERSION_MINOR=14",
-    "OSL_VERSION_PATCH=0",           "OSL_VERSION=11400",
+    "M_PI=3.1415926535897932",       "M_PI_2=1.5707963267948966",    "M_PI_4=0.7853981633974483",
+    "M_2_PI=0.6366197723675813",     "M_2PI=6.2831853071795865",     "M_4PI=12.566370614359173",
+    "M_2_SQRTPI=1.1283791670955126", "M_E=2.7182818284590452",       "M_LN2=0.6931471805599453",
+    "M_LN10=2.3025850929940457",     "M_LOG2E=1.4426950408889634",   "M_LOG10E=0.4342944819032518",
+    "M_SQRT2=1.4142135623730950",    "M_SQRT1_2=0.7071067811865475", "OSL_VERSION_MAJOR=1",
+    "OSL_VERSION_MINOR=14",          "OSL_VERSION_PATCH=0",          "OSL_VERSION=11400",
 };
 
 void define(osl_Compilation &made, const std::string &definition)
@@ -157,15 +154,13 @@ void addParameters(const osl_Node *node, const std::string &name, const osl_Type
     made.metadata = metadataOf(node->c);
     made.hasDefault = !node->type.isStruct() && valueOf(node->a, type, made.value);
     for (const OSL_Metadatum &item : made.metadata)
-        made.isInterpolated = made.isInterpolated || (item.name == "lockgeom" &&
-                                                      item.value.ints == std::vector<int>{0});
+        made.isInterpolated = made.isInterpolated ||
+                              (item.name == "lockgeom" && item.value.ints == std::vector<int>{0});
     all.push_back(std::move(made));
 }
 } // namespace
 
-OSL_Program::OSL_Program(std::unique_ptr<const osl_Code> code) : myCode(std::move(code))
-{
-}
+OSL_Program::OSL_Program(std::unique_ptr<const osl_Code> code) : myCode(std::move(code)) {}
 
 OSL_Program::~OSL_Program() = default;
 

@@ -3,10 +3,10 @@
 //     OSL_Shader shader;
 //     if (!shader.compileFile("wood.osl", options))
 //         report(shader.messages());
-//     std::shared_ptr<const OSL_Program> program = shader.link({{"rings", OSL_Value::ofFloat(12)}});
-//     OSL_Context context(program, renderer);        // one for each thread
-//     context.run(points);                           // up to context.width() points
-//     const OSL_Output *diff = context.output("diff");
+//     std::shared_ptr<const OSL_Program> program = shader.link({{"rings",
+//     OSL_Value::ofFloat(12)}}); OSL_Context context(program, renderer);        // one for each
+//     thread context.run(points);                           // up to context.width() points const
+//     OSL_Output *diff = context.output("diff");
 //
 // compile: reads the source and says what is wrong with it. link: makes code with the
 // values that parameters have for good; what follows from them is worked out there.

@@ -33,10 +33,14 @@ const struct {
     const char *name;
     std::vector<float> values;
 } CAMERA[] = {
-    {"camera:fov", {90}},          {"camera:pixelaspect", {1}},
-    {"camera:clip_near", {0.1f}},  {"camera:clip_far", {1000}},
-    {"camera:clip", {0.1f, 1000}}, {"camera:shutter_open", {0}},
-    {"camera:shutter_close", {1}}, {"camera:shutter", {0, 1}},
+    {"camera:fov", {90}},
+    {"camera:pixelaspect", {1}},
+    {"camera:clip_near", {0.1f}},
+    {"camera:clip_far", {1000}},
+    {"camera:clip", {0.1f, 1000}},
+    {"camera:shutter_open", {0}},
+    {"camera:shutter_close", {1}},
+    {"camera:shutter", {0, 1}},
     {"camera:screen_window", {-1, -1, 1, 1}},
 };
 } // namespace

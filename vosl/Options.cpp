@@ -84,8 +84,8 @@ bool valueOf(const std::string &word, const std::string &text, OSL_Value &value)
         else
             value.floats.push_back(std::strtof(part.c_str(), nullptr));
     }
-    const auto wanted =
-        static_cast<size_t>(value.type.components() * (value.type.array > 0 ? value.type.array : 1));
+    const auto wanted = static_cast<size_t>(value.type.components() *
+                                            (value.type.array > 0 ? value.type.array : 1));
     const size_t given = value.ints.size() + value.floats.size() + value.strings.size();
     if (given == 1 && wanted > 1 && !value.floats.empty())
         value.floats.assign(wanted, value.floats[0]);

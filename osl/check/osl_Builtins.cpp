@@ -1,6 +1,5 @@
 #include "osl/check/osl_Builtins.h"
 
-
 #include <cstring>
 
 const osl_OpRow OSL_OP_ROWS[OSL_OPS] = {
@@ -143,8 +142,8 @@ const osl_Builtin BUILTINS[] = {
 const struct {
     char letter;
     osl_Type::Base base;
-} LETTERS[] = {{'x', osl_Type::VOID},  {'i', osl_Type::INT},    {'f', osl_Type::FLOAT},
-               {'c', osl_Type::COLOR}, {'p', osl_Type::POINT},  {'v', osl_Type::VECTOR},
+} LETTERS[] = {{'x', osl_Type::VOID},   {'i', osl_Type::INT},    {'f', osl_Type::FLOAT},
+               {'c', osl_Type::COLOR},  {'p', osl_Type::POINT},  {'v', osl_Type::VECTOR},
                {'n', osl_Type::NORMAL}, {'m', osl_Type::MATRIX}, {'s', osl_Type::STRING}};
 
 osl_Type typeOf(char letter)

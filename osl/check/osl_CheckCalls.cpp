@@ -250,8 +250,7 @@ std::vector<osl_Checker::Candidate> osl_Checker::candidates(osl_Function *first,
     osl_Function *builtin = builtinsOf(first->name);
     if (first == builtin)
         return found;
-    for (osl_Function *function = builtin; function != nullptr;
-         function = function->next)
+    for (osl_Function *function = builtin; function != nullptr; function = function->next)
         consider(function);
     return found;
 }
@@ -297,9 +296,9 @@ osl_Function *osl_Checker::best(Node *node, std::vector<Candidate> &found)
     std::stable_sort(equals.begin(), equals.end(), [](const Candidate &a, const Candidate &b) {
         return rankOf(a.function->result) < rankOf(b.function->result);
     });
-    std::string text = "Ambiguous call to '" + std::string(node->name) + " (" +
-                       argumentList(node->a) + ")'\n  Chosen function is:" +
-                       describe(*equals[0].function) + "\n  Other candidates are:";
+    std::string text =
+        "Ambiguous call to '" + std::string(node->name) + " (" + argumentList(node->a) +
+        ")'\n  Chosen function is:" + describe(*equals[0].function) + "\n  Other candidates are:";
     for (size_t i = 1; i < equals.size(); ++i)
         text += describe(*equals[i].function);
     warning(node->place, text);
@@ -366,8 +365,8 @@ void osl_Checker::finishCall(Node *node)
             break;
         if (arg->kind == Node::COMPOUND)
             resolveCompound(arg, parameter.type, "");
-        else if (parameter.isOutput && (arg->kind == Node::VAR || arg->kind == Node::INDEX ||
-                                        arg->kind == Node::FIELD))
+        else if (parameter.isOutput &&
+                 (arg->kind == Node::VAR || arg->kind == Node::INDEX || arg->kind == Node::FIELD))
             checkWritable(arg);
         arg = arg->next;
     }
@@ -407,9 +406,9 @@ void osl_Checker::checkFormat(Node *node, int formatArgument)
             return;
         const osl_FormatArg::Type wants = conversions.wants(i);
         const bool isText = arg->type.base == osl_Type::STRING || arg->type.isClosure;
-        const auto got = isText                                ? osl_FormatArg::STRING
-                         : arg->type.base == osl_Type::INT     ? osl_FormatArg::INT
-                                                               : osl_FormatArg::FLOAT;
+        const auto got = isText                            ? osl_FormatArg::STRING
+                         : arg->type.base == osl_Type::INT ? osl_FormatArg::INT
+                                                           : osl_FormatArg::FLOAT;
         if (arg->type.isStruct())
             return error(TYPES, node->place, intro + "struct arguments are not supported)");
         if (got != wants)

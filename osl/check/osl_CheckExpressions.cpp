@@ -4,10 +4,10 @@ namespace
 {
 const struct {
     const char *punct, *word;
-} BINARY_WORDS[] = {{"*", "mul"}, {"/", "div"},     {"%", "mod"}, {"+", "add"},   {"-", "sub"},
-                    {"<<", "shl"}, {">>", "shr"},   {"<", "lt"},  {"<=", "le"},   {">", "gt"},
-                    {">=", "ge"}, {"==", "eq"},     {"!=", "ne"}, {"&", "bitand"}, {"^", "xor"},
-                    {"|", "bitor"}};
+} BINARY_WORDS[] = {{"*", "mul"}, {"/", "div"},    {"%", "mod"},  {"+", "add"},
+                    {"-", "sub"}, {"<<", "shl"},   {">>", "shr"}, {"<", "lt"},
+                    {"<=", "le"}, {">", "gt"},     {">=", "ge"},  {"==", "eq"},
+                    {"!=", "ne"}, {"&", "bitand"}, {"^", "xor"},  {"|", "bitor"}};
 const struct {
     const char *punct, *word;
 } UNARY_WORDS[] = {{"-", "neg"}, {"~", "compl"}, {"!", "not"}};
@@ -119,8 +119,8 @@ osl_Type osl_Checker::checkVariable(Node *node)
 osl_Type osl_Checker::checkIndex(Node *node, bool isInner)
 {
     Node *base = node->a;
-    osl_Type type = base->kind == Node::INDEX ? base->type = checkIndex(base, true)
-                                              : check(base, osl_Type());
+    osl_Type type =
+        base->kind == Node::INDEX ? base->type = checkIndex(base, true) : check(base, osl_Type());
     const bool isElement =
         base->kind == Node::INDEX && base->a->type.isMatrix() && type.base == osl_Type::VOID;
     const osl_Type index = check(node->b, osl_Type::INT);
@@ -149,20 +149,23 @@ osl_Type osl_Checker::checkField(Node *node)
         return {};
     if (type.isTriple()) {
         const char *names = type.base == osl_Type::COLOR ? "rgb" : "xyz";
-        const char *found = name.size() == 1 ? std::char_traits<char>::find(names, 3, name[0]) : nullptr;
+        const char *found =
+            name.size() == 1 ? std::char_traits<char>::find(names, 3, name[0]) : nullptr;
         if (found != nullptr) {
             node->number = static_cast<int>(found - names);
             return osl_Type::FLOAT;
         }
     }
     if (!type.isStruct()) {
-        error(NAMES, node->place, "type '" + type.name() + "' does not have a member '" + name + "'");
+        error(NAMES, node->place,
+              "type '" + type.name() + "' does not have a member '" + name + "'");
         return {};
     }
     node->number = type.record->find(node->name);
     if (node->number < 0) {
-        error(NAMES, node->place, "struct type '" + std::string(type.record->name) +
-                                      "' does not have a member '" + name + "'");
+        error(NAMES, node->place,
+              "struct type '" + std::string(type.record->name) + "' does not have a member '" +
+                  name + "'");
         return {};
     }
     const osl_Type field = type.record->fields[static_cast<size_t>(node->number)].type;
@@ -197,15 +200,16 @@ osl_Type osl_Checker::checkConstructor(Node *node)
     const osl_Type first = count > 0 ? node->a->type : osl_Type();
     const bool hasSpace = first.isString();
     if (type.isTriple())
-        isGood = isGood && ((isSingle && (first.isTriple() || first.isScalar())) ||
-                            (numbers == 3 && count == 3) ||
-                            (hasSpace && texts == 1 && (numbers == 3 || numbers == 1) &&
-                             count == numbers + 1));
+        isGood =
+            isGood &&
+            ((isSingle && (first.isTriple() || first.isScalar())) || (numbers == 3 && count == 3) ||
+             (hasSpace && texts == 1 && (numbers == 3 || numbers == 1) && count == numbers + 1));
     else if (type.isMatrix())
-        isGood = isGood && ((isSingle && (first.isMatrix() || first.isScalar())) ||
-                            (numbers == 16 && count == 16) || (texts == 2 && count == 2) ||
-                            (hasSpace && texts == 1 && (numbers == 16 || numbers == 1) &&
-                             count == numbers + 1));
+        isGood =
+            isGood &&
+            ((isSingle && (first.isMatrix() || first.isScalar())) ||
+             (numbers == 16 && count == 16) || (texts == 2 && count == 2) ||
+             (hasSpace && texts == 1 && (numbers == 16 || numbers == 1) && count == numbers + 1));
     else
         isGood = isGood && isSingle && (first == type || (type.isScalar() && first.isScalar()));
     if (!isGood)
@@ -257,8 +261,8 @@ osl_Type osl_Checker::checkCast(Node *node)
 
 osl_Type osl_Checker::checkUnary(Node *node, const osl_Type &wanted)
 {
-    const osl_Type type = check(node->a, node->punct == osl_punct("!") ? osl_Type(osl_Type::INT)
-                                                                       : wanted);
+    const osl_Type type =
+        check(node->a, node->punct == osl_punct("!") ? osl_Type(osl_Type::INT) : wanted);
     const std::string text = punctText(node->punct);
     for (const auto &row : UNARY_WORDS) {
         if (type.isStruct() && text == row.punct && checkOverloadedOperator(node, row.word))
@@ -334,10 +338,12 @@ osl_Type osl_Checker::closureType(Node *node, const osl_Type &l, const osl_Type 
     const auto isWeight = [](const osl_Type &type) {
         return type.isScalar() || (type.isTriple() && type.base == osl_Type::COLOR);
     };
-    const bool isProduct =
-        node->punct == osl_punct("*") && ((l.isClosure && isWeight(r)) || (r.isClosure && isWeight(l)));
+    const bool isProduct = node->punct == osl_punct("*") &&
+                           ((l.isClosure && isWeight(r)) || (r.isClosure && isWeight(l)));
     const bool isTruth = node->punct == osl_punct("&&") || node->punct == osl_punct("||");
-    return isSum || isProduct ? osl_Type::closure() : isTruth ? osl_Type(osl_Type::INT) : osl_Type();
+    return isSum || isProduct ? osl_Type::closure()
+           : isTruth          ? osl_Type(osl_Type::INT)
+                              : osl_Type();
 }
 
 osl_Type osl_Checker::arithmeticType(int punct, const osl_Type &l, const osl_Type &r)
@@ -403,8 +409,8 @@ osl_Type osl_Checker::checkTernary(Node *node, const osl_Type &wanted)
     const bool isGood =
         !t.isArray() && !f.isArray() && (osl_isAssignable(t, f) || osl_isAssignable(f, t));
     if (!isGood) {
-        error(TYPES, node->place, "Not allowed: '" + node->a->type.name() + " ? " + t.name() +
-                                      " : " + f.name() + "'");
+        error(TYPES, node->place,
+              "Not allowed: '" + node->a->type.name() + " ? " + t.name() + " : " + f.name() + "'");
         return {};
     }
     return higher(t, f);

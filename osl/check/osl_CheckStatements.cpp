@@ -81,9 +81,8 @@ void osl_Checker::checkShader(Node *node)
                   "shader output parameter '" + std::string(parameter->name) +
                       "' can't be unsized array");
         checkInitialiser(parameter);
-        osl_Symbol *symbol = declareVariable(parameter, parameter->isOutput
-                                                            ? osl_Symbol::OUTPUT
-                                                            : osl_Symbol::PARAMETER);
+        osl_Symbol *symbol = declareVariable(
+            parameter, parameter->isOutput ? osl_Symbol::OUTPUT : osl_Symbol::PARAMETER);
         symbol->isReadOnly = !parameter->isOutput;
     }
     checkList(node->b != nullptr ? node->b->a : nullptr);
@@ -148,7 +147,8 @@ void osl_Checker::warnRedefinition(const osl_Function &function, const osl_Funct
 {
     std::string places;
     for (; earlier != nullptr && earlier->scope == function.scope; earlier = earlier->next) {
-        const bool isSame = isSameSignature(*earlier, function) && earlier->result == function.result;
+        const bool isSame =
+            isSameSignature(*earlier, function) && earlier->result == function.result;
         if (!isSame || earlier->node == nullptr || earlier->node->b == nullptr)
             continue;
         places += "\n    " + std::string(myMessages.baseName(earlier->node->place.file)) + ":" +

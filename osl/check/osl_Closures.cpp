@@ -25,8 +25,7 @@ const struct {
     {"henyey_greenstein", "f g", ""},
     {"absorption", "", ""},
     // With the names and parameters of MaterialX
-    {"oren_nayar_diffuse_bsdf", "n N, c albedo, f roughness",
-     "s label, i energy_compensation"},
+    {"oren_nayar_diffuse_bsdf", "n N, c albedo, f roughness", "s label, i energy_compensation"},
     {"burley_diffuse_bsdf", "n N, c albedo, f roughness", "s label"},
     {"dielectric_bsdf",
      "n N, v U, c reflection_tint, c transmission_tint, f roughness_x, f roughness_y, f ior, "
@@ -82,8 +81,8 @@ const struct {
 const struct {
     char letter;
     osl_Type type;
-} LETTERS[] = {{'n', osl_Type::NORMAL}, {'v', osl_Type::VECTOR}, {'c', osl_Type::COLOR},
-               {'f', osl_Type::FLOAT},  {'i', osl_Type::INT},    {'s', osl_Type::STRING},
+} LETTERS[] = {{'n', osl_Type::NORMAL},   {'v', osl_Type::VECTOR}, {'c', osl_Type::COLOR},
+               {'f', osl_Type::FLOAT},    {'i', osl_Type::INT},    {'s', osl_Type::STRING},
                {'C', osl_Type::closure()}};
 
 void addParameter(osl_ClosureRow &row, std::string name, const osl_Type &type, bool isKeyword)

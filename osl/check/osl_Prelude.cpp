@@ -77,14 +77,13 @@ const struct {
              "void bump(string space, float amp) {"
              "  bump(amp / length(transform(space, vector(normalize(N)))) * vector(normalize(N)));"
              "}"},
-    {"artistic_ior",
-     "void artistic_ior(color reflectivity, color edge_tint, output color ior,"
-     "                  output color extinction) {"
-     "  color r = clamp(reflectivity, color(0), color(0.99)); color s = sqrt(r);"
-     "  color low = (1 - r) / (1 + r); color high = (1 + s) / (1 - s);"
-     "  ior = mix(high, low, edge_tint);"
-     "  color p = ior + 1, m = ior - 1;"
-     "  extinction = sqrt(max(color(0), (r * p * p - m * m) / (1 - r))); }"},
+    {"artistic_ior", "void artistic_ior(color reflectivity, color edge_tint, output color ior,"
+                     "                  output color extinction) {"
+                     "  color r = clamp(reflectivity, color(0), color(0.99)); color s = sqrt(r);"
+                     "  color low = (1 - r) / (1 + r); color high = (1 + s) / (1 - s);"
+                     "  ior = mix(high, low, edge_tint);"
+                     "  color p = ior + 1, m = ior - 1;"
+                     "  extinction = sqrt(max(color(0), (r * p * p - m * m) / (1 - r))); }"},
     // Short forms of closures
     {"microfacet",
      "closure color microfacet(string d, normal n, float alpha, float eta, int refr) {"

@@ -29,13 +29,13 @@ struct osl_Function {
     std::vector<Parameter> parameters;
     Tail tail = NO_MORE;
     int scope = 0;
-    osl_Node *node = nullptr;              // of the user's
-    const osl_Builtin *builtin = nullptr;  // of ours
+    osl_Node *node = nullptr;             // of the user's
+    const osl_Builtin *builtin = nullptr; // of ours
     const osl_ClosureRow *closure = nullptr;
     osl_Function *next = nullptr; // of the same name, declared earlier
 
     bool hasReturn = false;
-    int state = 0;          // of the search for recursion
+    int state = 0; // of the search for recursion
     std::vector<osl_Function *> callees;
 
     std::string parameterList() const; // "float, string, ..."
@@ -60,7 +60,7 @@ struct osl_Symbol {
 class osl_Symbols
 {
 public:
-    osl_Symbol *find(std::string_view name) const;       // innermost; null when unknown
+    osl_Symbol *find(std::string_view name) const;        // innermost; null when unknown
     osl_Symbol *findInScope(std::string_view name) const; // of the current scope only
     osl_Symbol *declare(std::string_view name, osl_Symbol::Kind kind, const osl_Type &type);
 

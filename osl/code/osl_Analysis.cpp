@@ -59,13 +59,13 @@ private:
 bool Analysis::isOwn(osl_Op op)
 {
     return op == OSL_GETATTRIBUTE || op == OSL_GETMESSAGE || op == OSL_USERDATA ||
-           op == OSL_RAYTYPE || op == OSL_BACKFACING || op == OSL_SURFACEAREA ||
-           op == OSL_TRACE || op == OSL_SPACES || op == OSL_GETMATRIX || op == OSL_TRANSFORMU ||
-           op == OSL_TEXTURE || op == OSL_TEXTURE3D || op == OSL_ENVIRONMENT ||
-           op == OSL_TEXTUREINFO || op == OSL_CLOSURE || op == OSL_CLOSURE_ADD ||
-           op == OSL_CLOSURE_MUL || op == OSL_POINTCLOUD || op == OSL_DICT_FIND ||
-           op == OSL_DICT_NEXT || op == OSL_DICT_VALUE || op == OSL_CALCULATENORMAL ||
-           op == OSL_SPLIT || op == OSL_REGEX_SEARCH || op == OSL_REGEX_MATCH;
+           op == OSL_RAYTYPE || op == OSL_BACKFACING || op == OSL_SURFACEAREA || op == OSL_TRACE ||
+           op == OSL_SPACES || op == OSL_GETMATRIX || op == OSL_TRANSFORMU || op == OSL_TEXTURE ||
+           op == OSL_TEXTURE3D || op == OSL_ENVIRONMENT || op == OSL_TEXTUREINFO ||
+           op == OSL_CLOSURE || op == OSL_CLOSURE_ADD || op == OSL_CLOSURE_MUL ||
+           op == OSL_POINTCLOUD || op == OSL_DICT_FIND || op == OSL_DICT_NEXT ||
+           op == OSL_DICT_VALUE || op == OSL_CALCULATENORMAL || op == OSL_SPLIT ||
+           op == OSL_REGEX_SEARCH || op == OSL_REGEX_MATCH;
 }
 
 bool Analysis::writesArguments(osl_Op op)
@@ -153,8 +153,8 @@ bool Analysis::spreadVarying()
         for (int k = 0; k < results; ++k) {
             if (arguments[k] < 0 || rootOf(arguments[k]).isVarying)
                 continue;
-            const bool isPartial = rootOf(arguments[k]).kind != osl_Registers::TEMPORARY &&
-                                   isVaryingRegion(region);
+            const bool isPartial =
+                rootOf(arguments[k]).kind != osl_Registers::TEMPORARY && isVaryingRegion(region);
             if (rootOf(arguments[k]).kind != osl_Registers::CONSTANT &&
                 (isPartial || readsVarying(in)))
                 isChanged = rootOf(arguments[k]).isVarying = true;
@@ -190,7 +190,8 @@ bool Analysis::spreadDerivatives()
         const int result = argumentsOf(*in)[0];
         const bool isWanted = result >= 0 && rootOf(result).hasDerivatives;
         const bool isTexture = in->op == OSL_TEXTURE || in->op == OSL_ENVIRONMENT;
-        const bool isFiltered = in->op == OSL_NOISE && (in->number == OSL_NOISE_GABOR || in->number < 0);
+        const bool isFiltered =
+            in->op == OSL_NOISE && (in->number == OSL_NOISE_GABOR || in->number < 0);
         if (kind == osl_OpRow::USES || (kind == osl_OpRow::ALL && isWanted) || isTexture ||
             isFiltered)
             isChanged = needArguments(*in) || isChanged;

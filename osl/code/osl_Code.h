@@ -66,10 +66,10 @@ struct osl_Code {
     std::vector<osl_Instruction> instructions;
     std::vector<osl_Operand> operands;
     std::vector<osl_RegisterInfo> registers;
-    std::vector<int> constants;          // words from `constantsAt` on
+    std::vector<int> constants; // words from `constantsAt` on
     int constantsAt = 0;
-    int zerosAt = 0; // words that stay 0: derivatives of what has none
-    int words = 0;   // of the whole register file
+    int zerosAt = 0;                // words that stay 0: derivatives of what has none
+    int words = 0;                  // of the whole register file
     std::vector<std::string> texts; // by handle; the first is ""
     std::vector<std::string> files; // by the number in a place
     std::array<int, 13> globals{};  // registers of P, I, ... Ci in their order; -1: not used
@@ -78,5 +78,5 @@ struct osl_Code {
 };
 
 // The globals in the order of osl_Code::globals.
-constexpr const char *OSL_GLOBALS[13] = {"P",    "I",    "N",     "Ng",    "dPdu",    "dPdv", "Ps",
-                                         "u",    "v",    "time",  "dtime", "dPdtime", "Ci"};
+constexpr const char *OSL_GLOBALS[13] = {"P", "I", "N",    "Ng",    "dPdu",    "dPdv", "Ps",
+                                         "u", "v", "time", "dtime", "dPdtime", "Ci"};

@@ -125,8 +125,8 @@ osl_Ref osl_Generator::genUserCall(const Node *node)
     Call call;
     call.isEarly = returnsEarly(body->b->a, true);
     if (!body->type.isVoid())
-        call.result = variable(body->type, call.isEarly ? osl_Registers::VARIABLE
-                                                        : osl_Registers::TEMPORARY);
+        call.result =
+            variable(body->type, call.isEarly ? osl_Registers::VARIABLE : osl_Registers::TEMPORARY);
     myCalls.push_back(call);
     if (call.isEarly) {
         emitInto(OSL_CALL, -1, {});
@@ -155,7 +155,8 @@ std::vector<int> osl_Generator::genArguments(const Node *node, bool keepsScalars
     size_t i = 0;
     for (const Node *arg = node->a; arg != nullptr; arg = arg->next, ++i) {
         const bool isMore = i >= parameters.size();
-        const bool isAny = isMore ? node->function->tail != osl_Function::MORE : parameters[i].isAny;
+        const bool isAny =
+            isMore ? node->function->tail != osl_Function::MORE : parameters[i].isAny;
         if (isAny) {
             arguments.push_back(load(lvalue(arg)).reg);
             continue;
@@ -256,11 +257,11 @@ osl_Ref osl_Generator::genOutputs(const Node *node)
     const Node *keyword = nullptr;
     for (const Node *arg = node->a; arg != nullptr; arg = arg->next, ++i) {
         const bool isKeyword = i >= parameters.size() && keyword == nullptr;
-        const bool isLvalue = arg->kind == Node::VAR || arg->kind == Node::INDEX ||
-                              arg->kind == Node::FIELD;
-        const bool isResult = keyword != nullptr && keyword->kind == Node::STRING &&
-                              (keyword->text == "alpha" || keyword->text == "errormessage" ||
-                               op == OSL_POINTCLOUD);
+        const bool isLvalue =
+            arg->kind == Node::VAR || arg->kind == Node::INDEX || arg->kind == Node::FIELD;
+        const bool isResult =
+            keyword != nullptr && keyword->kind == Node::STRING &&
+            (keyword->text == "alpha" || keyword->text == "errormessage" || op == OSL_POINTCLOUD);
         const bool isOutput = i < parameters.size() ? parameters[i].isOutput : isResult && isLvalue;
         keyword = isKeyword ? arg : nullptr;
         if (!isOutput) {
@@ -379,9 +380,8 @@ osl_Ref osl_Generator::genTransform(const Node *node)
     std::vector<int> arguments = genArguments(node, false);
     int matrix = arguments[0];
     if (parameters[0].type.isString())
-        matrix = arguments.size() == 2
-                     ? spaces(myRegisters.textConstant("common"), arguments[0])
-                     : spaces(arguments[0], arguments[1]);
+        matrix = arguments.size() == 2 ? spaces(myRegisters.textConstant("common"), arguments[0])
+                                       : spaces(arguments[0], arguments[1]);
     const osl_Op op = type.base == osl_Type::POINT    ? OSL_TRANSFORM_POINT
                       : type.base == osl_Type::VECTOR ? OSL_TRANSFORM_VECTOR
                                                       : OSL_TRANSFORM_NORMAL;

@@ -11,14 +11,14 @@ struct Row {
     bool isComparison;
 };
 const Row OPERATORS[] = {
-    {"+", OSL_ADDI, OSL_ADD, false},   {"-", OSL_SUBI, OSL_SUB, false},
-    {"*", OSL_MULI, OSL_MUL, false},   {"/", OSL_DIVI, OSL_DIV, false},
-    {"%", OSL_MODI, OSL_FMOD, false},  {"<<", OSL_SHL, OSL_SHL, false},
-    {">>", OSL_SHR, OSL_SHR, false},   {"&", OSL_BITAND, OSL_BITAND, false},
+    {"+", OSL_ADDI, OSL_ADD, false},    {"-", OSL_SUBI, OSL_SUB, false},
+    {"*", OSL_MULI, OSL_MUL, false},    {"/", OSL_DIVI, OSL_DIV, false},
+    {"%", OSL_MODI, OSL_FMOD, false},   {"<<", OSL_SHL, OSL_SHL, false},
+    {">>", OSL_SHR, OSL_SHR, false},    {"&", OSL_BITAND, OSL_BITAND, false},
     {"|", OSL_BITOR, OSL_BITOR, false}, {"^", OSL_XOR, OSL_XOR, false},
-    {"==", OSL_EQI, OSL_EQ, true},     {"!=", OSL_NEI, OSL_NE, true},
-    {"<", OSL_LTI, OSL_LT, true},      {"<=", OSL_LEI, OSL_LE, true},
-    {">", OSL_GTI, OSL_GT, true},      {">=", OSL_GEI, OSL_GE, true},
+    {"==", OSL_EQI, OSL_EQ, true},      {"!=", OSL_NEI, OSL_NE, true},
+    {"<", OSL_LTI, OSL_LT, true},       {"<=", OSL_LEI, OSL_LE, true},
+    {">", OSL_GTI, OSL_GT, true},       {">=", OSL_GEI, OSL_GE, true},
 };
 
 const Row &rowOf(int punct)
@@ -240,8 +240,8 @@ osl_Ref osl_Generator::genTriple(const osl_Type &type, const Node *args)
     if (!hasSpace)
         return made;
     if (type.base == osl_Type::COLOR)
-        return value(type, emit(OSL_TRANSFORMC, type,
-                                {space, myRegisters.textConstant("rgb"), made.reg}));
+        return value(
+            type, emit(OSL_TRANSFORMC, type, {space, myRegisters.textConstant("rgb"), made.reg}));
     const int matrix = spaces(space, myRegisters.textConstant("common"));
     const osl_Op op = type.base == osl_Type::POINT    ? OSL_TRANSFORM_POINT
                       : type.base == osl_Type::VECTOR ? OSL_TRANSFORM_VECTOR
@@ -332,7 +332,8 @@ osl_Ref osl_Generator::genBinary(const Node *node)
         chain.pop_back();
         // The right side may change the variable on the left.
         if (!isSimple(at->b) && left.reg >= 0 && !isFresh(left.reg) &&
-            !myRegisters.isConstant(left.reg) && myRegisters[left.reg].kind == osl_Registers::VARIABLE) {
+            !myRegisters.isConstant(left.reg) &&
+            myRegisters[left.reg].kind == osl_Registers::VARIABLE) {
             const osl_Ref kept = variable(left.type, osl_Registers::TEMPORARY);
             emitInto(left.type.isFloatBased() ? OSL_COPY : OSL_COPYI, kept.reg, {left.reg});
             left = kept;
@@ -371,7 +372,8 @@ osl_Ref osl_Generator::genMatrixOperator(int punct, osl_Ref left, osl_Ref right)
     if (rowOf(punct).isComparison) {
         left = convert(left, type);
         right = convert(right, type);
-        return value(osl_Type::INT, emit(rowOf(punct).floats, osl_Type::INT, {left.reg, right.reg}));
+        return value(osl_Type::INT,
+                     emit(rowOf(punct).floats, osl_Type::INT, {left.reg, right.reg}));
     }
     const bool areBoth = left.type.isMatrix() && right.type.isMatrix();
     if (punct == osl_punct("*")) {

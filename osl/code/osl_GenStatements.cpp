@@ -199,7 +199,8 @@ void osl_Generator::genParameter(const Node *node)
                             (node->symbol != nullptr && node->symbol->isWritten);
     osl_Ref &ref = myVariables[node->symbol];
     if (!isVariable && value.type == type) {
-        const bool isMade = value.isStruct() || isFresh(value.reg) || myRegisters.isConstant(value.reg);
+        const bool isMade =
+            value.isStruct() || isFresh(value.reg) || myRegisters.isConstant(value.reg);
         if (isMade) {
             ref = value;
             this->name(ref);

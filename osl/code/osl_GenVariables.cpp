@@ -172,9 +172,8 @@ void osl_Generator::copy(int to, int from)
     if (to == from || retarget(to, from))
         return;
     const int words = std::min(myRegisters[to].words, myRegisters[from].words);
-    const int part = myRegisters[from].words == 1
-                         ? to
-                         : myRegisters.part(to, 0, myRegisters[to].type, words);
+    const int part =
+        myRegisters[from].words == 1 ? to : myRegisters.part(to, 0, myRegisters[to].type, words);
     emitInto(myRegisters[to].type.isFloatBased() ? OSL_COPY : OSL_COPYI, part, {from});
 }
 

@@ -24,10 +24,10 @@ public:
         int data = 0; // CONSTANT: its first word in data()
         bool isVarying = false;
         bool hasDerivatives = false;
-        bool isNamed = false; // a variable that is written only once: this write
+        bool isNamed = false;       // a variable that is written only once: this write
         bool isReadByLanes = false; // by operations on all lanes
-        bool isKept = false;  // has its place for the whole run
-        int firstUse = -1;   // instruction
+        bool isKept = false;        // has its place for the whole run
+        int firstUse = -1;          // instruction
         int lastUse = -1;
         int at = 0;
     };
@@ -53,10 +53,7 @@ public:
 
     int handle(std::string_view text); // of a constant text
     std::vector<std::string> &texts() { return myTexts; }
-    const std::string &text(int reg) const
-    {
-        return myTexts[static_cast<size_t>(*data(reg))];
-    }
+    const std::string &text(int reg) const { return myTexts[static_cast<size_t>(*data(reg))]; }
     long long totalWords() const { return myTotalWords; }
 
 private:

@@ -129,8 +129,8 @@ struct BatchUnary {
             return;
         }
         for (int w = 0; w < in.words; ++w)
-            (math.*F)(floatsAt<W>(memory, o[0].at + w), floatsAt<W>(memory, o[1].at + w * o[1].step),
-                      N);
+            (math.*F)(floatsAt<W>(memory, o[0].at + w),
+                      floatsAt<W>(memory, o[1].at + w * o[1].step), N);
     }
 };
 
@@ -140,7 +140,8 @@ struct BatchBinary {
     {
         const osl_BatchMath &math = osl_BatchMath::best();
         for (int w = 0; w < in.words; ++w)
-            (math.*F)(floatsAt<W>(memory, o[0].at + w), floatsAt<W>(memory, o[1].at + w * o[1].step),
+            (math.*F)(floatsAt<W>(memory, o[0].at + w),
+                      floatsAt<W>(memory, o[1].at + w * o[1].step),
                       floatsAt<W>(memory, o[2].at + w * o[2].step), N);
     }
 };

@@ -7,29 +7,29 @@
 namespace
 {
 // A function of one to three numbers under its name in lib/.
-#define OSL_UNARY(Name, expression)                                                               \
-    struct Name {                                                                                 \
-        template <class T>                                                                        \
-        static T apply(const T &x)                                                                \
-        {                                                                                         \
-            return expression;                                                                    \
-        }                                                                                         \
+#define OSL_UNARY(Name, expression)                                                                \
+    struct Name {                                                                                  \
+        template <class T>                                                                         \
+        static T apply(const T &x)                                                                 \
+        {                                                                                          \
+            return expression;                                                                     \
+        }                                                                                          \
     };
-#define OSL_BINARY(Name, expression)                                                              \
-    struct Name {                                                                                 \
-        template <class T>                                                                        \
-        static T apply(const T &x, const T &y)                                                    \
-        {                                                                                         \
-            return expression;                                                                    \
-        }                                                                                         \
+#define OSL_BINARY(Name, expression)                                                               \
+    struct Name {                                                                                  \
+        template <class T>                                                                         \
+        static T apply(const T &x, const T &y)                                                     \
+        {                                                                                          \
+            return expression;                                                                     \
+        }                                                                                          \
     };
-#define OSL_TERNARY(Name, expression)                                                             \
-    struct Name {                                                                                 \
-        template <class T>                                                                        \
-        static T apply(const T &x, const T &y, const T &z)                                        \
-        {                                                                                         \
-            return expression;                                                                    \
-        }                                                                                         \
+#define OSL_TERNARY(Name, expression)                                                              \
+    struct Name {                                                                                  \
+        template <class T>                                                                         \
+        static T apply(const T &x, const T &y, const T &z)                                         \
+        {                                                                                          \
+            return expression;                                                                     \
+        }                                                                                          \
     };
 
 inline float valueOf(float x)
@@ -74,10 +74,10 @@ OSL_TERNARY(LinearStep, osl_linearStep(x, y, z))
 OSL_TERNARY(SmoothStep, osl_smoothStep(x, y, z))
 
 // Functions whose form for floats is the C library's.
-#define OSL_STD(Name, std_function, dual_function)                                                \
-    struct Name {                                                                                 \
-        static float apply(float x) { return std_function(x); }                                   \
-        static osl_Dual apply(const osl_Dual &x) { return dual_function(x); }                     \
+#define OSL_STD(Name, std_function, dual_function)                                                 \
+    struct Name {                                                                                  \
+        static float apply(float x) { return std_function(x); }                                    \
+        static osl_Dual apply(const osl_Dual &x) { return dual_function(x); }                      \
     };
 OSL_STD(Tan, std::tan, osl_tan)
 OSL_STD(Atan, std::atan, osl_atan)
@@ -145,13 +145,13 @@ struct FloorModI {
     }
 };
 
-#define OSL_COMPARISON(Name, op)                                                                  \
-    struct Name {                                                                                 \
-        template <class T>                                                                        \
-        static int apply(const T &x, const T &y)                                                  \
-        {                                                                                         \
-            return x op y ? 1 : 0;                                                                \
-        }                                                                                         \
+#define OSL_COMPARISON(Name, op)                                                                   \
+    struct Name {                                                                                  \
+        template <class T>                                                                         \
+        static int apply(const T &x, const T &y)                                                   \
+        {                                                                                          \
+            return x op y ? 1 : 0;                                                                 \
+        }                                                                                          \
     };
 OSL_COMPARISON(Eq, ==)
 OSL_COMPARISON(Ne, !=)

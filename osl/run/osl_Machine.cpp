@@ -92,8 +92,8 @@ void osl_Machine::prepare()
         }
         step.in = &in;
         step.operands = operands(in);
-        step.isPlain = step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked &&
-                       !in.isSpread;
+        step.isPlain =
+            step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked && !in.isSpread;
         mySteps.push_back(step);
     }
     for (const osl_CodeOutput &from : myCode.outputs) {
@@ -147,9 +147,9 @@ void osl_Machine::loadGlobal(int number, const OSL_Varying &from)
 
 void osl_Machine::loadGlobals(const OSL_Points &points)
 {
-    const OSL_Varying *const all[] = {&points.P,    &points.I,     &points.N,      &points.Ng,
-                                      &points.dPdu, &points.dPdv,  &points.Ps,     &points.u,
-                                      &points.v,    &points.time,  &points.dtime,  &points.dPdtime};
+    const OSL_Varying *const all[] = {&points.P,    &points.I,    &points.N,     &points.Ng,
+                                      &points.dPdu, &points.dPdv, &points.Ps,    &points.u,
+                                      &points.v,    &points.time, &points.dtime, &points.dPdtime};
     int number = 0;
     for (const OSL_Varying *global : all)
         loadGlobal(number++, *global);

@@ -47,7 +47,7 @@ private:
         Act act = nullptr;
         const osl_Instruction *in = nullptr;
         const osl_Operand *operands = nullptr;
-        bool isPlain = false; // the kernel is all there is to do
+        bool isPlain = false;           // the kernel is all there is to do
         bool clearsDerivatives = false; // the kernel gives none
     };
 
@@ -56,8 +56,8 @@ private:
         enum Kind : uint8_t { CONDITION, LOOP, CALL };
         Kind kind = CONDITION;
         Mask saved = 0;
-        Mask other = 0; // lanes of the other branch
-        Mask left = 0;  // broken out of the loop, returned from the call
+        Mask other = 0;   // lanes of the other branch
+        Mask left = 0;    // broken out of the loop, returned from the call
         Mask skipped = 0; // on to the loop's next round
     };
 
@@ -75,7 +75,7 @@ private:
         std::vector<int> words;
     };
 
-    static constexpr uint64_t MAX_INSTRUCTIONS = 30000000;
+    static constexpr uint64_t MAX_INSTRUCTIONS = 20000000;
     static constexpr size_t MAX_OUTPUT = size_t(64) << 20;
 
     // ---- The run (osl_Machine.cpp, osl_MachineControl.cpp)
@@ -134,7 +134,10 @@ private:
     {
         floats(o.at + word)[lane] = x;
     }
-    void setInt(const osl_Operand &o, int lane, int x, int word = 0) { ints(o.at + word)[lane] = x; }
+    void setInt(const osl_Operand &o, int lane, int x, int word = 0)
+    {
+        ints(o.at + word)[lane] = x;
+    }
     void setText(const osl_Operand &o, int lane, std::string_view text, int word = 0)
     {
         setInt(o, lane, newText(text), word);

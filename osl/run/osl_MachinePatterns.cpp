@@ -12,9 +12,8 @@ int osl_Machine::checkedIndex(In in, const osl_Operand &index, int lane)
     if (wanted >= 0 && wanted < in.number)
         return wanted;
     error(in, lane,
-          "Index [" + std::to_string(wanted) + "] out of range " +
-              std::string(myTexts[in.text]) + "[0.." + std::to_string(in.number - 1) +
-              "]: " + placeText(in));
+          "Index [" + std::to_string(wanted) + "] out of range " + std::string(myTexts[in.text]) +
+              "[0.." + std::to_string(in.number - 1) + "]: " + placeText(in));
     return std::clamp(wanted, 0, in.number - 1);
 }
 
@@ -91,8 +90,9 @@ void osl_Machine::noise(In in)
             if (intAt(o[1], lane) != handle)
                 return;
             if (kind == OSL_NOISE_UNKNOWN)
-                error(in, lane, "noise type \"" + std::string(myTexts[handle]) +
-                                    "\" is unknown, called from (" + placeText(in) + ")");
+                error(in, lane,
+                      "noise type \"" + std::string(myTexts[handle]) +
+                          "\" is unknown, called from (" + placeText(in) + ")");
             for (int part = 0; part < parts; ++part) {
                 for (int word = 0; word < in.words; ++word)
                     result[wordOf(part, word) + static_cast<size_t>(lane)] =
@@ -222,8 +222,9 @@ void osl_Machine::transformColour(In in)
         osl_Colour beside = value + osl_Colour{colour.x.dx, colour.y.dx, colour.z.dx} * STEP;
         osl_Colour below = value + osl_Colour{colour.x.dy, colour.y.dy, colour.z.dy} * STEP;
         if (!osl_transformColour(from, to, value))
-            error(in, lane, "Unknown color space transformation \"" + std::string(from) +
-                                "\" -> \"" + std::string(to) + "\"");
+            error(in, lane,
+                  "Unknown color space transformation \"" + std::string(from) + "\" -> \"" +
+                      std::string(to) + "\"");
         if (in.hasDerivatives) {
             static_cast<void>(osl_transformColour(from, to, beside));
             static_cast<void>(osl_transformColour(from, to, below));

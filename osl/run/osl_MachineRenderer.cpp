@@ -31,8 +31,7 @@ void osl_Machine::spaces(In in)
     const osl_Operand *o = operands(in);
     forLanes(in, [&](int lane) {
         osl_Matrix matrix;
-        static_cast<void>(
-            matrixBetween(in, textAt(o[1], lane), textAt(o[2], lane), lane, matrix));
+        static_cast<void>(matrixBetween(in, textAt(o[1], lane), textAt(o[2], lane), lane, matrix));
         for (int i = 0; i < 16; ++i)
             setFloat(o[0], lane, matrix.m[i / 4][i % 4], i);
     });
@@ -58,7 +57,7 @@ namespace
 const struct {
     const char *name;
     float metres;
-} UNITS[] = {{"mm", 0.001f}, {"cm", 0.01f},   {"m", 1},         {"km", 1000},
+} UNITS[] = {{"mm", 0.001f},  {"cm", 0.01f},   {"m", 1},         {"km", 1000},
              {"in", 0.0254f}, {"ft", 0.3048f}, {"mi", 1609.344f}};
 
 // Metres, or the size of a space's unit; 0 for an unknown one.
@@ -85,7 +84,8 @@ void osl_Machine::transformUnits(In in)
         const float to = sizeOf(myRenderer, textAt(o[2], lane), pointOf(lane));
         const bool isGood = from > 0 && to > 0;
         if (!isGood)
-            error(in, lane, "Unknown unit \"" + std::string(textAt(o[from > 0 ? 2 : 1], lane)) + "\"");
+            error(in, lane,
+                  "Unknown unit \"" + std::string(textAt(o[from > 0 ? 2 : 1], lane)) + "\"");
         const float x = floatAt(o[3], lane);
         setFloat(o[0], lane, isGood ? x * from / to : x);
     });
@@ -258,12 +258,14 @@ void osl_Machine::setMessage(In in)
             const std::string place = myCode.files[static_cast<size_t>(old->place.file)] + ":" +
                                       std::to_string(old->place.line);
             if (old->hasData)
-                error(in, lane, quoted + " already exists (created here: " + place +
-                                    ") cannot set again from " + placeText(in));
+                error(in, lane,
+                      quoted + " already exists (created here: " + place +
+                          ") cannot set again from " + placeText(in));
             else
-                error(in, lane, quoted + " was queried before being set (queried here: " + place +
-                                    ") setting it now (" + placeText(in) +
-                                    ") would lead to inconsistent results");
+                error(in, lane,
+                      quoted + " was queried before being set (queried here: " + place +
+                          ") setting it now (" + placeText(in) +
+                          ") would lead to inconsistent results");
             return;
         }
         Message made{name, type, in.place, true, {}};

@@ -86,9 +86,8 @@ void osl_Machine::concat(In in)
 void osl_Machine::strlen(In in)
 {
     const osl_Operand *o = operands(in);
-    forLanes(in, [&](int lane) {
-        setInt(o[0], lane, static_cast<int>(textAt(o[1], lane).size()));
-    });
+    forLanes(in,
+             [&](int lane) { setInt(o[0], lane, static_cast<int>(textAt(o[1], lane).size())); });
 }
 
 void osl_Machine::startsWith(In in)
@@ -171,8 +170,8 @@ void osl_Machine::regex(In in)
         for (size_t i = 0; i < places.size(); ++i)
             places[i] = intAt(o[2], lane, static_cast<int>(i));
         const std::string_view text = textAt(o[1], lane);
-        const bool isFound = in.op == OSL_REGEX_SEARCH ? regex.search(text, places)
-                                                       : regex.match(text, places);
+        const bool isFound =
+            in.op == OSL_REGEX_SEARCH ? regex.search(text, places) : regex.match(text, places);
         for (size_t i = 0; i < places.size(); ++i)
             setInt(o[2], lane, places[i], static_cast<int>(i));
         setInt(o[0], lane, isFound ? 1 : 0);

@@ -38,9 +38,9 @@ osl_TextureOptions osl_Machine::textureOptions(In in, int lane)
         const std::string_view name = textAt(o[i], lane);
         const osl_Operand &value = o[i + 1];
         const osl_Type type = typeOf(value);
-        const float number = type.isInt()            ? static_cast<float>(intAt(value, lane))
-                             : type.isFloatBased()   ? floatAt(value, lane)
-                                                     : 0.0f;
+        const float number = type.isInt()          ? static_cast<float>(intAt(value, lane))
+                             : type.isFloatBased() ? floatAt(value, lane)
+                                                   : 0.0f;
         for (const auto &row : NUMBERS) {
             if (name != row.name)
                 continue;

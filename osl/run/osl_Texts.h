@@ -12,10 +12,7 @@ class osl_Texts
 public:
     explicit osl_Texts(const std::vector<std::string> &constants);
 
-    std::string_view operator[](int handle) const
-    {
-        return myTexts[static_cast<size_t>(handle)];
-    }
+    std::string_view operator[](int handle) const { return myTexts[static_cast<size_t>(handle)]; }
 
     // The same text has the same handle. -1 when there are too many of them.
     int handle(std::string_view text);

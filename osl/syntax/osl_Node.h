@@ -19,9 +19,9 @@ struct osl_Node {
         VARIABLE, // a initialiser, c metadata
 
         // Statements
-        BLOCK,    // a statements
-        IF,       // a condition, b then, c else
-        LOOP,     // punct FOR, WHILE or DO; a start, b condition, c step, d body
+        BLOCK, // a statements
+        IF,    // a condition, b then, c else
+        LOOP,  // punct FOR, WHILE or DO; a start, b condition, c step, d body
         BREAK,
         CONTINUE,
         RETURN, // a value
@@ -50,7 +50,7 @@ struct osl_Node {
 
     Kind kind = EMPTY;
     bool isOutput = false;
-    bool isParameter = false;  // of a shader
+    bool isParameter = false; // of a shader
     int punct = 0;
     int number = 0;
     float real = 0;

@@ -8,11 +8,11 @@ namespace
 const char *const SHADER_KINDS[] = {"shader", "surface", "displacement", "volume", "light"};
 
 const char *const RESERVED[] = {
-    "bool",   "case",     "catch",  "char",     "class",   "const",    "delete",    "default",
-    "double", "enum",     "extern", "false",    "friend",  "goto",     "inline",    "long",
-    "new",    "operator", "private", "protected", "short", "signed",   "sizeof",    "static",
-    "switch", "template", "this",   "throw",    "true",    "try",      "typedef",   "uniform",
-    "union",  "unsigned", "varying", "virtual", "volatile"};
+    "bool",   "case",     "catch",   "char",      "class",   "const",  "delete",  "default",
+    "double", "enum",     "extern",  "false",     "friend",  "goto",   "inline",  "long",
+    "new",    "operator", "private", "protected", "short",   "signed", "sizeof",  "static",
+    "switch", "template", "this",    "throw",     "true",    "try",    "typedef", "uniform",
+    "union",  "unsigned", "varying", "virtual",   "volatile"};
 
 template <size_t N>
 bool isOneOf(const char *const (&words)[N], std::string_view word)
@@ -175,8 +175,8 @@ int osl_Parser::parseArray()
     }
     constexpr int MAX_LENGTH = 1 << 20;
     if (length->number < 1 || length->number > MAX_LENGTH) {
-        myMessages.error(place, "Invalid array length for an array of " +
-                                    std::to_string(length->number));
+        myMessages.error(place,
+                         "Invalid array length for an array of " + std::to_string(length->number));
         return 1;
     }
     return length->number;

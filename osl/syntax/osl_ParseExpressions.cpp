@@ -14,13 +14,13 @@ struct Operator {
 };
 constexpr int LOWEST = 1;
 const Operator OPERATORS[] = {
-    {"||", 1}, {"&&", 2}, {"|", 3},  {"^", 4},  {"&", 5},  {"==", 6}, {"!=", 6},
-    {"<", 7},  {"<=", 7}, {">", 7},  {">=", 7}, {"<<", 8}, {">>", 8}, {"+", 9},
-    {"-", 9},  {"*", 10}, {"/", 10}, {"%", 10},
+    {"||", 1}, {"&&", 2}, {"|", 3},  {"^", 4},  {"&", 5},  {"==", 6},
+    {"!=", 6}, {"<", 7},  {"<=", 7}, {">", 7},  {">=", 7}, {"<<", 8},
+    {">>", 8}, {"+", 9},  {"-", 9},  {"*", 10}, {"/", 10}, {"%", 10},
 };
 
-const char *const ASSIGNMENTS[] = {"=",  "+=", "-=", "*=",  "/=", "%=",
-                                   "&=", "|=", "^=", "<<=", ">>="};
+const char *const ASSIGNMENTS[] = {
+    "=", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^=", "<<=", ">>="};
 
 const struct {
     const char *word, *punct;
@@ -312,7 +312,8 @@ osl_Node *osl_Parser::parseNamed()
     osl_Node *node = make(osl_Node::VAR);
     if (isTypeAhead()) {
         const std::string_view word = token().text;
-        const bool isName = osl_typeByName(word) == osl_Type::UNKNOWN && !token(1).is(osl_punct("("));
+        const bool isName =
+            osl_typeByName(word) == osl_Type::UNKNOWN && !token(1).is(osl_punct("("));
         node->type = parseType();
         if (isName) { // the checker says that it is a type
             node->name = word;

@@ -32,7 +32,8 @@ bool readWhole(const char *path, std::string &text)
         text.resize(static_cast<size_t>(info.st_size));
         size_t done = 0;
         ssize_t count = 1;
-        while (done < text.size() && (count = read(descriptor, &text[done], text.size() - done)) > 0)
+        while (done < text.size() &&
+               (count = read(descriptor, &text[done], text.size() - done)) > 0)
             done += static_cast<size_t>(count);
         isGood = count >= 0;
         text.resize(done);

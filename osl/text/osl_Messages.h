@@ -19,10 +19,7 @@ class osl_Messages
 public:
     // The number of a file's name; the same name has the same number.
     int fileNumber(std::string_view name);
-    const std::string &fileName(int number) const
-    {
-        return myFiles[static_cast<size_t>(number)];
-    }
+    const std::string &fileName(int number) const { return myFiles[static_cast<size_t>(number)]; }
     int files() const { return static_cast<int>(myFiles.size()); }
     // The name without its folders.
     std::string_view baseName(int number) const;

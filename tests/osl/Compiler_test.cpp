@@ -33,7 +33,8 @@ TEST(Compiler, NamesWhatIsWrong)
         {"a reserved word", "shader t() { int class = 1; }",
          "t.osl:1: error: 'class' is a reserved word\n"},
         {"formats", "shader t() { printf(\"%d\", 1.5); }",
-         "t.osl:1: error: printf has mismatched format string and arguments (arg 2 needs %f, %g, or "
+         "t.osl:1: error: printf has mismatched format string and arguments (arg 2 needs %f, %g, "
+         "or "
          "%e)\n"},
         {"includes", "#include \"no/such.h\"\nshader t() {}",
          "t.osl:1: error: Unable to include \"no/such.h\"\n"},
@@ -54,9 +55,11 @@ TEST(Compiler, Warns)
         {"commas", "shader t() { color c = (1, 2, 3); }",
          "t.osl:1: warning: Comma operator inside parenthesis is probably an error -- it is not a "
          "vector/color.\n"},
-        {"ambiguous results", "normal f() { return 1; }\nvector f() { return 2; }\n"
-                              "shader t() { point p = f(); }",
-         "t.osl:3: warning: Ambiguous call to 'f ()'\n  Chosen function is:\n    t.osl:2\tvector f ()\n"
+        {"ambiguous results",
+         "normal f() { return 1; }\nvector f() { return 2; }\n"
+         "shader t() { point p = f(); }",
+         "t.osl:3: warning: Ambiguous call to 'f ()'\n  Chosen function is:\n    t.osl:2\tvector f "
+         "()\n"
          "  Other candidates are:\n    t.osl:1\tnormal f ()\n"},
         {"not where it was told not to", "#pragma osl nowarn\nshader t() { int i = u; }", ""},
         {"constructors tell what is wanted", "shader t() { color c = color(noise(u)); }", ""},
@@ -97,10 +100,11 @@ TEST(Compiler, SurvivesHostileSources)
 TEST(Compiler, DescribesParameters)
 {
     OSL_Shader shader;
-    ASSERT_TRUE(shader.compileText("surface wood [[ string help = \"x\" ]] (float a = 0.5 [[ float min = 0, "
-                                   "int lockgeom = 0 ]], color c = color(1, 2, 3), int i[] = {1, 2}, "
-                                   "float d = sin(a), output color Cout = 0) {}",
-                                   "wood.osl", {}))
+    ASSERT_TRUE(shader.compileText(
+        "surface wood [[ string help = \"x\" ]] (float a = 0.5 [[ float min = 0, "
+        "int lockgeom = 0 ]], color c = color(1, 2, 3), int i[] = {1, 2}, "
+        "float d = sin(a), output color Cout = 0) {}",
+        "wood.osl", {}))
         << shader.messages();
     EXPECT_EQ("surface", shader.kind());
     EXPECT_EQ("wood", shader.name());
