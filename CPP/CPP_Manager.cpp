@@ -388,6 +388,10 @@ void CPP_Manager::expandInto(UT_ScratchBuffer &out)
 {
     if (lendLine(out))
         return;
+    if (hasFlag(KEEP_MACROS)) {
+        out.swap(myLine);
+        return;
+    }
     if (myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), myRecursionLimit, out))
         return;
     UT_String diagnostic;

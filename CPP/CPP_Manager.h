@@ -52,6 +52,7 @@ public:
         OLD_STYLE_INCLUDE = 0x10,    // -H: include lines without '#', names without quotes
         EXPAND_INCLUDE_NAMES = 0x20, // -x: variables in include names
         KEEP_SLASH_COMMENTS = 0x40,  // -c: slashes start no comment
+        KEEP_MACROS = 0x80,          // the caller expands macros: see keepMacros()
         STOPPED = 0x1000             // after a fatal error
     };
 
@@ -72,6 +73,11 @@ public:
 
     // Makes the line source of each file that is opened; the manager deletes it.
     virtual CPP_Stream *newStream();
+
+    // From here on text is handed out with its macros unexpanded, and so are the lines
+    // of definitions (which conditions still see), "#undef" and directives that are
+    // unknown here. For a caller whose language has macro rules of its own.
+    void keepMacros() { setFlag(KEEP_MACROS, true); }
 
     // Takes options from argv[1] on: the letters of getopt in OPTION_LETTERS
     // (see cpp_Options.cpp for what each does), in order. Returns the index of

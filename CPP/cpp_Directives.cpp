@@ -87,7 +87,9 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
             return;
         }
     }
-    if (!isSkipping && !hashComments)
+    if (!isSkipping && hasFlag(KEEP_MACROS))
+        result.sprintf("#%s", text);
+    else if (!isSkipping && !hashComments)
         diagnose(result, ERROR, "Undefined directive \"%s\"\n", std::string(word).c_str());
 }
 
@@ -140,11 +142,15 @@ void CPP_Manager::doEndif(const Directive &directive)
 void CPP_Manager::doDefine(const Directive &directive)
 {
     defineMacro(directive.argument, directive.result, false);
+    if (hasFlag(KEEP_MACROS))
+        doPassThrough(directive);
 }
 
 void CPP_Manager::doUndef(const Directive &directive)
 {
     undefineMacro(directive.argument, directive.result);
+    if (hasFlag(KEEP_MACROS))
+        doPassThrough(directive);
 }
 
 // False, and `name` for the message, when the file cannot be opened.

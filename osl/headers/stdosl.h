@@ -1,0 +1,2 @@
+// What every shader knows already.
+#pragma once

@@ -1,0 +1,121 @@
+#include "osl/run/osl_Closure.h"
+
+#include "osl/lib/osl_Format.h"
+#include "osl/run/osl_Texts.h"
+
+#include <cstring>
+
+namespace
+{
+constexpr int MAX_TEXT_DEPTH = 20; // of closures that are parameters of closures
+constexpr size_t MAX_TEXT = 1 << 20;
+
+float asFloat(int word)
+{
+    float number;
+    std::memcpy(&number, &word, sizeof number);
+    return number;
+}
+
+std::string tripleText(const osl_Colour &c)
+{
+    return "(" + osl_floatText(c.x) + ", " + osl_floatText(c.y) + ", " + osl_floatText(c.z) + ")";
+}
+} // namespace
+
+void osl_ClosureArena::clear()
+{
+    myNodes.clear();
+    myWords.clear();
+}
+
+int osl_ClosureArena::add(const Node &node)
+{
+    myNodes.push_back(node);
+    return static_cast<int>(myNodes.size());
+}
+
+int osl_ClosureArena::component(const osl_ClosureRow *row)
+{
+    Node made;
+    made.row = row;
+    made.a = static_cast<int>(myWords.size());
+    myWords.resize(myWords.size() + static_cast<size_t>(row->words) + 1);
+    return add(made);
+}
+
+int osl_ClosureArena::sum(int a, int b)
+{
+    if (a == 0 || b == 0)
+        return a + b;
+    Node made;
+    made.kind = Node::SUM;
+    made.a = a;
+    made.b = b;
+    return add(made);
+}
+
+int osl_ClosureArena::product(int closure, const osl_Colour &weight)
+{
+    if (closure == 0 || weight == osl_Colour{0, 0, 0})
+        return 0;
+    if (weight == osl_Colour{1, 1, 1})
+        return closure;
+    Node made;
+    made.kind = Node::PRODUCT;
+    made.a = closure;
+    made.weight = weight;
+    return add(made);
+}
+
+void osl_ClosureArena::flatten(int closure, std::vector<OSL_ClosureComponent> &components) const
+{
+    std::vector<std::pair<int, osl_Colour>> open{{closure, {1, 1, 1}}};
+    while (!open.empty()) {
+        const auto [handle, weight] = open.back();
+        open.pop_back();
+        if (handle == 0)
+            continue;
+        const Node &at = node(handle);
+        const osl_Colour scaled = weight * at.weight;
+        if (at.kind == Node::SUM)
+            open.emplace_back(at.b, weight);
+        if (at.kind != Node::COMPONENT)
+            open.emplace_back(at.a, scaled);
+        else
+            components.push_back({at.row, weight, &myWords[static_cast<size_t>(at.a)]});
+    }
+}
+
+std::string osl_ClosureArena::text(int closure, const osl_Texts &texts, int depth) const
+{
+    std::vector<OSL_ClosureComponent> components;
+    flatten(closure, components);
+    std::string out;
+    for (const OSL_ClosureComponent &component : components) {
+        if (out.size() > MAX_TEXT || depth > MAX_TEXT_DEPTH)
+            break;
+        out += out.empty() ? "" : "\n\t+ ";
+        out += tripleText(component.weight) + " * " + component.closure->name + " (";
+        bool isFirst = true;
+        for (const osl_ClosureParameter &parameter : component.closure->parameters) {
+            const int32_t *word = component.words + parameter.at;
+            out += isFirst ? "" : ", ";
+            isFirst = false;
+            if (parameter.isKeyword)
+                out += "\"" + parameter.name + "\", ";
+            if (parameter.type.isClosure)
+                out += text(*word, texts, depth + 1);
+            else if (parameter.type.isInt())
+                out += std::to_string(*word);
+            else if (parameter.type.isFloat())
+                out += osl_floatText(asFloat(*word));
+            else if (parameter.type.isString())
+                (out += '"').append(texts[*word]) += '"';
+            else
+                out += tripleText({asFloat(word[0]), asFloat(word[1]), asFloat(word[2])});
+        }
+        out += ")";
+    }
+    return out;
+}

@@ -1,0 +1,45 @@
+// Closures of one run: trees of sums and products over components, by handle.
+#pragma once
+
+#include "osl/OSL_Context.h"
+#include "osl/check/osl_Closures.h"
+
+#include <string>
+#include <vector>
+
+class osl_Texts;
+
+class osl_ClosureArena
+{
+public:
+    void clear();
+    bool isFull() const { return myNodes.size() > MAX_NODES; }
+
+    // The words of its parameters follow from the row; they are for the caller to fill.
+    int component(const osl_ClosureRow *row);
+    int *words(int component) { return &myWords[static_cast<size_t>(node(component).a)]; }
+    int sum(int a, int b);
+    int product(int closure, const osl_Colour &weight);
+
+    void flatten(int closure, std::vector<OSL_ClosureComponent> &components) const;
+
+    // As "%s" prints it: "(1, 1, 1) * name (parameters)", sums on lines of their own.
+    std::string text(int closure, const osl_Texts &texts, int depth = 0) const;
+
+private:
+    static constexpr size_t MAX_NODES = 1 << 20;
+
+    struct Node {
+        enum Kind : uint8_t { COMPONENT, SUM, PRODUCT };
+        Kind kind = COMPONENT;
+        int a = 0; // closure, or the first word of the parameters
+        int b = 0;
+        osl_Colour weight = {1, 1, 1};
+        const osl_ClosureRow *row = nullptr;
+    };
+    const Node &node(int handle) const { return myNodes[static_cast<size_t>(handle) - 1]; }
+    int add(const Node &node);
+
+    std::vector<Node> myNodes; // by handle, from 1
+    std::vector<int> myWords;
+};

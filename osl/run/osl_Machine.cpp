@@ -1,0 +1,372 @@
+#include "osl/run/osl_Machine.h"
+
+#include <algorithm>
+#include <cstring>
+
+const osl_Machine::ActRow osl_Machine::ACTS[] = {
+    {OSL_ELEMENT, &osl_Machine::element},
+    {OSL_ELEMENTI, &osl_Machine::element},
+    {OSL_SET_ELEMENT, &osl_Machine::setElement},
+    {OSL_SET_ELEMENTI, &osl_Machine::setElement},
+    {OSL_SPACES, &osl_Machine::spaces},
+    {OSL_GETMATRIX, &osl_Machine::getMatrix},
+    {OSL_TRANSFORMU, &osl_Machine::transformUnits},
+    {OSL_TRANSFORMC, &osl_Machine::transformColour},
+    {OSL_NOISE, &osl_Machine::noise},
+    {OSL_HASHI, &osl_Machine::hashInt},
+    {OSL_HASHF, &osl_Machine::hashFloats},
+    {OSL_HASHS, &osl_Machine::hashText},
+    {OSL_SPLINE, &osl_Machine::spline},
+    {OSL_SPLINEINVERSE, &osl_Machine::splineInverse},
+    {OSL_PRINTF, &osl_Machine::printText},
+    {OSL_FPRINTF, &osl_Machine::printText},
+    {OSL_ERROR, &osl_Machine::printText},
+    {OSL_WARNING, &osl_Machine::printText},
+    {OSL_FORMAT, &osl_Machine::formatText},
+    {OSL_CONCAT, &osl_Machine::concat},
+    {OSL_STRLEN, &osl_Machine::strlen},
+    {OSL_STARTSWITH, &osl_Machine::startsWith},
+    {OSL_ENDSWITH, &osl_Machine::endsWith},
+    {OSL_STOI, &osl_Machine::stoi},
+    {OSL_STOF, &osl_Machine::stof},
+    {OSL_SPLIT, &osl_Machine::split},
+    {OSL_SUBSTR, &osl_Machine::substr},
+    {OSL_GETCHAR, &osl_Machine::getChar},
+    {OSL_REGEX_SEARCH, &osl_Machine::regex},
+    {OSL_REGEX_MATCH, &osl_Machine::regex},
+    {OSL_TEXTURE, &osl_Machine::texture},
+    {OSL_TEXTURE3D, &osl_Machine::texture3d},
+    {OSL_ENVIRONMENT, &osl_Machine::environment},
+    {OSL_TEXTUREINFO, &osl_Machine::textureInfo},
+    {OSL_CLOSURE, &osl_Machine::makeClosure},
+    {OSL_CLOSURE_ADD, &osl_Machine::addClosures},
+    {OSL_CLOSURE_MUL, &osl_Machine::scaleClosure},
+    {OSL_USERDATA, &osl_Machine::userdata},
+    {OSL_GETATTRIBUTE, &osl_Machine::getAttribute},
+    {OSL_SETMESSAGE, &osl_Machine::setMessage},
+    {OSL_GETMESSAGE, &osl_Machine::getMessage},
+    {OSL_SURFACEAREA, &osl_Machine::surfaceArea},
+    {OSL_BACKFACING, &osl_Machine::backfacing},
+    {OSL_RAYTYPE, &osl_Machine::rayType},
+    {OSL_ISCONNECTED, &osl_Machine::isConnected},
+    {OSL_TRACE, &osl_Machine::trace},
+    {OSL_DICT_FIND, &osl_Machine::nothingFound},
+    {OSL_DICT_NEXT, &osl_Machine::nothingFound},
+    {OSL_DICT_VALUE, &osl_Machine::nothingFound},
+    {OSL_POINTCLOUD, &osl_Machine::nothingFound},
+};
+
+osl_Machine::osl_Machine(std::shared_ptr<const OSL_Program> program, OSL_Renderer &renderer,
+                         int width)
+    : myProgram(std::move(program)), myCode(myProgram->code()), myRenderer(renderer),
+      myWidth(width), myTexts(myCode.texts), myEvents(static_cast<size_t>(width)),
+      myMessages(static_cast<size_t>(width))
+{
+    constexpr size_t ALIGNMENT = 64;
+    const size_t words = static_cast<size_t>(myCode.words) * static_cast<size_t>(width);
+    myStorage.assign(words + ALIGNMENT / sizeof(int), 0);
+    void *start = myStorage.data();
+    size_t room = myStorage.size() * sizeof(int);
+    myMemory = static_cast<int *>(std::align(ALIGNMENT, words * sizeof(int), start, room));
+    prepare();
+}
+
+// Constants into their places, and for each instruction who does it.
+void osl_Machine::prepare()
+{
+    for (size_t i = 0; i < myCode.constants.size(); ++i)
+        std::fill_n(ints(myCode.constantsAt + static_cast<int>(i)), myWidth, myCode.constants[i]);
+    const osl_KernelSet &one = osl_kernels(1, myWidth);
+    const osl_KernelSet &all = osl_kernels(myWidth, myWidth);
+    Act acts[OSL_OPS] = {};
+    for (const ActRow &row : ACTS)
+        acts[row.op] = row.act;
+    for (In in : myCode.instructions) {
+        const osl_KernelSet &set = in.isUniform ? one : all;
+        Step step;
+        step.act = acts[in.op];
+        step.kernel = in.hasDerivatives ? set.dual[in.op] : set.plain[in.op];
+        if (step.kernel == nullptr && in.hasDerivatives) {
+            step.kernel = set.plain[in.op];
+            step.clearsDerivatives = step.kernel != nullptr;
+        }
+        step.in = &in;
+        step.operands = operands(in);
+        step.isPlain =
+            step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked && !in.isSpread;
+        mySteps.push_back(step);
+    }
+    for (const osl_CodeOutput &from : myCode.outputs) {
+        const osl_RegisterInfo &info = myCode.registers[static_cast<size_t>(from.reg)];
+        OSL_Output made;
+        made.type = from.type;
+        made.words = info.words;
+        made.ints = ints(info.at);
+        made.floats = floats(info.at);
+        made.stride = myWidth;
+        myOutputs.push_back(made);
+        myOutputNames.emplace(from.name, &myOutputs.back());
+    }
+}
+
+const OSL_Output *osl_Machine::output(const std::string &name) const
+{
+    const auto found = myOutputNames.find(name);
+    return found == myOutputNames.end() ? nullptr : found->second;
+}
+
+// ---- The run --------------------------------------------------------------
+
+// Lanes behind the last point repeat it: what they compute is thrown away.
+void osl_Machine::loadWord(int at, const float *from)
+{
+    const int count = __builtin_popcount(myFull);
+    float *to = floats(at);
+    if (from == nullptr) {
+        std::fill_n(to, myWidth, 0.0f);
+        return;
+    }
+    std::copy_n(from, count, to);
+    std::fill(to + count, to + myWidth, from[count - 1]);
+}
+
+void osl_Machine::loadGlobal(int number, const OSL_Varying &from)
+{
+    const int reg = myCode.globals[static_cast<size_t>(number)];
+    if (reg < 0)
+        return;
+    const osl_RegisterInfo &info = myCode.registers[static_cast<size_t>(reg)];
+    for (int word = 0; word < info.words; ++word) {
+        loadWord(info.at + word, from.value[word]);
+        if (!info.hasDerivatives)
+            continue;
+        loadWord(info.dx + word, from.dx[word]);
+        loadWord(info.dy + word, from.dy[word]);
+    }
+}
+
+void osl_Machine::loadGlobals(const OSL_Points &points)
+{
+    const OSL_Varying *const all[] = {&points.P,    &points.I,    &points.N,     &points.Ng,
+                                      &points.dPdu, &points.dPdv, &points.Ps,    &points.u,
+                                      &points.v,    &points.time, &points.dtime, &points.dPdtime};
+    int number = 0;
+    for (const OSL_Varying *global : all)
+        loadGlobal(number++, *global);
+    const int reg = myCode.globals[12]; // Ci
+    if (reg >= 0)
+        std::fill_n(ints(myCode.registers[static_cast<size_t>(reg)].at), myWidth, 0);
+}
+
+bool osl_Machine::run(const OSL_Points &points)
+{
+    if (isStopped)
+        return false;
+    myFull = points.count >= 32 ? ~0u : (1u << points.count) - 1;
+    myMask = myFull;
+    myDead = 0;
+    myFirstPoint = points.first;
+    myFrames.clear();
+    myClosures.clear();
+    myTexts.tidy();
+    myOutputBytes = 0;
+    for (auto &messages : myMessages)
+        messages.clear();
+    loadGlobals(points);
+    execute();
+    sendEvents();
+    return !isStopped;
+}
+
+void osl_Machine::execute()
+{
+    const int end = static_cast<int>(myCode.instructions.size());
+    uint64_t done = 0;
+    int at = 0;
+    while (at >= 0 && at < end && !isStopped) {
+        const Step &step = mySteps[static_cast<size_t>(at)];
+        if (++done > MAX_INSTRUCTIONS)
+            stop("takes too long: a loop without end?");
+        if (step.isPlain) {
+            step.kernel(myMemory, *step.in, step.operands);
+            ++at;
+            continue;
+        }
+        In in = *step.in;
+        if (in.op >= OSL_IF) {
+            at = control(in, at);
+            continue;
+        }
+        doStep(in, step);
+        ++at;
+    }
+    myDone += done * static_cast<uint64_t>(__builtin_popcount(myFull));
+}
+
+void osl_Machine::doStep(In in, const Step &step)
+{
+    const bool isSaved = in.isMasked && myMask != myFull;
+    if (isSaved)
+        saveResult(in);
+    const osl_Operand *o = operands(in);
+    if (step.kernel != nullptr)
+        step.kernel(myMemory, in, o);
+    else if (step.act != nullptr)
+        (this->*step.act)(in);
+    if (step.clearsDerivatives)
+        clearDerivatives(in);
+    if (in.isSpread)
+        broadcast(o[0], in.words);
+    if (isSaved)
+        restoreResult(in);
+}
+
+// From the first lane to all.
+void osl_Machine::broadcast(const osl_Operand &operand, int count)
+{
+    const bool hasDerivatives = operand.dx != myCode.zerosAt;
+    for (const int at : {operand.at, operand.dx, operand.dy}) {
+        for (int word = 0; word < count; ++word)
+            std::fill_n(words(at + word), myWidth, words(at + word)[0]);
+        if (!hasDerivatives)
+            return;
+    }
+}
+
+void osl_Machine::clearDerivatives(In in)
+{
+    const osl_Operand &result = operands(in)[0];
+    if (result.dx == myCode.zerosAt)
+        return;
+    for (const int at : {result.dx, result.dy})
+        std::fill_n(words(at), static_cast<size_t>(in.words) * static_cast<size_t>(myWidth), 0);
+}
+
+void osl_Machine::saveResult(In in)
+{
+    const osl_Operand &result = operands(in)[0];
+    const size_t size = static_cast<size_t>(in.words) * static_cast<size_t>(myWidth);
+    const bool hasDerivatives = result.dx != myCode.zerosAt;
+    mySaved.resize(std::max(mySaved.size(), size * 3));
+    std::memcpy(mySaved.data(), words(result.at), size * sizeof(int));
+    if (!hasDerivatives)
+        return;
+    std::memcpy(&mySaved[size], words(result.dx), size * sizeof(int));
+    std::memcpy(&mySaved[2 * size], words(result.dy), size * sizeof(int));
+}
+
+void osl_Machine::restoreResult(In in)
+{
+    const osl_Operand &result = operands(in)[0];
+    const bool hasDerivatives = result.dx != myCode.zerosAt;
+    int keep[32];
+    for (int lane = 0; lane < myWidth; ++lane)
+        keep[lane] = -static_cast<int>(myMask >> lane & 1);
+    const int *saved = mySaved.data();
+    for (const int at : {result.at, result.dx, result.dy}) {
+        osl_Word *to = words(at);
+        for (int word = 0; word < in.words; ++word, to += myWidth, saved += myWidth) {
+            for (int lane = 0; lane < myWidth; ++lane)
+                to[lane] = (to[lane] & keep[lane]) | (saved[lane] & ~keep[lane]);
+        }
+        if (!hasDerivatives)
+            return;
+    }
+}
+
+// ---- Messages -------------------------------------------------------------
+
+void osl_Machine::stop(const std::string &why)
+{
+    report(0, Event::ERROR, "Shader [" + myCode.shader + "] " + why);
+    isStopped = true;
+}
+
+void osl_Machine::report(int lane, Event::Kind kind, std::string text)
+{
+    if (kind == Event::ERROR || kind == Event::WARNING) {
+        constexpr size_t MOST = 10000;
+        if (myReported.size() > MOST || !myReported.insert(text).second)
+            return;
+    }
+    myOutputBytes += text.size();
+    if (myOutputBytes > MAX_OUTPUT && !isStopped)
+        return stop("prints too much");
+    auto &events = myEvents[static_cast<size_t>(lane)];
+    if (kind == Event::PRINT && !events.empty() && events.back().kind == Event::PRINT)
+        events.back().text += text;
+    else
+        events.push_back({kind, std::move(text), ""});
+}
+
+void osl_Machine::error(In in, int lane, std::string text)
+{
+    if (in.isUniform && myMask != 0)
+        lane = __builtin_ctz(myMask);
+    report(lane, Event::ERROR, std::move(text));
+}
+
+std::string osl_Machine::placeText(In in) const
+{
+    return myCode.files[static_cast<size_t>(in.place.file)] + ":" + std::to_string(in.place.line);
+}
+
+void osl_Machine::sendEvents()
+{
+    for (auto &events : myEvents) {
+        for (const Event &event : events) {
+            if (event.kind == Event::PRINT)
+                myRenderer.print(event.text);
+            else if (event.kind == Event::FILE)
+                myRenderer.appendToFile(event.file, event.text);
+            else
+                myRenderer.message(event.kind == Event::ERROR ? OSL_Renderer::ERROR
+                                                              : OSL_Renderer::WARNING,
+                                   event.text);
+        }
+        events.clear();
+    }
+}
+
+// ---- Access ---------------------------------------------------------------
+
+int osl_Machine::newText(std::string_view text)
+{
+    const int handle = myTexts.handle(text);
+    if (handle < 0 && !isStopped)
+        stop("makes too many texts");
+    return std::max(handle, 0);
+}
+
+osl_Dual osl_Machine::dualAt(const osl_Operand &o, int lane, int word)
+{
+    word *= o.step;
+    return {floats(o.at + word)[lane], floats(o.dx + word)[lane], floats(o.dy + word)[lane]};
+}
+
+osl_DualVec osl_Machine::dualVectorAt(const osl_Operand &o, int lane)
+{
+    return {dualAt(o, lane, 0), dualAt(o, lane, 1), dualAt(o, lane, 2)};
+}
+
+void osl_Machine::setDerivatives(const osl_Operand &o, int lane, int word, float dx, float dy)
+{
+    if (o.dx == myCode.zerosAt)
+        return;
+    floats(o.dx + word)[lane] = dx;
+    floats(o.dy + word)[lane] = dy;
+}
+
+// A value of the operand's type.
+void osl_Machine::setValue(const osl_Operand &o, int lane, const OSL_Value &value)
+{
+    int word = 0;
+    for (const int number : value.ints)
+        setInt(o, lane, number, word++);
+    for (const float number : value.floats) {
+        setDerivatives(o, lane, word, 0, 0);
+        setFloat(o, lane, number, word++);
+    }
+    for (const std::string &text : value.strings)
+        setText(o, lane, text, word++);
+}
