@@ -103,11 +103,12 @@ thumbmake --size 64 --quality draft --submit slurm --wait "$farm/lib" 2>&1 | tee
 wait
 grep -q '^300 made, 1 failed, 0 up to date$' "$farm/said"
 whole "$farm/lib"
-thumbmake --size 64 --quality draft "$farm/lib" 2>/dev/null | grep -q '^0 made, 1 failed, 300 up to date$'
+{ thumbmake --size 64 --quality draft "$farm/lib" 2>/dev/null || true; } |
+    grep -q '^0 made, 1 failed, 300 up to date$'
 echo "Slurm: all pictures made, none half, with a node that died"
 
 library "$farm/other" 40
 eval "$(thumbmake --size 64 --quality draft --submit parallel "$farm/other")" || true
 whole "$farm/other"
-thumbmake --size 64 --quality draft "$farm/other" 2>/dev/null | tail -n 1
+{ thumbmake --size 64 --quality draft "$farm/other" 2>/dev/null || true; } | tail -n 1
 echo "GNU parallel: all pictures made"
