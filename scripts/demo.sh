@@ -6,6 +6,7 @@ cd "$(dirname "$0")/.."
 
 cmake --preset release >/dev/null
 cmake --build --preset release --target thumbrender vaskel vcpp
+ln -sf release/env.sh build/env.sh
 . build/env.sh
 mkdir -p build/demo
 rm -f build/demo/*
