@@ -1,9 +1,11 @@
 # A thin front: everything real is in CMake, its presets and scripts/.
-.PHONY: help deps demo check coverage fuzz faults counts bench format
+.PHONY: help deps demo check check-everyday deb coverage fuzz faults counts bench format
 
 help:
 	@echo "make demo      install what is missing, build, render examples/ into build/demo/"
 	@echo "make check     install what is missing, build all presets, run all tests"
+	@echo "make deb       make Debian packages in build/deb/"
+	@echo "make check-everyday  test them, installing and file managers in a clean system"
 	@echo "make coverage  tell how much of each folder's code the tests reach"
 	@echo "make fuzz      search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
 	@echo "make faults    let each allocation and system call fail, and judge what comes of it"
@@ -19,6 +21,12 @@ demo: deps
 
 check: deps
 	@scripts/check.sh
+
+deb: deps
+	@scripts/deb.sh
+
+check-everyday: deps
+	@tests/everyday/run.sh
 
 coverage: deps
 	@scripts/coverage.sh

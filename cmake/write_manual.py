@@ -11,8 +11,8 @@ The help is read as it is laid out for people:
       -g type  Text                 a label has one spelling or more between ', ', each
                                     with its value
                word - Text          deeper lines belong to the entry; these are the words
-                                    that its value may be, and so are the words of an
-                                    entry that is all "one, two or three"
+                                    that its value may be, and so are those of a text
+                                    that begins with "one, two or three"
     Status: text                    the text of a heading may follow it
 """
 import argparse
@@ -43,8 +43,9 @@ class Entry:
     @property
     def words(self):
         """The words that the value may be, when the help tells."""
-        if re.fullmatch(r"[a-z]+(, [a-z]+)* or [a-z]+", self.lines[0]):
-            return re.findall(r"[a-z]+", self.lines[0].replace(" or ", " "))
+        listed = re.match(r"([a-z]+(?:, [a-z]+)*) or ([a-z]+)(,|$)", self.summary)
+        if listed:
+            return listed[1].split(", ") + [listed[2]]
         rows = [WORD_ROW.match(line) for line in self.lines[1:]]
         return [word for row in rows if row for word in row[1].split("/")]
 
