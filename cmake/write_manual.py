@@ -12,7 +12,7 @@ The help is read as it is laid out for people:
                                     with its value
                word - Text          deeper lines belong to the entry; these are the words
                                     that its value may be, and so are those of a text
-                                    that begins with "one, two or three"
+                                    with "one, two or three" in front or behind ':'
     Status: text                    the text of a heading may follow it
 """
 import argparse
@@ -43,7 +43,7 @@ class Entry:
     @property
     def words(self):
         """The words that the value may be, when the help tells."""
-        listed = re.match(r"([a-z]+(?:, [a-z]+)*) or ([a-z]+)(,|$)", self.summary)
+        listed = re.search(r"(?:^|: )([a-z]+(?:, [a-z]+)*) or ([a-z]+)(?:,| \(|$)", self.summary)
         if listed:
             return listed[1].split(", ") + [listed[2]]
         rows = [WORD_ROW.match(line) for line in self.lines[1:]]
