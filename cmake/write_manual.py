@@ -13,7 +13,8 @@ The help is read as it is laid out for people:
                word - Text          deeper lines belong to the entry; these are the words
                                     that its value may be, and so are those of a text
                                     with "one, two or three" in front or behind ':'
-    Status: text                    the text of a heading may follow it
+    Engines: one, two.              the text of a heading may follow it; such a list has
+                                    the words for values that are called ENGINE
 """
 import argparse
 import pathlib
@@ -28,6 +29,7 @@ class Entry:
     def __init__(self, label, text):
         self.label = label
         self.lines = [text]
+        self.listed = []  # words that a section of its own lists
 
     @property
     def options(self):
@@ -47,7 +49,7 @@ class Entry:
         if listed:
             return listed[1].split(", ") + [listed[2]]
         rows = [WORD_ROW.match(line) for line in self.lines[1:]]
-        return [word for row in rows if row for word in row[1].split("/")]
+        return self.listed or [word for row in rows if row for word in row[1].split("/")]
 
     @property
     def takes_file(self):
@@ -68,6 +70,10 @@ class Help:
         self.sections = [("DESCRIPTION", [])]
         for line in rest:
             self._read(line.expandtabs(8))
+        lists = {heading: items[0] for heading, items in self.sections if items}
+        for entry in self.options:
+            words = lists.get(entry.value.upper() + "S", "")
+            entry.listed = words.rstrip(".").split(", ") if isinstance(words, str) and words else []
 
     def _read(self, line):
         heading = re.match(r"([A-Z][a-z]+):( .*)?$", line)

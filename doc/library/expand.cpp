@@ -1,9 +1,9 @@
 // expand TEMPLATE [NAME=VALUE]...: shows what is left of a render template. It is looked for
 // along the main search path (see UT/UT_PathSearch.h), so with VDX=PREFIX/share
 //
-//     expand shop/palette/shadeball.ifd GEO_TEAPOT "SURF_SHADER=v_gold"
+//     expand shop/palette/shadeball.ifd GEO_TEAPOT "SURF_SHADER=v_metal"
 //
-// prints the scene of a golden teapot.
+// prints the scene of a metal teapot.
 #include <CPP/CPP_Manager.h>
 #include <UT/UT_PathSearch.h>
 

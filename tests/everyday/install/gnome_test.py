@@ -1,9 +1,7 @@
 #!/usr/bin/env python3
 """Palettes as GNOME's file manager shows them: its thumbnail factory starts our program
-in its sandbox. Runs where the packages are installed; the arguments are a folder to work in
-and a palette that is good."""
+in its sandbox. Runs where the packages are installed; the argument is a folder to work in."""
 import os
-import pathlib
 import shutil
 import stat
 import sys
@@ -13,9 +11,8 @@ import gi
 gi.require_version("GnomeDesktop", "4.0")
 from gi.repository import Gio, GLib, GnomeDesktop  # noqa: E402
 
-WORK = pathlib.Path(sys.argv[1])
-PALETTE = pathlib.Path(sys.argv[2])
-MIME = "application/x-veldrin-palette"
+from session import MIME, PALETTE, WORK, files_outside  # noqa: E402
+
 SIZES = {
     128: GnomeDesktop.DesktopThumbnailSize.NORMAL,
     256: GnomeDesktop.DesktopThumbnailSize.LARGE,
@@ -23,9 +20,9 @@ SIZES = {
 }
 BAD = {
     "no_shader": "ShaderType surface\nShopData\n",
-    "unknown_shader": 'ShaderType surface\nVVaskel "v_golld"\n',
+    "unknown_shader": 'ShaderType surface\nVVaskel "v_mettal"\n',
     "other_renderer": "ShaderType surface\nRIB plastic\n",
-    "own_picture": 'ShaderType surface\nVVaskel "v_gold"\nBeginIfdExtra\n'
+    "own_picture": 'ShaderType surface\nVVaskel "v_metal"\nBeginIfdExtra\n'
                    'picture "/tmp/elsewhere.png"\nEndIfdExtra\n',
 }
 
@@ -42,19 +39,6 @@ def record_sandboxes():
     script.chmod(stat.S_IRWXU)
     os.environ["PATH"] = f"{folder}:{os.environ['PATH']}"
     return log
-
-
-def files_outside():
-    """Everything but what the system itself keeps, with its time."""
-    found = {}
-    for top in ("/home", "/root", "/tmp", "/var", "/usr", "/etc"):
-        for folder, _, files in os.walk(top):
-            if pathlib.Path(folder) == WORK or WORK in pathlib.Path(folder).parents:
-                continue
-            for name in [""] + files:
-                path = os.path.join(folder, name)
-                found[path] = os.lstat(path).st_mtime_ns if name else None
-    return found
 
 
 def draw(path, size):
@@ -81,11 +65,11 @@ class Gnome(unittest.TestCase):
                 sandboxes = SANDBOXES.read_text().splitlines()[count:]
                 self.assertEqual(len(sandboxes), 1)
                 self.assertIn("palette-thumbnailer", sandboxes[0])
-        self.assertEqual(files_outside(), before)
+        self.assertEqual(files_outside() - before, set())
 
     def test_the_size_is_ours_whatever_the_palette_says(self):
         path = WORK / "sized.palette"
-        path.write_text('ShaderType surface\nVVaskel "v_gold"\n'
+        path.write_text('ShaderType surface\nVVaskel "v_metal"\n'
                         'BeginIfdExtra\nsize 700 700\nEndIfdExtra\n')
         self.assertEqual(draw(path, 128).get_width(), 128)
 
@@ -97,7 +81,7 @@ class Gnome(unittest.TestCase):
                 path.write_text(text)
                 with self.assertRaises(GLib.Error):
                     draw(path, 128)
-        self.assertEqual(files_outside(), before)
+        self.assertEqual(files_outside() - before, set())
 
 
 if __name__ == "__main__":

@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Palettes as Xfce's file manager shows them: tumbler, asked over D-Bus. Runs on a session
-bus where the packages are installed; the arguments are a folder to work in and a palette
-that is good."""
+bus where the packages are installed; the argument is a folder to work in."""
 import hashlib
 import os
 import pathlib
@@ -10,9 +9,8 @@ import unittest
 
 from gi.repository import Gio, GLib
 
-WORK = pathlib.Path(sys.argv[1])
-PALETTE = pathlib.Path(sys.argv[2])
-MIME = "application/x-veldrin-palette"
+from session import MIME, PALETTE, WORK, files_outside
+
 SERVICE = "org.freedesktop.thumbnails.Thumbnailer1"
 SIZES = {"normal": 128, "large": 256, "x-large": 512}
 
@@ -57,14 +55,16 @@ class Tumbler(unittest.TestCase):
         self.assertIn(MIME, types)
 
     def test_each_size_is_drawn(self):
+        before = files_outside()
         for flavor, size in SIZES.items():
             with self.subTest(flavor):
                 self.assertIn("Ready", self.ask(PALETTE, flavor))
                 self.assertEqual(png_size(self.kept(PALETTE, flavor)), (size, size))
+        self.assertEqual(files_outside() - before, set())
 
     def test_a_bad_palette_is_an_error(self):
         path = WORK / "bad.palette"
-        path.write_text('ShaderType surface\nVVaskel "v_golld"\n')
+        path.write_text('ShaderType surface\nVVaskel "v_mettal"\n')
         told = self.ask(path, "normal")
         self.assertIn("Error", told)
         self.assertNotIn("Ready", told)
