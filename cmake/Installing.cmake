@@ -5,6 +5,10 @@ set(VELDRIN_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
   "Where zsh's completions are installed")
 set(VELDRIN_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/veldrin)
 
+if(VELDRIN_INSTALL)
+  add_custom_target(installed) # builds all that is installed and nothing else
+endif()
+
 # veldrin_way(<result> <from> <to>): the way from one installed folder to another.
 function(veldrin_way result from to)
   foreach(end from to)
@@ -44,6 +48,7 @@ endfunction()
 
 # Of veldrin_library: the files of one library.
 macro(veldrin_install_library target)
+  add_dependencies(installed ${target})
   install(TARGETS ${target} EXPORT Veldrin
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -93,6 +98,7 @@ function(veldrin_program target)
       ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${target}> ${_HELP}
     DEPENDS ${target} ${writer} VERBATIM)
   add_custom_target(${target}_manual ALL DEPENDS ${folder}/${target}.1)
+  add_dependencies(installed ${target}_manual)
   install(FILES ${folder}/${target}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${folder}/${target}
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
