@@ -6,6 +6,7 @@ cd "$(dirname "$0")/.."
 
 cmake --preset release >/dev/null
 cmake --build --preset release --target thumbmake thumbrender vaskel vcpp
+ln -sf release/env.sh build/env.sh
 . build/env.sh
 export XDG_CACHE_HOME=$PWD/build/cache
 mkdir -p build/demo

@@ -1,5 +1,6 @@
 // thumbmake: keeps the pictures of a library of palettes up to date.
 #include "UT/UT_Environment.h"
+#include "UT/UT_Installation.h"
 #include "UT/UT_Process.h"
 #include "thumbmake/tm_Cache.h"
 #include "thumbmake/tm_Farm.h"
@@ -169,6 +170,7 @@ private:
 int main(int argc, char *argv[])
 {
     UTstartProgram();
+    UTuseInstalledData();
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     if (!words.empty() && words[0] == "--job")
         return runJob({words.begin() + 1, words.end()});

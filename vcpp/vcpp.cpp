@@ -2,6 +2,7 @@
 // diagnostics to standard error.
 #include "CPP/CPP_Manager.h"
 #include "UT/UT_FileUtil.h"
+#include "UT/UT_Installation.h"
 #include "UT/UT_Process.h"
 #include "UT/UT_SafeFile.h"
 #include "vcpp/vcpp_Dependencies.h"
@@ -254,6 +255,7 @@ int run(const vcpp_Options &options)
 int main(int argc, char *argv[])
 {
     UTstartProgram();
+    UTuseInstalledData();
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a write error like others
     removeTemporaryOnSignals();
     vcpp_Options options;

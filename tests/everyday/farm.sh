@@ -6,7 +6,7 @@ cd "$(dirname "$0")/../.."
 scripts/install-deps.sh slurmctld slurmd slurm-client munge parallel
 cmake --preset release >/dev/null
 cmake --build --preset release --target thumbmake thumbrender vaskel
-. build/env.sh
+. build/release/env.sh
 
 farm=$(mktemp -d)
 export SLURM_CONF=$farm/slurm.conf XDG_CACHE_HOME=$farm/cache
