@@ -113,13 +113,13 @@ TEST(Regex, TellsWhatIsWrong)
 
 TEST(Regex, TakesHostileExpressionsAndTexts)
 {
-    const std::string as(30000, 'a');
+    const std::string as(5000, 'a');
     EXPECT_EQ("-", found("(a*)*b", as));
     EXPECT_EQ("-", found("(a|aa)+$b", as));
-    EXPECT_EQ("0,30000", found("(?:a?){500}a*", as));
+    EXPECT_EQ("0,5000", found("(?:a?){500}a*", as));
     EXPECT_EQ("! too many groups inside each other", found(std::string(100000, '('), ""));
     EXPECT_EQ("! too long an expression", found("((a{100}){100}){100}", ""));
-    EXPECT_EQ("! too long an expression", found(as, ""));
+    EXPECT_EQ("! too long an expression", found(as + as + as, ""));
     EXPECT_EQ("-", found("(a{1000}){9}x", as)) << "stops after enough steps";
 }
 
