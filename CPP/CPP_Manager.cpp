@@ -9,6 +9,7 @@
 #include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
 #include "UT/UT_IStream.h"
+#include "UT/UT_Memory.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -165,11 +166,22 @@ bool CPP_Manager::pushPath(const char *path)
 {
     auto *file = new CPP_File(newStream());
     CPP_Stream *stream = file->getStream();
-    if (isStandardInput(path))
-        stream->setStream(standardInput());
-    else if (*path != '\0')
+    const bool isFile = *path != '\0' && !isStandardInput(path);
+    if (isFile)
         static_cast<void>(stream->open(path)); // whether it is open now, counts
-    return pushFile(file, path);
+    else if (*path != '\0')
+        stream->setStream(standardInput());
+    if (!pushFile(file, path))
+        return false;
+    if (isFile)
+        noteOpened(path);
+    return true;
+}
+
+void CPP_Manager::noteOpened(const char *path)
+{
+    if (myOpenedNames.addSymbol(path, nullptr))
+        myOpenedFiles.append(path);
 }
 
 bool CPP_Manager::pushFile(CPP_File *file, const char *path)
@@ -295,11 +307,17 @@ void CPP_Manager::takeSourceLine(UT_ScratchBuffer &out)
 void CPP_Manager::popFile(UT_ScratchBuffer &out)
 {
     CPP_File *file = currentFile();
-    if (file->hasOpenCondition()) {
-        UT_String diagnostic;
+    UT_String diagnostic;
+    if (const char *reason = file->getStream()->readError()) {
+        UT_String message;
+        message.sprintf("Unable to read: %s", reason);
+        makeDiagnostic(diagnostic, ERROR, message);
+        stop();
+    } else if (file->hasOpenCondition()) {
         makeDiagnostic(diagnostic, ERROR, "Missing #endif");
-        out.append(diagnostic);
     }
+    if (diagnostic.isNonEmpty())
+        out.append(diagnostic);
     file->release();
     myFiles.removeIndex(myFiles.entries() - 1);
     hasPoppedFile = myFiles.entries() > 0;
@@ -412,7 +430,7 @@ void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *for
     va_list args;
     va_start(args, format);
     char *message = nullptr;
-    const int length = vasprintf(&message, format, args);
+    const int length = UTprint(message, format, args);
     va_end(args);
     if (length < 0)
         return;

@@ -29,6 +29,7 @@
 #include "UT/UT_PtrArray.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
+#include "UT/UT_StringList.h"
 #include "UT/UT_SymbolTable.h"
 
 #include <memory>
@@ -59,6 +60,9 @@ public:
     // Also what "__VVERSION__" stands for in the name of an include file.
     static const char VERSION[];
 
+    // What parseOptions() takes, for getopt: ':' behind a letter that has a value.
+    static const char OPTION_LETTERS[];
+
     // Include files are searched along a copy of the known path (a negative
     // number means the main one), with another "^" text when one is given.
     explicit CPP_Manager(int pathId = -1, const char *caretSubst = nullptr);
@@ -69,7 +73,7 @@ public:
     // Makes the line source of each file that is opened; the manager deletes it.
     virtual CPP_Stream *newStream();
 
-    // Takes options from argv[1] on: the letters "PCU:D:I:r:nhHcx" of getopt
+    // Takes options from argv[1] on: the letters of getopt in OPTION_LETTERS
     // (see cpp_Options.cpp for what each does), in order. Returns the index of
     // the first operand; 0 at an unknown letter or a missing value, for which
     // getopt has written its message. Warnings about redefinitions are dropped; the
@@ -101,6 +105,11 @@ public:
 
     const char *getCurrentFileName() const; // "<unknown>" when none is open
 
+    // The paths of all files that were opened so far, as they were opened, each once, in
+    // the order of first opening: what the output depends on. Files that came from memory,
+    // or whose guard left nothing of them, count; standard input and lent streams do not.
+    const UT_StringList &getOpenedFiles() const { return myOpenedFiles; }
+
     // ---- Macros --------------------------------------------------------
 
     // Stores a definition, "NAME body" or "NAME(a,b) body"; in the command-line
@@ -117,6 +126,10 @@ public:
     bool isMacroDefined(const char *name) const;
     const cpp_Macro *findMacro(const char *name) const; // null when there is none
     const cpp_Macro *findMacro(const char *name, size_t length) const;
+
+    // Appends "#define NAME body" for each macro that is not built in, by name. Each is a
+    // line that defines the same macro again.
+    void listMacros(UT_StringList &lines);
 
     // Appends the expansion of `text`, a line of `file`, to the result. Macros in
     // replacements nest less than `depthLeft` deep (128, if that is below 1). On
@@ -184,6 +197,7 @@ private:
     bool findNearCurrentFile(const char *name, UT_String &path) const;
     bool pushPath(const char *path);
     bool pushFile(CPP_File *file, const char *path);
+    void noteOpened(const char *path);
 
     void storeMacro(const char *name, cpp_Macro *macro); // in place of one of that name
     bool applyOption(char letter, const char *value);
@@ -191,8 +205,10 @@ private:
     std::unique_ptr<UT_PathSearch> myIncludePath;
     UT_ScratchBuffer myPendingText;  // the next output line, held back
     UT_PtrArray<CPP_File *> myFiles; // the innermost last
-    UT_SymbolTable myMacros;         // values are cpp_Macro, deleted by us
-    cpp_NameFilter myMacroFilter;    // of all names that myMacros ever held
+    UT_StringList myOpenedFiles;
+    UT_SymbolTable myOpenedNames; // the same, to find them; without values
+    UT_SymbolTable myMacros;      // values are cpp_Macro, deleted by us
+    cpp_NameFilter myMacroFilter; // of all names that myMacros ever held
     unsigned myFlags = STRIP_COMMENTS | LINE_MARKERS | EXPAND_INCLUDE_NAMES;
     int myRecursionLimit;         // 0 means the default
     bool isPendingSource = false; // the held-back text is a source line, not output

@@ -9,6 +9,11 @@ const char *CPP_Stream::peekBuffered(int &)
 
 void CPP_Stream::skipBuffered(int) {}
 
+const char *CPP_Stream::readError() const
+{
+    return nullptr;
+}
+
 bool CPP_Stream::isSpecial() const
 {
     return false;

@@ -23,7 +23,7 @@ public:
     virtual void setStream(UT_IStream *is) = 0;
 
     // Replaces the buffer's text by the next line without its "\n" or "\r\n".
-    // False at the end of input.
+    // False at the end of input, and for good after a read error.
     [[nodiscard]] virtual bool readLine(UT_ScratchBuffer &line) = 0;
 
     virtual bool isOpen() const = 0;
@@ -36,6 +36,10 @@ public:
     // A source of its own may fetch more first. It holds until the next call.
     virtual const char *peekBuffered(int &length);
     virtual void skipBuffered(int length); // at most as much as peekBuffered() gave
+
+    // Why reading ended before the end of input; null when it did not. The manager then
+    // ends with a diagnostic: half of a text must not pass for the whole.
+    virtual const char *readError() const;
 
 protected:
     CPP_Stream() = default;

@@ -28,6 +28,7 @@ void cpp_DefStream::close()
     myFile = nullptr;
     myStream = nullptr;
     myNext = myEnd = nullptr;
+    myReadError = 0;
 }
 
 bool cpp_DefStream::open(const char *path)
@@ -74,18 +75,41 @@ bool cpp_DefStream::readLine(UT_ScratchBuffer &line)
     if (isOwn)
         return readFromBlock(line);
     if (myFile != nullptr)
-        return line.getLine(myFile);
+        return readFromFile(line);
     return myStream != nullptr && myStream->getLine(line, '\n');
+}
+
+bool cpp_DefStream::readFromFile(UT_ScratchBuffer &line)
+{
+    if (myReadError != 0)
+        return false;
+    errno = 0;
+    const bool any = line.getLine(myFile);
+    if (std::ferror(myFile) != 0)
+        myReadError = errno != 0 ? errno : EIO; // of an earlier reader
+    return any && myReadError == 0;
+}
+
+const char *cpp_DefStream::readError() const
+{
+    if (myReadError != 0)
+        return std::strerror(myReadError);
+    const bool isBad = myStream != nullptr && myStream->hasError();
+    return isBad ? myStream->getSource().getErrorText() : nullptr;
 }
 
 bool cpp_DefStream::fillBlock()
 {
     if (myNext != myEnd)
         return true;
+    if (myReadError != 0)
+        return false;
     ssize_t count = 0;
     do
         count = myDescriptor >= 0 ? read(myDescriptor, myBlock.get(), BLOCK_BYTES) : 0;
     while (count < 0 && errno == EINTR);
+    if (count < 0)
+        myReadError = errno;
     if (count <= 0)
         return false;
     myNext = myBlock.get();
@@ -106,7 +130,7 @@ bool cpp_DefStream::readFromBlock(UT_ScratchBuffer &line)
     line.clear();
     for (bool any = false;; any = true) {
         if (!fillBlock())
-            return any;
+            return any && myReadError == 0;
         const auto room = static_cast<size_t>(myEnd - myNext);
         const auto *newline = static_cast<const char *>(std::memchr(myNext, '\n', room));
         const char *end = newline != nullptr ? newline : myEnd;

@@ -26,14 +26,16 @@ public:
     const char *peekBuffered(int &length) override;
     void skipBuffered(int length) override { myNext += length; }
     bool isOpen() const override;
+    const char *readError() const override;
 
 private:
     static constexpr size_t BLOCK_BYTES = 65536;
 
     void close();
     bool takeWhole(const char *path); // of a small file; false for others
-    bool fillBlock();                 // when it is used up; false at the end of the file
+    bool fillBlock();                 // when it is used up; false at its end or an error
     bool readFromBlock(UT_ScratchBuffer &line);
+    bool readFromFile(UT_ScratchBuffer &line);
 
     cpp_SmallFiles *mySmallFiles;
     FILE *myFile = nullptr;         // lent; looked at first
@@ -44,5 +46,6 @@ private:
     int myDescriptor = -1;
     const char *myNext = nullptr; // what was read of it and not yet asked for
     const char *myEnd = nullptr;
+    int myReadError = 0; // errno of the file that it opened, or of the one lent
     std::unique_ptr<char[]> myBlock;
 };

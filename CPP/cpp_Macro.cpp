@@ -29,8 +29,8 @@ std::string takeUpTo(const char *&text, const char *delimiters)
 }
 
 struct Parameters {
-    int count = 0;
-    std::unordered_map<std::string, int> numbers; // the first of a name counts
+    std::vector<std::string> names;
+    std::unordered_map<std::string, size_t> numbers; // the first of a name counts
 };
 
 // From behind the "(" to behind the ")", or to the end of the text.
@@ -38,9 +38,9 @@ Parameters takeParameters(const char *&text)
 {
     Parameters parameters;
     text = skipSpace(text);
-    while (*text != '\0' && !(parameters.count == 0 && *text == ')')) {
-        parameters.numbers.emplace(takeUpTo(text, ",)"), parameters.count);
-        ++parameters.count;
+    while (*text != '\0' && !(parameters.names.empty() && *text == ')')) {
+        parameters.names.push_back(takeUpTo(text, ",)"));
+        parameters.numbers.emplace(parameters.names.back(), parameters.names.size() - 1);
         text = skipSpace(text);
         if (*text == ')')
             break;
@@ -62,6 +62,11 @@ const char *copyQuoted(const char *text, const char *end, std::string &body)
     return text;
 }
 
+std::string markOf(size_t argument)
+{
+    return "#" + std::to_string(argument) + "#";
+}
+
 // A word behind `hashes` '#' characters: a mark if it is a parameter.
 const char *copyWord(const char *text, const std::string &word, size_t hashes,
                      const Parameters &parameters, std::string &body)
@@ -72,7 +77,7 @@ const char *copyWord(const char *text, const std::string &word, size_t hashes,
         body += word;
         return text;
     }
-    const std::string mark = "#" + std::to_string(found->second) + "#";
+    const std::string mark = markOf(found->second);
     body += hashes == 1 ? "\"" + mark + "\"" : mark;
     if (text[0] == '#' && text[1] == '#')
         return text + 2;
@@ -172,9 +177,10 @@ cpp_Macro *cpp_Macro::parse(const char *definition, bool commandLineForm)
         ++text;
     if (*text == '(') {
         ++text;
-        const Parameters parameters = takeParameters(text);
-        macro->myNumArgs = parameters.count;
+        Parameters parameters = takeParameters(text);
+        macro->myNumArgs = static_cast<int>(parameters.names.size());
         macro->myBody = compileBody(text, parameters);
+        macro->myParameters = std::move(parameters.names);
     } else {
         macro->myBody = skipSpace(text);
         while (!macro->myBody.empty() &&
@@ -201,6 +207,91 @@ bool cpp_Macro::isSameAs(const cpp_Macro &other) const
            myNumArgs == other.myNumArgs;
 }
 
+namespace
+{
+std::string joinNames(const std::vector<std::string> &names)
+{
+    std::string list;
+    for (const std::string &name : names)
+        (list += &name == names.data() ? "" : ",") += name;
+    return list;
+}
+
+// Turns a compiled body back into one that compiles to it. "##" divides a parameter from
+// a neighbour that would otherwise belong to its name or its '#'.
+class BodyWriter
+{
+public:
+    BodyWriter(const std::string &body, const std::vector<std::string> &parameters)
+        : myBody(body), myParameters(parameters)
+    {
+    }
+
+    std::string write()
+    {
+        while (myNext < myBody.size())
+            if (!takeReference())
+                takeText();
+        return myText;
+    }
+
+private:
+    bool lastIs(bool (*test)(char)) const { return !myText.empty() && test(myText.back()); }
+
+    // A mark behind a lone '#', in front of a digit or with zeros of its own stays a mark:
+    // it means the same.
+    bool takeReference()
+    {
+        const bool isQuoted = myBody.compare(myNext, 2, "\"#") == 0;
+        const size_t begin = myNext + (isQuoted ? 1 : 0);
+        size_t argument = 0;
+        const size_t end =
+            myBody[begin] == '#' ? skipMark(myBody, begin, myParameters.size(), argument) : begin;
+        const bool isClosed = !isQuoted || myBody.compare(end, 1, "\"") == 0;
+        const bool isPlain = end == begin + markOf(argument).size() && isClosed &&
+                             !(end < myBody.size() && isDigit(myBody[end]));
+        if (!isPlain || lastIs([](char c) { return c == '#'; }))
+            return false;
+        if (isBehindName || (!isQuoted && lastIs([](char c) { return isNameCharacter(c); })))
+            myText += "##";
+        (myText += isQuoted ? "#" : "") += myParameters[argument];
+        myNext = end + (isQuoted ? 1 : 0);
+        isBehindName = true;
+        return true;
+    }
+
+    // A character, or a string as it is.
+    void takeText()
+    {
+        const char *const here = myBody.data() + myNext;
+        if (isBehindName && (isNameCharacter(*here) || *here == '#'))
+            myText += "##";
+        isBehindName = false;
+        const char *const end = myBody.data() + myBody.size();
+        if (*here == '"')
+            myNext += static_cast<size_t>(copyQuoted(here, end, myText) - here);
+        else
+            myText += myBody[myNext++];
+    }
+
+    const std::string &myBody;
+    const std::vector<std::string> &myParameters;
+    size_t myNext = 0;
+    std::string myText;
+    bool isBehindName = false; // of a parameter
+};
+} // namespace
+
+std::string cpp_Macro::toDefinition() const
+{
+    std::string text = "#define " + myName;
+    if (myNumArgs == 1 && myParameters[0].empty())
+        return text + "(,"; // such a list never ends
+    if (myNumArgs >= 0)
+        text += "(" + joinNames(myParameters) + ")";
+    return myBody.empty() ? text : text + " " + BodyWriter(myBody, myParameters).write();
+}
+
 // ---- The manager's table ---------------------------------------------------
 
 const cpp_Macro *CPP_Manager::findMacro(const char *name) const
@@ -214,6 +305,21 @@ const cpp_Macro *CPP_Manager::findMacro(const char *name, size_t length) const
     void *value = nullptr;
     return mayBe && myMacros.findSymbol(name, length, &value) ? static_cast<cpp_Macro *>(value)
                                                               : nullptr;
+}
+
+void CPP_Manager::listMacros(UT_StringList &lines)
+{
+    std::vector<std::string> found;
+    const auto collect = [](void **value, const char *name, void *data) {
+        const auto *macro = static_cast<const cpp_Macro *>(*value);
+        if (macro->myBuiltin == cpp_Macro::NONE && isNameStart(*name))
+            static_cast<std::vector<std::string> *>(data)->push_back(macro->toDefinition());
+        return 1;
+    };
+    myMacros.traverseSymbols(collect, &found);
+    std::sort(found.begin(), found.end());
+    for (const std::string &line : found)
+        lines.append(line.c_str());
 }
 
 bool CPP_Manager::isMacroDefined(const char *name) const

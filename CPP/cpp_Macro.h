@@ -25,10 +25,11 @@ struct cpp_Macro {
 
     std::string myName;
     std::string myBody;
-    std::vector<Piece> myPieces; // of the body of a macro with parameters
-    int myNumArgs = OBJECT_LIKE; // or the number of parameters
-    Builtin myBuiltin = NONE;    // one of those has neither name nor body
-    bool isPlain = true;         // the body has nothing that expansion would change
+    std::vector<std::string> myParameters; // their names, as they were written
+    std::vector<Piece> myPieces;           // of the body of a macro with parameters
+    int myNumArgs = OBJECT_LIKE;           // or the number of parameters
+    Builtin myBuiltin = NONE;              // one of those has neither name nor body
+    bool isPlain = true;                   // the body has nothing that expansion would change
 
     // Reads a definition as CPP_Manager::defineMacro takes it. A bad name gives an
     // empty macro under a name that no text can refer to.
@@ -36,4 +37,7 @@ struct cpp_Macro {
     static cpp_Macro *makeBuiltin(Builtin builtin);
 
     bool isSameAs(const cpp_Macro &other) const;
+
+    // "#define NAME(a,b) body", from which parse() makes the same macro.
+    std::string toDefinition() const;
 };

@@ -10,8 +10,6 @@
 
 namespace
 {
-const char OPTION_LETTERS[] = "PCU:D:I:r:nhHcx";
-
 // What a letter does to the flags; the letters with a value are not here.
 const struct {
     char letter;
@@ -41,13 +39,14 @@ void finishScan(int argc, char *argv[])
 {
     const int callersMessages = opterr;
     opterr = 0;
-    while (getopt(argc, argv, OPTION_LETTERS) != -1) {
+    while (getopt(argc, argv, CPP_Manager::OPTION_LETTERS) != -1) {
     }
     opterr = callersMessages;
 }
 } // namespace
 
 const char CPP_Manager::VERSION[] = "9.0.653";
+const char CPP_Manager::OPTION_LETTERS[] = "PCU:D:I:r:nhHcx";
 
 void CPP_Manager::defineBuiltins()
 {

@@ -1,20 +1,20 @@
 #include "UT/UT_Memory.h"
 
+#include "UT/UT_Process.h"
+
+#include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 namespace
 {
 void *checked(void *block)
 {
-    if (block != nullptr)
-        return block;
-    static const char message[] = "Out of memory\n";
-    const ssize_t ignored = write(STDERR_FILENO, message, sizeof message - 1);
-    (void)ignored;
-    _exit(1);
+    if (block == nullptr)
+        UTdieWithoutMemory();
+    return block;
 }
 
 // A size that was negative before its conversion, or beyond any object, fails
@@ -35,6 +35,17 @@ void *UTreallocate(void *block, size_t bytes)
 {
     bytes = sane(bytes);
     return checked(bytes == SIZE_MAX ? nullptr : std::realloc(block, bytes != 0 ? bytes : 1));
+}
+
+int UTprint(char *&text, const char *format, va_list arguments)
+{
+    const int length = vasprintf(&text, format, arguments);
+    if (length >= 0)
+        return length;
+    if (errno == ENOMEM)
+        UTdieWithoutMemory();
+    text = nullptr;
+    return -1;
 }
 
 char *UTduplicate(const char *text)

@@ -121,7 +121,7 @@ void UT_ScratchBuffer::appendSprintf(const char *format, ...)
     va_list args;
     va_start(args, format);
     char *text = nullptr;
-    const int length = vasprintf(&text, format, args);
+    const int length = UTprint(text, format, args);
     va_end(args);
     if (length < 0)
         return;

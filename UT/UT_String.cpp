@@ -177,9 +177,9 @@ int UT_String::sprintf(const char *format, ...)
     va_list args;
     va_start(args, format);
     char *text = nullptr;
-    const int length = vasprintf(&text, format, args);
+    const int length = UTprint(text, format, args);
     va_end(args);
-    adopt(length < 0 ? nullptr : text);
+    adopt(text);
     return length;
 }
 

@@ -17,7 +17,10 @@ int ut_StdinStreamBuf::peekChar()
 
 const char *ut_StdinStreamBuf::fillBuffer(int &start, int &end)
 {
-    if (!myLine.getLine(stdin))
+    const bool any = myLine.getLine(stdin);
+    if (std::ferror(stdin) != 0)
+        setError();
+    if (!any)
         return nullptr;
     myLine.append('\n');
     start = 0;

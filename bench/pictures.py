@@ -199,7 +199,7 @@ def measure_noise(examples, _, folder):
 
 def measure_startup(_, runs, folder):
     with open(os.path.join(folder, "empty"), "w") as out:
-        out.write("picture p.png\nsize 16 16\ncamera\n")
+        out.write("picture p.png\nsize 16 16\ncamera\nend\n")
     times = medians({"empty": ["vaskel", "empty"]}, max(runs, 11), folder)
     report("no shapes", 1000 * times["empty"], 15, 10, " ms")
 

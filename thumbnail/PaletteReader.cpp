@@ -1,88 +1,11 @@
 #include "thumbnail/PaletteReader.h"
 
-#include "UT/UT_IFStream.h"
-#include "UT/UT_ScratchBuffer.h"
-#include "UT/UT_String.h"
+#include "thumbnail/PaletteHead.h"
 #include "thumbnail/ThumbDriver.h"
 #include "thumbnail/ThumbRenderer.h"
 
-#include <cstring>
-
 namespace
 {
-
-const char *const HEAD_END = "ShopData";
-const char *const EXTRA_BEGIN = "BeginIfdExtra";
-const char *const EXTRA_END = "EndIfdExtra";
-
-struct PaletteHead {
-    UT_String shaderType;
-    UT_String vvaskelShader;
-    UT_String ribShader;
-    UT_String miShader;
-    UT_ScratchBuffer ifdExtra;
-};
-
-struct HeadKey {
-    const char *word;
-    UT_String PaletteHead::*value;
-};
-
-const HeadKey HEAD_KEYS[] = {
-    {"ShaderType", &PaletteHead::shaderType},
-    {"VVaskel", &PaletteHead::vvaskelShader},
-    {"RIB", &PaletteHead::ribShader},
-    {"MI", &PaletteHead::miShader},
-};
-
-enum class State { HEAD, EXTRA, DONE };
-
-void setValue(PaletteHead &head, const char *key, const char *value)
-{
-    for (const HeadKey &known : HEAD_KEYS) {
-        if (strcmp(key, known.word) == 0)
-            (head.*known.value).assignCopy(value);
-    }
-}
-
-State readHeadLine(const UT_ScratchBuffer &line, PaletteHead &head)
-{
-    if (line.buffer()[0] == '#')
-        return State::HEAD;
-    UT_String text(line.buffer(), true);
-    // Room for one word more than a key line has, to tell it from longer ones.
-    char *words[4];
-    const int count = text.splitWordsInto(words, 4);
-    if (count == 0)
-        return State::HEAD;
-    if (strcmp(words[0], HEAD_END) == 0)
-        return State::DONE;
-    if (strcmp(words[0], EXTRA_BEGIN) == 0)
-        return State::EXTRA;
-    if (count == 2)
-        setValue(head, words[0], words[1]);
-    return State::HEAD;
-}
-
-State readExtraLine(const UT_ScratchBuffer &line, PaletteHead &head)
-{
-    if (strncmp(line.buffer(), EXTRA_END, strlen(EXTRA_END)) == 0)
-        return State::HEAD;
-    head.ifdExtra.append(line.buffer(), line.length());
-    return State::EXTRA;
-}
-
-void readHead(UT_IFStream &in, PaletteHead &head)
-{
-    UT_ScratchBuffer line;
-    State state = State::HEAD;
-    while (state != State::DONE && in.getLine(line, '\n')) {
-        // What follows a NUL could not reach the renderer anyway.
-        line.truncate(static_cast<int>(strlen(line.buffer())));
-        line.append('\n');
-        state = state == State::HEAD ? readHeadLine(line, head) : readExtraLine(line, head);
-    }
-}
 
 UT_String pictureNameOf(const char *fileName)
 {
@@ -96,14 +19,12 @@ UT_String pictureNameOf(const char *fileName)
 
 void readPalette(const char *fileName, UT_Args &args)
 {
-    UT_IFStream in;
-    if (!in.open(fileName, true)) {
-        reportError("Unable to open palette file %s", fileName);
+    PaletteHead head;
+    UT_String error;
+    if (!readPaletteHead(fileName, head, error)) {
+        reportError("%s", error);
         return;
     }
-
-    PaletteHead head;
-    readHead(in, head);
     ThumbRenderer *row = chooseRenderer(head.vvaskelShader, head.ribShader, head.miShader);
     if (head.shaderType.isNonEmpty() && row != nullptr) {
         row->myShaderType = head.shaderType;
@@ -112,5 +33,4 @@ void readPalette(const char *fileName, UT_Args &args)
     } else {
         reportError("Missing critical thumbnail data in palette %s", fileName);
     }
-    in.close();
 }

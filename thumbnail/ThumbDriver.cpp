@@ -2,12 +2,14 @@
 
 #include "UT/UT_Args.h"
 #include "UT/UT_EnvControl.h"
+#include "UT/UT_Process.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "thumbnail/PaletteReader.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 const char *theProgramName = nullptr;
 int theQuietFlag = 0;
@@ -96,6 +98,9 @@ void reportError(const char *format, const char *arg)
         return;
     UT_ScratchBuffer message;
     message.sprintf(format, arg);
+    // A diagnostic brings its own line end.
+    const std::string_view text(message.buffer(), static_cast<size_t>(message.length()));
+    UTmakePrintable(message.buffer(), text.find_last_not_of('\n') + 1);
     message.append('\n');
     fwrite(message.buffer(), 1, static_cast<size_t>(message.length()), stderr);
 }

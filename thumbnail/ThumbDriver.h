@@ -37,5 +37,6 @@ int runThumbDriver(int argc, char *argv[]);
 
 // Writes one message and a newline to standard error, in a single write so that
 // it cannot mix with the renderer's own; nothing when quiet. `format` takes one
-// %s, which is `arg`. Text from outside belongs into `arg`, never into `format`.
+// %s, which is `arg`. Text from outside belongs into `arg`, never into `format`; its
+// control characters are written as '?'.
 void reportError(const char *format, const char *arg);

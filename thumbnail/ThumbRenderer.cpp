@@ -2,6 +2,8 @@
 
 #include "CPP/CPP_Manager.h"
 #include "UT/UT_EnvControl.h"
+#include "UT/UT_Environment.h"
+#include "UT/UT_MakeRule.h"
 #include "UT/UT_PathSearch.h"
 #include "UT/UT_StringList.h"
 #include "thumbnail/ThumbDriver.h"
@@ -9,8 +11,11 @@
 #include "thumbnail/thumb_RendererPipe.h"
 
 #include <cctype>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -109,6 +114,23 @@ void runRenderer(const ThumbRenderer &row, CPP_Manager &preprocessor)
         reportError("Renderer '%s' stopped before it read the whole scene", row.myCommand);
 }
 
+// For a caller that makes pictures again when what they were made of changes.
+void writeDependencies(const CPP_Manager &preprocessor, const char *pictureName)
+{
+    const char *const name = UTgetenv("VELDRIN_THUMB_DEPFILE");
+    if (name == nullptr || *name == '\0')
+        return;
+    const UT_StringList &opened = preprocessor.getOpenedFiles();
+    std::vector<std::string> files;
+    for (int i = 0; i < opened.entries(); ++i)
+        files.emplace_back(opened(i));
+    const std::string rule = UTmakeRule(UTquoteForMake(pictureName), files);
+    FILE *const out = fopen(name, "ae");
+    const bool good = out != nullptr && fputs(rule.c_str(), out) >= 0;
+    if (out == nullptr || fclose(out) != 0 || !good)
+        reportError("Unable to write %s", name);
+}
+
 } // namespace
 
 ThumbRenderer *chooseRenderer(const UT_String &vvaskelShader, const UT_String &ribShader,
@@ -144,6 +166,7 @@ void renderThumbnail(ThumbRenderer &row, UT_Args &args, const char *pictureName)
     }
     UT_EnvControl::instance().setString(ENV_VELDRIN_ZEL_DEFAULT_MATTE, "__default_matte");
     runRenderer(row, preprocessor);
+    writeDependencies(preprocessor, pictureName);
 }
 
 void appendShaderPath(UT_String &define)

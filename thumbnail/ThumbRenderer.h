@@ -54,6 +54,9 @@ struct ThumbRenderer {
 //                       by the shader's type: the shader itself
 //
 // An IFD renderer gets the palette's extra text in front of the scene.
+//
+// When VELDRIN_THUMB_DEPFILE names a file, a rule for make is appended to it: the picture
+// depends on the template and on all that it includes.
 void renderThumbnail(ThumbRenderer &row, UT_Args &args, const char *pictureName);
 
 // Appends where RenderMan shaders are looked for, and a closing '"': the setting

@@ -1,7 +1,9 @@
 // thumbrender: a picture for each shop palette named on the command line.
+#include "UT/UT_Process.h"
 #include "thumbnail/ThumbDriver.h"
 
 int main(int argc, char *argv[])
 {
+    UTstartProgram();
     return runThumbDriver(argc, argv);
 }

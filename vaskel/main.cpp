@@ -1,17 +1,22 @@
 // vaskel: draws the scene of a file or of standard input.
+#include "UT/UT_Process.h"
+#include "vaskel/file/vk_Picture.h"
+#include "vaskel/file/vk_SafeFile.h"
+#include "vaskel/params/vk_Nearest.h"
+#include "vaskel/scene/vk_SceneReader.h"
+#include "vaskel/scene/vk_ShaderList.h"
 #include "vaskel/vk_Options.h"
-#include "vaskel/vk_Picture.h"
-#include "vaskel/vk_SafeFile.h"
-#include "vaskel/vk_SceneReader.h"
-#include "vaskel/vk_ShaderList.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <new>
 
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace
@@ -19,34 +24,55 @@ namespace
 constexpr int FAILURE = 1;
 constexpr int BAD_COMMAND = 2;
 
+// Whom a message is about: us, or the picture once it is known. Signal handlers read it.
+std::atomic<const char *> theSubject = "vaskel";
+
+void setSubject(const std::string &picture)
+{
+    static std::string name;
+    name = picture;
+    UTmakePrintable(name.data(), name.size());
+    theSubject = name.c_str();
+}
+
 int fail(const std::string &message)
 {
-    std::fprintf(stderr, "vaskel: error: %s\n", message.c_str());
+    std::fprintf(stderr, "%s: error: %s\n", theSubject.load(), message.c_str());
     return FAILURE;
 }
 
-// Takes no memory. Of several threads the first one speaks.
-template <std::size_t SIZE>
-[[noreturn]] void die(const char (&message)[SIZE])
+// For signal handlers, and where there is no memory.
+[[noreturn]] void die(const char *message)
 {
-    static std::atomic_flag isDying = ATOMIC_FLAG_INIT;
-    while (isDying.test_and_set())
-        pause();
-    vk_SafeFile::abandon();
-    static_cast<void>(!write(STDERR_FILENO, message, SIZE - 1));
+    for (const char *text : {theSubject.load(), ": error: ", message})
+        static_cast<void>(!write(STDERR_FILENO, text, std::strlen(text)));
     _exit(FAILURE);
-}
-
-// What operator new calls.
-[[noreturn]] void dieWithoutMemory()
-{
-    die("vaskel: error: out of memory\n");
 }
 
 // What is called when TBB throws because the system has no further thread for it.
 [[noreturn]] void dieWithoutThreads()
 {
-    die("vaskel: error: cannot start threads (out of memory? see VELDRIN_MAXTHREADS)\n");
+    die("cannot start threads (out of memory? see VELDRIN_MAXTHREADS)\n");
+}
+
+extern "C" void giveUp(int)
+{
+    die("not finished within the limit (--limit, VELDRIN_VASKEL_OPTIONS)\n");
+}
+
+// Somebody else's scene gets a limit in any case: what its samples cost is not known
+// before.
+void setTimer(const vk_Options &options)
+{
+    const bool isStrange = options.limit < 0 && options.scene == "-";
+    const float seconds = isStrange ? vk_Options::INPUT_LIMIT : options.limit;
+    if (seconds <= 0)
+        return;
+    std::signal(SIGALRM, giveUp);
+    itimerval timer = {};
+    timer.it_value.tv_sec = static_cast<time_t>(seconds);
+    timer.it_value.tv_usec = std::max(1L, std::lround(std::fmod(seconds, 1.f) * 999999));
+    setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
 // Prints to standard output; a full device or a closed pipe is a failure.
@@ -74,36 +100,60 @@ vk_RenderSettings settingsOf(const vk_Options &options, vk_Stats &stats)
     return settings;
 }
 
+// What the command line says wins over the scene, and counts before the limits do.
+void applyOptions(const vk_Options &options, vk_Scene &scene)
+{
+    if (!options.output.empty())
+        scene.picture = options.output;
+    else if (!options.format.empty())
+        scene.picture.replace(scene.picture.rfind('.') + 1, std::string::npos, options.format);
+    if (options.size == 0)
+        return;
+    const int longer = std::max(scene.width, scene.height);
+    scene.width = std::max(1, scene.width * options.size / longer);
+    scene.height = std::max(1, scene.height * options.size / longer);
+}
+
 int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
 {
     // The place is tried before the work is done.
-    vk_SafeFile file;
+    vk_SafeFile file(scene.picture);
     vk_Film film;
     std::vector<std::uint8_t> bytes;
     std::string error;
-    if (!file.open(scene.picture))
+    const std::string encoded = options.format.empty() ? scene.picture : "x." + options.format;
+    if (!vk_isPictureName(encoded))
+        return fail("expected a name that ends in .jpg, .jpeg or .png");
+    if (!file.isWritable())
         return fail(file.error());
     if (!vk_render(scene, settingsOf(options, stats), film, error))
         return fail(error);
     const double start = vk_seconds();
-    if (!vk_encode(film, scene.picture, bytes, error))
+    if (!vk_encode(film, encoded, scene.comment, bytes, error))
         return fail(error);
-    if (!file.commit(bytes.data(), bytes.size()))
+    if (!file.write(bytes.data(), bytes.size()))
         return fail(file.error());
     stats.writing = vk_seconds() - start;
     return 0;
+}
+
+// A palette's author may ask for hours of somebody else's machine.
+bool isTooMuch(const vk_Scene &scene, const vk_Options &options)
+{
+    const bool isInput = options.scene == "-";
+    return isInput && options.limit < 0 && scene.work() > vk_Scene::MOST_WORK;
 }
 
 int readAndDraw(const vk_Options &options)
 {
     vk_Stats stats;
     const double start = vk_seconds();
-    const bool isInput = std::strcmp(options.scene, "-") == 0;
-    std::FILE *const file = isInput ? stdin : std::fopen(options.scene, "rb");
+    const bool isInput = options.scene == "-";
+    std::FILE *const file = isInput ? stdin : std::fopen(options.scene.c_str(), "rb");
     if (file == nullptr)
-        return fail(std::string("cannot open '") + options.scene + "': " + std::strerror(errno));
+        return fail("cannot open " + vk_quotedName(options.scene) + ": " + std::strerror(errno));
     vk_Scene scene;
-    vk_SceneReader reader(isInput ? "<stdin>" : options.scene, scene);
+    vk_SceneReader reader(isInput ? nullptr : options.scene.c_str(), scene);
     const bool good = reader.read(file);
     if (!isInput)
         std::fclose(file);
@@ -112,6 +162,13 @@ int readAndDraw(const vk_Options &options)
     stats.reading = vk_seconds() - start;
     if (!good)
         return FAILURE;
+    applyOptions(options, scene);
+    setSubject(scene.picture);
+    if (isTooMuch(scene, options))
+        return fail(
+            "width times height times samples expected at most " +
+            std::to_string(vk_Scene::MOST_WORK) +
+            " in a scene from standard input; --limit or VELDRIN_VASKEL_OPTIONS lifts that");
     const int status = draw(scene, options, stats);
     if (options.stats && status == 0)
         std::fputs(stats.text().c_str(), stderr);
@@ -121,7 +178,7 @@ int readAndDraw(const vk_Options &options)
 
 int main(int argc, char *argv[])
 {
-    std::set_new_handler(dieWithoutMemory);
+    UTstartProgram();
     std::set_terminate(dieWithoutThreads);
     vk_Options options;
     std::string error;
@@ -130,6 +187,7 @@ int main(int argc, char *argv[])
         std::fputs(vk_usage().c_str(), stderr);
         return BAD_COMMAND;
     }
+    setTimer(options);
     switch (options.action) {
     case VK_HELP:
         return print(vk_usage());

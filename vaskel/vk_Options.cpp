@@ -1,45 +1,82 @@
 #include "vaskel/vk_Options.h"
 
-#include "vaskel/vk_Nearest.h"
-#include "vaskel/vk_Params.h"
+#include "UT/UT_Environment.h"
+#include "vaskel/params/vk_Nearest.h"
+#include "vaskel/params/vk_Params.h"
+#include "vaskel/scene/vk_Line.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace
 {
-using Handler = bool (*)(vk_Options &, const char *value, std::string &error);
+using Handler = bool (*)(vk_Options &, const std::string &value, std::string &error);
+
+const char *const VARIABLE = "VELDRIN_VASKEL_OPTIONS";
 
 template <vk_Action Action>
-bool act(vk_Options &options, const char *, std::string &)
+bool act(vk_Options &options, const std::string &, std::string &)
 {
     options.action = Action;
     return true;
 }
 
-bool takeStats(vk_Options &options, const char *, std::string &)
+bool takeStats(vk_Options &options, const std::string &, std::string &)
 {
     options.stats = true;
     return true;
 }
 
-bool takeSamples(vk_Options &options, const char *value, std::string &error)
+bool takeCount(const std::string &value, const char *name, int most, int &count, std::string &error)
 {
-    float count = 0;
-    if (!vk_parseNumber(value, "--samples", 1, vk_Scene::MOST_SAMPLES, count, error))
+    float number = 0;
+    if (!vk_parseNumber(value, name, 1, static_cast<float>(most), number, error))
         return false;
-    options.samples = static_cast<int>(count);
-    if (static_cast<float>(options.samples) == count)
+    count = static_cast<int>(number);
+    if (static_cast<float>(count) == number)
         return true;
-    error = "--samples expected a whole number, found " + vk_quoted(value);
+    error = std::string(name) + " expected a whole number, found " + vk_quoted(value);
     return false;
 }
 
-bool takeQuality(vk_Options &options, const char *value, std::string &error)
+bool takeSamples(vk_Options &options, const std::string &value, std::string &error)
+{
+    return takeCount(value, "--samples", vk_Scene::MOST_SAMPLES, options.samples, error);
+}
+
+bool takeSize(vk_Options &options, const std::string &value, std::string &error)
+{
+    return takeCount(value, "--size", vk_Options::LARGEST_SIZE, options.size, error);
+}
+
+bool takeLimit(vk_Options &options, const std::string &value, std::string &error)
+{
+    return vk_parseNumber(value, "--limit", 0, vk_Options::LONGEST_LIMIT, options.limit, error);
+}
+
+bool takeOutput(vk_Options &options, const std::string &value, std::string &error)
+{
+    options.output = value;
+    if (!value.empty())
+        return true;
+    error = "-o expected a file's name, found nothing";
+    return false;
+}
+
+bool takeFormat(vk_Options &options, const std::string &value, std::string &error)
+{
+    options.format = value;
+    if (value == "jpg" || value == "png")
+        return true;
+    error = "--format expected jpg or png, found " + vk_quoted(value);
+    return false;
+}
+
+bool takeQuality(vk_Options &options, const std::string &value, std::string &error)
 {
     std::vector<std::string_view> known;
     for (const vk_Quality &quality : VK_QUALITIES) {
         known.push_back(quality.name);
-        if (std::strcmp(value, quality.name) != 0)
+        if (value != quality.name)
             continue;
         options.quality = &quality;
         return true;
@@ -51,60 +88,89 @@ bool takeQuality(vk_Options &options, const char *value, std::string &error)
 
 struct Option {
     const char *name;
+    const char *other; // name; null: none
     const char *value; // what stands behind it; null: nothing
     Handler handler;
     const char *what;
 };
 constexpr Option OPTIONS[] = {
-    {"--samples", "N", takeSamples, "samples for every pixel, quiet or not"},
-    {"--quality", "Q", takeQuality, "draft, default or final"},
-    {"--stats", nullptr, takeStats, "tell on standard error what the picture took"},
-    {"--list-shaders", nullptr, act<VK_LIST_SHADERS>, "print the shaders with their parameters"},
-    {"--help", nullptr, act<VK_HELP>, "print this text and end"},
-    {"--version", nullptr, act<VK_VERSION>, "print the version and end"},
+    {"-o", nullptr, "FILE", takeOutput, "write this picture, whatever the scene says"},
+    {"--size", nullptr, "N", takeSize, "pixels of the longer side, whatever the scene says"},
+    {"--format", nullptr, "F", takeFormat, "jpg or png, whatever the file's suffix says"},
+    {"--quality", nullptr, "Q", takeQuality, "draft, default or final"},
+    {"--samples", nullptr, "N", takeSamples, "samples for every pixel, quiet or not"},
+    {"--limit", nullptr, "SECONDS", takeLimit,
+     "give up after so long; 0: never, however much is asked for"},
+    {"--stats", nullptr, nullptr, takeStats, "tell on standard error what the picture took"},
+    {"--list-shaders", nullptr, nullptr, act<VK_LIST_SHADERS>,
+     "print the shaders with their parameters"},
+    {"--help", "-h", nullptr, act<VK_HELP>, "print this text and end"},
+    {"--version", nullptr, nullptr, act<VK_VERSION>, "print the version and end"},
 };
 
-const Option *find(const char *word)
+const Option *find(const std::string &word)
 {
     for (const Option &option : OPTIONS)
-        if (std::strcmp(word, option.name) == 0)
+        if (word == option.name || (option.other != nullptr && word == option.other))
             return &option;
     return nullptr;
 }
 
 // Takes the option at `at`, and its value.
-bool takeOption(int argc, const char *const argv[], int &at, vk_Options &options,
-                std::string &error)
+bool takeOption(const vk_Words &words, std::size_t &at, vk_Options &options, std::string &error)
 {
-    const Option *const option = find(argv[at]);
+    const Option *const option = find(words[at]);
     if (option == nullptr) {
-        error = "unknown option " + vk_quoted(argv[at]);
+        error = "unknown option " + vk_quoted(words[at]);
         return false;
     }
     if (option->value == nullptr)
-        return option->handler(options, nullptr, error);
-    if (++at < argc)
-        return option->handler(options, argv[at], error);
+        return option->handler(options, "", error);
+    if (++at < words.size())
+        return option->handler(options, words[at], error);
     error = std::string(option->name) + " expected a value behind it";
     return false;
+}
+
+bool isOption(const std::string &word)
+{
+    return word.size() > 1 && word[0] == '-';
+}
+
+// Only options: the scene is the caller's.
+bool takeEnvironment(vk_Options &options, std::string &error)
+{
+    const char *const text = UTgetenv(VARIABLE);
+    vk_Words words;
+    bool good = text == nullptr || vk_splitLine(text, words, error);
+    for (std::size_t i = 0; good && i < words.size(); ++i) {
+        good = isOption(words[i]) && takeOption(words, i, options, error);
+        if (!good && error.empty())
+            error = "expected options, found " + vk_quoted(words[i]);
+    }
+    if (!good)
+        error = std::string(VARIABLE) + ": " + error;
+    return good;
 }
 } // namespace
 
 bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, std::string &error)
 {
+    const vk_Words words(argv + std::min(argc, 1), argv + argc);
     int scenes = 0;
     bool inOptions = true;
     std::string first; // complaint
-    for (int i = 1; i < argc; ++i) {
+    static_cast<void>(takeEnvironment(options, first));
+    for (std::size_t i = 0; i < words.size(); ++i) {
         std::string wrong;
-        if (inOptions && std::strcmp(argv[i], "--") == 0)
+        if (inOptions && words[i] == "--")
             inOptions = false;
-        else if (inOptions && argv[i][0] == '-' && argv[i][1] != '\0')
-            static_cast<void>(takeOption(argc, argv, i, options, wrong));
+        else if (inOptions && isOption(words[i]))
+            static_cast<void>(takeOption(words, i, options, wrong));
         else if (++scenes == 1)
-            options.scene = argv[i];
+            options.scene = words[i];
         else
-            wrong = "expected one scene, found " + vk_quoted(argv[i]) + " too";
+            wrong = "expected one scene, found " + vk_quoted(words[i]) + " too";
         if (first.empty())
             first = wrong;
     }
@@ -119,14 +185,24 @@ std::string vk_usage()
                        "or standard input when it is left out or '-'.\n"
                        "Options:\n";
     for (const Option &option : OPTIONS) {
-        std::string left = std::string("  ") + option.name;
+        std::string left = "  ";
+        if (option.other != nullptr)
+            left += std::string(option.other) + ", ";
+        left += option.name;
         if (option.value != nullptr)
             left += std::string(" ") + option.value;
         left.resize(20, ' ');
         text += left + option.what + "\n";
     }
-    return text + "Environment:\n"
-                  "  VELDRIN_MAXTHREADS  how many threads draw, 1 to 100;\n"
-                  "                      0 or -1: one for each processor\n"
-                  "The scene language is described in doc/scene.md.\n";
+    return text +
+           "Environment:\n"
+           "  VELDRIN_MAXTHREADS  how many threads draw, 1 to 100;\n"
+           "                      0 or -1: one for each processor\n"
+           "  VELDRIN_VASKEL_OPTIONS  options in front of those given\n"
+           "Of a scene from standard input, width times height times samples may be at\n"
+           "most " +
+           std::to_string(vk_Scene::MOST_WORK) +
+           " (2048 x 2048 pixels with 256 samples), and it has ten minutes; a limit that is\n"
+           "given takes the place of both.\n"
+           "The scene language is described in doc/scene.md.\n";
 }

@@ -1,10 +1,16 @@
-// vcpp: the preprocessor as a command. Text goes to standard output, diagnostics
-// to standard error.
+// vcpp: the preprocessor as a command. Text goes to standard output or to a file,
+// diagnostics to standard error.
 #include "CPP/CPP_Manager.h"
+#include "UT/UT_FileUtil.h"
+#include "UT/UT_Process.h"
+#include "UT/UT_SafeFile.h"
+#include "vcpp/vcpp_Dependencies.h"
+#include "vcpp/vcpp_Options.h"
 
+#include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -13,24 +19,6 @@
 namespace
 {
 enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
-
-const char USAGE[] = "Usage: vcpp [options] FILE\n"
-                     "Preprocesses FILE (\"-\": standard input) to standard output.\n"
-                     "Options:\n"
-                     "  -D name[=value]  Define a macro\n"
-                     "  -U name          Remove a macro\n"
-                     "  -I directory     Search include files there too\n"
-                     "  -P               Write no line markers\n"
-                     "  -C               Keep comments\n"
-                     "  -c               Take // and /* for text\n"
-                     "  -h               Take # behind a line's start for a comment\n"
-                     "  -H               Accept include lines without # and names without quotes\n"
-                     "  -r number        Nest macros at most this deep (128)\n"
-                     "  -x               Expand variables in include names (always done)\n"
-                     "  -n               No effect\n"
-                     "  --help           Print this text\n"
-                     "  --version        Print the version\n"
-                     "Status: 0; 1 after an error in the text or in writing; 2 for bad usage.\n";
 
 enum Kind { TEXT, WARNING, ERROR };
 
@@ -45,8 +33,10 @@ Kind kindOf(std::string_view text)
 }
 
 // Behind the text in front of it, where both go to one place.
-void printDiagnostic(const std::string &line)
+void printDiagnostic(std::string line)
 {
+    const size_t length = line.find_last_not_of('\n') + 1;
+    UTmakePrintable(line.data(), length);
     std::fflush(stdout);
     std::fprintf(stderr, "%s%s", line.c_str(), line.back() == '\n' ? "" : "\n");
 }
@@ -57,7 +47,6 @@ int reportError(const char *what)
     return FAILED;
 }
 
-const char CANNOT_READ[] = "vcpp: cannot read the standard input";
 const char CANNOT_WRITE[] = "vcpp: cannot write the output";
 
 // `status`, unless what was printed does not get out.
@@ -66,13 +55,8 @@ int finishOutput(int status)
     return std::fflush(stdout) == 0 ? status : reportError(CANNOT_WRITE);
 }
 
-int print(const char *text)
-{
-    std::fputs(text, stdout);
-    return finishOutput(OK);
-}
-
-int preprocess(CPP_Manager &manager)
+// Passes the text of what is open on to `out`; drops it without one.
+int preprocess(CPP_Manager &manager, FILE *out)
 {
     const char *start;
     int count;
@@ -83,66 +67,202 @@ int preprocess(CPP_Manager &manager)
         status = kind == ERROR ? FAILED : status;
         if (kind != TEXT)
             printDiagnostic(std::string(text));
-        else if (fwrite_unlocked(text.data(), 1, text.size(), stdout) != text.size())
+        else if (out != nullptr && fwrite_unlocked(text.data(), 1, text.size(), out) != text.size())
             return reportError(CANNOT_WRITE);
     }
-    if (std::ferror(stdin) != 0)
-        status = reportError(CANNOT_READ);
-    return finishOutput(status);
+    return status;
 }
+
+// ---- Input -----------------------------------------------------------------
 
 // Between quotes or angle brackets a name is taken as it is, blanks and all.
-bool open(CPP_Manager &manager, const std::string &file)
+std::string quoted(const std::string &file)
 {
-    if (file.empty())
-        return false;
+    const bool hasQuote = file.find('"') != std::string::npos;
+    return hasQuote ? "<" + file + ">" : "\"" + file + "\"";
+}
+
+bool openInput(CPP_Manager &manager, const std::string &file)
+{
     if (file == "-" || file == "stdin")
         return manager.openFile("stdin", false);
-    const bool hasQuote = file.find('"') != std::string::npos;
-    const std::string name = hasQuote ? "<" + file + ">" : "\"" + file + "\"";
-    return manager.openFile(name.c_str(), false);
+    return !file.empty() && manager.openFile(quoted(file).c_str(), false);
 }
 
-// --help and --version win over all other options. -1 when there is neither.
-int printInformation(int argc, char *argv[])
+// From where the command was started, or else along the search path.
+bool openInclude(CPP_Manager &manager, const std::string &file)
 {
-    for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0)
-            return print(USAGE);
-        if (std::strcmp(argv[i], "--version") == 0)
-            return print(("vcpp " + std::string(CPP_Manager::VERSION) + "\n").c_str());
-    }
-    return -1;
+    return !file.empty() && manager.openFile(quoted(file).c_str(), !UTisReadable(file.c_str()));
 }
 
-int badUsage(const char *what)
+int badUsage(std::string what)
 {
-    std::fprintf(stderr, "vcpp: %s (vcpp --help tells more)\n", what);
+    UTmakePrintable(what.data(), what.size());
+    std::fprintf(stderr, "vcpp: %s\n", what.c_str());
     return BAD_USAGE;
+}
+
+using Open = bool (*)(CPP_Manager &, const std::string &file);
+
+int preprocessFile(CPP_Manager &manager, Open open, const std::string &file, FILE *out)
+{
+    return open(manager, file) ? preprocess(manager, out) : badUsage("cannot open '" + file + "'");
+}
+
+int preprocessAll(CPP_Manager &manager, const vcpp_Options &options, FILE *out)
+{
+    int status = OK;
+    for (const std::string &file : options.includes)
+        status = std::max(status, preprocessFile(manager, openInclude, file, out));
+    if (status == BAD_USAGE)
+        return status;
+    const std::string file = options.files.empty() ? "-" : options.files[0];
+    return std::max(status, preprocessFile(manager, openInput, file, out));
+}
+
+// ---- Output ----------------------------------------------------------------
+
+// The file beside the output, for a signal's handler.
+std::atomic<const char *> theTemporary = nullptr;
+
+extern "C" void removeTemporary(int number)
+{
+    if (const char *name = theTemporary.load())
+        unlink(name);
+    std::signal(number, SIG_DFL);
+    raise(number);
+}
+
+void removeTemporaryOnSignals()
+{
+    for (const int number : {SIGHUP, SIGINT, SIGTERM})
+        if (std::signal(number, removeTemporary) == SIG_IGN)
+            std::signal(number, SIG_IGN);
+}
+
+int reportError(const std::string &file)
+{
+    return reportError(file.empty() ? CANNOT_WRITE : ("vcpp: cannot write '" + file + "'").c_str());
+}
+
+// Fills a file, or standard output where the name is empty. `fill(FILE *)` gives a status;
+// unless that is OK, the file stays as it was.
+template <class Fill>
+int write(const std::string &file, Fill fill)
+{
+    // The C library heeds a size only together with a buffer. This one fills a pipe, so
+    // that its reader is woken seldom.
+    static char buffer[65536];
+    if (file.empty() || file == "-" || file == "/dev/stdout") {
+        if (isatty(STDOUT_FILENO) == 0)
+            std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+        return finishOutput(fill(stdout));
+    }
+    UT_SafeFile target(file);
+    FILE *out = target.open();
+    if (out == nullptr)
+        return reportError(file);
+    theTemporary = target.temporary().empty() ? nullptr : target.temporary().c_str();
+    const int status = fill(out);
+    const bool isGood = status != OK || target.commit();
+    theTemporary = nullptr;
+    return isGood ? status : reportError(file);
+}
+
+int writeText(const std::string &file, const std::string &text)
+{
+    return write(file, [&text](FILE *out) {
+        std::fputs(text.c_str(), out);
+        return OK;
+    });
+}
+
+std::string macrosOf(CPP_Manager &manager)
+{
+    UT_StringList lines;
+    manager.listMacros(lines);
+    std::string all;
+    for (int i = 0; i < lines.entries(); ++i)
+        (all += lines(i)) += '\n';
+    return all;
+}
+
+// Whether the file lies in a folder that every manager searches.
+bool isOfSystem(const std::string &file)
+{
+    const UT_StringList &folders = UT_PathSearch::getInstance(UT_VELDRIN_PATH).getDirs();
+    for (int i = 0; i < folders.entries(); ++i) {
+        const std::string folder = std::string(folders(i)) + "/";
+        if (file.compare(0, folder.size(), folder) == 0)
+            return true;
+    }
+    return false;
+}
+
+// The file itself, then those that it or an option included.
+std::vector<std::string> filesRead(const CPP_Manager &manager, const vcpp_Options &options)
+{
+    std::vector<std::string> files;
+    const std::string first = options.files.empty() ? "" : options.files[0];
+    const UT_StringList &opened = manager.getOpenedFiles();
+    for (int i = 0; i < opened.entries(); ++i) {
+        const std::string file = opened(i).text();
+        if (file == first)
+            files.insert(files.begin(), file);
+        else if (!options.omitsSystem || !isOfSystem(file))
+            files.push_back(file);
+    }
+    return files;
+}
+
+std::string ruleOf(const CPP_Manager &manager, const vcpp_Options &options)
+{
+    return vcpp_makeRule(options, filesRead(manager, options));
+}
+
+// ---- Run -------------------------------------------------------------------
+
+int print(CPP_Manager &manager, const vcpp_Options &options)
+{
+    if (options.print == vcpp_Options::TEXT)
+        return write(options.output,
+                     [&](FILE *out) { return preprocessAll(manager, options, out); });
+    const int status = preprocessAll(manager, options, nullptr);
+    if (status != OK)
+        return status;
+    if (options.print == vcpp_Options::MACROS)
+        return writeText(options.output, macrosOf(manager));
+    const std::string &file = options.ruleFile.empty() ? options.output : options.ruleFile;
+    return writeText(file, ruleOf(manager, options));
+}
+
+int run(const vcpp_Options &options)
+{
+    CPP_Manager manager;
+    std::vector<char *> words = {const_cast<char *>("vcpp")};
+    for (const std::string &word : options.forManager)
+        words.push_back(const_cast<char *>(word.c_str()));
+    if (manager.parseOptions(static_cast<int>(words.size()), words.data()) == 0)
+        return badUsage("bad option");
+    const int status = print(manager, options);
+    if (status != OK || !options.hasRule || options.print == vcpp_Options::RULE)
+        return status;
+    return writeText(vcpp_ruleFile(options), ruleOf(manager, options));
 }
 } // namespace
 
 int main(int argc, char *argv[])
 {
+    UTstartProgram();
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a write error like others
-    if (const int status = printInformation(argc, argv); status >= 0)
-        return status;
-    CPP_Manager manager;
-    const int operand = manager.parseOptions(argc, argv);
-    if (operand == 0)
-        return badUsage("bad option");
-    if (operand == argc)
-        return badUsage("no file");
-    if (operand + 1 < argc)
-        return badUsage("more than one file");
-    if (!open(manager, argv[operand])) {
-        std::fprintf(stderr, "vcpp: cannot open '%s'\n", argv[operand]);
-        return BAD_USAGE;
-    }
-    // The C library heeds a size only together with a buffer. This one fills a pipe, so
-    // that its reader is woken seldom.
-    static char buffer[65536];
-    if (isatty(STDOUT_FILENO) == 0)
-        std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
-    return preprocess(manager);
+    removeTemporaryOnSignals();
+    vcpp_Options options;
+    std::string error;
+    if (!vcpp_parseOptions(argc, argv, options, error))
+        return badUsage(error + " (vcpp --help tells more)");
+    if (options.action == vcpp_Options::HELP)
+        return writeText("", vcpp_usage());
+    if (options.action == vcpp_Options::VERSION)
+        return writeText("", "vcpp " + std::string(CPP_Manager::VERSION) + "\n");
+    return run(options);
 }

@@ -1,5 +1,5 @@
 // Any scene is read or refused with messages that name their line.
-#include "vaskel/vk_SceneReader.h"
+#include "vaskel/scene/vk_SceneReader.h"
 
 #include "fuzz/fuzz.h"
 

@@ -10,6 +10,7 @@
 #include "tests/support/preprocessed.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace
 {
@@ -31,6 +32,14 @@ protected:
         const PlainMacros::Macro *plain = myPlain.find(name);
         ASSERT_EQ(plain != nullptr, macro != nullptr) << name;
         EXPECT_TRUE(!plain || (plain->body == macro->myBody && plain->numArgs == macro->myNumArgs));
+    }
+
+    // A macro is what its written definition makes, too.
+    void expectSameFromDefinition(const char *name) const
+    {
+        const std::string text = myManager.findMacro(name)->toDefinition();
+        const std::unique_ptr<cpp_Macro> again(cpp_Macro::parse(text.c_str() + 8, false));
+        EXPECT_TRUE(again->myName == name && again->isSameAs(*myManager.findMacro(name))) << text;
     }
 
     void expectSameExpansion(const std::string &text, const std::string &further, int limit = 4)
@@ -70,16 +79,19 @@ TEST_F(BothMacros, ReadAllShortDefinitions)
             SCOPED_TRACE("F" + text);
             define("F" + text, commandLineForm);
             expectSameMacro("F");
+            if (text.find('\n') == text.npos)
+                expectSameFromDefinition("F");
         }
     });
 }
 
 TEST_F(BothMacros, CompileAllShortBodies)
 {
-    forEachString("ab#\"\\1 ", 5, [this](const std::string &body) {
+    forEachString("ab#\"\\01 ", 5, [this](const std::string &body) {
         define("F(a,b1)" + body);
         SCOPED_TRACE(body);
         expectSameMacro("F");
+        expectSameFromDefinition("F");
         expectSameExpansion("F(x,\"y\")", "");
     });
 }

@@ -2,7 +2,7 @@
 #include "tests/support/Cases.h"
 #include "tests/support/ProgramRun.h"
 #include "tests/support/ScratchDirectory.h"
-#include "vaskel/vk_SafeFile.h"
+#include "vaskel/file/vk_SafeFile.h"
 
 #include <gmock/gmock.h>
 
@@ -29,7 +29,7 @@ int entries(const std::string &folder)
 struct SceneFolder : ScratchDirectory {
     explicit SceneFolder(const std::string &more = "")
     {
-        write("s", "picture p.jpg\ncamera\nsize 16 16\nsamples 4\n" + more + "sphere\n");
+        write("s", "picture p.jpg\ncamera\nsize 16 16\nsamples 4\n" + more + "sphere\nend\n");
         write("p.jpg", "before");
         makeDirectory("folder.jpg");
     }
@@ -73,7 +73,7 @@ TEST(Vaskel, WritesThePictureByItsSuffix)
 
 TEST(Vaskel, SignalsEndItWithoutLeavingAFile)
 {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+    for (const int number : {SIGINT, SIGTERM, SIGUSR1, SIGALRM}) {
         const SceneFolder folder("samples 65536\nsize 4096 4096\nlight v_area\n");
         const pid_t child = fork();
         if (child == 0) {
@@ -82,8 +82,9 @@ TEST(Vaskel, SignalsEndItWithoutLeavingAFile)
                 execl(BIN_DIR "/vaskel", "vaskel", "s", nullptr);
             _exit(127);
         }
-        // The temporary file appears, and the process is then in the middle.
-        while (entries(folder.path()) < 4 && waitpid(child, nullptr, WNOHANG) == 0)
+        // More than one thread: the process is in the middle of its drawing.
+        const std::string tasks = "/proc/" + std::to_string(child) + "/task";
+        while (fs::exists(tasks) && entries(tasks) < 2 && waitpid(child, nullptr, WNOHANG) == 0)
             std::this_thread::yield();
         kill(child, number);
         int status = 0;
@@ -93,18 +94,51 @@ TEST(Vaskel, SignalsEndItWithoutLeavingAFile)
     }
 }
 
-TEST(SafeFile, ReplacesWhatALinkPointsToAndKeepsPermissions)
+namespace
+{
+// What becomes of p.jpg: its permissions, or what error() says, after `command` laid the
+// old one out.
+std::string written(const std::string &command)
 {
     const ScratchDirectory folder;
-    const std::string target = folder.write("real/p.jpg", "before");
-    chmod(target.c_str(), 0640);
-    fs::create_symlink(target, folder.path("link.jpg"));
-    vk_SafeFile file;
-    ASSERT_TRUE(file.open(folder.path("link.jpg")));
-    EXPECT_EQ("before", fileContents(target));
-    ASSERT_TRUE(file.commit("after", 5));
-    EXPECT_EQ("after", fileContents(target));
-    EXPECT_TRUE(fs::is_symlink(folder.path("link.jpg")));
-    EXPECT_EQ(0640u, static_cast<unsigned>(fs::status(target).permissions()));
-    EXPECT_EQ(1, entries(folder.path("real")));
+    folder.write("other", "other");
+    runLine("umask 022; " + command, {"PATH=/usr/bin:/bin"}, folder.path());
+    vk_SafeFile file(folder.path("p.jpg"));
+    const bool good = file.isWritable() && file.write("after", 5);
+    EXPECT_EQ("other", fileContents(folder.path("other")));
+    if (!good)
+        return file.error();
+    EXPECT_EQ("after", fileContents(folder.path("p.jpg")));
+    struct stat info = {};
+    lstat(folder.path("p.jpg").c_str(), &info);
+    char octal[16];
+    std::snprintf(octal, sizeof octal, "%o", info.st_mode);
+    return octal;
+}
+} // namespace
+
+TEST(SafeFile, ReplacesFilesAndLinksByTheirRules)
+{
+    const mode_t mask = umask(022);
+    const struct {
+        const char *what, *before, *after;
+    } cases[] = {
+        {"nothing there", "true", "100644"},
+        {"permissions stay", "echo >p.jpg; chmod 640 p.jpg", "100640"},
+        {"but no more than those", "echo >p.jpg; chmod 6777 p.jpg", "100777"},
+        {"a link goes, its target stays", "ln -s other p.jpg", "100644"},
+        {"a dangling link too", "ln -s none p.jpg", "100644"},
+        {"a link to itself too", "ln -s p.jpg p.jpg", "100644"},
+        {"a folder stays", "mkdir p.jpg", "cannot replace what is there: not a regular file"},
+        {"a pipe stays", "mkfifo p.jpg", "cannot replace what is there: not a regular file"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(c.after, written(c.before));
+    }
+    if (geteuid() == 0) { // others' files are laid out by root only
+        EXPECT_EQ("100644", written("echo >p.jpg; chmod 6777 p.jpg; chown 65534 p.jpg"));
+        EXPECT_EQ("100644", written("echo >p.jpg; chgrp 65534 p.jpg; chmod 664 p.jpg"));
+    }
+    umask(mask);
 }

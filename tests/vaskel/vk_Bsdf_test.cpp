@@ -1,8 +1,8 @@
-#include "vaskel/vk_Bsdf.h"
+#include "vaskel/scatter/vk_Bsdf.h"
 
-#include "vaskel/vk_Sampler.h"
-#include "vaskel/vk_Subsurface.h"
-#include "vaskel/vk_SurfaceShaders.h"
+#include "vaskel/base/vk_Sampler.h"
+#include "vaskel/shaders/vk_SurfaceShaders.h"
+#include "vaskel/trace/vk_Subsurface.h"
 
 #include <gtest/gtest.h>
 
@@ -29,26 +29,31 @@ struct Case {
     }
 };
 
-// Every surface shader as white and as rough as can be, up to a roughness.
+// A shader as white and as rough as can be, up to a roughness.
+vk_Material whiteMaterial(const vk_ShaderRow<vk_SurfaceShader> &row, float rough)
+{
+    const auto shader = row.make();
+    for (vk_Param &param : shader->params())
+        if (param.kind == VK_COLOUR)
+            param.set(vk_grey(1));
+        else if (std::string(param.name) == "rough")
+            param.set({rough, 0, 0});
+    return shader->shade(vk_SurfacePoint());
+}
+
+// All surface shaders, of all tables.
 std::vector<Case> materials()
 {
     std::vector<Case> all;
-    for (const auto &row : VK_SURFACE_SHADERS)
-        for (const float rough : {0.0f, .3f, 1.0f})
-            for (const bool inside : {false, true}) {
-                vk_Values values(row.params);
-                for (std::size_t i = 0; i < row.params.count; ++i) {
-                    const vk_Param &param = row.params.rows[i];
-                    if (param.kind == VK_COLOUR)
-                        values.set(i, vk_grey(1));
-                    else if (std::string(param.name) == "rough")
-                        values.set(i, vk_grey(rough));
+    for (const auto *table = &VK_SURFACE_SHADERS; table != nullptr; table = table->more)
+        for (const auto &row : *table)
+            for (const float rough : {0.0f, .3f, 1.0f})
+                for (const bool inside : {false, true}) {
+                    const vk_Material material = whiteMaterial(row, rough);
+                    if (material.reflects() && (material.isClear() || !inside))
+                        all.push_back({std::string(row.name) + " rough " + std::to_string(rough),
+                                       material, inside});
                 }
-                const vk_Material material = row.function(values, vk_SurfacePoint());
-                if (material.reflects() && (material.isClear() || !inside))
-                    all.push_back({std::string(row.name) + " rough " + std::to_string(rough),
-                                   material, inside});
-            }
     return all;
 }
 

@@ -1,6 +1,6 @@
 #include "tests/support/PlainText.h"
-#include "vaskel/vk_LightShaders.h"
-#include "vaskel/vk_Sampler.h"
+#include "vaskel/base/vk_Sampler.h"
+#include "vaskel/lights/vk_LightShaders.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,10 @@ namespace
 std::unique_ptr<vk_Light> makeLight(const std::string &line)
 {
     const vk_Words words = plainSplitWords("light " + line);
-    vk_Shader<vk_LightFunction> shader;
     std::string error;
-    EXPECT_TRUE(vk_parseShader(VK_LIGHT_SHADERS, words, shader, error)) << error;
-    return shader();
+    const auto shader = vk_parseShader(VK_LIGHT_SHADERS, words, error);
+    EXPECT_NE(nullptr, shader) << error;
+    return shader->make();
 }
 
 const char *const LIGHTS[] = {

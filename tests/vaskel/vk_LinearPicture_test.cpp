@@ -1,4 +1,4 @@
-#include "vaskel/vk_LinearPicture.h"
+#include "vaskel/pixels/vk_LinearPicture.h"
 
 #include <gtest/gtest.h>
 

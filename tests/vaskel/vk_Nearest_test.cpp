@@ -1,4 +1,4 @@
-#include "vaskel/vk_Nearest.h"
+#include "vaskel/params/vk_Nearest.h"
 
 #include "tests/support/Cases.h"
 

@@ -1,4 +1,4 @@
-#include "vaskel/vk_PatternShaders.h"
+#include "vaskel/shaders/vk_PatternShaders.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,7 @@ TEST(PatternShaders, MixTheirColoursAndStayInRangeWhereverAPointIs)
             for (int i = 0; i < 4000; ++i) {
                 const auto at = [i](int step) { return static_cast<float>(i * step % 997) / 997; };
                 const vk_Vec place = {at(31) - .5f, at(101) - .5f, at(7) - .5f};
-                const vk_Colour base =
-                    row.function(vk_Values(row.params), {place * spread, at(31), at(101)}).diffuse;
+                const vk_Colour base = row.make()->shade({place * spread, at(31), at(101)}).diffuse;
                 EXPECT_TRUE(vk_isFinite(base));
                 least = std::min({least, base.x, base.y, base.z});
                 most = std::max({most, base.x, base.y, base.z});

@@ -1,9 +1,9 @@
-#include "vaskel/vk_Renderer.h"
+#include "vaskel/pixels/vk_Renderer.h"
 
 #include "tests/support/Cases.h"
 #include "tests/support/ScopedVariable.h"
-#include "vaskel/vk_SceneReader.h"
-#include "vaskel/vk_Tracer.h"
+#include "vaskel/scene/vk_SceneReader.h"
+#include "vaskel/trace/vk_Tracer.h"
 
 namespace
 {
@@ -17,6 +17,7 @@ constexpr char STUDIO[] = "picture p.png\ncamera\nfloor v_checker\n"
 
 void readScene(std::string text, vk_Scene &scene)
 {
+    text += "\nend\n";
     std::FILE *const file = fmemopen(text.data(), text.size(), "r");
     vk_SceneReader reader("s", scene);
     EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
@@ -95,11 +96,12 @@ std::string lightOf(const std::string &lines, std::uint32_t rays)
     return world.error().empty() ? "finite" : world.error();
 }
 
-template <class Function>
-void expectFiniteAtEnds(const vk_ShaderTable<Function> &table)
+template <class Type>
+void expectFiniteAtEnds(const vk_ShaderTable<Type> &table)
 {
-    for (const auto &row : table)
-        for (const vk_Param &param : row.params)
+    for (const auto &row : table) {
+        const auto shader = row.make();
+        for (const vk_Param &param : shader->params())
             for (const float end : {param.least, param.most}) {
                 const std::string number = vk_numberText(end);
                 const std::string three = number + " " + number + " " + number;
@@ -108,6 +110,7 @@ void expectFiniteAtEnds(const vk_ShaderTable<Function> &table)
                                          (param.kind == VK_NUMBER ? number : three);
                 EXPECT_EQ("finite", lightOf(line + "\nsphere", 64)) << line;
             }
+    }
     if (table.more != nullptr)
         expectFiniteAtEnds(*table.more);
 }

@@ -1,8 +1,8 @@
-#include "vaskel/vk_SceneReader.h"
+#include "vaskel/scene/vk_SceneReader.h"
 
 #include "tests/support/Cases.h"
 #include "tests/support/ScratchDirectory.h"
-#include "vaskel/vk_ShaderList.h"
+#include "vaskel/scene/vk_ShaderList.h"
 
 #include <gmock/gmock.h>
 
@@ -29,9 +29,9 @@ static std::string told(std::string text)
     out << scene.picture << ' ' << scene.width << 'x' << scene.height << " exposure "
         << scene.exposure << ", lights " << scene.lights.size();
     for (const vk_ShapeEntry &shape : scene.shapes) {
-        const vk_Material material = shape.surface(vk_SurfacePoint{});
-        out << ", " << shape.surface.row->name << " rough " << material.rough << " diff "
-            << material.diffuse.y << " top " << shape.transform.point({0, 1, 0}).y;
+        const vk_Material material = shape.surface->shade(vk_SurfacePoint{});
+        out << ", rough " << material.rough << " diff " << material.diffuse.y << " top "
+            << shape.transform.point({0, 1, 0}).y;
     }
     return out.str();
 }
@@ -39,12 +39,29 @@ static std::string told(std::string text)
 TEST(SceneReader, TellsMistakesOrTheSceneByTheTable)
 {
     const auto behind = [](const std::string &head) {
-        return [head](const char *in) { return told(head + in + '\n'); };
+        return [head](const char *in) { return told(head + in + "\nend\n"); };
     };
     expectTable(TEST_DATA "/data/scenes", {{"scene", told},
                                            {"third line", behind("picture p.jpg\ncamera\n")},
                                            {"picture", behind("camera\n")}});
     EXPECT_EQ("s:1: error: expected text, found a zero byte\n", told({"cam\0era\n", 8}));
+}
+
+TEST(SceneReader, MessagesTakeThePicturesNameWhereTheSceneHasNone)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"bad\npicture a\x1b[2J.jpg\n", "a?[2J.jpg:1"},
+        {"picture evil.jpg\npicture good.jpg\n", "good.jpg:2"},
+        {"bad\n", "<stdin>:1"},
+    };
+    for (auto [text, start] : cases) {
+        vk_Scene scene;
+        vk_SceneReader reader(nullptr, scene);
+        std::FILE *const file = fmemopen(text.data(), text.size(), "r");
+        EXPECT_FALSE(reader.read(file));
+        std::fclose(file);
+        EXPECT_THAT(reader.messages().front(), testing::StartsWith(start + ": error: "));
+    }
 }
 
 TEST(SceneReader, TheManualHasEveryStatementAndShader)

@@ -1,15 +1,20 @@
-#include "vaskel/vk_Shapes.h"
+#include "vaskel/shapes/vk_Shapes.h"
 
 #include <gtest/gtest.h>
 
 namespace
 {
-vk_Mesh build(const char *word, const vk_DisplaceShader &displace, const vk_Transform &transform)
+vk_Mesh build(const char *word, const vk_DisplaceShader *displace = nullptr,
+              const vk_Transform &transform = {})
 {
-    const vk_ShapeRow *row = vk_findShape(word);
     vk_MeshBuilder builder(transform, displace);
-    row->build(vk_Values(row->params), builder);
+    vk_findShape(word)->make()->build(builder);
     return builder.take();
+}
+
+void setHeight(vk_DisplaceShader &shader, float height)
+{
+    shader.params().find("height")->set({height, 0, 0});
 }
 
 // The share of triangles whose normals point to the side that the vertices'
@@ -34,11 +39,10 @@ double agreement(const vk_Mesh &mesh)
 
 TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
 {
-    const vk_DisplaceShader bumps = {VK_DISPLACE_SHADERS.rows,
-                                     vk_Values(VK_DISPLACE_SHADERS.rows->params)};
+    const auto bumps = VK_DISPLACE_SHADERS.rows->make();
     for (const char *word : {"shaderball", "sphere", "grid", "tube", "teapot"}) {
         SCOPED_TRACE(word);
-        const vk_Mesh plain = build(word, {}, {});
+        const vk_Mesh plain = build(word);
         float lowest = 10, widest = 0;
         for (const vk_Vertex &vertex : plain.vertices) {
             lowest = std::min(lowest, vertex.position.y);
@@ -49,24 +53,23 @@ TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
         EXPECT_LT(widest, 1.5f);
         EXPECT_GT(widest, .7f);
         EXPECT_GT(agreement(plain), .995);
-        EXPECT_GT(agreement(build(word, bumps, {})), .94);
+        EXPECT_GT(agreement(build(word, bumps.get())), .94);
         // A mirroring transform turns the triangles round, not the outside.
-        EXPECT_LT(agreement(build(word, {}, vk_Transform::scaling({-1, 1, 1}))), .005);
+        EXPECT_LT(agreement(build(word, nullptr, vk_Transform::scaling({-1, 1, 1}))), .005);
     }
 }
 
 TEST(Shapes, DisplacementsMoveNoFartherThanTheirHeight)
 {
-    vk_DisplaceShader none = {VK_DISPLACE_SHADERS.rows,
-                              vk_Values(VK_DISPLACE_SHADERS.rows->params)};
-    none.values.set(0, {});
-    const vk_Mesh plain = build("sphere", none, {});
+    const auto none = VK_DISPLACE_SHADERS.rows->make();
+    setHeight(*none, 0);
+    const vk_Mesh plain = build("sphere", none.get());
     for (const auto &row : VK_DISPLACE_SHADERS)
-        for (const float height : {row.params.rows[0].standard.x, -.5f, .5f}) {
+        for (const float height : {.05f, -.5f, .5f}) {
             SCOPED_TRACE(row.name);
-            vk_DisplaceShader shader = {&row, vk_Values(row.params)};
-            shader.values.set(0, vk_grey(height));
-            const vk_Mesh moved = build("sphere", shader, {});
+            const auto shader = row.make();
+            setHeight(*shader, height);
+            const vk_Mesh moved = build("sphere", shader.get());
             float low = 9, high = -9;
             for (std::size_t i = 0; i < moved.vertices.size(); ++i) {
                 const vk_Vec way = moved.vertices[i].position - plain.vertices[i].position;
@@ -84,7 +87,7 @@ TEST(Shapes, NormalsPointOutwards)
 {
     // Of the teapot's vertices some look at its axis.
     for (const auto &[word, share] : {std::pair("sphere", 0.), {"tube", 0.}, {"teapot", .25}}) {
-        const vk_Mesh mesh = build(word, {}, {});
+        const vk_Mesh mesh = build(word);
         const auto inwards =
             std::count_if(mesh.vertices.begin(), mesh.vertices.end(), [](const vk_Vertex &vertex) {
                 return vk_dot(vertex.position - vk_Vec{0, 1, 0}, vertex.normal) <= 0;

@@ -1,4 +1,4 @@
-#include "vaskel/vk_Spreads.h"
+#include "vaskel/pixels/vk_Spreads.h"
 
 #include <gtest/gtest.h>
 

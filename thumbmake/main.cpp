@@ -1,0 +1,184 @@
+// thumbmake: keeps the pictures of a library of palettes up to date.
+#include "UT/UT_Environment.h"
+#include "UT/UT_Process.h"
+#include "thumbmake/tm_Cache.h"
+#include "thumbmake/tm_Farm.h"
+#include "thumbmake/tm_Job.h"
+#include "thumbmake/tm_Ninja.h"
+#include "thumbmake/tm_Options.h"
+#include "thumbmake/tm_Page.h"
+#include "thumbmake/tm_Text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+#include <thread>
+
+#include <unistd.h>
+
+namespace
+{
+enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
+
+int fail(const std::string &message, Status status = FAILED)
+{
+    std::fprintf(stderr, "thumbmake: error: %s\n", message.c_str());
+    return status;
+}
+
+int print(const std::string &text)
+{
+    const bool good = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+    return good ? OK : fail(std::string("cannot write: ") + std::strerror(errno));
+}
+
+// What is said goes to ninja behind tabs, which tells it from the rest of its lines.
+int runJob(const std::vector<std::string> &words)
+{
+    tm_Recipe recipe;
+    std::string text;
+    if (words.size() != 5 || !tm_readFile(words[0], text) || !tm_parseRecipe(text, recipe))
+        return fail("--job is for ninja");
+    const tm_Item item = {words[4], words[1], words[3], words[2]};
+    const tm_Result result = tm_makePicture(item, recipe, words[0]);
+    for (const std::string &line : tm_split(result.said, '\n'))
+        if (!line.empty())
+            std::printf("\t%s: %s\n", item.name.c_str(), line.c_str());
+    return result.isGood ? OK : FAILED;
+}
+
+// Many pictures keep all processors busy by themselves.
+void shareProcessors(const tm_Options &options, size_t pictures)
+{
+    const auto jobs =
+        options.jobs > 0 ? static_cast<size_t>(options.jobs) : std::thread::hardware_concurrency();
+    if (pictures >= jobs)
+        setenv("VELDRIN_MAXTHREADS", "1", 0);
+}
+
+class Make
+{
+public:
+    explicit Make(const tm_Options &options) : myOptions(options) {}
+
+    int run()
+    {
+        if (!myCache.open())
+            return fail(myCache.error());
+        myLibrary = tm_findPalettes(myOptions, myCache.folder());
+        for (const std::string &problem : myLibrary.problems)
+            std::fprintf(stderr, "%s\n", problem.c_str());
+        const std::string recipe = tm_recipeText(tm_makeRecipe(myOptions));
+        myRecipeFile = myCache.folder() + "/recipes/" + tm_hex(tm_hash(recipe));
+        if (!tm_writeFile(myRecipeFile, recipe) ||
+            !tm_writeGraph(myCache.folder(), myRecipeFile, myLibrary, myOptions))
+            return fail("cannot write to " + myCache.folder() + ": " + std::strerror(errno));
+        shareProcessors(myOptions, myLibrary.items.size());
+        const int status = myOptions.isDryRun         ? ask()
+                           : myOptions.submit.empty() ? make()
+                                                      : submit();
+        return std::max(status, writePage());
+    }
+
+private:
+    bool hasProblems() const { return !myLibrary.problems.empty(); }
+
+    int ask()
+    {
+        std::vector<std::string> names;
+        const tm_Outcome outcome = tm_askNinja(myCache.folder(), names);
+        if (!outcome.error.empty())
+            return fail("ninja: " + outcome.error);
+        for (const std::string &name : names)
+            std::printf("%s\n", name.c_str());
+        const auto all = static_cast<long>(myLibrary.items.size());
+        const auto count = static_cast<long>(names.size());
+        const int status =
+            print(tm_grouped(count) + " to make, " + tm_grouped(all - count) + " up to date\n");
+        return hasProblems() ? FAILED : status;
+    }
+
+    int make()
+    {
+        const tm_Outcome outcome = tm_runNinja(myCache.folder(), myOptions);
+        if (!outcome.error.empty())
+            return fail("ninja: " + outcome.error);
+        const auto failed = static_cast<long>(outcome.failures.size() + myLibrary.problems.size());
+        if (myOptions.deletesOnError)
+            deletePictures();
+        const long rest = static_cast<long>(myLibrary.items.size()) - outcome.made -
+                          static_cast<long>(outcome.failures.size());
+        const bool isWhole = !outcome.wasInterrupted && myOptions.failures == 0;
+        if (!myOptions.isQuiet)
+            std::printf("%s made, %s failed, %s %s\n", tm_grouped(outcome.made).c_str(),
+                        tm_grouped(failed).c_str(), tm_grouped(rest).c_str(),
+                        isWhole ? "up to date" : "up to date or not begun");
+        return failed > 0 || outcome.wasInterrupted ? FAILED : OK;
+    }
+
+    void deletePictures() const
+    {
+        for (const tm_Item &item : myLibrary.items)
+            if (!tm_failure(item).empty())
+                unlink(item.picture.c_str());
+    }
+
+    int submit()
+    {
+        std::vector<std::string> names;
+        const tm_Outcome outcome = tm_askNinja(myCache.folder(), names);
+        if (!outcome.error.empty())
+            return fail("ninja: " + outcome.error);
+        const std::set<std::string> wanted(names.begin(), names.end());
+        std::vector<tm_Item> items;
+        for (const tm_Item &item : myLibrary.items)
+            if (wanted.count(item.name) != 0)
+                items.push_back(item);
+        std::string list;
+        if (!tm_writeList(myCache.folder(), myRecipeFile, items, list))
+            return fail("cannot write " + list + ": " + std::strerror(errno));
+        const int status = items.empty() ? OK : tm_submit(myOptions, list, items.size());
+        if (status == OK && myOptions.waits)
+            return make();
+        return hasProblems() ? FAILED : status;
+    }
+
+    int writePage()
+    {
+        if (myOptions.page.empty())
+            return OK;
+        std::vector<tm_PageEntry> entries;
+        for (const tm_Item &item : myLibrary.items)
+            entries.push_back({item.palette, item.picture, tm_failure(item)});
+        std::string error;
+        return tm_writePage(myOptions.page, entries, error) ? OK : fail(error);
+    }
+
+    const tm_Options &myOptions;
+    tm_Cache myCache;
+    tm_Library myLibrary;
+    std::string myRecipeFile;
+};
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    UTstartProgram();
+    const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    if (!words.empty() && words[0] == "--job")
+        return runJob({words.begin() + 1, words.end()});
+    tm_Options options;
+    std::string error;
+    if (!tm_parseOptions(words, options, error)) {
+        UTmakePrintable(error.data(), error.size());
+        return fail(error + " (thumbmake --help tells more)", BAD_USAGE);
+    }
+    if (options.wantsHelp)
+        return print(tm_usage());
+    if (options.wantsVersion)
+        return print("thumbmake 1.0\n");
+    return options.chunk > 0 ? tm_makeChunk(options) : Make(options).run();
+}

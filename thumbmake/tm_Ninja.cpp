@@ -1,0 +1,243 @@
+#include "thumbmake/tm_Ninja.h"
+
+#include "thumbmake/tm_Options.h"
+#include "thumbmake/tm_Progress.h"
+#include "thumbmake/tm_Recipe.h"
+#include "thumbmake/tm_Text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+const char *const MANIFEST = "/build.ninja";
+
+std::string rule(const std::string &recipeFile)
+{
+    return "ninja_required_version = 1.8\n"
+           "builddir = .\n"
+           "bar = |\n"
+           "rule picture\n"
+           "  command = " +
+           tm_quoteForNinja(tm_quoteForShell(tm_findProgram("thumbmake")) + " --job " +
+                            tm_quoteForShell(recipeFile)) +
+           " $in $out $picture $name\n"
+           "  depfile = $out.d\n"
+           "  deps = gcc\n"
+           "  description = $title\n";
+}
+
+std::string edge(const tm_Item &item)
+{
+    return "build " + tm_ninjaPath(item.stamp) + ": picture " + tm_ninjaPath(item.palette) +
+           "\n  picture = " + tm_quoteForNinja(tm_quoteForShell(item.picture)) +
+           "\n  name = " + tm_quoteForNinja(tm_quoteForShell(item.name)) +
+           "\n  title = " + tm_quoteForNinja(item.name) + "\n";
+}
+
+// A picture that somebody removed, or that is not as new as its palette, is to be made
+// whatever ninja's stamp says.
+bool isStale(const tm_Item &item)
+{
+    struct stat picture = {}, palette = {};
+    return lstat(item.picture.c_str(), &picture) != 0 ||
+           (stat(item.palette.c_str(), &palette) == 0 &&
+            picture.st_mtim.tv_sec < palette.st_mtim.tv_sec);
+}
+
+// Ninja as a child whose output comes line by line. Its own processes get the terminal's
+// Ctrl-C as we do; it ends them, and we wait for it.
+class Ninja
+{
+public:
+    Ninja(const std::string &cache, const std::vector<std::string> &options)
+    {
+        int ends[2];
+        if (pipe(ends) != 0)
+            return;
+        myChild = fork();
+        if (myChild == 0)
+            become(cache, options, ends);
+        close(ends[1]);
+        myOutput = myChild > 0 ? fdopen(ends[0], "r") : nullptr;
+    }
+    Ninja(const Ninja &) = delete;
+    Ninja &operator=(const Ninja &) = delete;
+    ~Ninja()
+    {
+        if (myOutput != nullptr)
+            std::fclose(myOutput);
+        std::free(myLine);
+    }
+
+    bool isRunning() const { return myOutput != nullptr; }
+
+    // False at the end.
+    bool readLine(std::string &line)
+    {
+        const ssize_t length = getline(&myLine, &myRoom, myOutput);
+        if (length <= 0)
+            return false;
+        line.assign(myLine, static_cast<size_t>(length));
+        line.erase(line.find_last_not_of('\n') + 1);
+        return true;
+    }
+
+    int wait() const
+    {
+        int status = 0;
+        while (waitpid(myChild, &status, 0) < 0 && errno == EINTR)
+            continue;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    }
+
+private:
+    [[noreturn]] static void become(const std::string &cache,
+                                    const std::vector<std::string> &options, const int ends[2])
+    {
+        dup2(ends[1], STDOUT_FILENO);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[0]);
+        close(ends[1]);
+        signal(SIGINT, SIG_DFL);
+        setenv("NINJA_STATUS", "[%f/%t] ", 1);
+        std::vector<const char *> words = {"ninja", "-C", cache.c_str()};
+        for (const std::string &option : options)
+            words.push_back(option.c_str());
+        words.push_back(nullptr);
+        execvp("ninja", const_cast<char *const *>(words.data()));
+        std::printf("ninja: error: cannot be started: %s (Debian's package is ninja-build)\n",
+                    std::strerror(errno));
+        std::fflush(stdout);
+        _exit(1);
+    }
+
+    pid_t myChild = -1;
+    FILE *myOutput = nullptr;
+    char *myLine = nullptr;
+    size_t myRoom = 0;
+};
+
+bool startsWith(const std::string &text, const char *prefix)
+{
+    return text.compare(0, std::strlen(prefix), prefix) == 0;
+}
+
+// "[3/17] NAME": how far it is.
+bool parseStatus(const std::string &line, long &done, long &all, std::string &name)
+{
+    int length = 0;
+    if (std::sscanf(line.c_str(), "[%ld/%ld] %n", &done, &all, &length) != 2 || length == 0)
+        return false;
+    name = line.substr(static_cast<size_t>(length));
+    return true;
+}
+
+// Sorts ninja's lines: how far it is, what jobs say (behind a tab), its own errors. Other
+// lines are the commands of jobs that failed.
+class Listener
+{
+public:
+    std::function<void(long done, long all, const std::string &name)> onStatus;
+    std::function<void(const std::string &said, bool isFailure)> onMessage;
+
+    void take(const std::string &line)
+    {
+        long done = 0, all = 0;
+        std::string name;
+        if (startsWith(line, "\t")) {
+            onMessage(line.substr(1), inFailure);
+        } else if (startsWith(line, "FAILED: ")) {
+            inFailure = true;
+        } else if (startsWith(line, "ninja: error: ")) {
+            error = line.substr(14);
+        } else if (startsWith(line, "ninja: build stopped: interrupted")) {
+            wasInterrupted = true;
+        } else if (parseStatus(line, done, all, name)) {
+            inFailure = false;
+            onStatus(done, all, name);
+        }
+    }
+
+    bool wasInterrupted = false;
+    std::string error;
+
+private:
+    bool inFailure = false;
+};
+
+void listen(Ninja &ninja, Listener &listener, tm_Outcome &outcome)
+{
+    if (!ninja.isRunning()) {
+        outcome.error = std::string("cannot start ninja: ") + std::strerror(errno);
+        return;
+    }
+    for (std::string line; ninja.readLine(line);)
+        listener.take(line);
+    const int status = ninja.wait();
+    outcome.wasInterrupted = listener.wasInterrupted;
+    outcome.error = listener.error;
+    if (status != 0 && outcome.failures.empty() && outcome.error.empty() && !outcome.wasInterrupted)
+        outcome.error = "ninja ended with status " + std::to_string(status);
+}
+} // namespace
+
+bool tm_writeGraph(const std::string &cache, const std::string &recipeFile,
+                   const tm_Library &library, const tm_Options &options)
+{
+    std::string text = rule(recipeFile);
+    for (const tm_Item &item : library.items) {
+        text += edge(item);
+        if (options.isForced || isStale(item))
+            unlink(item.stamp.c_str());
+    }
+    return tm_writeFile(cache + MANIFEST, text);
+}
+
+tm_Outcome tm_runNinja(const std::string &cache, const tm_Options &options)
+{
+    tm_Outcome outcome;
+    std::vector<std::string> words = {"-k", std::to_string(options.failures)};
+    if (options.jobs > 0)
+        words.insert(words.end(), {"-j", std::to_string(options.jobs)});
+    // Ninja and its jobs end at Ctrl-C; the summary is still ours to give.
+    const auto before = signal(SIGINT, SIG_IGN);
+    tm_Progress progress(options);
+    Listener listener;
+    long finished = 0;
+    listener.onStatus = [&](long done, long all, const std::string &name) {
+        finished = done;
+        progress.show(done, all, name);
+    };
+    listener.onMessage = [&](const std::string &said, bool isFailure) {
+        if (isFailure)
+            outcome.failures.push_back(said);
+        if (isFailure || !options.isQuiet)
+            progress.say(said);
+    };
+    Ninja ninja(cache, words);
+    listen(ninja, listener, outcome);
+    signal(SIGINT, before);
+    outcome.made = finished - static_cast<long>(outcome.failures.size());
+    return outcome;
+}
+
+tm_Outcome tm_askNinja(const std::string &cache, std::vector<std::string> &names)
+{
+    tm_Outcome outcome;
+    Listener listener;
+    listener.onStatus = [&](long, long, const std::string &name) { names.push_back(name); };
+    listener.onMessage = [](const std::string &, bool) {};
+    Ninja ninja(cache, {"-n"});
+    listen(ninja, listener, outcome);
+    return outcome;
+}

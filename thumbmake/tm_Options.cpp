@@ -1,0 +1,189 @@
+#include "thumbmake/tm_Options.h"
+
+#include "thumbmake/tm_Farm.h"
+#include "thumbmake/tm_Text.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace
+{
+constexpr int LARGEST_SIZE = 4096; // what vaskel draws as a square
+constexpr int MOST_JOBS = 10000;
+constexpr int MOST_CHUNKS = 1000000;
+
+using Handler = bool (*)(tm_Options &, const std::string &value);
+
+template <bool tm_Options::*FLAG, bool VALUE>
+bool set(tm_Options &options, const std::string &)
+{
+    options.*FLAG = VALUE;
+    return true;
+}
+
+template <std::string tm_Options::*TEXT>
+bool take(tm_Options &options, const std::string &value)
+{
+    options.*TEXT = value;
+    return !value.empty() && !tm_hasControl(value);
+}
+
+bool parseNumber(const std::string &text, int least, int most, int &number)
+{
+    const char *const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end && number >= least && number <= most;
+}
+
+template <int tm_Options::*NUMBER, int LEAST, int MOST>
+bool take(tm_Options &options, const std::string &value)
+{
+    return parseNumber(value, LEAST, MOST, options.*NUMBER);
+}
+
+bool takeFormat(tm_Options &options, const std::string &value)
+{
+    options.format = value;
+    return value == "jpg" || value == "png";
+}
+
+bool takeEngine(tm_Options &options, const std::string &value)
+{
+    options.submit = value;
+    return tm_isEngine(value);
+}
+
+bool takeChunk(tm_Options &options, const std::string &value)
+{
+    const size_t slash = value.find('/');
+    return slash != value.npos &&
+           parseNumber(value.substr(slash + 1), 1, MOST_CHUNKS, options.chunkCount) &&
+           parseNumber(value.substr(0, slash), 1, options.chunkCount, options.chunk);
+}
+
+struct Option {
+    const char *name;
+    const char *other; // name; null: none
+    const char *value; // what stands behind it; null: nothing
+    Handler handler;
+    const char *what;
+};
+constexpr Option OPTIONS[] = {
+    {"-g", nullptr, "TYPE", take<&tm_Options::geometry>, "shape: sphere, grid, cylinder or teapot"},
+    {"-b", nullptr, nullptr, set<&tm_Options::hasBackground, false>, "no background"},
+    {"-s", nullptr, nullptr, set<&tm_Options::hasShadows, false>, "no shadows"},
+    {"-r", nullptr, "RENDERER", take<&tm_Options::renderer>, "as for thumbrender"},
+    {"--size", nullptr, "N", take<&tm_Options::size, 1, LARGEST_SIZE>,
+     "pixels of the longer side (vaskel)"},
+    {"--format", nullptr, "F", takeFormat, "jpg or png (vaskel)"},
+    {"--quality", nullptr, "Q", take<&tm_Options::quality>, "draft, default or final (vaskel)"},
+    {"-o", nullptr, "FOLDER", take<&tm_Options::output>,
+     "put pictures there, in folders as the palettes' (vaskel)"},
+    {"-j", nullptr, "N", take<&tm_Options::jobs, 1, MOST_JOBS>,
+     "pictures at a time; one for each processor"},
+    {"-k", nullptr, "N", take<&tm_Options::failures, 0, MOST_JOBS>,
+     "stop after N failures; 0, the default: never"},
+    {"-n", nullptr, nullptr, set<&tm_Options::isDryRun, true>, "only say what would be made"},
+    {"--force", nullptr, nullptr, set<&tm_Options::isForced, true>, "make all pictures again"},
+    {"--delete-on-error", nullptr, nullptr, set<&tm_Options::deletesOnError, true>,
+     "remove the old picture of a palette that fails"},
+    {"-q", nullptr, nullptr, set<&tm_Options::isQuiet, true>, "say nothing but failures"},
+    {"-v", nullptr, nullptr, set<&tm_Options::isVerbose, true>,
+     "a line for each picture, all that was said of it"},
+    {"--page", nullptr, "FOLDER", take<&tm_Options::page>,
+     "then write FOLDER/index.html, which shows the pictures"},
+    {"--submit", nullptr, "ENGINE", takeEngine, "have a farm make them (see below)"},
+    {"--wait", nullptr, nullptr, set<&tm_Options::waits, true>,
+     "with --submit slurm: wait for the end and say what became of all"},
+    {"--chunk", nullptr, "K/N", takeChunk, "make part K of N of a list: what a farm runs"},
+    {"--help", "-h", nullptr, set<&tm_Options::wantsHelp, true>, "print this text and end"},
+    {"--version", nullptr, nullptr, set<&tm_Options::wantsVersion, true>,
+     "print the version and end"},
+};
+
+const Option *find(const std::string &word)
+{
+    for (const Option &option : OPTIONS)
+        if (word == option.name || (option.other != nullptr && word == option.other))
+            return &option;
+    return nullptr;
+}
+
+// Takes the option at `at`, and its value.
+bool takeOption(const std::vector<std::string> &words, size_t &at, tm_Options &options,
+                std::string &error)
+{
+    const std::string &word = words[at];
+    const Option *const option = find(word);
+    if (option == nullptr) {
+        error = "unknown option " + word;
+        return false;
+    }
+    if (option->value == nullptr)
+        return option->handler(options, "");
+    if (++at == words.size()) {
+        error = word + " expected " + option->value + " behind it";
+        return false;
+    }
+    if (option->handler(options, words[at]))
+        return true;
+    error =
+        word + " expected " + option->value + " (" + option->what + "), found '" + words[at] + "'";
+    return false;
+}
+
+// What does not go together or is missing.
+const char *complaint(const tm_Options &options)
+{
+    if (options.inputs.empty())
+        return "expected a folder or a palette";
+    if (options.chunk > 0 && options.inputs.size() != 1)
+        return "--chunk expected one list";
+    if (options.waits && options.submit != "slurm")
+        return "--wait goes with --submit slurm";
+    return nullptr;
+}
+} // namespace
+
+bool tm_parseOptions(const std::vector<std::string> &words, tm_Options &options, std::string &error)
+{
+    bool inOptions = true;
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (inOptions && words[i] == "--")
+            inOptions = false;
+        else if (!inOptions || words[i].size() < 2 || words[i][0] != '-')
+            options.inputs.push_back(words[i]);
+        else if (!takeOption(words, i, options, error))
+            return false;
+    }
+    if (options.wantsHelp || options.wantsVersion)
+        return true;
+    // The page of a folder is about what lies in it.
+    if (options.inputs.empty() && !options.page.empty())
+        options.inputs.push_back(options.page);
+    if (const char *const wrong = complaint(options))
+        error = wrong;
+    return error.empty();
+}
+
+std::string tm_usage()
+{
+    std::string text = "Usage: thumbmake [options] FOLDER|FILE...\n"
+                       "Makes the pictures of palettes that are out of date.\n"
+                       "Options:\n";
+    for (const Option &option : OPTIONS) {
+        std::string left = "  ";
+        if (option.other != nullptr)
+            left += std::string(option.other) + ", ";
+        left += option.name;
+        if (option.value != nullptr)
+            left += std::string(" ") + option.value;
+        left.resize(std::max<size_t>(left.size() + 1, 21), ' ');
+        text += left + option.what + "\n";
+    }
+    return text + "Engines: " + tm_engineNames() +
+           ".\n"
+           "Status: 0; 1 when a picture could not be made; 2 for bad usage.\n"
+           "What was made of what is remembered in $XDG_CACHE_HOME/veldrin/thumbmake, or\n"
+           "~/.cache/veldrin/thumbmake.\n";
+}

@@ -1,0 +1,36 @@
+// Well spread points for one pixel.
+//
+// Each use of random numbers along a path takes the next pair of coordinates of
+// the first two dimensions of Sobol's sequence, shuffled and scrambled anew for
+// every pixel and every pair: Burley, "Practical Hash-based Owen Scrambling",
+// JCGT 9(4), 2020. Any first 2^n samples of a pair are a (0,2)-net, so errors
+// fall nearly as 1/samples where the picture is smooth. The points depend on
+// pixel, sample and pair only, never on the thread.
+#pragma once
+
+#include "vaskel/base/vk_Vec.h"
+
+#include <cstdint>
+
+class vk_Sampler
+{
+public:
+    // The seed is the pixel's, the index counts its samples from 0.
+    vk_Sampler(std::uint32_t seed, std::uint32_t index) : mySeed(seed), myIndex(index) {}
+
+    // The next pair and the next single number, each in [0, 1).
+    vk_Square square();
+    float number() { return square().u; }
+
+    // Goes on with the pairs numbered from a place that earlier uses do not
+    // reach, so that a path's later parts keep their own pairs.
+    void jumpTo(std::uint32_t pair) { myPair = pair; }
+
+private:
+    std::uint32_t mySeed;
+    std::uint32_t myIndex;
+    std::uint32_t myPair = 0;
+};
+
+// A well mixed number from any number.
+std::uint32_t vk_hash(std::uint32_t x);

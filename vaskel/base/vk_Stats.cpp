@@ -1,0 +1,29 @@
+#include "vaskel/base/vk_Stats.h"
+
+#include <chrono>
+#include <cstdio>
+
+std::string vk_Stats::text() const
+{
+    const auto mean = static_cast<double>(samples) / static_cast<double>(pixels > 0 ? pixels : 1);
+    const auto count = [](std::uint64_t n) { return static_cast<unsigned long long>(n); };
+    char lines[512];
+    std::snprintf(lines, sizeof lines,
+                  "reading   %8.1f ms\n"
+                  "building  %8.1f ms\n"
+                  "tracing   %8.1f ms\n"
+                  "writing   %8.1f ms\n"
+                  "rays      %llu camera, %llu scattered, %llu shadow\n"
+                  "samples   %.2f a pixel\n"
+                  "NaN       %llu pixels\n",
+                  1000 * reading, 1000 * building, 1000 * tracing, 1000 * writing,
+                  count(rays.camera), count(rays.scattered), count(rays.shadow), mean,
+                  count(badPixels));
+    return lines;
+}
+
+double vk_seconds()
+{
+    using Clock = std::chrono::steady_clock;
+    return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
+}

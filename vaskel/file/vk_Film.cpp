@@ -1,0 +1,50 @@
+#include "vaskel/file/vk_Film.h"
+
+namespace
+{
+// The curve is x^a / (x^(a d) b + c); b and c follow from where middle grey
+// and white go. Middle grey is 50 % of the sRGB scale.
+constexpr float CONTRAST = 1.18f; // a
+constexpr float SHOULDER = 0.97f; // d
+constexpr float GREY = 0.2140f;
+
+struct Curve {
+    float b, c;
+
+    Curve()
+    {
+        const float white = std::pow(VK_WHITE, CONTRAST);
+        const float whiteD = std::pow(VK_WHITE, CONTRAST * SHOULDER);
+        const float grey = std::pow(GREY, CONTRAST);
+        const float greyD = std::pow(GREY, CONTRAST * SHOULDER);
+        const float span = (whiteD - greyD) * GREY;
+        b = (white * GREY - grey) / span;
+        c = (whiteD * grey - white * greyD * GREY) / span;
+    }
+};
+
+std::uint8_t toByte(float unit)
+{
+    return static_cast<std::uint8_t>(std::clamp(unit, 0.0f, 1.0f) * 255 + 0.5f);
+}
+} // namespace
+
+float vk_toneCurve(float linear)
+{
+    static const Curve CURVE;
+
+    const float x = std::clamp(linear, 0.0f, VK_WHITE);
+    return std::pow(x, CONTRAST) / (std::pow(x, CONTRAST * SHOULDER) * CURVE.b + CURVE.c);
+}
+
+float vk_toSrgb(float linear)
+{
+    return linear <= 0.0031308f ? 12.92f * linear : 1.055f * std::pow(linear, 1 / 2.4f) - 0.055f;
+}
+
+void vk_develop(const vk_Colour &colour, std::uint8_t *bytes)
+{
+    bytes[0] = toByte(vk_toSrgb(vk_toneCurve(colour.x)));
+    bytes[1] = toByte(vk_toSrgb(vk_toneCurve(colour.y)));
+    bytes[2] = toByte(vk_toSrgb(vk_toneCurve(colour.z)));
+}

@@ -1,0 +1,45 @@
+// From a scene to a film, on several threads.
+#pragma once
+
+#include "vaskel/base/vk_Stats.h"
+#include "vaskel/file/vk_Film.h"
+#include "vaskel/scene/vk_Scene.h"
+
+#include <string>
+
+// How much work goes into a picture: samples are drawn where they help most until its
+// error, as far as they tell, is about as large as asked for. No pixel gets more than
+// the scene allows, times a factor.
+struct vk_Quality {
+    const char *name;
+    float samples;      // factor for the scene's most samples
+    float error;        // root mean square, of full scale
+    float rays;         // a pixel, about, at most
+    bool showsProgress; // worth waiting for, so say how long
+};
+inline constexpr vk_Quality VK_QUALITIES[] = {
+    {"draft", .25f, .011f, 23, false},
+    {"default", 1, .0048f, 90, false},
+    {"final", 8, .0017f, 1550, true},
+};
+inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
+
+struct vk_RenderSettings {
+    int threads = 1;
+    const vk_Quality *quality = &VK_DEFAULT_QUALITY;
+    int samples = 0;           // for every pixel, quiet or not; 0: up to the quality
+    vk_Stats *stats = nullptr; // where to add what it took
+
+    // Called with 0 to 100, growing, from one thread at a time; null: nobody asks.
+    void (*progress)(int percent) = nullptr;
+};
+
+// How many threads the setting VELDRIN_MAXTHREADS asks for; as many as there are
+// processors when it is 0 or below.
+int vk_threadCount();
+
+// Draws the scene. The film depends on the scene, the quality and the samples
+// only, not on the number of threads. False and a message when ray tracing failed; when
+// memory runs out, operator new does what the program chose.
+[[nodiscard]] bool vk_render(const vk_Scene &scene, const vk_RenderSettings &settings,
+                             vk_Film &film, std::string &error);

@@ -1,0 +1,52 @@
+#include "vaskel/pixels/vk_Spreads.h"
+
+#include <algorithm>
+#include <cmath>
+
+void vk_Spreads::add(float spread)
+{
+    ++myPixels;
+    const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);
+    const auto step = static_cast<int>(std::lround(STEPS * std::log2(std::max(spread, least))));
+    ++myCounts[std::clamp(step, LOWEST, HIGHEST) - LOWEST];
+}
+
+vk_Spreads &vk_Spreads::operator+=(const vk_Spreads &o)
+{
+    myPixels += o.myPixels;
+    for (int i = 0; i <= HIGHEST - LOWEST; ++i)
+        myCounts[i] += o.myCounts[i];
+    return *this;
+}
+
+vk_Spreads::Forecast vk_Spreads::forecast(float limit, int least, int most) const
+{
+    Forecast sum;
+    for (int i = 0; i <= HIGHEST - LOWEST; ++i) {
+        const float spread = std::exp2(static_cast<float>(i + LOWEST) / STEPS);
+        int samples = least;
+        while (samples < most &&
+               spread >= limit * static_cast<float>(samples) * static_cast<float>(samples))
+            samples = std::min(2 * samples, most);
+        const auto count = static_cast<double>(myCounts[i]);
+        sum.error += count * static_cast<double>(spread) / samples;
+        sum.samples += count * samples;
+    }
+    const auto pixels = static_cast<double>(myPixels);
+    return {sum.error / pixels, sum.samples / pixels};
+}
+
+float vk_Spreads::limit(float target, float meanSamples, int least, int most) const
+{
+    constexpr float LOW = -60, HIGH = 20, CLOSE = .01f; // powers of 2
+
+    float low = LOW, high = HIGH;
+    while (high - low > CLOSE) {
+        const float middle = (low + high) / 2;
+        const Forecast then = forecast(std::exp2(middle), least, most);
+        const bool wantsMore = then.error > static_cast<double>(target) &&
+                               then.samples < static_cast<double>(meanSamples);
+        (wantsMore ? high : low) = middle;
+    }
+    return std::exp2(low);
+}

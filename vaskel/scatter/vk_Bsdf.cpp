@@ -1,0 +1,265 @@
+#include "vaskel/scatter/vk_Bsdf.h"
+
+#include "vaskel/scatter/vk_Sheen.h"
+
+namespace
+{
+constexpr float COAT_STRAIGHT = .04f; // reflectance straight on
+constexpr float ALMOST_ONE = 1 - 0x1p-24f;
+constexpr float LEAST_COSINE = 1e-4f;
+
+float fifthPower(float x)
+{
+    return x * x * x * x * x;
+}
+
+vk_Facets facetsOf(const vk_Material &material)
+{
+    const float alpha = vk_alpha(material.rough);
+    if (material.brushed <= 0)
+        return {alpha, alpha};
+    // Burley's aspect, with the scratches along u.
+    const float aspect = std::sqrt(1 - .9f * std::min(material.brushed, 1.0f));
+    return {std::max(.001f, alpha * aspect), std::min(1.0f, alpha / aspect)};
+}
+
+// Above the horizon, where a smooth normal lets a viewer look from below.
+vk_Vec lifted(vk_Vec v)
+{
+    v.z = std::max(v.z, LEAST_COSINE);
+    return v;
+}
+
+vk_Vec mirrored(const vk_Vec &out, const vk_Vec &facet)
+{
+    return vk_normalize(facet * (2 * vk_dot(facet, out)) - out);
+}
+
+float fresnelOfCoat(const vk_Material &material, float cosine)
+{
+    if (material.coat <= 0)
+        return 0;
+    return vk_schlick(vk_grey(COAT_STRAIGHT), vk_grey(1), cosine).x * material.coat;
+}
+
+vk_Frame frameAround(const vk_Vec &normal, const vk_Material &material, const vk_Vec &along)
+{
+    return material.brushed > 0 ? vk_Frame(normal, along) : vk_Frame(normal);
+}
+} // namespace
+
+vk_Colour vk_Material::passesStraight(float cosine, float length) const
+{
+    return clear * vk_exp(absorbs * -length) * (1 - vk_fresnel(cosine, ior));
+}
+
+vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split,
+                 const vk_Vec &along, bool inside)
+    : myMaterial(material), myTop(frameAround(normal, material, along)), myBottom(myTop),
+      myOut(lifted(myTop.toLocal(out))), myLower(myOut), myFacets(facetsOf(material)),
+      myCoat(vk_alpha(material.coatRough), vk_alpha(material.coatRough)),
+      myEta(inside ? 1 / material.ior : material.ior)
+{
+    if (!(material.lean == vk_Vec{})) {
+        myBottom = frameAround(vk_normalize(normal + material.lean), material, along);
+        myLower = lifted(myBottom.toLocal(out));
+    }
+    myBelow = below(myOut.z);
+    if (material.isClear())
+        shareGlass(split);
+    else
+        share(split);
+}
+
+float vk_Bsdf::lobe() const
+{
+    constexpr float WIDE = 4; // widths of the distribution of facets
+
+    if (myMaterial.isClear() || myShare[COAT] + myShare[BOUNDARY] <= 0)
+        return 1;
+    return WIDE * vk_alpha(myShare[COAT] > 0 ? myMaterial.coatRough : myMaterial.rough);
+}
+
+vk_Vec vk_Bsdf::mirror() const
+{
+    return myTop.toWorld({-myOut.x, -myOut.y, myOut.z});
+}
+
+float vk_Bsdf::likeliest() const
+{
+    float density = 0;
+    static_cast<void>(evaluate(mirror(), density));
+    return density;
+}
+
+// Parts get samples by what they reflect.
+void vk_Bsdf::share(bool split)
+{
+    constexpr float LEAST = 1e-20f; // less has no inverse to count on
+
+    const vk_Material &m = myMaterial;
+    myShare[COAT] = fresnelOfCoat(m, myOut.z);
+    myShare[BOUNDARY] = vk_luminance(fresnel(myLower.z)) * myBelow;
+    if (vk_largest(m.sheen) > 0)
+        myShare[SHEEN] = vk_luminance(m.sheen) * vk_sheenAlbedo(myOut.z, m.sheenRough);
+    myShare[BASE] = vk_luminance(m.diffuse) * myBelow;
+    const float sharp = myShare[COAT] + myShare[BOUNDARY];
+    const float even = myShare[SHEEN] + myShare[BASE];
+    const bool both = sharp > LEAST && even > LEAST;
+    // By chance, the sharp ones are drawn often enough to keep them quiet.
+    const float ofSharp = both ? std::clamp(sharp / (sharp + even), .2f, .9f) : 1;
+    myRounds = split && both ? 2 : 1;
+    const float toSharp = sharp > LEAST ? (myRounds == 2 ? 1 : ofSharp) / sharp : 0;
+    const float toEven = even > LEAST ? (myRounds == 2 || !both ? 1 : 1 - ofSharp) / even : 0;
+    for (int part = 0; part < PARTS; ++part)
+        myShare[part] *= part <= BOUNDARY ? toSharp : toEven;
+}
+
+void vk_Bsdf::shareGlass(bool split)
+{
+    myRounds = split ? 2 : 1;
+    myShare[REFLECT] = myShare[REFRACT] = 1;
+    if (split)
+        return;
+    // Facets of rough glass reflect more or less than its surface on the whole.
+    const float wide = vk_alpha(myMaterial.rough), cosine = myOut.z;
+    float sum = 0;
+    for (const float off : {-1.0f, 0.0f, 1.0f})
+        sum += vk_fresnel(std::clamp(cosine + off * wide, 0.0f, 1.0f), myEta);
+    myShare[REFLECT] = std::min(sum / 3, 1 - std::min(.05f, wide));
+    myShare[REFRACT] = 1 - myShare[REFLECT];
+}
+
+vk_Colour vk_Bsdf::fresnel(float cosine) const
+{
+    return vk_schlick(myMaterial.specular, myMaterial.edge, cosine);
+}
+
+// What coat and sheen leave of the light from or to a direction.
+float vk_Bsdf::below(float cosine) const
+{
+    float left = 1 - fresnelOfCoat(myMaterial, cosine);
+    const float sheen = vk_largest(myMaterial.sheen);
+    if (sheen > 0)
+        left *= 1 - sheen * vk_sheenAlbedo(cosine, myMaterial.sheenRough);
+    return left;
+}
+
+vk_Colour vk_Bsdf::base(float cosIn) const
+{
+    const float through =
+        28.0f / 23 * (1 - fifthPower(1 - cosIn / 2)) * (1 - fifthPower(1 - myLower.z / 2));
+    const vk_Colour &edge = myMaterial.edge;
+    const vk_Colour coated = (vk_grey(1) - myMaterial.specular) * through;
+    return myMaterial.diffuse * (vk_grey(1) - edge + edge * coated) * (1 / VK_PI);
+}
+
+vk_Scattered vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
+{
+    density = 0;
+    if (myMaterial.isClear())
+        return evaluateGlass(myTop.toLocal(in), density);
+    const vk_Vec local = myTop.toLocal(in);
+    if (local.z <= 0)
+        return {};
+    vk_Scattered scattered = evaluateTop(local, density);
+    const vk_Vec lower = myBottom.toLocal(in);
+    if (lower.z <= 0)
+        return scattered;
+    const float left = myBelow * below(local.z) * lower.z;
+    if (myShare[BOUNDARY] > 0) {
+        const vk_Vec h = vk_normalize(lower + myLower);
+        const float facets = myFacets.density(h);
+        scattered.sharp +=
+            fresnel(vk_dot(h, lower)) * (facets * myFacets.shared(lower, myLower) * left);
+        density += myShare[BOUNDARY] * facets * myFacets.visible(myLower) / (4 * myLower.z);
+    }
+    if (myShare[BASE] > 0) {
+        scattered.even += base(lower.z) * left;
+        density += myShare[BASE] * lower.z / VK_PI;
+    }
+    return scattered;
+}
+
+// Of coat and sheen.
+vk_Scattered vk_Bsdf::evaluateTop(const vk_Vec &in, float &density) const
+{
+    vk_Scattered scattered;
+    if (myShare[COAT] <= 0 && myShare[SHEEN] <= 0)
+        return scattered;
+    const vk_Vec h = vk_normalize(in + myOut);
+    if (myShare[COAT] > 0) {
+        const float facets = myCoat.density(h);
+        const float reflected = fresnelOfCoat(myMaterial, vk_dot(h, in));
+        scattered.sharp += vk_grey(reflected * facets * myCoat.shared(in, myOut) * in.z);
+        density += myShare[COAT] * facets * myCoat.visible(myOut) / (4 * myOut.z);
+    }
+    if (myShare[SHEEN] > 0) {
+        scattered.even +=
+            myMaterial.sheen * (vk_sheen(in.z, myOut.z, h.z, myMaterial.sheenRough) * in.z);
+        density += myShare[SHEEN] / (2 * VK_PI);
+    }
+    return scattered;
+}
+
+vk_Scattered vk_Bsdf::evaluateGlass(const vk_Vec &in, float &density) const
+{
+    if (in.z == 0)
+        return {};
+    const bool reflects = in.z > 0;
+    vk_Vec h = reflects ? in + myOut : in * -myEta - myOut;
+    h = vk_normalize(h.z < 0 ? -h : h);
+    const float outH = vk_dot(myOut, h), inH = vk_dot(in, h);
+    if (outH <= 0 || (inH > 0) != reflects)
+        return {};
+    const float reflectance = vk_fresnel(outH, myEta);
+    const float share = reflects ? reflectance : 1 - reflectance;
+    // Facets per direction: of those that reflect, and of those that refract,
+    // (17) of Walter.
+    const float bend = outH + myEta * inH;
+    const float spread =
+        reflects ? .25f : myEta * myEta * outH * -inH / std::max(bend * bend, 1e-12f);
+    const float facets = myFacets.density(h) * spread;
+    const vk_Vec above = {in.x, in.y, std::abs(in.z)};
+    density = facets * myFacets.visible(myOut) / myOut.z * myShare[reflects ? REFLECT : REFRACT];
+    const float passed = 4 * facets * myFacets.shared(above, myOut) * above.z * share;
+    return {(reflects ? vk_grey(1) : myMaterial.clear) * passed, {}};
+}
+
+vk_Vec vk_Bsdf::sampleGlass(Part part, const vk_Square &at) const
+{
+    const vk_Vec h = myFacets.sample(myOut, at);
+    const bool reflects = part == REFLECT;
+    const vk_Vec in = reflects ? mirrored(myOut, h) : vk_refract(myOut, h, myEta);
+    return (in.z > 0) == reflects ? myTop.toWorld(in) : vk_Vec{};
+}
+
+vk_Vec vk_Bsdf::samplePart(Part part, const vk_Square &at) const
+{
+    if (myMaterial.isClear())
+        return sampleGlass(part, at);
+    if (part == COAT)
+        return myTop.toWorld(mirrored(myOut, myCoat.sample(myOut, at)));
+    if (part == BOUNDARY)
+        return myBottom.toWorld(mirrored(myLower, myFacets.sample(myLower, at)));
+    if (part == SHEEN)
+        return myTop.toWorld(vk_toCap(at, 1));
+    vk_Vec disc = vk_toDisc(at);
+    disc.z = std::sqrt(std::max(0.0f, 1 - disc.x * disc.x - disc.y * disc.y));
+    return myBottom.toWorld(disc);
+}
+
+vk_Vec vk_Bsdf::sample(const vk_Square &at, int round) const
+{
+    // The choice takes its number from the first coordinate and stretches the
+    // rest, which keeps all parts well spread.
+    const bool isGlass = myMaterial.isClear();
+    const int border = isGlass ? REFLECT : BOUNDARY; // the last part of round 0
+    int part = myRounds == 2 && round == 1 ? border + 1 : 0;
+    const int last = myRounds == 2 && round == 0 ? border : isGlass ? REFRACT : BASE;
+    float left = at.u;
+    while (part < last && left >= myShare[part])
+        left -= myShare[part++];
+    const float share = std::max(myShare[part], 1e-6f);
+    return samplePart(static_cast<Part>(part), {std::min(left / share, ALMOST_ONE), at.v});
+}

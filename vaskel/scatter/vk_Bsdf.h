@@ -1,0 +1,94 @@
+// How a material scatters light at one point, seen from one direction.
+//
+// Directions are unit vectors that point away from the surface. The parts of a
+// material (vk_Material.h) after their sources:
+//
+//   coat, boundary, glass   microfacets, see vk_Microfacet.h
+//   sheen                   see vk_Sheen.h
+//   base                    the energy that the boundary lets through, spread evenly
+//                           and reciprocally: Ashikhmin and Shirley, "An Anisotropic
+//                           Phong BRDF Model", 2000; without a boundary Lambert's
+//
+// All but glass are symmetric in the two directions; glass is after division by
+// the square of the index of refraction on the light's side. None sends on more
+// than arrives. What lies below coat or sheen gets what these do not reflect, on
+// the way in and on the way out.
+#pragma once
+
+#include "vaskel/scatter/vk_Material.h"
+#include "vaskel/scatter/vk_Microfacet.h"
+
+// Whether scattering that draws a direction with this density counts as sharp, not even.
+constexpr bool vk_isSharp(float density)
+{
+    return density >= 1;
+}
+
+// What reaches the viewer by way of the coat, the boundary and the glass (sharp),
+// and by way of the base and the sheen (even).
+struct vk_Scattered {
+    vk_Colour sharp, even;
+
+    vk_Colour sum() const { return sharp + even; }
+};
+
+class vk_Bsdf
+{
+public:
+    // Keeps a reference to the material. A split one draws its directions once for
+    // each of two rounds, sharp and even (for glass reflected and refracted),
+    // instead of one of them by chance; densities are then those of both samples
+    // together. `along` is where u grows, needed where a material is brushed.
+    // `inside` says that the viewer looks from within glass.
+    // REQUIRES: dot(normal, out) > 0
+    vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split,
+            const vk_Vec &along = {}, bool inside = false);
+
+    // How many samples are to be drawn: 2 when it is split and has two parts.
+    int rounds() const { return myRounds; }
+
+    // How wide around mirror() the sharpest part sends most of its light, in radians;
+    // at least 1 when there is none that mirrors.
+    float lobe() const;
+    vk_Vec mirror() const;
+
+    // About the highest density that evaluate() gives.
+    float likeliest() const;
+
+    bool isGlass() const { return myMaterial.isClear(); }
+    bool isSmoothGlass() const { return myMaterial.isSmoothGlass(); }
+
+    // Reflected or refracted radiance per irradiance from `in`, times the cosine
+    // there; and the density, per solid angle, with which sample() draws it. Both
+    // are 0 below a surface that is not glass.
+    vk_Scattered evaluate(const vk_Vec &in, float &density) const;
+
+    // A direction drawn roughly as much as it scatters, the sharp parts' for round
+    // 0 and the even ones' for round 1 when they are split. May be one from where nothing
+    // arrives, with density 0.
+    vk_Vec sample(const vk_Square &at, int round = 0) const;
+
+private:
+    enum Part { COAT, BOUNDARY, SHEEN, BASE, PARTS, REFLECT = COAT, REFRACT = BOUNDARY };
+
+    void share(bool split);
+    void shareGlass(bool split);
+    vk_Colour fresnel(float cosine) const;
+    vk_Colour base(float cosIn) const;
+    float below(float cosine) const;
+    vk_Scattered evaluateTop(const vk_Vec &in, float &density) const;
+    vk_Scattered evaluateGlass(const vk_Vec &in, float &density) const;
+    vk_Vec sampleGlass(Part part, const vk_Square &at) const;
+    vk_Vec samplePart(Part part, const vk_Square &at) const;
+
+    const vk_Material &myMaterial;
+    vk_Frame myTop;    // of the coat and the sheen,
+    vk_Frame myBottom; // and of what lies below
+    vk_Vec myOut;      // in myTop
+    vk_Vec myLower;    // the same in myBottom
+    vk_Facets myFacets, myCoat;
+    float myEta;       // glass: index of the far side over the near side
+    float myBelow = 1; // share that coat and sheen leave on the way out
+    int myRounds = 1;
+    float myShare[PARTS] = {}; // samples of each part
+};

@@ -1,0 +1,38 @@
+#include "vaskel/scatter/vk_Microfacet.h"
+
+float vk_fresnel(float cosine, float eta)
+{
+    const float within2 = 1 - (1 - cosine * cosine) / (eta * eta);
+    if (within2 <= 0)
+        return 1;
+    const float within = std::sqrt(within2);
+    const float across = (cosine - eta * within) / (cosine + eta * within);
+    const float along = (eta * cosine - within) / (eta * cosine + within);
+    return std::min(1.0f, .5f * (across * across + along * along));
+}
+
+vk_Vec vk_refract(const vk_Vec &out, const vk_Vec &facet, float eta)
+{
+    const float cosine = vk_dot(out, facet);
+    const float within2 = 1 - (1 - cosine * cosine) / (eta * eta);
+    if (within2 <= 0)
+        return {};
+    return vk_normalize(facet * (cosine / eta - std::sqrt(within2)) - out * (1 / eta));
+}
+
+vk_Vec vk_Facets::sample(const vk_Vec &out, const vk_Square &at) const
+{
+    // Stretch to where both widths are 1, project the visible half disc, go back.
+    const vk_Vec stretched = vk_normalize({myX * out.x, myY * out.y, out.z});
+    const float level2 = stretched.x * stretched.x + stretched.y * stretched.y;
+    const float shrink = level2 > 1e-12f ? 1 / std::sqrt(level2) : 0;
+    const vk_Vec t1 =
+        shrink > 0 ? vk_Vec{-stretched.y * shrink, stretched.x * shrink, 0} : vk_Vec{1, 0, 0};
+    const vk_Vec t2 = vk_cross(stretched, t1);
+    vk_Vec disc = vk_toDisc(at);
+    const float s = .5f * (1 + stretched.z);
+    disc.y = (1 - s) * std::sqrt(std::max(0.0f, 1 - disc.x * disc.x)) + s * disc.y;
+    const float up = std::sqrt(std::max(0.0f, 1 - disc.x * disc.x - disc.y * disc.y));
+    const vk_Vec h = t1 * disc.x + t2 * disc.y + stretched * up;
+    return vk_normalize({myX * h.x, myY * h.y, std::max(0.0f, h.z)});
+}

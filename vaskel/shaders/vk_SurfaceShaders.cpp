@@ -1,0 +1,71 @@
+#include "vaskel/shaders/vk_SurfaceShaders.h"
+
+#include "vaskel/scatter/vk_Microfacet.h"
+#include "vaskel/shaders/vk_MetalShaders.h"
+
+#include <iterator>
+
+namespace
+{
+struct Plastic final : vk_Pointwise<Plastic> {
+    vk_Colour diff = vk_grey(.6f);
+    vk_Colour spec = vk_grey(1);
+    float rough = .2f;
+    float ior = 1.5f;
+
+    void describe(vk_ParamList &list) override
+    {
+        list.colour("diff", diff, 0, 1, "colour of the base");
+        list.colour("spec", spec, 0, 1, "how much of the coat there is");
+        list.number("rough", rough, 0, 1, "roughness of the coat, 0 is a mirror");
+        list.number("ior", ior, 1, 4, "index of refraction of the coat");
+    }
+    vk_Material at(const vk_SurfacePoint &) const { return vk_coated(diff, spec, rough, ior); }
+};
+
+struct Matte final : vk_Pointwise<Matte> {
+    vk_Colour diff = vk_grey(.5f);
+
+    void describe(vk_ParamList &list) override { list.colour("diff", diff, 0, 1, "colour"); }
+    vk_Material at(const vk_SurfacePoint &) const
+    {
+        vk_Material material;
+        material.diffuse = diff;
+        return material;
+    }
+};
+
+struct Constant final : vk_Pointwise<Constant> {
+    vk_Colour color = vk_grey(.5f);
+
+    void describe(vk_ParamList &list) override
+    {
+        list.colour("color", color, 0, 1000, "radiance, whatever the light");
+    }
+    vk_Material at(const vk_SurfacePoint &) const
+    {
+        vk_Material material;
+        material.emission = color;
+        return material;
+    }
+};
+
+constexpr vk_ShaderRow<vk_SurfaceShader> ROWS[] = {
+    vk_row<Plastic>("v_plastic", "a coloured base under a clear coat"),
+    vk_row<Matte>("v_matte", "scatters evenly, no highlight"),
+    vk_row<Constant>("v_constant", "one flat colour that needs no light"),
+};
+} // namespace
+
+vk_Material vk_coated(const vk_Colour &base, const vk_Colour &coat, float rough, float ior)
+{
+    vk_Material material;
+    material.diffuse = base;
+    material.edge = coat;
+    material.specular = coat * vk_straightReflectance(ior);
+    material.rough = rough;
+    return material;
+}
+
+const vk_ShaderTable<vk_SurfaceShader> VK_SURFACE_SHADERS = {"surface", ROWS, std::size(ROWS),
+                                                             &VK_METAL_SHADERS};

@@ -1,0 +1,251 @@
+#include "vaskel/trace/vk_World.h"
+
+#include <embree3/rtcore.h>
+#include <tbb/task_arena.h>
+
+#include <cstddef>
+#include <limits>
+
+namespace
+{
+RTCRay rayOf(const vk_Vec &origin, const vk_Vec &direction, float distance)
+{
+    RTCRay ray = {};
+    ray.org_x = origin.x;
+    ray.org_y = origin.y;
+    ray.org_z = origin.z;
+    ray.dir_x = direction.x;
+    ray.dir_y = direction.y;
+    ray.dir_z = direction.z;
+    ray.tfar = distance;
+    ray.mask = ~0u;
+    return ray;
+}
+} // namespace
+
+struct vk_World::Shape {
+    vk_Mesh mesh;
+    vk_Transform toShape;
+    const vk_SurfaceShader *surface;
+};
+
+struct vk_World::Embree {
+    RTCDevice device = nullptr;
+    RTCScene scene = nullptr;
+    bool failed = false;
+
+    Embree() = default;
+    Embree(const Embree &) = delete;
+    Embree &operator=(const Embree &) = delete;
+    ~Embree()
+    {
+        // After it ran out of memory, Embree may wait for ever for what it was building.
+        if (failed)
+            return;
+        if (scene != nullptr)
+            rtcReleaseScene(scene);
+        if (device != nullptr)
+            rtcReleaseDevice(device);
+    }
+    // Once, after all is built.
+    void check() { failed = device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
+    // A good tree, not the best: that one takes longer than the rays of a small picture
+    // repay.
+    void makeScene()
+    {
+        scene = rtcNewScene(device);
+        rtcSetSceneBuildQuality(scene, RTC_BUILD_QUALITY_MEDIUM);
+    }
+    void attach(const vk_Mesh &mesh);
+    void build() const;
+};
+
+// One thread builds: the tree, and with it the last bit of a hit, must not
+// depend on how many threads there are. (Telling the device to use one thread
+// would leave one to everybody in the process.)
+void vk_World::Embree::build() const
+{
+    tbb::task_arena alone(1);
+    alone.execute([&] { rtcJoinCommitScene(scene); });
+}
+
+// The mesh stays ours, and must not move or go before the tree does.
+void vk_World::Embree::attach(const vk_Mesh &mesh)
+{
+    const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
+    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
+                               mesh.vertices.data(), offsetof(vk_Vertex, position),
+                               sizeof(vk_Vertex), mesh.vertices.size());
+    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
+                               mesh.triangles.data(), 0, sizeof mesh.triangles[0],
+                               mesh.triangles.size());
+    rtcSetGeometryBuildQuality(geometry, RTC_BUILD_QUALITY_MEDIUM);
+    rtcCommitGeometry(geometry);
+    rtcAttachGeometry(scene, geometry);
+    rtcReleaseGeometry(geometry);
+}
+
+vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_unique<Embree>())
+{
+    if (scene.shapes.empty())
+        return;
+    myEmbree->device = rtcNewDevice(nullptr);
+    if (myEmbree->device != nullptr)
+        myEmbree->makeScene();
+    for (const vk_ShapeEntry &entry : scene.shapes) {
+        if (myEmbree->scene == nullptr)
+            break;
+        vk_MeshBuilder builder(entry.transform, entry.displace.get());
+        entry.shape->build(builder);
+        myShapes.push_back(std::make_unique<Shape>(
+            Shape{builder.take(), entry.transform.inverse(), entry.surface.get()}));
+        myEmbree->attach(myShapes.back()->mesh);
+    }
+    for (const auto &shape : myShapes)
+        myHasGlass = myHasGlass || shape->surface->shade(vk_SurfacePoint()).isClear();
+    if (myEmbree->scene != nullptr)
+        myEmbree->build();
+    encloseShapes();
+    myEmbree->check();
+    if (myEmbree->failed)
+        myError = "cannot set up ray tracing (out of memory?)";
+}
+
+vk_World::~vk_World() = default;
+
+vk_Vec vk_Hit::start(const vk_Vec &direction) const
+{
+    // Floats near the position are this far apart, with a margin for the
+    // rounding of the intersection itself.
+    const float size =
+        vk_largest({std::abs(position.x), std::abs(position.y), std::abs(position.z)});
+    const float off = 1e-5f * std::max(size, 1.0f) + 1e-5f * distance;
+    return position + facet * (vk_dot(facet, direction) < 0 ? -off : off);
+}
+
+void vk_World::encloseShapes()
+{
+    constexpr float FAR = std::numeric_limits<float>::max();
+    constexpr float MARGIN = 1e-6f; // for rounding
+
+    vk_Vec low = {FAR, FAR, FAR}, high = -low;
+    for (const auto &shape : myShapes)
+        for (const vk_Vertex &vertex : shape->mesh.vertices) {
+            const vk_Vec &p = vertex.position;
+            low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+            high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+        }
+    myCentre = (low + high) * .5f;
+    for (const auto &shape : myShapes)
+        for (const vk_Vertex &vertex : shape->mesh.vertices) {
+            const vk_Vec off = vertex.position - myCentre;
+            myRadius2 = std::max(myRadius2, vk_dot(off, off) * (1 + MARGIN));
+        }
+}
+
+// Most rays of a small scene miss everything; this is cheaper than asking.
+bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const
+{
+    const vk_Vec way = myCentre - origin;
+    if (vk_dot(way, way) <= myRadius2)
+        return true;
+    const vk_Vec beside = vk_cross(way, direction);
+    return vk_dot(way, direction) > 0 && vk_dot(beside, beside) <= myRadius2;
+}
+
+bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
+{
+    constexpr float FOREVER = std::numeric_limits<float>::infinity();
+
+    const float to =
+        myScene.floor != nullptr && direction.y != 0 ? -origin.y / direction.y : FOREVER;
+    const bool met = to > 0 && to < FOREVER;
+    distance = met ? to : FOREVER;
+    return met;
+}
+
+void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, float v,
+                             vk_Hit &hit) const
+{
+    const Shape &shape = *myShapes[geometry];
+    const auto &corners = shape.mesh.triangles[triangle];
+    const vk_Vertex &a = shape.mesh.vertices[corners[0]];
+    const vk_Vertex &b = shape.mesh.vertices[corners[1]];
+    const vk_Vertex &c = shape.mesh.vertices[corners[2]];
+    const float w = 1 - u - v;
+    // More exact than along the ray.
+    hit.position = a.position * w + b.position * u + c.position * v;
+    hit.normal = vk_normalize(a.normal * w + b.normal * u + c.normal * v);
+    hit.point = {shape.toShape.point(hit.position), a.u * w + b.u * u + c.u * v,
+                 a.v * w + b.v * u + c.v * v};
+    hit.surface = shape.surface;
+    hit.shape = geometry;
+    hit.triangle = triangle;
+}
+
+vk_Vec vk_World::along(const vk_Hit &hit) const
+{
+    if (hit.isFloor)
+        return {1, 0, 0};
+    const vk_Mesh &mesh = myShapes[hit.shape]->mesh;
+    const auto &corners = mesh.triangles[hit.triangle];
+    const vk_Vertex &a = mesh.vertices[corners[0]];
+    const vk_Vertex &b = mesh.vertices[corners[1]];
+    const vk_Vertex &c = mesh.vertices[corners[2]];
+    const float v1 = b.v - a.v, v2 = c.v - a.v;
+    const float area = (b.u - a.u) * v2 - (c.u - a.u) * v1;
+    return ((b.position - a.position) * v2 - (c.position - a.position) * v1) * (area < 0 ? -1 : 1);
+}
+
+bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const
+{
+    float toFloor = 0;
+    const bool onFloor = meetFloor(origin, direction, toFloor);
+    RTCRayHit query = {};
+    query.ray = rayOf(origin, direction, toFloor);
+    query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+    if (mayMeetShapes(origin, direction)) {
+        RTCIntersectContext context;
+        rtcInitIntersectContext(&context);
+        rtcIntersect1(myEmbree->scene, &context, &query);
+    }
+    if (query.hit.geomID != RTC_INVALID_GEOMETRY_ID) {
+        hit.distance = query.ray.tfar;
+        hit.facet = vk_normalize({query.hit.Ng_x, query.hit.Ng_y, query.hit.Ng_z});
+        hit.isFloor = false;
+        describeShape(query.hit.geomID, query.hit.primID, query.hit.u, query.hit.v, hit);
+    } else if (onFloor) {
+        hit.distance = toFloor;
+        hit.position = origin + direction * toFloor;
+        hit.position.y = 0;
+        hit.facet = hit.normal = {0, 1, 0};
+        hit.point = {hit.position, hit.position.x, hit.position.z};
+        hit.surface = myScene.floor.get();
+        hit.isFloor = true;
+    } else {
+        return false;
+    }
+    // Smooth normals know the outside, triangles do not.
+    if (vk_dot(hit.facet, hit.normal) < 0)
+        hit.facet = -hit.facet;
+    hit.inside = vk_dot(hit.facet, direction) > 0;
+    if (hit.inside) {
+        hit.facet = -hit.facet;
+        hit.normal = -hit.normal;
+    }
+    return true;
+}
+
+bool vk_World::occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const
+{
+    float toFloor = 0;
+    if (meetFloor(origin, direction, toFloor) && toFloor < distance)
+        return true;
+    if (!mayMeetShapes(origin, direction))
+        return false;
+    RTCRay ray = rayOf(origin, direction, distance);
+    RTCIntersectContext context;
+    rtcInitIntersectContext(&context);
+    rtcOccluded1(myEmbree->scene, &context, &ray);
+    return ray.tfar < 0;
+}

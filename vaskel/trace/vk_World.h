@@ -1,0 +1,69 @@
+// The geometry of a scene, ready for rays: the shapes as meshes in Embree, the
+// floor as a plane.
+//
+// After construction all operations are const and may be called from any
+// number of threads.
+#pragma once
+
+#include "vaskel/scene/vk_Scene.h"
+
+#include <memory>
+#include <string>
+
+struct vk_Hit {
+    float distance = 0;
+    vk_Vec position;
+    vk_Vec facet;          // unit normal of the geometry, to the ray's side
+    vk_Vec normal;         // unit, smooth, to the ray's side
+    vk_SurfacePoint point; // for the surface shader
+    const vk_SurfaceShader *surface = nullptr;
+    bool isFloor = false;
+    bool inside = false;              // the ray met the back of a shape
+    unsigned shape = 0, triangle = 0; // of the world's
+
+    // Where rays start that leave to a direction: off the surface, on that side.
+    vk_Vec start(const vk_Vec &direction) const;
+};
+
+class vk_World
+{
+public:
+    // Keeps a reference to the scene.
+    explicit vk_World(const vk_Scene &scene);
+    ~vk_World();
+    vk_World(const vk_World &) = delete;
+    vk_World &operator=(const vk_World &) = delete;
+
+    // Why there is no world to look at, when Embree failed; else "".
+    const std::string &error() const { return myError; }
+
+    // The first thing that a ray meets; false when it meets nothing.
+    bool intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const;
+
+    // Direction in which u grows at a hit, of no certain length; (1 0 0) on the floor.
+    vk_Vec along(const vk_Hit &hit) const;
+
+    // Whether light may pass through a shape, as through glass.
+    bool hasGlass() const { return myHasGlass; }
+
+    // Whether something lies on the way.
+    bool occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const;
+
+private:
+    struct Shape;
+    struct Embree;
+
+    // False, with an infinite distance, when the floor is not on the way.
+    bool meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const;
+    bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const;
+    void encloseShapes();
+    void describeShape(unsigned geometry, unsigned triangle, float u, float v, vk_Hit &hit) const;
+
+    const vk_Scene &myScene;
+    std::vector<std::unique_ptr<Shape>> myShapes; // by Embree's geometry number
+    std::unique_ptr<Embree> myEmbree;
+    vk_Vec myCentre;      // of a ball around all shapes;
+    float myRadius2 = -1; // the square, below 0: no shapes
+    bool myHasGlass = false;
+    std::string myError;
+};

@@ -1,9 +1,0 @@
-// Surface shaders of glass: a shape is filled with it, clear or with a tint that
-// grows with the way through (Beer and Lambert), behind a smooth or a ground surface
-// (vk_Microfacet.h).
-#pragma once
-
-#include "vaskel/vk_SurfaceShaders.h"
-
-extern const vk_Param VK_GLASS[3], VK_FROSTED[4];
-vk_SurfaceFunction vk_glass, vk_frosted;

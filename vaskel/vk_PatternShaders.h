@@ -1,7 +1,0 @@
-// Surface shaders whose base has a pattern: a block of material from which the
-// shape is carved. Coats are clear, as that of v_plastic.
-#pragma once
-
-#include "vaskel/vk_SurfaceShaders.h"
-
-extern const vk_ShaderTable<vk_SurfaceFunction> VK_PATTERN_SHADERS;
