@@ -39,8 +39,8 @@ UT_IStream *standardInput()
 } // namespace
 
 CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
-    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(*this)),
-      mySmallFiles(new cpp_SmallFiles(*this))
+    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(myMacros)),
+      mySmallFiles(new cpp_SmallFiles(myMacros))
 {
     const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
     myIncludePath.reset(UT_PathSearch::getNewInstance(known));
@@ -53,11 +53,6 @@ CPP_Manager::~CPP_Manager()
 {
     for (unsigned i = myFiles.entries(); i > 0; --i)
         myFiles(i - 1)->release();
-    const auto deleteMacro = [](void **value, const char *, void *) {
-        delete static_cast<cpp_Macro *>(*value);
-        return 1;
-    };
-    myMacros.traverseSymbols(deleteMacro, nullptr);
 }
 
 CPP_Stream *CPP_Manager::newStream()
@@ -167,6 +162,8 @@ bool CPP_Manager::pushPath(const char *path)
     auto *file = new CPP_File(newStream());
     CPP_Stream *stream = file->getStream();
     const bool isFile = *path != '\0' && !isStandardInput(path);
+    // Old-style includes are reported even in skipped text.
+    mySmallFiles->heedGuards(!hasFlag(OLD_STYLE_INCLUDE));
     if (isFile)
         static_cast<void>(stream->open(path)); // whether it is open now, counts
     else if (*path != '\0')
@@ -392,7 +389,10 @@ void CPP_Manager::expandInto(UT_ScratchBuffer &out)
         out.swap(myLine);
         return;
     }
-    if (myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), myRecursionLimit, out))
+    const bool isGood =
+        myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), myRecursionLimit, out);
+    myBlankLinesOwed += myExpander->linesTaken();
+    if (isGood)
         return;
     UT_String diagnostic;
     makeDiagnostic(diagnostic, ERROR, myExpander->message());
@@ -405,7 +405,9 @@ bool CPP_Manager::expandLine(CPP_File &file, const char *text, UT_String &result
 {
     UT_ScratchBuffer out;
     const int length = static_cast<int>(std::strlen(text));
-    if (!myExpander->expand(file, text, length, depthLeft, out)) {
+    const bool isGood = myExpander->expand(file, text, length, depthLeft, out);
+    myBlankLinesOwed += myExpander->linesTaken();
+    if (!isGood) {
         result.assignCopy(myExpander->message());
         return false;
     }
@@ -442,4 +444,28 @@ void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *for
     std::free(message);
     if (currentFile() != nullptr)
         myBlankLinesOwed = 1;
+}
+
+// ---- Macros ----------------------------------------------------------------
+
+bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool commandLineForm)
+{
+    result = "\n";
+    if (const char *name = myMacros.define(definition, commandLineForm))
+        diagnose(result, WARNING, "Macro \"%s\" redefined.  %s", name, "Using later definition");
+    return true;
+}
+
+bool CPP_Manager::defineMacroValue(const char *name, const char *value)
+{
+    UT_String result;
+    defineMacro((std::string(name) + " " + value).c_str(), result, false);
+    return std::strcmp(result, "\n") == 0;
+}
+
+bool CPP_Manager::undefineMacro(const char *text, UT_String &result)
+{
+    result = "\n";
+    myMacros.undefine(text);
+    return true;
 }

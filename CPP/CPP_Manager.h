@@ -24,7 +24,7 @@
 #pragma once
 
 #include "CPP/CPP_File.h"
-#include "CPP/cpp_NameFilter.h"
+#include "CPP/cpp_MacroTable.h"
 #include "UT/UT_PathSearch.h"
 #include "UT/UT_PtrArray.h"
 #include "UT/UT_ScratchBuffer.h"
@@ -38,7 +38,6 @@ class CPP_Stream;
 class UT_IStream;
 class cpp_Expander;
 class cpp_SmallFiles;
-struct cpp_Macro;
 
 class CPP_Manager
 {
@@ -129,13 +128,13 @@ public:
     // Removes the macro that the text's first word names. Always true.
     bool undefineMacro(const char *text, UT_String &result);
 
-    bool isMacroDefined(const char *name) const;
-    const cpp_Macro *findMacro(const char *name) const; // null when there is none
-    const cpp_Macro *findMacro(const char *name, size_t length) const;
+    bool isMacroDefined(const char *name) const { return myMacros.holds(name); }
+    const cpp_Macro *findMacro(const char *name) const { return myMacros.find(name); } // or null
+    const cpp_MacroTable &macros() const { return myMacros; }
 
     // Appends "#define NAME body" for each macro that is not built in, by name. Each is a
     // line that defines the same macro again.
-    void listMacros(UT_StringList &lines);
+    void listMacros(UT_StringList &lines) { myMacros.list(lines); }
 
     // Appends the expansion of `text`, a line of `file`, to the result. Macros in
     // replacements nest less than `depthLeft` deep (128, if that is below 1). On
@@ -148,7 +147,6 @@ public:
 
     bool hasFlag(Flag flag) const { return (myFlags & flag) != 0; }
     CPP_File *currentFile() const; // null when none is open
-    void oweBlankLine() { ++myBlankLinesOwed; }
 
 private:
     // A directive line, as a directive's function gets it.
@@ -205,7 +203,6 @@ private:
     bool pushFile(CPP_File *file, const char *path);
     void noteOpened(const char *path);
 
-    void storeMacro(const char *name, cpp_Macro *macro); // in place of one of that name
     bool applyOption(char letter, const char *value);
 
     std::unique_ptr<UT_PathSearch> myIncludePath;
@@ -213,8 +210,7 @@ private:
     UT_PtrArray<CPP_File *> myFiles; // the innermost last
     UT_StringList myOpenedFiles;
     UT_SymbolTable myOpenedNames; // the same, to find them; without values
-    UT_SymbolTable myMacros;      // values are cpp_Macro, deleted by us
-    cpp_NameFilter myMacroFilter; // of all names that myMacros ever held
+    cpp_MacroTable myMacros;
     unsigned myFlags = STRIP_COMMENTS | LINE_MARKERS | EXPAND_INCLUDE_NAMES;
     int myRecursionLimit;         // 0 means the default
     bool isPendingSource = false; // the held-back text is a source line, not output

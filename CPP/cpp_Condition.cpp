@@ -1,8 +1,8 @@
 #include "CPP/cpp_Condition.h"
 
-#include "CPP/CPP_Manager.h"
-#include "CPP/cpp_Macro.h"
+#include "CPP/cpp_MacroTable.h"
 #include "CPP/cpp_Text.h"
+#include "UT/UT_String.h"
 
 #include <cctype>
 #include <climits>
@@ -74,7 +74,7 @@ int32_t parseNumber(const std::string &digits, int base)
 class OperandReader
 {
 public:
-    OperandReader(const CPP_Manager &manager, const char *&text) : myManager(manager), myText(text)
+    OperandReader(const cpp_MacroTable &macros, const char *&text) : myMacros(macros), myText(text)
     {
     }
 
@@ -148,7 +148,7 @@ private:
     {
         if (!readText(myText, text))
             return false;
-        const cpp_Macro *macro = myManager.findMacro(text.c_str());
+        const cpp_Macro *macro = myMacros.find(text);
         if (macro == nullptr)
             return true;
         const char *body = skipSpace(macro->myBody.c_str());
@@ -166,7 +166,7 @@ private:
         std::string name;
         if (!takeSign('(') || !takeName(name) || !takeSign(')'))
             return false;
-        value = myManager.isMacroDefined(name.c_str());
+        value = myMacros.holds(name);
         return true;
     }
 
@@ -207,7 +207,7 @@ private:
     bool valueOfMacro(const std::string &name, int32_t &value) const
     {
         value = 0;
-        const cpp_Macro *macro = myManager.findMacro(name.c_str());
+        const cpp_Macro *macro = myMacros.find(name);
         if (macro == nullptr)
             return true;
         const char *body = skipSpace(macro->myBody.c_str());
@@ -215,7 +215,7 @@ private:
         return *body != '\0';
     }
 
-    const CPP_Manager &myManager;
+    const cpp_MacroTable &myMacros;
     const char *&myText;
 };
 
@@ -314,13 +314,10 @@ const Operator *findOperator(const char *text)
 }
 } // namespace
 
-int evaluateCondition(CPP_Manager &manager, const char *text, bool skipCheck)
+int evaluateCondition(const cpp_MacroTable &macros, const char *text)
 {
-    const CPP_File *file = manager.currentFile();
-    if (skipCheck && file != nullptr && file->isSkipping())
-        return 2;
     Evaluator evaluator;
-    OperandReader operands(manager, text);
+    OperandReader operands(macros, text);
     while (*(text = skipSpace(text)) != '\0') {
         bool isGood = false;
         if (const Operator *op = findOperator(text)) {

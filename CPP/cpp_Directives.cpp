@@ -96,7 +96,7 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
 bool CPP_Manager::namesMacro(const char *text) const
 {
     const std::string_view name = firstWord(text, MAX_TESTED_NAME);
-    return findMacro(name.data(), name.size()) != nullptr;
+    return myMacros.holds(name);
 }
 
 void CPP_Manager::doIfdef(const Directive &directive)
@@ -113,7 +113,8 @@ void CPP_Manager::doIfndef(const Directive &directive)
 
 void CPP_Manager::doIf(const Directive &directive)
 {
-    const int value = evaluateCondition(*this, directive.argument, true);
+    const int value = directive.file.isSkipping() ? static_cast<int>(CPP_File::DONE)
+                                                  : evaluateCondition(myMacros, directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#if syntax error");
     else
@@ -122,7 +123,7 @@ void CPP_Manager::doIf(const Directive &directive)
 
 void CPP_Manager::doElif(const Directive &directive)
 {
-    const int value = evaluateCondition(*this, directive.argument, false);
+    const int value = evaluateCondition(myMacros, directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#elif syntax error");
     else

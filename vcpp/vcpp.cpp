@@ -238,7 +238,8 @@ int print(CPP_Manager &manager, const vcpp_Options &options)
 
 int run(const vcpp_Options &options)
 {
-    CPP_Manager manager;
+    // Stays to the end: to free its macros one by one can take as long as to read them.
+    static CPP_Manager &manager = *new CPP_Manager;
     std::vector<char *> words = {const_cast<char *>("vcpp")};
     for (const std::string &word : options.forManager)
         words.push_back(const_cast<char *>(word.c_str()));
