@@ -58,19 +58,27 @@ void CPP_File::countLines(int lines)
 
 const char *CPP_File::takeRun(cpp_RunKind kind, int &length, int &lines)
 {
-    if (myStream == nullptr || myOwedNewlines > 0)
-        return nullptr;
-    const char *text = myStream->peekBuffered(length);
+    const char *text = peek(length);
     if (text == nullptr)
         return nullptr;
     length = static_cast<int>(runEnd(kind, text, text + length) - text);
     if (length == 0)
         return nullptr;
+    lines = ::countLines(text, text + length);
+    skip(length, lines);
+    return text;
+}
+
+const char *CPP_File::peek(int &length)
+{
+    return myStream == nullptr || myOwedNewlines > 0 ? nullptr : myStream->peekBuffered(length);
+}
+
+void CPP_File::skip(int length, int lines)
+{
     mySpecialFlag = mySpecialFlag || myStream->isSpecial();
     myStream->skipBuffered(length);
-    lines = ::countLines(text, text + length);
     countLines(lines);
-    return text;
 }
 
 bool CPP_File::readLogicalLine(UT_ScratchBuffer &line)

@@ -57,6 +57,11 @@ public:
     // and counts them. Null when there is none. The text holds until the next line.
     const char *takeRun(cpp_RunKind kind, int &length, int &lines);
 
+    // What comes next and is in memory already, null when nothing is; and takes whole lines
+    // of it, which are counted.
+    const char *peek(int &length);
+    void skip(int length, int lines);
+
     // ---- Conditionals: a stack, the innermost on top --------------------
     // On an empty stack all but push do nothing.
 

@@ -259,13 +259,32 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     int lines;
     text = file->takeRun(isDropped ? cpp_RunKind::DROPPED : cpp_RunKind::KEPT, length, lines);
     if (text == nullptr)
-        return false;
+        return !isDropped && takeDefinitions(*file, text, length);
     sawSpecialStream = sawSpecialStream || file->isSpecial();
     if (isDropped) {
         text = emptyLines(lines);
         length = lines;
     }
     return true;
+}
+
+// Definitions often come in thousands. Those that need no other stage are taken here at
+// once, the rest as lines.
+bool CPP_Manager::takeDefinitions(CPP_File &file, const char *&text, int &length)
+{
+    int available;
+    const char *start = file.peek(available);
+    if (start == nullptr || hasFlag(HASH_COMMENTS))
+        return false;
+    const char *next = start;
+    length = 0;
+    while (const char *behind = myMacros.takeLine(next, start + available)) {
+        next = behind;
+        ++length;
+    }
+    file.skip(static_cast<int>(next - start), length);
+    text = emptyLines(length);
+    return length > 0;
 }
 
 const char *CPP_Manager::emptyLines(int lines)

@@ -4,6 +4,8 @@
 #include "CPP/cpp_Text.h"
 
 #include <array>
+#include <cstddef>
+#include <cstring>
 
 enum cpp_Class : unsigned {
     CPP_SPACE = 1,
@@ -56,6 +58,16 @@ inline const char *findOther(unsigned classes, const char *from, const char *end
     while (from < end && isOf(classes, *from))
         ++from;
     return from;
+}
+
+// Behind white space. Definitions stand in columns, with many blanks between.
+inline const char *skipBlanks(const char *from, const char *end)
+{
+    constexpr char BLANKS[] = "        ";
+    constexpr std::ptrdiff_t STEP = sizeof BLANKS - 1;
+    while (end - from >= STEP && std::memcmp(from, BLANKS, STEP) == 0)
+        from += STEP;
+    return findOther(CPP_SPACE, from, end);
 }
 
 // The first place behind a text's name; no class has NUL.

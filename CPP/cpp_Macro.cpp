@@ -165,15 +165,6 @@ bool hasNothingToExpand(const std::string &body)
     return findOf(CPP_NAME_START | CPP_QUOTE | CPP_BACKSLASH, body.data(), end) == end;
 }
 
-void parseBody(cpp_Macro &macro, const char *text)
-{
-    text = skipSpace(text);
-    const char *end = text + std::strlen(text);
-    while (end > text && (end[-1] == '\n' || end[-1] == '\r'))
-        --end;
-    assignTrimmed(macro.myBody, text, end);
-}
-
 // From behind the "(".
 void parseParameters(cpp_Macro &macro, const char *text)
 {
@@ -181,6 +172,7 @@ void parseParameters(cpp_Macro &macro, const char *text)
     macro.myNumArgs = static_cast<int>(list.names.size());
     const std::string body = compileBody(text, list);
     assignTrimmed(macro.myBody, body.data(), body.data() + body.size());
+    macro.isPlain = hasNothingToExpand(macro.myBody);
     if (macro.myNumArgs == 0)
         return;
     std::vector<cpp_Macro::Piece> pieces = piecesOf(macro.myBody, list.names.size());
@@ -188,21 +180,28 @@ void parseParameters(cpp_Macro &macro, const char *text)
 }
 } // namespace
 
-cpp_Macro *cpp_Macro::parse(const char *definition, bool commandLineForm, std::string_view &name)
+std::string_view cpp_Macro::parse(const char *definition, bool commandLineForm)
 {
     const char *text = skipSpace(definition);
-    auto *macro = new cpp_Macro;
-    name = takeName(text, commandLineForm);
+    const std::string_view name = takeName(text, commandLineForm);
     if (name.empty())
-        return macro;
+        return name;
     if (commandLineForm && *text == '=')
         ++text;
     if (*text == '(')
-        parseParameters(*macro, text + 1);
+        parseParameters(*this, text + 1);
     else
-        parseBody(*macro, text);
-    macro->isPlain = hasNothingToExpand(macro->myBody);
-    return macro;
+        parseBody(text, text + std::strlen(text));
+    return name;
+}
+
+void cpp_Macro::parseBody(const char *text, const char *end)
+{
+    text = skipBlanks(text, end);
+    while (end > text && (end[-1] == '\n' || end[-1] == '\r'))
+        --end;
+    assignTrimmed(myBody, text, end);
+    isPlain = hasNothingToExpand(myBody);
 }
 
 bool cpp_Macro::isSameAs(const cpp_Macro &other) const

@@ -38,12 +38,15 @@ struct cpp_Macro {
     Builtin myBuiltin = NONE;                       // one of those has no body
     bool isPlain = true; // the body has nothing that expansion would change
 
-    // Reads a definition as CPP_Manager::defineMacro takes it, and gives its name, a part
-    // of that text. A bad name is empty, and so is its macro.
-    static cpp_Macro *parse(const char *definition, bool commandLineForm, std::string_view &name);
+    // Fills a new macro from a definition as CPP_Manager::defineMacro takes it. Returns its
+    // name, a part of that text. A bad name is empty, and so is its macro.
+    std::string_view parse(const char *definition, bool commandLineForm);
+
+    // The same from what stands behind the name of a macro without parameters.
+    void parseBody(const char *text, const char *end);
 
     bool isSameAs(const cpp_Macro &other) const;
 
-    // "#define NAME(a,b) body", from which parse() makes the same macro.
+    // "#define NAME(a,b) body", from which parse() reads the same macro.
     std::string toDefinition() const;
 };

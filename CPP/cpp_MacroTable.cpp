@@ -1,6 +1,7 @@
 #include "CPP/cpp_MacroTable.h"
 
-#include "CPP/cpp_Text.h"
+#include "CPP/cpp_Classes.h"
+#include "CPP/cpp_Runs.h"
 #include "UT/UT_StringList.h"
 
 #include <algorithm>
@@ -21,11 +22,19 @@ std::string nextIllegalName()
 
 cpp_MacroTable::~cpp_MacroTable()
 {
-    const auto deleteMacro = [](void **value, const char *, void *) {
-        delete static_cast<cpp_Macro *>(*value);
+    const auto destroyMacro = [](void **value, const char *, void *table) {
+        static_cast<cpp_MacroTable *>(table)->destroy(static_cast<cpp_Macro *>(*value));
         return 1;
     };
-    myMacros.traverseSymbols(deleteMacro, nullptr);
+    myMacros.traverseSymbols(destroyMacro, this);
+}
+
+void cpp_MacroTable::destroy(cpp_Macro *macro)
+{
+    if (macro == nullptr)
+        return;
+    macro->~cpp_Macro();
+    myMemory.release(macro);
 }
 
 const cpp_Macro *cpp_MacroTable::findHeld(std::string_view name) const
@@ -39,9 +48,9 @@ const cpp_Macro *cpp_MacroTable::findHeld(std::string_view name) const
 const char *cpp_MacroTable::store(std::string_view name, cpp_Macro *macro)
 {
     void *&slot = myMacros.findOrAddSymbol(name.data(), name.size(), macro->myName);
-    const auto *old = static_cast<const cpp_Macro *>(slot);
+    auto *old = static_cast<cpp_Macro *>(slot);
     const bool isOther = old != nullptr && !old->isSameAs(*macro);
-    delete old;
+    destroy(old);
     slot = macro;
     myFilter.add(name);
     return isOther ? macro->myName : nullptr;
@@ -49,14 +58,38 @@ const char *cpp_MacroTable::store(std::string_view name, cpp_Macro *macro)
 
 const char *cpp_MacroTable::define(const char *definition, bool commandLineForm)
 {
-    std::string_view name;
-    cpp_Macro *macro = cpp_Macro::parse(definition, commandLineForm, name);
+    cpp_Macro *macro = make();
+    const std::string_view name = macro->parse(definition, commandLineForm);
     return name.empty() ? store(nextIllegalName(), macro) : store(name, macro);
+}
+
+const char *cpp_MacroTable::takeLine(const char *line, const char *end)
+{
+    constexpr std::string_view DIRECTIVE = "#define ";
+    constexpr auto START = static_cast<std::ptrdiff_t>(DIRECTIVE.size());
+    if (end - line <= START || std::memcmp(line, DIRECTIVE.data(), DIRECTIVE.size()) != 0)
+        return nullptr;
+    const char *name = line + START;
+    const char *newline = simpleLineEnd(name, end);
+    const char *body = nameEnd(name, newline);
+    if (newline == end || *newline != '\n' || !isNameStart(*name) || !isSpace(*body))
+        return nullptr;
+    const std::string_view word(name, static_cast<size_t>(body - name));
+    const char *key;
+    void *&slot = myMacros.findOrAddSymbol(name, word.size(), key);
+    if (slot != nullptr)
+        return nullptr;
+    cpp_Macro *macro = make();
+    macro->parseBody(body, newline);
+    macro->myName = key;
+    slot = macro;
+    myFilter.add(word);
+    return newline + 1;
 }
 
 void cpp_MacroTable::defineBuiltin(const char *name, cpp_Macro::Builtin builtin)
 {
-    auto *macro = new cpp_Macro;
+    cpp_Macro *macro = make();
     macro->myBuiltin = builtin;
     store(name, macro);
 }
@@ -69,9 +102,10 @@ void cpp_MacroTable::undefine(const char *text)
         ++end;
     const auto length = std::min(static_cast<size_t>(end - begin), MAX_UNDEFINED_NAME);
     const std::string name(begin, length);
-    const cpp_Macro *macro = find(name);
-    myMacros.deleteSymbol(name.c_str());
-    delete macro;
+    void *macro = nullptr;
+    if (myMacros.findSymbol(name.c_str(), &macro))
+        myMacros.deleteSymbol(name.c_str());
+    destroy(static_cast<cpp_Macro *>(macro));
 }
 
 void cpp_MacroTable::list(UT_StringList &lines)

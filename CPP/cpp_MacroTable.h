@@ -3,8 +3,10 @@
 
 #include "CPP/cpp_Macro.h"
 #include "CPP/cpp_NameFilter.h"
+#include "UT/UT_FixedAllocator.h"
 #include "UT/UT_SymbolTable.h"
 
+#include <new>
 #include <string_view>
 
 class UT_StringList;
@@ -30,6 +32,11 @@ public:
     const char *define(const char *definition, bool commandLineForm);
     void defineBuiltin(const char *name, cpp_Macro::Builtin builtin);
 
+    // Takes the line at the front of a text if it is the definition of a new macro without
+    // parameters, as most are, in which no stage changes anything. Returns the place behind
+    // it; null, and nothing is taken, when it is any other line or may go on behind `end`.
+    const char *takeLine(const char *line, const char *end);
+
     // Removes the macro that the text's first word names, if there is one.
     void undefine(const char *text);
 
@@ -38,8 +45,11 @@ public:
 
 private:
     const cpp_Macro *findHeld(std::string_view name) const;
+    cpp_Macro *make() { return new (myMemory.allocate()) cpp_Macro; }
+    void destroy(cpp_Macro *macro); // null is none
     const char *store(std::string_view name, cpp_Macro *macro);
 
-    UT_SymbolTable myMacros; // values are cpp_Macro, deleted by us
+    UT_FixedAllocator myMemory{sizeof(cpp_Macro), false, 512};
+    UT_SymbolTable myMacros; // values are cpp_Macro from there
     cpp_NameFilter myFilter; // of all names that myMacros ever held
 };

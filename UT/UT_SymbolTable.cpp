@@ -125,7 +125,12 @@ UT_SymbolTable::Entry **UT_SymbolTable::locate(const Name &name) const
 UT_SymbolTable::Entry **UT_SymbolTable::placeOf(const char *name, uint32_t length,
                                                 uint32_t hash) const
 {
-    Entry **link = chainOf(hash);
+    Entry **const chain = chainOf(hash);
+    return *chain == nullptr ? chain : placeIn(chain, name, length);
+}
+
+UT_SymbolTable::Entry **UT_SymbolTable::placeIn(Entry **link, const char *name, uint32_t length)
+{
     while (*link != nullptr) {
         const Entry &entry = **link;
         const int order = std::memcmp(entry.myName, name, std::min(entry.myLength, length));

@@ -113,6 +113,7 @@ private:
     Entry **chainOf(uint32_t hash) const;
     Entry **locate(const Name &name) const;
     Entry **placeOf(const char *name, uint32_t length, uint32_t hash) const;
+    static Entry **placeIn(Entry **chain, const char *name, uint32_t length);
     Entry *findOrInsert(const Name &name, bool &isNew);
     bool lookUp(const Name &name, void **out) const;
 
