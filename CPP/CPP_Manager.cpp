@@ -5,6 +5,7 @@
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_QuietLines.h"
 #include "CPP/cpp_SmallFiles.h"
 #include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
@@ -259,7 +260,7 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     int lines;
     text = file->takeRun(isDropped ? cpp_RunKind::DROPPED : cpp_RunKind::KEPT, length, lines);
     if (text == nullptr)
-        return !isDropped && takeDefinitions(*file, text, length);
+        return !isDropped && takeQuiet(*file, text, length);
     sawSpecialStream = sawSpecialStream || file->isSpecial();
     if (isDropped) {
         text = emptyLines(lines);
@@ -268,23 +269,20 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     return true;
 }
 
-// Definitions often come in thousands. Those that need no other stage are taken here at
-// once, the rest as lines.
-bool CPP_Manager::takeDefinitions(CPP_File &file, const char *&text, int &length)
+bool CPP_Manager::takeQuiet(CPP_File &file, const char *&text, int &length)
 {
     int available;
     const char *start = file.peek(available);
     if (start == nullptr || hasFlag(HASH_COMMENTS))
         return false;
-    const char *next = start;
-    length = 0;
-    while (const char *behind = myMacros.takeLine(next, start + available)) {
-        next = behind;
-        ++length;
-    }
-    file.skip(static_cast<int>(next - start), length);
+    const bool strips = hasFlag(STRIP_COMMENTS) && !hasFlag(KEEP_SLASH_COMMENTS);
+    const char *end = takeQuietLines(myMacros, strips, start, start + available);
+    if (end == start)
+        return false;
+    length = countLines(start, end);
+    file.skip(static_cast<int>(end - start), length);
     text = emptyLines(length);
-    return length > 0;
+    return true;
 }
 
 const char *CPP_Manager::emptyLines(int lines)

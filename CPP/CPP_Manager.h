@@ -165,7 +165,7 @@ private:
 
     // emit
     bool takeRun(const char *&text, int &length);
-    bool takeDefinitions(CPP_File &file, const char *&text, int &length);
+    bool takeQuiet(CPP_File &file, const char *&text, int &length);
     const char *emptyLines(int lines);
     void processLine(UT_ScratchBuffer &out);
     bool processIfDirective(const char *first, UT_ScratchBuffer &out);

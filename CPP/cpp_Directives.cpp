@@ -77,9 +77,11 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
     CPP_File &file = *currentFile();
     const bool isSkipping = file.isSkipping();
     for (const DirectiveRow &row : DIRECTIVES) {
+        if (word != row.word)
+            continue;
         const bool applies = row.where == DirectiveRow::EVERYWHERE ||
                              (!isSkipping && (row.where == DirectiveRow::IN_TEXT || !hashComments));
-        if (applies && word == row.word) {
+        if (applies) {
             // The file stays until the directive is done, whatever is pushed or popped.
             file.addReference();
             (this->*row.apply)({file, text, argument, result});

@@ -195,12 +195,14 @@ std::string_view cpp_Macro::parse(const char *definition, bool commandLineForm)
     return name;
 }
 
-void cpp_Macro::parseBody(const char *text, const char *end)
+void cpp_Macro::parseBody(const char *text, const char *end, bool isPadded)
 {
     text = skipBlanks(text, end);
     while (end > text && (end[-1] == '\n' || end[-1] == '\r'))
         --end;
     assignTrimmed(myBody, text, end);
+    if (isPadded && !myBody.empty() && myBody.back() != ' ')
+        myBody += ' ';
     isPlain = hasNothingToExpand(myBody);
 }
 

@@ -42,8 +42,9 @@ struct cpp_Macro {
     // name, a part of that text. A bad name is empty, and so is its macro.
     std::string_view parse(const char *definition, bool commandLineForm);
 
-    // The same from what stands behind the name of a macro without parameters.
-    void parseBody(const char *text, const char *end);
+    // The same from what stands behind the name of a macro without parameters, and in front
+    // of further blanks if it `isPadded`.
+    void parseBody(const char *text, const char *end, bool isPadded = false);
 
     bool isSameAs(const cpp_Macro &other) const;
 

@@ -1,7 +1,6 @@
 #include "CPP/cpp_MacroTable.h"
 
-#include "CPP/cpp_Classes.h"
-#include "CPP/cpp_Runs.h"
+#include "CPP/cpp_Text.h"
 #include "UT/UT_StringList.h"
 
 #include <algorithm>
@@ -63,28 +62,18 @@ const char *cpp_MacroTable::define(const char *definition, bool commandLineForm)
     return name.empty() ? store(nextIllegalName(), macro) : store(name, macro);
 }
 
-const char *cpp_MacroTable::takeLine(const char *line, const char *end)
+bool cpp_MacroTable::add(std::string_view name, const char *body, const char *end, bool isPadded)
 {
-    constexpr std::string_view DIRECTIVE = "#define ";
-    constexpr auto START = static_cast<std::ptrdiff_t>(DIRECTIVE.size());
-    if (end - line <= START || std::memcmp(line, DIRECTIVE.data(), DIRECTIVE.size()) != 0)
-        return nullptr;
-    const char *name = line + START;
-    const char *newline = simpleLineEnd(name, end);
-    const char *body = nameEnd(name, newline);
-    if (newline == end || *newline != '\n' || !isNameStart(*name) || !isSpace(*body))
-        return nullptr;
-    const std::string_view word(name, static_cast<size_t>(body - name));
     const char *key;
-    void *&slot = myMacros.findOrAddSymbol(name, word.size(), key);
+    void *&slot = myMacros.findOrAddSymbol(name.data(), name.size(), key);
     if (slot != nullptr)
-        return nullptr;
+        return false;
     cpp_Macro *macro = make();
-    macro->parseBody(body, newline);
+    macro->parseBody(body, end, isPadded);
     macro->myName = key;
     slot = macro;
-    myFilter.add(word);
-    return newline + 1;
+    myFilter.add(name);
+    return true;
 }
 
 void cpp_MacroTable::defineBuiltin(const char *name, cpp_Macro::Builtin builtin)

@@ -32,10 +32,10 @@ public:
     const char *define(const char *definition, bool commandLineForm);
     void defineBuiltin(const char *name, cpp_Macro::Builtin builtin);
 
-    // Takes the line at the front of a text if it is the definition of a new macro without
-    // parameters, as most are, in which no stage changes anything. Returns the place behind
-    // it; null, and nothing is taken, when it is any other line or may go on behind `end`.
-    const char *takeLine(const char *line, const char *end);
+    // Adds a macro without parameters from what stands behind its name, with further blanks
+    // at the end if it `isPadded`. False, and no change, when there is one of that name.
+    // REQUIRES: the name is a good one
+    bool add(std::string_view name, const char *body, const char *end, bool isPadded);
 
     // Removes the macro that the text's first word names, if there is one.
     void undefine(const char *text);
