@@ -91,6 +91,7 @@ const char *CPP_Manager::getCurrentFileName() const
 void CPP_Manager::addIncludePath(const char *dir)
 {
     myIncludePath->addDirectory(dir);
+    myFoundPaths.clear();
 }
 
 void CPP_Manager::addIncludePathList(const char *pathList)
@@ -116,7 +117,7 @@ bool CPP_Manager::openStream(UT_IStream *is, const char *name)
     return pushFile(file, name);
 }
 
-bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &path) const
+bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &path)
 {
     name = skipSpace(name);
     const bool isAngled = *name == '<';
@@ -133,16 +134,38 @@ bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &p
     }
     if (!wanted.isNonEmpty())
         return false;
-    if (UTisExplicitPath(wanted) && access(wanted, R_OK) == 0) {
-        path.assignCopy(wanted);
+    const std::string key = lookupKey(wanted, isAngled);
+    const auto known = myFoundPaths.find(key);
+    if (known != myFoundPaths.end())
+        path.assignCopy(known->second.c_str());
+    else if (findFile(wanted, isAngled, path))
+        myFoundPaths.emplace(key, path.text());
+    return true;
+}
+
+// What a look-up depends on: names come again and again, and most of them are asked for in
+// several folders in vain.
+std::string CPP_Manager::lookupKey(const char *name, bool isAngled) const
+{
+    const CPP_File *file = isAngled ? nullptr : currentFile();
+    if (file == nullptr)
+        return std::string("<") + name;
+    const char *directory = file->getDirectory();
+    return (directory != nullptr ? std::string("/") + directory : "") + "\"" + name;
+}
+
+// False when it is nowhere; it is then tried as it stands.
+bool CPP_Manager::findFile(const char *name, bool isAngled, UT_String &path) const
+{
+    if (UTisExplicitPath(name) && access(name, R_OK) == 0) {
+        path.assignCopy(name);
         return true;
     }
-    if (!isAngled && findNearCurrentFile(wanted, path))
+    if (!isAngled && findNearCurrentFile(name, path))
         return true;
-    // A name that is nowhere on the path is tried as it stands.
-    myIncludePath->findFile(path, wanted, UT_PathSearch::KEEP_NAME);
+    const bool isFound = myIncludePath->findFile(path, name, UT_PathSearch::KEEP_NAME);
     path.makeOwned();
-    return true;
+    return isFound;
 }
 
 bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
@@ -155,7 +178,7 @@ bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
     if (directory != nullptr && std::strcmp(directory, ".") != 0)
         (path += directory) += "/";
     path += name;
-    return mySmallFiles->take(path).data() != nullptr || access(path, R_OK) == 0;
+    return access(path, R_OK) == 0;
 }
 
 bool CPP_Manager::pushPath(const char *path)

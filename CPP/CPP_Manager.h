@@ -33,6 +33,8 @@
 #include "UT/UT_SymbolTable.h"
 
 #include <memory>
+#include <string>
+#include <unordered_map>
 
 class CPP_Stream;
 class UT_IStream;
@@ -91,8 +93,9 @@ public:
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
     // `useSearchPath` an explicit name is taken when it can be read; any other is
-    // looked for beside the current file, then along the include path. False when
-    // there is no such file; nothing is reported.
+    // looked for beside the current file, then along the include path; where it was found
+    // it is taken from again in this manager's time. False when there is no such file;
+    // nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
 
     // The same from a stream that stays the caller's and outlives the reading.
@@ -198,8 +201,10 @@ private:
     bool include(const Directive &directive, UT_String &name);
 
     // input
-    bool resolveName(const char *name, bool useSearchPath, UT_String &path) const;
+    bool resolveName(const char *name, bool useSearchPath, UT_String &path);
+    bool findFile(const char *name, bool isAngled, UT_String &path) const;
     bool findNearCurrentFile(const char *name, UT_String &path) const;
+    std::string lookupKey(const char *name, bool isAngled) const;
     bool pushPath(const char *path);
     bool pushFile(CPP_File *file, const char *path);
     void noteOpened(const char *path);
@@ -207,8 +212,9 @@ private:
     bool applyOption(char letter, const char *value);
 
     std::unique_ptr<UT_PathSearch> myIncludePath;
-    UT_ScratchBuffer myPendingText;  // the next output line, held back
-    UT_PtrArray<CPP_File *> myFiles; // the innermost last
+    std::unordered_map<std::string, std::string> myFoundPaths; // by lookupKey()
+    UT_ScratchBuffer myPendingText;                            // the next output line, held back
+    UT_PtrArray<CPP_File *> myFiles;                           // the innermost last
     UT_StringList myOpenedFiles;
     UT_SymbolTable myOpenedNames; // the same, to find them; without values
     cpp_MacroTable myMacros;
