@@ -132,9 +132,15 @@ bool CPP_File::isSkipping() const
     return hasOpenCondition() && myConditions(myConditions.entries() - 1) != TAKING;
 }
 
+int CPP_File::openConditionLine() const
+{
+    return myConditionLines(myConditionLines.entries() - 1);
+}
+
 void CPP_File::pushCondition(int state)
 {
     myConditions.append(isSkipping() ? static_cast<int>(DONE) : state);
+    myConditionLines.append(myLineNumber);
 }
 
 void CPP_File::elifCondition(int value)
@@ -156,6 +162,8 @@ void CPP_File::elseCondition()
 
 void CPP_File::popCondition()
 {
-    if (hasOpenCondition())
-        myConditions.removeIndex(myConditions.entries() - 1);
+    if (!hasOpenCondition())
+        return;
+    myConditions.removeIndex(myConditions.entries() - 1);
+    myConditionLines.removeIndex(myConditionLines.entries() - 1);
 }

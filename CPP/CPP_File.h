@@ -67,6 +67,7 @@ public:
 
     bool isSkipping() const;
     bool hasOpenCondition() const { return myConditions.entries() > 0; }
+    int openConditionLine() const; // of the innermost; REQUIRES: there is one
     void pushCondition(int state); // DONE instead, inside skipped text
     void elifCondition(int value); // 0 false, 1 true, 2 not evaluated
     void elseCondition();
@@ -84,6 +85,7 @@ private:
     UT_String myDirectory;
     int myLineNumber = 0;
     UT_IntegerArray myConditions;
+    UT_IntegerArray myConditionLines; // where each was pushed
     UT_String myName = "";
     int myOwedNewlines = 0; // continuation lines not yet answered
     bool mySpecialFlag = false;

@@ -344,17 +344,19 @@ void CPP_Manager::takeSourceLine(UT_ScratchBuffer &out)
 void CPP_Manager::popFile(UT_ScratchBuffer &out)
 {
     CPP_File *file = currentFile();
-    UT_String diagnostic;
+    UT_String message = "";
     if (const char *reason = file->getStream()->readError()) {
-        UT_String message;
         message.sprintf("Unable to read: %s", reason);
-        makeDiagnostic(diagnostic, ERROR, message);
         stop();
     } else if (file->hasOpenCondition()) {
-        makeDiagnostic(diagnostic, ERROR, "Missing #endif");
+        message = "Missing #endif";
     }
-    if (diagnostic.isNonEmpty())
+    if (message.isNonEmpty()) {
+        UT_String diagnostic;
+        makeDiagnostic(diagnostic, ERROR, message);
         out.append(diagnostic);
+    }
+    reportEnd(*file, message.text());
     file->release();
     myFiles.removeIndex(myFiles.entries() - 1);
     hasPoppedFile = myFiles.entries() > 0;
@@ -367,6 +369,8 @@ void CPP_Manager::processLine(UT_ScratchBuffer &out)
     const bool strips = hasFlag(STRIP_COMMENTS);
     const bool isOpen = stripComments(myLine, strips && !hasFlag(KEEP_SLASH_COMMENTS),
                                       strips && hasFlag(HASH_COMMENTS), hasFlag(IN_BLOCK_COMMENT));
+    if (isOpen && !hasFlag(IN_BLOCK_COMMENT))
+        noteComment();
     setFlag(IN_BLOCK_COMMENT, isOpen);
 
     const char *first = skipSpace(myLine.buffer());
@@ -436,6 +440,7 @@ void CPP_Manager::expandInto(UT_ScratchBuffer &out)
         return;
     UT_String diagnostic;
     makeDiagnostic(diagnostic, ERROR, myExpander->message());
+    reportExpansion();
     out.clear();
     out.append(diagnostic);
     stop();
@@ -481,6 +486,7 @@ void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *for
     if (length < 0)
         return;
     makeDiagnostic(result, severity, message);
+    reportDirective(severity, message);
     std::free(message);
     if (currentFile() != nullptr)
         myBlankLinesOwed = 1;

@@ -24,6 +24,7 @@
 #pragma once
 
 #include "CPP/CPP_File.h"
+#include "CPP/CPP_Message.h"
 #include "CPP/cpp_MacroTable.h"
 #include "UT/UT_PathSearch.h"
 #include "UT/UT_PtrArray.h"
@@ -40,6 +41,7 @@ class CPP_Stream;
 class UT_IStream;
 class cpp_Expander;
 class cpp_SmallFiles;
+struct cpp_ConditionFault;
 
 class CPP_Manager
 {
@@ -118,6 +120,11 @@ public:
     // or whose guard left nothing of them, count; standard input and lent streams do not.
     const UT_StringList &getOpenedFiles() const { return myOpenedFiles; }
 
+    // Has what goes wrong told as well, when it happens: places and reasons that the
+    // output's diagnostics leave out, and warnings that it does not have. The output stays
+    // as it is.
+    void setListener(CPP_Listener listener);
+
     // ---- Macros --------------------------------------------------------
 
     // Stores a definition, "NAME body" or "NAME(a,b) body"; in the command-line
@@ -190,6 +197,7 @@ private:
     void doIfndef(const Directive &directive);
     void doIf(const Directive &directive);
     void doElif(const Directive &directive);
+    int evaluate(const char *condition);
     void doElse(const Directive &directive);
     void doEndif(const Directive &directive);
     void doDefine(const Directive &directive);
@@ -199,6 +207,17 @@ private:
     void doLine(const Directive &directive);
     void doPassThrough(const Directive &directive);
     bool include(const Directive &directive, UT_String &name);
+
+    // report; nothing without a listener
+    CPP_Message messageAt(const char *place, const std::string &text) const;
+    void warn(CPP_Warning warning, CPP_Message message) const;
+    void reportDirective(Severity severity, const char *message);
+    void reportExpansion() const;
+    void reportEnd(const CPP_File &file, const std::string &text);
+    void noteComment();
+    void warnDefinition(const char *definition);
+    void warnWord(const std::string &word, const char *place);
+    void warnCondition(const cpp_ConditionFault &fault);
 
     // input
     bool resolveName(const char *name, bool useSearchPath, UT_String &path);
@@ -230,4 +249,12 @@ private:
     bool isLineLent = false;   // to the caller, who has given us another buffer
     UT_ScratchBuffer myOutput; // for callers who bring no buffer
     UT_ScratchBuffer myEmptyLines;
+
+    CPP_Listener myListener;
+    const char *myPlace = nullptr; // in myLine, for what is reported next
+    std::string myDetail, myHint;  // of it
+    struct {
+        const CPP_File *file;
+        int line, column;
+    } myComment = {}; // the last one that went on on the next line
 };

@@ -74,7 +74,8 @@ int32_t parseNumber(const std::string &digits, int base)
 class OperandReader
 {
 public:
-    OperandReader(const cpp_MacroTable &macros, const char *&text) : myMacros(macros), myText(text)
+    OperandReader(const cpp_MacroTable &macros, const char *&text, cpp_ConditionFault &fault)
+        : myMacros(macros), myText(text), myFault(fault)
     {
     }
 
@@ -83,21 +84,31 @@ public:
         if (isDigit(*myText) || *myText == '-')
             return takeNumber(value);
         std::string name;
+        const char *start = myText;
         if (!takeName(name))
-            return false;
+            return fail("this is no number, name or operator");
         for (const Function &function : FUNCTIONS) {
             if (name == function.name)
-                return (this->*function.take)(value);
+                return (this->*function.take)(value) || fail(function.form);
         }
-        return valueOfMacro(name, value);
+        if (*skipSpace(myText) == '(')
+            return fail("macros with arguments are not expanded here");
+        return valueOfMacro(name, start, value);
     }
 
 private:
     struct Function {
         const char *name;
         bool (OperandReader::*take)(int32_t &value);
+        const char *form; // for the message when it is written otherwise
     };
     static const Function FUNCTIONS[4];
+
+    bool fail(const char *error)
+    {
+        myFault.error = error;
+        return false;
+    }
 
     bool takeNumber(int32_t &value)
     {
@@ -111,7 +122,8 @@ private:
             digits += *myText;
         value = parseNumber(digits, 0);
         value = isNegative ? wrap(-int64_t{value}) : value;
-        return true;
+        // What follows would be another operand.
+        return !isNameCharacter(*myText) || fail("a number has no suffix, and is decimal or 0x...");
     }
 
     bool takeName(std::string &name)
@@ -204,7 +216,7 @@ private:
         return true;
     }
 
-    bool valueOfMacro(const std::string &name, int32_t &value) const
+    bool valueOfMacro(const std::string &name, const char *start, int32_t &value)
     {
         value = 0;
         const cpp_Macro *macro = myMacros.find(name);
@@ -212,18 +224,23 @@ private:
             return true;
         const char *body = skipSpace(macro->myBody.c_str());
         value = parseNumber(body, 10);
-        return *body != '\0';
+        const size_t sign = *body == '-' || *body == '+' ? 1 : 0;
+        const size_t digits = std::strspn(body + sign, "0123456789");
+        if (digits == 0 || *skipSpace(body + sign + digits) != '\0')
+            myFault.oddMacro = myFault.oddMacro != nullptr ? myFault.oddMacro : start;
+        return *body != '\0' || fail("this macro is empty");
     }
 
     const cpp_MacroTable &myMacros;
     const char *&myText;
+    cpp_ConditionFault &myFault;
 };
 
 const OperandReader::Function OperandReader::FUNCTIONS[4] = {
-    {"defined", &OperandReader::takeDefined},
-    {"environment", &OperandReader::takeEnvironment},
-    {"access", &OperandReader::takeAccess},
-    {"strcmp", &OperandReader::takeCompare},
+    {"defined", &OperandReader::takeDefined, "this is written defined(NAME)"},
+    {"environment", &OperandReader::takeEnvironment, "this is written environment(NAME)"},
+    {"access", &OperandReader::takeAccess, "this is written access(\"PATH\")"},
+    {"strcmp", &OperandReader::takeCompare, "this is written strcmp(\"TEXT\", \"TEXT\")"},
 };
 
 // ---- Evaluation ----------------------------------------------------------
@@ -314,11 +331,14 @@ const Operator *findOperator(const char *text)
 }
 } // namespace
 
-int evaluateCondition(const cpp_MacroTable &macros, const char *text)
+int evaluateCondition(const cpp_MacroTable &macros, const char *text, cpp_ConditionFault *fault)
 {
+    cpp_ConditionFault unasked;
+    cpp_ConditionFault &found = fault != nullptr ? *fault : unasked;
     Evaluator evaluator;
-    OperandReader operands(macros, text);
+    OperandReader operands(macros, text, found);
     while (*(text = skipSpace(text)) != '\0') {
+        found.place = text;
         bool isGood = false;
         if (const Operator *op = findOperator(text)) {
             text += std::strlen(op->text);
@@ -327,9 +347,15 @@ int evaluateCondition(const cpp_MacroTable &macros, const char *text)
             int32_t value = 0;
             isGood = operands.take(value) && evaluator.takeOperand(value);
         }
-        if (!isGood)
-            return -1;
+        if (isGood)
+            continue;
+        if (found.error == nullptr)
+            found.error = "this does not follow what is in front of it";
+        return -1;
     }
     bool value = false;
-    return evaluator.finish(value) ? static_cast<int>(value) : -1;
+    if (evaluator.finish(value))
+        return static_cast<int>(value);
+    found.error = "the expression does not end";
+    return -1;
 }

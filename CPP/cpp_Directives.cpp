@@ -73,6 +73,7 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
     text = skipSpace(text);
     const std::string_view word = firstWord(text, MAX_WORD);
     const char *argument = skipSpace(text + word.size());
+    myPlace = text;
 
     CPP_File &file = *currentFile();
     const bool isSkipping = file.isSkipping();
@@ -86,10 +87,14 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
             file.addReference();
             (this->*row.apply)({file, text, argument, result});
             file.release();
+            myPlace = nullptr;
             return;
         }
     }
-    if (!isSkipping && hasFlag(KEEP_MACROS))
+    const bool isKept = hasFlag(KEEP_MACROS);
+    if (!hashComments && !isKept)
+        warnWord(std::string(word), text);
+    if (!isSkipping && isKept)
         result.sprintf("#%s", text);
     else if (!isSkipping && !hashComments)
         diagnose(result, ERROR, "Undefined directive \"%s\"\n", std::string(word).c_str());
@@ -113,10 +118,18 @@ void CPP_Manager::doIfndef(const Directive &directive)
                                                                 : CPP_File::TAKING);
 }
 
+int CPP_Manager::evaluate(const char *condition)
+{
+    cpp_ConditionFault fault;
+    const int value = evaluateCondition(myMacros, condition, &fault);
+    warnCondition(fault);
+    return value;
+}
+
 void CPP_Manager::doIf(const Directive &directive)
 {
     const int value = directive.file.isSkipping() ? static_cast<int>(CPP_File::DONE)
-                                                  : evaluateCondition(myMacros, directive.argument);
+                                                  : evaluate(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#if syntax error");
     else
@@ -125,7 +138,7 @@ void CPP_Manager::doIf(const Directive &directive)
 
 void CPP_Manager::doElif(const Directive &directive)
 {
-    const int value = evaluateCondition(myMacros, directive.argument);
+    const int value = evaluate(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#elif syntax error");
     else
@@ -144,9 +157,12 @@ void CPP_Manager::doEndif(const Directive &directive)
 
 void CPP_Manager::doDefine(const Directive &directive)
 {
+    myPlace = directive.argument;
     defineMacro(directive.argument, directive.result, false);
     if (hasFlag(KEEP_MACROS))
         doPassThrough(directive);
+    else
+        warnDefinition(directive.argument);
 }
 
 void CPP_Manager::doUndef(const Directive &directive)
@@ -184,6 +200,7 @@ void CPP_Manager::doInclude(const Directive &directive)
     if (include(directive, name))
         return;
     name.changeSuffix("\n", "");
+    myPlace = directive.argument;
     diagnose(directive.result, ERROR, "Unable to include %s", name.text());
 }
 

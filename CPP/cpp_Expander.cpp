@@ -15,6 +15,10 @@
 namespace
 {
 const char LIMIT_REACHED[] = "Macro recursion limit reached";
+const char NO_END[] = "the list of arguments does not end";
+const char TOO_MANY[] = "there are too many arguments";
+const char TOO_LONG[] = "an argument has more than 8191 characters";
+const char MISMATCHED[] = "Mismatched quotation marks";
 
 constexpr size_t MAX_ARGUMENT = 8192; // characters, this one excluded
 
@@ -71,7 +75,42 @@ void append(UT_ScratchBuffer &out, const char *from, const char *to)
 bool cpp_Expander::fail(std::string message)
 {
     myMessage = std::move(message);
+    myFaultDepth = myDepth;
     return false;
+}
+
+bool cpp_Expander::failList(const char *reason)
+{
+    myReason = reason;
+    return false;
+}
+
+void cpp_Expander::notePlace(const char *place)
+{
+    myPlace = place;
+    myPlaceLine = myFile->getLineNumber();
+    myLinesToPlace = myLinesTaken;
+}
+
+cpp_Expander::Fault cpp_Expander::fault() const
+{
+    Fault fault;
+    fault.line = myPlaceLine;
+    fault.isQuote = myReason == nullptr && myMessage == MISMATCHED;
+    if (myReason != nullptr)
+        fault.detail = std::string(": ") + myReason;
+    const Level &outermost = *myLevels[0];
+    const bool isInText = myLinesToPlace == 0;
+    if (!isInText && myLinesToPlace != myLinesTaken) // its line is gone
+        return fault;
+    const char *start = isInText ? myText : outermost.start;
+    const char *end = isInText ? myTextEnd : outermost.end;
+    fault.source.assign(start, end);
+    fault.column = static_cast<int>(myPlace - start) + 1;
+    if (myFaultDepth > 0)
+        fault.detail += " in what \"" + std::string(myPlace, findOther(CPP_NAME, myPlace, end)) +
+                        "\" stands for";
+    return fault;
 }
 
 bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limit,
@@ -80,6 +119,9 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
     myFile = &file;
     myOut = &out;
     myLinesTaken = 0;
+    myText = text;
+    myTextEnd = text + length;
+    myReason = nullptr;
     myLimit = static_cast<size_t>(limit > 0 ? limit : DEFAULT_LIMIT);
     myBudget = BUDGET + BUDGET_PER_CHARACTER * static_cast<size_t>(std::min(length, MAX_COUNTED));
     goToLevel(0);
@@ -145,13 +187,15 @@ bool cpp_Expander::expandLevel()
         const cpp_Macro *macro = nullptr;
         const char *stop = findWork(here, macro, nameLength);
         append(*myOut, here.next, stop);
+        if (myDepth == 0)
+            notePlace(stop);
         here.next = stop + nameLength;
         if (macro != nullptr) {
             if (!expandMacro(*macro))
                 return false;
         } else if (stop < here.end) {
             if (isOf(CPP_QUOTE, *stop))
-                return fail("Mismatched quotation marks");
+                return fail(MISMATCHED);
             copyBackslash();
         }
     }
@@ -295,7 +339,7 @@ bool cpp_Expander::skipSpace(bool acrossLines)
 bool cpp_Expander::takeArguments(int count)
 {
     if (!skipSpace(false) || *level().next != '(')
-        return false;
+        return failList("there is no list of arguments behind it on this line");
     ++level().next;
     myArguments.resize(static_cast<size_t>(count));
     for (Argument &argument : myArguments)
@@ -307,12 +351,14 @@ bool cpp_Expander::takeArguments(int count)
         ++myTaken;
         const bool isLast = i + 1 == count;
         if (*level().next != (isLast ? ')' : ','))
-            return false;
+            return failList(isLast ? TOO_MANY : "there are too few arguments");
         if (!isLast)
             ++level().next;
     }
-    if (!skipSpace(true) || *level().next != ')')
-        return false;
+    if (!skipSpace(true))
+        return failList(NO_END);
+    if (*level().next != ')')
+        return failList(TOO_MANY);
     ++level().next;
     return true;
 }
@@ -321,7 +367,7 @@ bool cpp_Expander::takeArguments(int count)
 bool cpp_Expander::takeArgument(Argument &argument)
 {
     if (!skipSpace(true))
-        return false;
+        return failList(NO_END);
     const char *begin = level().next;
     if (takeAsItStands()) {
         argument.text = {begin, static_cast<size_t>(level().next - begin)};
@@ -331,7 +377,9 @@ bool cpp_Expander::takeArgument(Argument &argument)
             return false;
         argument.text = argument.copy;
     }
-    return !argument.text.empty() && argument.text.size() < MAX_ARGUMENT;
+    if (argument.text.empty())
+        return failList("an argument is empty");
+    return argument.text.size() < MAX_ARGUMENT || failList(TOO_LONG);
 }
 
 // Passes an argument that lies within the line and has nothing that changes: most do.
@@ -367,15 +415,15 @@ bool cpp_Expander::copyArgument(std::string &argument)
             argument.append(run, static_cast<size_t>(here.next - run));
         } else if (run == here.end) {
             if (!readLine())
-                return false;
+                return failList(NO_END);
         } else {
             if (parentheses == 0 && (*run == ',' || *run == ')'))
                 return true;
             if (!takeCharacter(argument, parentheses))
-                return false;
+                return failList("a quote in an argument does not end on its line");
         }
     }
-    return false;
+    return failList(TOO_LONG);
 }
 
 bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)

@@ -36,6 +36,18 @@ public:
     [[nodiscard]] bool expand(CPP_File &file, const char *text, int length, int limit,
                               UT_ScratchBuffer &out);
     const char *message() const { return myMessage.c_str(); }
+
+    // Where in the text, or in a line taken, and why the last expand() failed. To be asked
+    // while the text is there.
+    struct Fault {
+        int line = 0;
+        int column = 0;     // from 1; 0: unknown
+        std::string source; // the line, where it is known
+        std::string detail; // to add to the message
+        bool isQuote = false;
+    };
+    Fault fault() const;
+
     int linesTaken() const { return myLinesTaken; } // by the last expand()
 
     // Whether expand() would copy all of the text as it is.
@@ -67,6 +79,8 @@ private:
     };
 
     bool fail(std::string message);
+    bool failList(const char *reason);
+    void notePlace(const char *place);
     Level &level() { return *myLevel; }
     Level &levelAt(size_t depth); // makes it, one behind the last
     void goToLevel(size_t depth);
@@ -110,4 +124,13 @@ private:
     size_t myTaken = 0;
     size_t myOwned = 0;
     std::string myMessage;
+
+    // The last place of the outermost level that was more than copied.
+    const char *myText = nullptr; // of the line, and behind it
+    const char *myTextEnd = nullptr;
+    const char *myPlace = nullptr;
+    int myPlaceLine = 0;
+    int myLinesToPlace = 0;
+    const char *myReason = nullptr; // why an argument list is bad
+    size_t myFaultDepth = 0;
 };
