@@ -12,6 +12,7 @@
 #include "UT/UT_IStream.h"
 #include "UT/UT_Memory.h"
 
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -181,8 +182,17 @@ bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
     return access(path, R_OK) == 0;
 }
 
+bool CPP_Manager::isOnce(const char *path) const
+{
+    char real[PATH_MAX];
+    return myOnceFiles.entries() > 0 && realpath(path, real) != nullptr &&
+           myOnceFiles.findSymbol(real);
+}
+
 bool CPP_Manager::pushPath(const char *path)
 {
+    if (isOnce(path))
+        return true;
     auto *file = new CPP_File(newStream());
     CPP_Stream *stream = file->getStream();
     const bool isFile = *path != '\0' && !isStandardInput(path);

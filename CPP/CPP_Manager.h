@@ -113,6 +113,10 @@ public:
     // diagnostic comes alone.
     [[nodiscard]] bool getLines(const char *&text, int &length);
 
+    // From now on "#pragma once" keeps its file, under whatever name, from being included
+    // again: such an include gives its own empty line only, and so does the pragma.
+    void honourPragmaOnce() { honoursOnce = true; }
+
     const char *getCurrentFileName() const; // "<unknown>" when none is open
 
     // The paths of all files that were opened so far, as they were opened, each once, in
@@ -225,6 +229,7 @@ private:
     bool findNearCurrentFile(const char *name, UT_String &path) const;
     std::string lookupKey(const char *name, bool isAngled) const;
     bool pushPath(const char *path);
+    bool isOnce(const char *path) const;
     bool pushFile(CPP_File *file, const char *path);
     void noteOpened(const char *path);
 
@@ -242,6 +247,8 @@ private:
     bool isPendingSource = false; // the held-back text is a source line, not output
     int myBlankLinesOwed = 0;
     bool sawSpecialStream = false;
+    bool honoursOnce = false;
+    UT_SymbolTable myOnceFiles; // real paths, without values
     bool hasPoppedFile = false; // the next line read goes on in an outer file
     std::unique_ptr<cpp_Expander> myExpander;
     std::unique_ptr<cpp_SmallFiles> mySmallFiles;

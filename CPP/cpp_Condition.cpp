@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -29,7 +30,7 @@ using Apply = int32_t (*)(int64_t left, int64_t right);
 enum Kind { INFIX, UNARY, OPEN, CLOSE };
 
 struct Operator {
-    const char *text;
+    std::string_view text;
     int precedence; // the smaller, the tighter
     Kind kind;
     Apply apply;
@@ -251,6 +252,12 @@ const OperandReader::Function OperandReader::FUNCTIONS[4] = {
 class Evaluator
 {
 public:
+    Evaluator()
+    {
+        myValues.reserve(USUAL_DEPTH);
+        myOperators.reserve(USUAL_DEPTH);
+    }
+
     bool takeOperand(int32_t value)
     {
         if (!expectsOperand)
@@ -314,6 +321,8 @@ private:
         return true;
     }
 
+    static constexpr size_t USUAL_DEPTH = 8;
+
     std::vector<int32_t> myValues;
     std::vector<const Operator *> myOperators;
     bool expectsOperand = true;
@@ -321,10 +330,12 @@ private:
 
 const Operator *findOperator(const char *text)
 {
+    if (isNameCharacter(*text))
+        return nullptr;
     if (text[0] == '-' && isDigit(text[1]))
         return nullptr;
     for (const Operator &op : OPERATORS) {
-        if (std::strncmp(text, op.text, std::strlen(op.text)) == 0)
+        if (text[0] == op.text[0] && (op.text.size() == 1 || text[1] == op.text[1]))
             return &op;
     }
     return nullptr;
@@ -341,7 +352,7 @@ int evaluateCondition(const cpp_MacroTable &macros, const char *text, cpp_Condit
         found.place = text;
         bool isGood = false;
         if (const Operator *op = findOperator(text)) {
-            text += std::strlen(op->text);
+            text += op->text.size();
             isGood = evaluator.takeOperator(*op);
         } else {
             int32_t value = 0;

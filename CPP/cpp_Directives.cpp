@@ -7,6 +7,8 @@
 #include "UT/UT_ExpandVariables.h"
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -231,5 +233,11 @@ void CPP_Manager::doLine(const Directive &directive)
 
 void CPP_Manager::doPassThrough(const Directive &directive)
 {
-    directive.result.sprintf("#%s", directive.line);
+    char real[PATH_MAX];
+    const bool isOnce = honoursOnce && firstWord(directive.line, MAX_WORD) == "pragma" &&
+                        firstWord(directive.argument, MAX_WORD) == "once";
+    if (!isOnce)
+        directive.result.sprintf("#%s", directive.line);
+    else if (realpath(directive.file.getName(), real) != nullptr)
+        myOnceFiles.addSymbol(real, nullptr);
 }

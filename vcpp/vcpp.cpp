@@ -231,6 +231,8 @@ int run(vcpp_Options &options)
         words.push_back(const_cast<char *>(word.c_str()));
     if (manager.parseOptions(static_cast<int>(words.size()), words.data()) == 0)
         return badUsage("bad option");
+    if (options.honoursOnce)
+        manager.honourPragmaOnce();
     const int status = print(manager, options);
     if (status != OK || !options.hasRule || options.print == vcpp_Options::RULE)
         return status;

@@ -96,6 +96,7 @@ const Option OPTIONS[] = {
     {"-U", "name", nullptr, "Remove a macro"},
     {"-I", "directory", nullptr, "Search include files there too"},
     {"-include", "file", append<&vcpp_Options::includes>, "Read this file in front of FILE"},
+    {"--once", nullptr, switchOn<&vcpp_Options::honoursOnce>, "Heed #pragma once"},
     {"-r", "number", nullptr, "Nest macros at most this deep (128)"},
     {"-C", nullptr, nullptr, "Keep comments: for text that its reader strips"},
     {"-c", nullptr, nullptr, "Take // and /* for text: for lists of files, URLs"},

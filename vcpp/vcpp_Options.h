@@ -18,6 +18,7 @@ struct vcpp_Options {
     std::vector<std::string> includes;   // read in front of the file
     std::string output;                  // a file's name; empty or "-": standard output
 
+    bool honoursOnce = false; // #pragma once
     vcpp_Messages messages;
 
     // The rule for make.
