@@ -1,9 +1,10 @@
 #include "CPP/cpp_Condition.h"
 
+#include "CPP/cpp_Classes.h"
 #include "CPP/cpp_MacroTable.h"
-#include "CPP/cpp_Text.h"
 #include "UT/UT_String.h"
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstdint>
@@ -131,8 +132,8 @@ private:
     {
         if (!isNameStart(*myText))
             return false;
-        for (name.clear(); isNameCharacter(*myText) && name.size() < MAX_NAME; ++myText)
-            name += *myText;
+        name.assign(myText, std::min(skipName(myText), myText + MAX_NAME));
+        myText += name.size();
         return true;
     }
 
