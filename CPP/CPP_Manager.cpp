@@ -306,7 +306,7 @@ bool CPP_Manager::takeQuiet(CPP_File &file, const char *&text, int &length)
 {
     int available;
     const char *start = file.peek(available);
-    if (start == nullptr || hasFlag(HASH_COMMENTS))
+    if (start == nullptr || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
         return false;
     const bool strips = hasFlag(STRIP_COMMENTS) && !hasFlag(KEEP_SLASH_COMMENTS);
     const char *end = takeQuietLines(myMacros, strips, start, start + available);

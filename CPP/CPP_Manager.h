@@ -144,6 +144,10 @@ public:
 
     bool isMacroDefined(const char *name) const { return myMacros.holds(name); }
     const cpp_Macro *findMacro(const char *name) const { return myMacros.find(name); } // or null
+    const cpp_Macro *findMacro(const char *name, size_t length) const
+    {
+        return myMacros.find({name, length});
+    }
     const cpp_MacroTable &macros() const { return myMacros; }
 
     // Appends "#define NAME body" for each macro that is not built in, by name. Each is a
