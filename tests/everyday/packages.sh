@@ -12,10 +12,11 @@ make deb
 base=build/everyday/system.tar
 mkdir -p build/everyday
 if [ -z "$(find build/everyday -name system.tar -mtime -1)" ]; then
-    cat /etc/apt/sources.list /etc/apt/sources.list.d/debian.sources 2>/dev/null |
+    { cat /etc/apt/sources.list /etc/apt/sources.list.d/debian.sources 2>/dev/null || true; } |
         mmdebstrap --quiet --variant=apt --include="bubblewrap,cmake,dbus,g++,gir1.2-glib-2.0,\
 gir1.2-gnomedesktop-4.0,make,pkg-config,python3-gi,shared-mime-info,tumbler" \
-            "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$base"
+            "$(. /etc/os-release && echo "$VERSION_CODENAME")" "build/everyday/new.tar"
+    mv build/everyday/new.tar "$base"
 fi
 system=$(mktemp -d)
 trap 'rm -rf "$system"' EXIT
