@@ -97,7 +97,7 @@ std::string lightOf(const std::string &lines, std::uint32_t rays)
         if (!vk_isFinite(light))
             return "ray " + std::to_string(i);
     }
-    if (std::min({sum.x, sum.y, sum.z}) < 0)
+    if (std::min({sum.x, sum.y, sum.z}) < -.02f * static_cast<float>(rays))
         return "less than nothing";
     return world.error().empty() ? "finite" : world.error();
 }
