@@ -150,6 +150,11 @@ public:
     CPP_File *currentFile() const; // null when none is open
     void oweBlankLine() { ++myBlankLinesOwed; }
 
+protected:
+    // What the expression of an #if or #elif is worth: 1 true, 0 false, -1 a syntax
+    // error. For the callers of keepMacros(), whose conditions may be another language's.
+    virtual int conditionValue(const char *text);
+
 private:
     // A directive line, as a directive's function gets it.
     struct Directive {

@@ -314,11 +314,8 @@ const Operator *findOperator(const char *text)
 }
 } // namespace
 
-int evaluateCondition(CPP_Manager &manager, const char *text, bool skipCheck)
+int evaluateCondition(CPP_Manager &manager, const char *text)
 {
-    const CPP_File *file = manager.currentFile();
-    if (skipCheck && file != nullptr && file->isSkipping())
-        return 2;
     Evaluator evaluator;
     OperandReader operands(manager, text);
     while (*(text = skipSpace(text)) != '\0') {

@@ -18,5 +18,5 @@
 class CPP_Manager;
 
 // 1 true (also any other number than 0), 0 false (also a blank text), -1 syntax
-// error; 2, unseen, when `skipCheck` is set and the current file is skipping.
-[[nodiscard]] int evaluateCondition(CPP_Manager &manager, const char *text, bool skipCheck);
+// error.
+[[nodiscard]] int evaluateCondition(CPP_Manager &manager, const char *text);

@@ -111,9 +111,14 @@ void CPP_Manager::doIfndef(const Directive &directive)
                                                                 : CPP_File::TAKING);
 }
 
+int CPP_Manager::conditionValue(const char *text)
+{
+    return evaluateCondition(*this, text);
+}
+
 void CPP_Manager::doIf(const Directive &directive)
 {
-    const int value = evaluateCondition(*this, directive.argument, true);
+    const int value = directive.file.isSkipping() ? 2 : conditionValue(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#if syntax error");
     else
@@ -122,7 +127,7 @@ void CPP_Manager::doIf(const Directive &directive)
 
 void CPP_Manager::doElif(const Directive &directive)
 {
-    const int value = evaluateCondition(*this, directive.argument, false);
+    const int value = conditionValue(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#elif syntax error");
     else

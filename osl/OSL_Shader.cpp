@@ -210,7 +210,7 @@ bool OSL_Shader::compile()
     made.checker = std::make_unique<osl_Checker>(made.tree, made.messages);
     bool isGood = parser.parse() && made.checker->run();
     if (isGood && made.tree.shader == nullptr) {
-        made.messages.error({}, "no shader in this source");
+        made.messages.error({}, "No shader function defined");
         isGood = false;
     }
     isGood = isGood && made.messages.errors() == 0;

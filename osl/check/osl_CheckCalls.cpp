@@ -410,7 +410,9 @@ void osl_Checker::checkFormat(Node *node, int formatArgument)
                          : arg->type.base == osl_Type::INT ? osl_FormatArg::INT
                                                            : osl_FormatArg::FLOAT;
         if (arg->type.isStruct())
-            return error(TYPES, node->place, intro + "struct arguments are not supported)");
+            return error(TYPES, node->place,
+                         "struct '" + std::string(arg->type.record->name) +
+                             "' is not a valid argument");
         if (got != wants)
             return error(TYPES, node->place,
                          intro + "arg " + std::to_string(number) + " needs " +

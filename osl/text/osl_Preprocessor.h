@@ -53,6 +53,7 @@ private:
     void doDirective(const Tokens &line, std::string_view text);
     void doDefine(const Tokens &line);
     void doPragma(const Tokens &line, std::string_view text);
+    int conditionValue(std::string_view text);
 
     // Expansion
     bool takeRaw(osl_Token &token); // unexpanded, from the frames, then the lines

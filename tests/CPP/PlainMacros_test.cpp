@@ -62,7 +62,7 @@ protected:
     void expectSameCondition(const std::string &text)
     {
         SCOPED_TRACE(text);
-        EXPECT_EQ(myPlain.evaluate(text), evaluateCondition(myManager, text.c_str(), false));
+        EXPECT_EQ(myPlain.evaluate(text), evaluateCondition(myManager, text.c_str()));
     }
 
     CPP_Manager myManager;
