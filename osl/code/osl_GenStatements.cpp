@@ -192,6 +192,10 @@ void osl_Generator::genParameter(const Node *node)
                     ? genCompound(node->a, type)
                     : gen(node->a);
         value = bindFields(value, name);
+        // "float a = 1" is as known as "float a = 1.0".
+        if (!value.isStruct() && !type.isStruct() && !type.isClosure && !type.isArray() &&
+            !value.type.isArray())
+            value = convert(value, type);
     }
     if (type.array == osl_Type::UNSIZED)
         type.array = std::max(value.type.array, 1);
