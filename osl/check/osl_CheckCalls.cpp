@@ -314,6 +314,8 @@ osl_Function *osl_Checker::choose(Node *node, osl_Function *first, const osl_Typ
         if (arg->type.isUnknown() && arg->kind != Node::COMPOUND && !myLate[NAMES].empty())
             return nullptr; // its own error counts
     }
+    if (isFull(TYPES))
+        return nullptr;
     std::string text = "No matching function call to '" + std::string(node->name) + " (" +
                        argumentList(node->a) + ")'\n  Candidates are:";
     for (const osl_Function *function = first; function != nullptr; function = function->next)

@@ -21,13 +21,13 @@ osl_Checker::osl_Checker(osl_Tree &tree, osl_Messages &messages)
 
 void osl_Checker::error(Stage stage, osl_Place place, std::string text)
 {
-    if (myLate[stage].size() < 500)
+    if (!isFull(stage))
         myLate[stage].push_back({true, place, std::move(text)});
 }
 
 void osl_Checker::warning(osl_Place place, std::string text)
 {
-    if (myLate[TYPES].size() < 500)
+    if (!isFull(TYPES))
         myLate[TYPES].push_back({false, place, std::move(text)});
 }
 
@@ -100,7 +100,8 @@ void osl_Checker::declareStruct(Node *node)
         for (const Node *other = node->a; other != field; other = other->next) {
             if (other->name == field->name) {
                 error(NAMES, field->place,
-                      "Field \"" + std::string(field->name) + "\" already exists in struct " + name);
+                      "Field \"" + std::string(field->name) + "\" already exists in struct " +
+                          name);
                 break;
             }
         }

@@ -182,11 +182,15 @@ void osl_Machine::execute()
 {
     const int end = static_cast<int>(myCode.instructions.size());
     uint64_t done = 0;
+    myExtraCost = 0;
     int at = 0;
     while (at >= 0 && at < end && !isStopped) {
         const Step &step = mySteps[static_cast<size_t>(at)];
-        if (++done > MAX_INSTRUCTIONS)
+        ++done;
+        // Long registers count by their length, so that the time is bounded as well.
+        if (done + myExtraCost > MAX_INSTRUCTIONS)
             stop("takes too long: a loop without end?");
+        myExtraCost += static_cast<unsigned>(step.in->words) >> 4;
         if (step.isPlain) {
             step.kernel(myMemory, *step.in, step.operands);
             ++at;

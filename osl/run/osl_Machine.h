@@ -77,6 +77,8 @@ private:
 
     static constexpr uint64_t MAX_INSTRUCTIONS = 20000000;
     static constexpr size_t MAX_OUTPUT = size_t(64) << 20;
+    static constexpr size_t MAX_MESSAGES = 1000; // set or asked for, at a point
+    static constexpr unsigned GABOR_COST = 4000; // instructions
 
     // ---- The run (osl_Machine.cpp, osl_MachineControl.cpp)
     void prepare();
@@ -233,6 +235,7 @@ private:
     std::vector<int> myStorage;
     int *myMemory; // in myStorage, aligned
     std::vector<Step> mySteps;
+    uint64_t myExtraCost = 0; // of the run: what took longer than an instruction
     std::vector<Frame> myFrames;
     std::vector<int> mySaved; // results under a mask
     Mask myMask = 0;

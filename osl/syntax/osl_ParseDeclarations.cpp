@@ -214,6 +214,8 @@ void osl_Parser::parseStruct()
         expect(";");
     }
     accept(";");
+    if (!record.measure())
+        fail("struct too large");
     node->type.base = osl_Type::STRUCT;
     node->type.record = &record;
     myStructs[node->name] = &record;

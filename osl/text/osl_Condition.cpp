@@ -80,8 +80,8 @@ int64_t osl_Condition::takeBinary(int precedence)
         if (found == 0 || found < precedence)
             return left;
         ++myNext;
-        const bool isDecided = (op == osl_punct("&&") && left == 0) ||
-                               (op == osl_punct("||") && left != 0);
+        const bool isDecided =
+            (op == osl_punct("&&") && left == 0) || (op == osl_punct("||") && left != 0);
         myUnseen += isDecided;
         const int64_t right = takeBinary(found + 1);
         myUnseen -= isDecided;

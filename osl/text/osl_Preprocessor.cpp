@@ -13,8 +13,18 @@ osl_Preprocessor::osl_Preprocessor(osl_Lines &lines, osl_Messages &messages)
 
 std::string_view osl_Preprocessor::keep(std::string text)
 {
+    myBytes += text.size();
+    if (myBytes > MAX_BYTES)
+        giveUp();
     myTexts.push_back(std::move(text));
     return myTexts.back();
+}
+
+void osl_Preprocessor::giveUp()
+{
+    if (!isEnd)
+        myMessages.error(myPlace, "too much text");
+    isEnd = true;
 }
 
 // ---- Lines and directives -------------------------------------------------
@@ -70,8 +80,8 @@ int osl_Preprocessor::conditionValue(std::string_view text)
         answered.push_back(line[i]);
         if (!line[i].isName("defined"))
             continue;
-        const bool isBracketed = i + 3 < line.size() && line[i + 1].is(osl_punct("(")) &&
-                                 line[i + 3].is(osl_punct(")"));
+        const bool isBracketed =
+            i + 3 < line.size() && line[i + 1].is(osl_punct("(")) && line[i + 3].is(osl_punct(")"));
         const size_t named = i + (isBracketed ? 2 : 1);
         if (named >= line.size() || line[named].kind != osl_Token::NAME)
             return -1;
@@ -168,11 +178,8 @@ void osl_Preprocessor::freeze(osl_Token &token)
 
 bool osl_Preprocessor::takeRaw(osl_Token &token)
 {
-    if (++mySteps > MAX_TOKENS * 4) {
-        if (!isEnd)
-            myMessages.error(myPlace, "too much text");
-        isEnd = true;
-    }
+    if (++mySteps > MAX_TOKENS * 4)
+        giveUp();
     while (!isEnd && myFrames.size() > myFloor) {
         Frame &frame = myFrames.back();
         if (frame.next < frame.tokens.size()) {
@@ -419,7 +426,7 @@ std::vector<osl_Token> osl_Preprocessor::takeAll()
     Tokens out;
     drain(out);
     if (out.size() >= MAX_TOKENS)
-        myMessages.error(myPlace, "too much text");
+        giveUp();
     osl_Token end;
     end.place = myPlace;
     out.push_back(end);

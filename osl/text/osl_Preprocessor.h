@@ -44,7 +44,8 @@ private:
         Macro *macro = nullptr; // active until the frame ends
     };
 
-    static constexpr size_t MAX_TOKENS = 4000000;
+    static constexpr size_t MAX_TOKENS = 1000000;
+    static constexpr size_t MAX_BYTES = size_t(48) << 20; // of the texts of all tokens
     static constexpr size_t MAX_FRAMES = 400;
     static constexpr int MAX_ARGUMENT_DEPTH = 60;
 
@@ -69,6 +70,7 @@ private:
     Tokens expandArgument(const Tokens &tokens);
     void drain(Tokens &out);
     std::string_view keep(std::string text);
+    void giveUp(); // there is too much of it
     static int parameterIndex(const Macro &macro, const osl_Token &token);
 
     osl_Lines &myLines;
@@ -81,6 +83,7 @@ private:
     size_t myNext = 0;
     osl_Place myPlace;
     size_t mySteps = 0;
+    size_t myBytes = 0;
     int myDepth = 0;
     bool isEnd = false;
 };
