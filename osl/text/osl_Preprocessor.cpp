@@ -24,7 +24,7 @@ void osl_Preprocessor::giveUp()
 {
     if (!isEnd)
         myMessages.error(myPlace, "too much text");
-    isEnd = true;
+    isEnd = hasGivenUp = true;
 }
 
 // ---- Lines and directives -------------------------------------------------
@@ -427,6 +427,8 @@ std::vector<osl_Token> osl_Preprocessor::takeAll()
     drain(out);
     if (out.size() >= MAX_TOKENS)
         giveUp();
+    if (hasGivenUp)
+        out.clear(); // half of it would only give errors of its own
     osl_Token end;
     end.place = myPlace;
     out.push_back(end);

@@ -86,4 +86,5 @@ private:
     size_t myBytes = 0;
     int myDepth = 0;
     bool isEnd = false;
+    bool hasGivenUp = false;
 };
