@@ -47,6 +47,7 @@ private:
         Act act = nullptr;
         const osl_Instruction *in = nullptr;
         const osl_Operand *operands = nullptr;
+        unsigned extraCost = 0;         // beyond that of a short instruction
         bool isPlain = false;           // the kernel is all there is to do
         bool clearsDerivatives = false; // the kernel gives none
     };
@@ -124,7 +125,9 @@ private:
     }
     std::string_view textAt(const osl_Operand &o, int lane, int word = 0)
     {
-        return myTexts[intAt(o, lane, word)];
+        const std::string_view text = myTexts[intAt(o, lane, word)];
+        myExtraCost += text.size() >> 4; // whoever asks reads it all
+        return text;
     }
     osl_Vec vectorAt(const osl_Operand &o, int lane)
     {

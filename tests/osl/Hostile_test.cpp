@@ -74,6 +74,14 @@ TEST(Hostile, EndsWithAMessage)
          "too many messages"},
         {"gabor noise", shaderOf("float x = 0; while (1) x += (float)noise(\"gabor\", P + x);"),
          "too long"},
+        {"expressions in texts",
+         shaderOf("string s = \"" + repeated("a", 50000) +
+                  "\"; int n = 0; while (1) n += regex_search(s, \"(a*)*b\");"),
+         "too long"},
+        {"long texts",
+         shaderOf("string s = \"" + repeated("a ", 50000) +
+                  "\"; string r[2]; int n = 0; while (1) n += split(s, r) + hash(s);"),
+         "too long"},
         {"copies",
          shaderOf("float a[50000]; float b[50000]; a[0] = u; while (1) { b = a; a[1] = b[2]; }"),
          "too long"},
