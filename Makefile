@@ -1,11 +1,12 @@
 # A thin front: everything real is in CMake, its presets and scripts/.
-.PHONY: help deps demo check coverage fuzz counts bench format
+.PHONY: help deps demo check coverage fuzz faults counts bench format
 
 help:
 	@echo "make demo      install what is missing, build, render examples/ into build/demo/"
 	@echo "make check     install what is missing, build all presets, run all tests"
 	@echo "make coverage  tell how much of each folder's code the tests reach"
 	@echo "make fuzz      search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
+	@echo "make faults    let each allocation and system call fail, and judge what comes of it"
 	@echo "make counts    count vcpp's instructions, fail where they grew by more than 10 %"
 	@echo "make bench     time the hot routines beside what the machine needs at least"
 	@echo "make format    lay the sources out as .clang-format says"
@@ -24,6 +25,9 @@ coverage: deps
 
 fuzz: deps
 	@scripts/fuzz.sh
+
+faults: deps
+	@scripts/faults.sh
 
 counts: deps
 	@scripts/counts.sh

@@ -2,9 +2,13 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
 #include <new>
+#include <string_view>
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <unistd.h>
 
 namespace
@@ -31,9 +35,31 @@ void occupyStandardDescriptors()
             static_cast<void>(open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
 }
 
-bool isControl(unsigned char c)
+void findHome()
 {
-    return (c < ' ' && c != '\t') || c == 0x7f;
+    if (std::getenv("HOME") != nullptr)
+        return;
+    const passwd *const user = getpwuid(geteuid());
+    setenv("HOME", user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "", 1);
+}
+
+// How many bytes at `text` are not to be shown.
+size_t unprintable(std::string_view text)
+{
+    const auto byte = [text](size_t i) {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
+    };
+    if ((byte(0) < ' ' && byte(0) != '\t') || byte(0) == 0x7f)
+        return 1;
+    if (byte(0) == 0xc2 && byte(1) >= 0x80 && byte(1) <= 0x9f)
+        return 2; // U+0080 to U+009F
+    if (byte(0) != 0xe2)
+        return 0;
+    // U+200E, U+200F, U+2028 to U+202E, U+2066 to U+2069
+    const int code = (byte(1) - 0x80) * 64 + byte(2) - 0x80;
+    const bool isHidden = code == 0x0e || code == 0x0f || (code >= 0x28 && code <= 0x2e) ||
+                          (code >= 0x66 && code <= 0x69);
+    return isHidden ? 3 : 0;
 }
 } // namespace
 
@@ -42,6 +68,7 @@ void UTstartProgram()
     std::set_new_handler(UTdieWithoutMemory);
     occupyStandardDescriptors();
     turnFileLimitIntoError();
+    findHome();
 }
 
 void UTdieWithoutMemory()
@@ -57,12 +84,7 @@ void UTdieWithoutMemory()
 void UTmakePrintable(char *text, size_t length)
 {
     for (size_t i = 0; i < length; ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        const auto next = static_cast<unsigned char>(i + 1 < length ? text[i + 1] : 0);
-        // U+0080 to U+009F are C2 80 to C2 9F.
-        if (c == 0xc2 && next >= 0x80 && next <= 0x9f)
-            text[i] = text[i + 1] = '?';
-        else if (isControl(c))
-            text[i] = '?';
+        const size_t count = unprintable({text + i, length - i});
+        std::memset(text + i, '?', count);
     }
 }

@@ -12,6 +12,8 @@
 //   message would be written into it.
 // - To write beyond a limit on file sizes fails (EFBIG) where it would end the process.
 //   Programs that are started from here have the signal's default again.
+// - A HOME that is not set becomes that of the user database (POSIX getpwuid), or empty: a
+//   folder where everybody may write must not stand for it, since templates are found there.
 void UTstartProgram();
 
 // Ends the process with "Out of memory" on standard error and status 1. Takes no memory;
@@ -19,6 +21,7 @@ void UTstartProgram();
 [[noreturn]] void UTdieWithoutMemory();
 
 // Replaces what could steer a terminal or forge a message's lines by '?': control
-// characters other than the tab, those of ISO 6429's second set in UTF-8 too. For text
-// from outside that goes into a message.
+// characters other than the tab; in UTF-8 also those of ISO 6429's second set, other line
+// ends and what turns the direction of writing. For text from outside that goes into a
+// message.
 void UTmakePrintable(char *text, size_t length);

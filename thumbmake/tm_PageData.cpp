@@ -1,6 +1,5 @@
 #include "thumbmake/tm_PageData.h"
 
-#include "UT/UT_IFStream.h"
 #include "thumbnail/PaletteHead.h"
 #include "thumbnail/ThumbDriver.h"
 
@@ -119,10 +118,8 @@ std::string textsOf(const PaletteHead &head)
 // Why the palette could not be read; empty when it was.
 std::string readHead(const std::string &palette, PaletteHead &head)
 {
-    UT_IFStream in;
-    if (in.open(palette.c_str(), true) && readPaletteHead(in, head))
-        return "";
-    return std::string("Unable to read the palette: ") + in.getSource().getErrorText();
+    UT_String error;
+    return readPaletteHead(palette.c_str(), head, error) ? "" : error.text();
 }
 
 // Relative names are told by their words alone: a picture below the folder is found in

@@ -3,6 +3,9 @@
 #include "UT/UT_IFStream.h"
 
 #include <cstring>
+#include <memory>
+
+#include <sys/stat.h>
 
 namespace
 {
@@ -10,6 +13,8 @@ namespace
 const char *const HEAD_END = "ShopData";
 const char *const EXTRA_BEGIN = "BeginIfdExtra";
 const char *const EXTRA_END = "EndIfdExtra";
+
+constexpr int64_t MOST_BYTES = 128 << 20;
 
 struct HeadKey {
     const char *word;
@@ -60,9 +65,15 @@ State readExtraLine(const UT_ScratchBuffer &line, PaletteHead &head)
     return State::EXTRA;
 }
 
-} // namespace
+// A folder opens, and tells that it is one when it is read.
+bool isFileOrFolder(const char *fileName)
+{
+    struct stat info;
+    return stat(fileName, &info) != 0 || S_ISREG(info.st_mode) || S_ISDIR(info.st_mode);
+}
 
-bool readPaletteHead(UT_IFStream &in, PaletteHead &head)
+// False when the text ended before the head did.
+bool readLines(UT_IStream &in, PaletteHead &head)
 {
     UT_ScratchBuffer line;
     State state = State::HEAD;
@@ -72,5 +83,31 @@ bool readPaletteHead(UT_IFStream &in, PaletteHead &head)
         line.append('\n');
         state = state == State::HEAD ? readHeadLine(line, head) : readExtraLine(line, head);
     }
-    return !in.hasError();
+    return state == State::DONE;
+}
+
+bool fail(UT_String &error, const char *fileName, const char *why)
+{
+    error.sprintf("Unable to read palette file %s: %s", fileName, why);
+    return false;
+}
+
+} // namespace
+
+bool readPaletteHead(const char *fileName, PaletteHead &head, UT_String &error)
+{
+    if (!isFileOrFolder(fileName))
+        return fail(error, fileName, "Not a regular file");
+    UT_IFStream file;
+    if (!file.open(fileName, true)) {
+        error.sprintf("Unable to open palette file %s", fileName);
+        return false;
+    }
+    const std::unique_ptr<UT_IStream> in(file.newRangeStream(0, MOST_BYTES));
+    const bool isWhole = readLines(*in, head);
+    const UT_IStreamBuf &source = file.getSource();
+    if (source.hasError())
+        return fail(error, fileName, source.getErrorText());
+    return isWhole || in->tellg() < MOST_BYTES ||
+           fail(error, fileName, "Its head is longer than 128 MB");
 }

@@ -23,8 +23,6 @@
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
 
-class UT_IFStream;
-
 // The values of the keys, unset where the palette has none, and the extra blocks, each
 // of their lines with its newline.
 struct PaletteHead {
@@ -35,7 +33,8 @@ struct PaletteHead {
     UT_ScratchBuffer ifdExtra;
 };
 
-// Reads the head from where the stream stands. False when reading failed before its end.
-// Memory grows with the longest line and with the extra blocks.
+// Reads a palette's head. False, with a message that names the file, when it is no regular
+// file (a pipe would have us wait, a device has no end), cannot be opened or read, or when
+// its head is longer than 128 MB, which bounds the memory that a palette can ask for.
 // REQUIRES: a fresh head
-[[nodiscard]] bool readPaletteHead(UT_IFStream &in, PaletteHead &head);
+[[nodiscard]] bool readPaletteHead(const char *fileName, PaletteHead &head, UT_String &error);

@@ -1,19 +1,11 @@
 #include "thumbnail/PaletteReader.h"
 
-#include "UT/UT_IFStream.h"
 #include "thumbnail/PaletteHead.h"
 #include "thumbnail/ThumbDriver.h"
 #include "thumbnail/ThumbRenderer.h"
 
 namespace
 {
-
-void reportReadError(const char *fileName, const char *reason)
-{
-    UT_String text;
-    text.sprintf("%s: %s", fileName, reason);
-    reportError("Unable to read palette file %s", text);
-}
 
 UT_String pictureNameOf(const char *fileName)
 {
@@ -27,15 +19,10 @@ UT_String pictureNameOf(const char *fileName)
 
 void readPalette(const char *fileName, UT_Args &args)
 {
-    UT_IFStream in;
-    if (!in.open(fileName, true)) {
-        reportError("Unable to open palette file %s", fileName);
-        return;
-    }
-
     PaletteHead head;
-    if (!readPaletteHead(in, head)) {
-        reportReadError(fileName, in.getSource().getErrorText());
+    UT_String error;
+    if (!readPaletteHead(fileName, head, error)) {
+        reportError("%s", error);
         return;
     }
     ThumbRenderer *row = chooseRenderer(head.vvaskelShader, head.ribShader, head.miShader);
@@ -46,5 +33,4 @@ void readPalette(const char *fileName, UT_Args &args)
     } else {
         reportError("Missing critical thumbnail data in palette %s", fileName);
     }
-    in.close();
 }

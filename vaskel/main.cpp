@@ -60,8 +60,12 @@ extern "C" void giveUp(int)
     die("not finished within the limit (--limit, VELDRIN_VASKEL_OPTIONS)\n");
 }
 
-void setTimer(float seconds)
+// Somebody else's scene gets a limit in any case: what its samples cost is not known
+// before.
+void setTimer(const vk_Options &options)
 {
+    const bool isStrange = options.limit < 0 && options.scene == "-";
+    const float seconds = isStrange ? vk_Options::INPUT_LIMIT : options.limit;
     if (seconds <= 0)
         return;
     std::signal(SIGALRM, giveUp);
@@ -183,7 +187,7 @@ int main(int argc, char *argv[])
         std::fputs(vk_usage().c_str(), stderr);
         return BAD_COMMAND;
     }
-    setTimer(options.limit);
+    setTimer(options);
     switch (options.action) {
     case VK_HELP:
         return print(vk_usage());

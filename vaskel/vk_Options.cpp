@@ -202,6 +202,7 @@ std::string vk_usage()
            "Of a scene from standard input, width times height times samples may be at\n"
            "most " +
            std::to_string(vk_Scene::MOST_WORK) +
-           " (2048 x 2048 pixels with 256 samples); any limit lifts that.\n"
+           " (2048 x 2048 pixels with 256 samples), and it has ten minutes; a limit that is\n"
+           "given takes the place of both.\n"
            "The scene language is described in doc/scene.md.\n";
 }

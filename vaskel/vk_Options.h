@@ -9,6 +9,7 @@ enum vk_Action { VK_DRAW, VK_HELP, VK_VERSION, VK_LIST_SHADERS };
 
 struct vk_Options {
     static constexpr float LONGEST_LIMIT = 1e6f; // seconds
+    static constexpr float INPUT_LIMIT = 600;    // for standard input, unless one is given
     static constexpr int LARGEST_SIZE = 4096;    // of a square within vk_Scene::MOST_PIXELS
 
     vk_Action action = VK_DRAW; // the last of several

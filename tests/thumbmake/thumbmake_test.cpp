@@ -22,13 +22,12 @@ struct Library : ScratchDirectory {
     // What lines of bash do there.
     std::string told(const std::string &lines) const
     {
-        const ProgramRun run =
-            runLine("set -o pipefail; exec 2>&1\nmake() { thumbmake -q --size 8 --quality draft "
-                    "\"$@\"; }\n" +
-                        lines,
-                    {"PATH=" BIN_DIR ":/usr/bin:/bin", "HOME=" + path("home"),
-                     "VDX=" SOURCE_DIR "/share"},
-                    path());
+        const ProgramRun run = runLine(
+            "set -o pipefail; exec 2>&1\nmake() { thumbmake -q --size 8 --quality draft "
+            "\"$@\"; }\n" +
+                lines,
+            {"PATH=" BIN_DIR ":/usr/bin:/bin", "HOME=" + path("home"), "VDX=" SOURCE_DIR "/share"},
+            path());
         return std::to_string(run.status) + '|' + run.out + run.err;
     }
 };

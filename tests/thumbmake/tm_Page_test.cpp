@@ -150,7 +150,7 @@ TEST_F(Page, AnUnreadablePaletteIsShownAsFailed)
     const auto told = [this](const tm_PageEntry &one) {
         return tm_pageData(scratch.path(), {one});
     };
-    EXPECT_THAT(told(entry("absent")), HasSubstr(R"("message": "Unable to read the palette: No)"));
+    EXPECT_THAT(told(entry("absent")), HasSubstr(R"("message": "Unable to open palette file)"));
     EXPECT_THAT(told(entry("absent", "no <b>\n")), HasSubstr(R"("message": "no \u003Cb>\u000A")"));
 }
 

@@ -54,13 +54,20 @@ mode_t newFileMode()
     return 0666 & ~mask;
 }
 
+// What is there; no mode at all when nothing is. False, and errno, when that cannot be
+// told.
+bool look(const std::string &name, struct stat &there)
+{
+    there = {};
+    return lstat(name.c_str(), &there) == 0 || errno == ENOENT;
+}
+
 // `made` is what the new file is by itself. The old file's bits were given to its owner
 // and to its group: another owner's mean nothing here, and another group gets no more
 // than everybody.
-mode_t permissions(const std::string &target, const struct stat &made)
+mode_t permissions(const struct stat &old, const struct stat &made)
 {
-    struct stat old = {};
-    if (lstat(target.c_str(), &old) != 0 || !S_ISREG(old.st_mode) || old.st_uid != made.st_uid)
+    if (!S_ISREG(old.st_mode) || old.st_uid != made.st_uid)
         return newFileMode();
     const mode_t bits = old.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
     if (old.st_gid == made.st_gid)
@@ -79,9 +86,10 @@ bool vk_SafeFile::fail(const char *what, int code)
 
 bool vk_SafeFile::isWritable()
 {
-    struct stat there = {};
-    if (lstat(myTarget.c_str(), &there) == 0 && !S_ISREG(there.st_mode) &&
-        !S_ISLNK(there.st_mode)) {
+    struct stat there;
+    if (!look(myTarget, there))
+        return fail("cannot write", errno);
+    if (there.st_mode != 0 && !S_ISREG(there.st_mode) && !S_ISLNK(there.st_mode)) {
         myError = "cannot replace what is there: not a regular file";
         return false;
     }
@@ -107,9 +115,9 @@ bool vk_SafeFile::writeAll(const char *bytes, std::size_t count)
 // Writes the new file and closes it in any case; errno tells a failure.
 bool vk_SafeFile::fill(const char *bytes, std::size_t count)
 {
-    struct stat made = {};
-    const bool good = fstat(myFile, &made) == 0 && writeAll(bytes, count) &&
-                      fchmod(myFile, permissions(myTarget, made)) == 0;
+    struct stat old, made = {};
+    const bool good = look(myTarget, old) && fstat(myFile, &made) == 0 && writeAll(bytes, count) &&
+                      fchmod(myFile, permissions(old, made)) == 0;
     const int code = errno;
     const bool closed = close(myFile) == 0;
     if (!good)
