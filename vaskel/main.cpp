@@ -128,6 +128,8 @@ int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
         return fail(file.error());
     if (!vk_render(scene, settingsOf(options, stats), film, error))
         return fail(error);
+    if (scene.osl != nullptr && scene.osl->isStopped())
+        return fail("a shader was stopped");
     const double start = vk_seconds();
     if (!vk_encode(film, encoded, scene.comment, bytes, error))
         return fail(error);
