@@ -31,9 +31,9 @@ std::string nearestOf(const std::string &word, const std::vector<std::string_vie
 } // namespace
 
 vk_OslBinding::vk_OslBinding(std::shared_ptr<vk_OslLibrary> library, const vk_Words &words,
-                             const vk_OslTargets &targets, vk_Parametrised *own)
+                             const vk_OslTargets &targets, std::shared_ptr<vk_Parametrised> own)
     : myLibrary(std::move(library)), myName(words.empty() ? "" : words[0]), myWords(words),
-      myTargets(&targets), myOwn(own), myShown(targets.size())
+      myTargets(&targets), myOwn(std::move(own)), myShown(targets.size())
 {
 }
 
@@ -71,11 +71,17 @@ void vk_OslBinding::chooseOutputs(const OSL_Shader &shader)
                 return parameter.name;
         return std::string();
     };
-    myDefault = first([](const osl_Type &t) { return t.isTriple() && t.base == osl_Type::COLOR; });
+    const auto isColour = [](const osl_Type &t) {
+        return t.isTriple() && t.base == osl_Type::COLOR;
+    };
+    const auto isTriple = [](const osl_Type &t) { return t.isTriple(); };
+    const auto isScalar = [](const osl_Type &t) { return t.isScalar(); };
+    const bool wantsNumber = myTargets->front().isNumber;
+    myDefault = wantsNumber ? first(isScalar) : first(isColour);
     if (myDefault.empty())
-        myDefault = first([](const osl_Type &t) { return t.isTriple(); });
+        myDefault = wantsNumber ? first(isColour) : first(isTriple);
     if (myDefault.empty())
-        myDefault = first([](const osl_Type &t) { return t.isScalar(); });
+        myDefault = first(isScalar);
     for (std::size_t i = 0; i < myShown.size(); ++i)
         if (!myShown[i].empty() && !(*myTargets)[i].goesWithClosures)
             return;

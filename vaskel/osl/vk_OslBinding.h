@@ -15,6 +15,7 @@
 struct vk_OslTarget {
     std::string_view name;
     bool goesWithClosures; // is shown beside them, not in their place
+    bool isNumber;         // by itself, numbers come before colours
 };
 using vk_OslTargets = std::vector<vk_OslTarget>;
 
@@ -25,7 +26,7 @@ public:
     // first gets what the shader shows by itself. Further parameters of the statement go
     // to `own`, which may be null.
     vk_OslBinding(std::shared_ptr<vk_OslLibrary> library, const vk_Words &words,
-                  const vk_OslTargets &targets, vk_Parametrised *own = nullptr);
+                  const vk_OslTargets &targets, std::shared_ptr<vk_Parametrised> own = nullptr);
 
     // Whether a statement names an OSL shader.
     static bool isName(const std::string &word);
@@ -43,6 +44,7 @@ public:
 
     // What feeds a target, an output or a number as text; "" for nothing.
     std::string feedOf(std::size_t target) const;
+    bool isDefault(std::size_t target) const { return myShown[target].empty(); }
 
     // The closure that says it all; "" when outputs do.
     const std::string &closure() const { return myClosure; }
@@ -59,7 +61,7 @@ private:
     std::string myName;
     vk_Words myWords;
     const vk_OslTargets *myTargets;
-    vk_Parametrised *myOwn;
+    std::shared_ptr<vk_Parametrised> myOwn;
     std::vector<OSL_Binding> myValues;
     std::vector<std::string> myShown; // by target
     std::string myDefault;            // of the first target

@@ -44,8 +44,10 @@ vk_SurfacePoint moved(const vk_SurfacePoint &from, const vk_Vec &by)
 } // namespace
 
 const vk_OslTargets vk_OslSurface::TARGETS = {
-    {"diff", false},     {"spec", false}, {"rough", false}, {"ior", false},
-    {"emission", false}, {"bump", true},  {"opacity", true}};
+    {"diff", false, false},  {"spec", false, false},     {"rough", false, true},
+    {"ior", false, true},    {"emission", false, false}, {"bump", true, true},
+    {"opacity", true, true},
+};
 
 vk_OslSurface::vk_OslSurface(std::shared_ptr<const vk_OslBinding> binding)
     : myRunners(std::move(binding))

@@ -2,6 +2,9 @@
 
 #include "UT/UT_Process.h"
 #include "vaskel/file/vk_Picture.h"
+#include "vaskel/osl/vk_OslDisplace.h"
+#include "vaskel/osl/vk_OslFog.h"
+#include "vaskel/osl/vk_OslLight.h"
 #include "vaskel/osl/vk_OslSurface.h"
 #include "vaskel/scene/vk_Line.h"
 
@@ -345,13 +348,13 @@ bool vk_SceneReader::isOsl() const
 
 // Everything but the statement's word; it is loaded at the end of the scene.
 std::shared_ptr<const vk_OslBinding> vk_SceneReader::bindOsl(const vk_OslTargets &targets,
-                                                             vk_Parametrised *own)
+                                                             std::shared_ptr<vk_Parametrised> own)
 {
     if (myOsl == nullptr)
         myOsl = std::make_shared<vk_OslLibrary>();
     vk_Words words(myWords.begin() + 1, myWords.end());
     words[0] = vk_shaderName(words[0]);
-    const auto binding = std::make_shared<vk_OslBinding>(myOsl, words, targets, own);
+    const auto binding = std::make_shared<vk_OslBinding>(myOsl, words, targets, std::move(own));
     myBound.push_back({myLineNumber, binding});
     return binding;
 }
@@ -374,7 +377,11 @@ bool vk_SceneReader::doShadow()
 }
 bool vk_SceneReader::doFog()
 {
-    return doShader(VK_FOG_SHADERS, myScene->fog);
+    if (!isOsl())
+        return doShader(VK_FOG_SHADERS, myScene->fog);
+    const auto params = std::make_shared<vk_OslFogParams>();
+    myScene->fog = std::make_unique<vk_OslFog>(bindOsl(vk_OslFog::TARGETS, params), params);
+    return true;
 }
 bool vk_SceneReader::doSurface()
 {
@@ -385,7 +392,10 @@ bool vk_SceneReader::doSurface()
 }
 bool vk_SceneReader::doDisplace()
 {
-    return doShader(VK_DISPLACE_SHADERS, myState.displace);
+    if (!isOsl())
+        return doShader(VK_DISPLACE_SHADERS, myState.displace);
+    myState.displace = std::make_shared<vk_OslDisplace>(bindOsl(vk_OslDisplace::TARGETS));
+    return true;
 }
 
 bool vk_SceneReader::doLightPlace()
@@ -404,13 +414,19 @@ bool vk_SceneReader::doLight()
         myWords.insert(myWords.begin() + 2, myState.lightPlace.begin(), myState.lightPlace.end());
     else
         myWords.insert(myWords.end(), myState.lightPlace.begin(), myState.lightPlace.end());
+    if (myScene->lights.size() == vk_Scene::MOST_LIGHTS)
+        return wrong("expected at most " + std::to_string(vk_Scene::MOST_LIGHTS) + " lights");
+    if (isOsl()) {
+        const auto params = vk_OslLight::makeParameters();
+        myScene->lights.push_back(
+            std::make_unique<vk_OslLight>(bindOsl(vk_OslLight::TARGETS, params), params));
+        return true;
+    }
     std::unique_ptr<vk_LightShader> light;
     if (!doShader(VK_LIGHT_SHADERS, light))
         return false;
     if (vk_length(light->to - light->from) < 1e-3f)
         return wrong("light expected 'from' and 'to' to be apart");
-    if (myScene->lights.size() == vk_Scene::MOST_LIGHTS)
-        return wrong("expected at most " + std::to_string(vk_Scene::MOST_LIGHTS) + " lights");
     myScene->lights.push_back(light->make());
     return true;
 }

@@ -70,7 +70,7 @@ private:
 
     bool isOsl() const;
     std::shared_ptr<const vk_OslBinding> bindOsl(const vk_OslTargets &targets,
-                                                 vk_Parametrised *own = nullptr);
+                                                 std::shared_ptr<vk_Parametrised> own = nullptr);
     void takeSourceLine();
     void loadShaders();
 
