@@ -1,9 +1,12 @@
 # A thin front: everything real is in CMake, its presets and scripts/.
-.PHONY: help deps demo check coverage fuzz faults counts bench format
+.PHONY: help deps demo check check-everyday install deb coverage fuzz faults counts bench format
 
 help:
 	@echo "make demo      install what is missing, build, render examples/ into build/demo/"
 	@echo "make check     install what is missing, build all presets, run all tests"
+	@echo "make install   build and install into PREFIX (/usr/local)"
+	@echo "make deb       make Debian packages in build/deb/"
+	@echo "make check-everyday  test them, installing and file managers in a clean system"
 	@echo "make coverage  tell how much of each folder's code the tests reach"
 	@echo "make fuzz      search each reader of outside bytes for faults, FUZZ_SECONDS each (60)"
 	@echo "make faults    let each allocation and system call fail, and judge what comes of it"
@@ -19,6 +22,18 @@ demo: deps
 
 check: deps
 	@scripts/check.sh
+
+PREFIX ?= /usr/local
+install: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --target installed
+	@cmake --install build/release --prefix "$(PREFIX)"
+
+deb: deps
+	@scripts/deb.sh
+
+check-everyday: deps
+	@tests/everyday/run.sh
 
 coverage: deps
 	@scripts/coverage.sh

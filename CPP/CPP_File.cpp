@@ -58,19 +58,27 @@ void CPP_File::countLines(int lines)
 
 const char *CPP_File::takeRun(cpp_RunKind kind, int &length, int &lines)
 {
-    if (myStream == nullptr || myOwedNewlines > 0)
-        return nullptr;
-    const char *text = myStream->peekBuffered(length);
+    const char *text = peek(length);
     if (text == nullptr)
         return nullptr;
     length = static_cast<int>(runEnd(kind, text, text + length) - text);
     if (length == 0)
         return nullptr;
+    lines = ::countLines(text, text + length);
+    skip(length, lines);
+    return text;
+}
+
+const char *CPP_File::peek(int &length)
+{
+    return myStream == nullptr || myOwedNewlines > 0 ? nullptr : myStream->peekBuffered(length);
+}
+
+void CPP_File::skip(int length, int lines)
+{
     mySpecialFlag = mySpecialFlag || myStream->isSpecial();
     myStream->skipBuffered(length);
-    lines = ::countLines(text, text + length);
     countLines(lines);
-    return text;
 }
 
 bool CPP_File::readLogicalLine(UT_ScratchBuffer &line)
@@ -124,9 +132,15 @@ bool CPP_File::isSkipping() const
     return hasOpenCondition() && myConditions(myConditions.entries() - 1) != TAKING;
 }
 
+int CPP_File::openConditionLine() const
+{
+    return myConditionLines(myConditionLines.entries() - 1);
+}
+
 void CPP_File::pushCondition(int state)
 {
     myConditions.append(isSkipping() ? static_cast<int>(DONE) : state);
+    myConditionLines.append(myLineNumber);
 }
 
 void CPP_File::elifCondition(int value)
@@ -148,6 +162,8 @@ void CPP_File::elseCondition()
 
 void CPP_File::popCondition()
 {
-    if (hasOpenCondition())
-        myConditions.removeIndex(myConditions.entries() - 1);
+    if (!hasOpenCondition())
+        return;
+    myConditions.removeIndex(myConditions.entries() - 1);
+    myConditionLines.removeIndex(myConditionLines.entries() - 1);
 }

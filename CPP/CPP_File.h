@@ -57,11 +57,17 @@ public:
     // and counts them. Null when there is none. The text holds until the next line.
     const char *takeRun(cpp_RunKind kind, int &length, int &lines);
 
+    // What comes next and is in memory already, null when nothing is; and takes whole lines
+    // of it, which are counted.
+    const char *peek(int &length);
+    void skip(int length, int lines);
+
     // ---- Conditionals: a stack, the innermost on top --------------------
     // On an empty stack all but push do nothing.
 
     bool isSkipping() const;
     bool hasOpenCondition() const { return myConditions.entries() > 0; }
+    int openConditionLine() const; // of the innermost; REQUIRES: there is one
     void pushCondition(int state); // DONE instead, inside skipped text
     void elifCondition(int value); // 0 false, 1 true, 2 not evaluated
     void elseCondition();
@@ -79,6 +85,7 @@ private:
     UT_String myDirectory;
     int myLineNumber = 0;
     UT_IntegerArray myConditions;
+    UT_IntegerArray myConditionLines; // where each was pushed
     UT_String myName = "";
     int myOwedNewlines = 0; // continuation lines not yet answered
     bool mySpecialFlag = false;

@@ -5,12 +5,14 @@
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_QuietLines.h"
 #include "CPP/cpp_SmallFiles.h"
 #include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
 #include "UT/UT_IStream.h"
 #include "UT/UT_Memory.h"
 
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -39,8 +41,8 @@ UT_IStream *standardInput()
 } // namespace
 
 CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
-    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(*this)),
-      mySmallFiles(new cpp_SmallFiles(*this))
+    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(myMacros)),
+      mySmallFiles(new cpp_SmallFiles(myMacros))
 {
     const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
     myIncludePath.reset(UT_PathSearch::getNewInstance(known));
@@ -53,11 +55,6 @@ CPP_Manager::~CPP_Manager()
 {
     for (unsigned i = myFiles.entries(); i > 0; --i)
         myFiles(i - 1)->release();
-    const auto deleteMacro = [](void **value, const char *, void *) {
-        delete static_cast<cpp_Macro *>(*value);
-        return 1;
-    };
-    myMacros.traverseSymbols(deleteMacro, nullptr);
 }
 
 CPP_Stream *CPP_Manager::newStream()
@@ -95,6 +92,7 @@ const char *CPP_Manager::getCurrentFileName() const
 void CPP_Manager::addIncludePath(const char *dir)
 {
     myIncludePath->addDirectory(dir);
+    myFoundPaths.clear();
 }
 
 void CPP_Manager::addIncludePathList(const char *pathList)
@@ -120,7 +118,7 @@ bool CPP_Manager::openStream(UT_IStream *is, const char *name)
     return pushFile(file, name);
 }
 
-bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &path) const
+bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &path)
 {
     name = skipSpace(name);
     const bool isAngled = *name == '<';
@@ -137,16 +135,38 @@ bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &p
     }
     if (!wanted.isNonEmpty())
         return false;
-    if (UTisExplicitPath(wanted) && access(wanted, R_OK) == 0) {
-        path.assignCopy(wanted);
+    const std::string key = lookupKey(wanted, isAngled);
+    const auto known = myFoundPaths.find(key);
+    if (known != myFoundPaths.end())
+        path.assignCopy(known->second.c_str());
+    else if (findFile(wanted, isAngled, path))
+        myFoundPaths.emplace(key, path.text());
+    return true;
+}
+
+// What a look-up depends on: names come again and again, and most of them are asked for in
+// several folders in vain.
+std::string CPP_Manager::lookupKey(const char *name, bool isAngled) const
+{
+    const CPP_File *file = isAngled ? nullptr : currentFile();
+    if (file == nullptr)
+        return std::string("<") + name;
+    const char *directory = file->getDirectory();
+    return (directory != nullptr ? std::string("/") + directory : "") + "\"" + name;
+}
+
+// False when it is nowhere; it is then tried as it stands.
+bool CPP_Manager::findFile(const char *name, bool isAngled, UT_String &path) const
+{
+    if (UTisExplicitPath(name) && access(name, R_OK) == 0) {
+        path.assignCopy(name);
         return true;
     }
-    if (!isAngled && findNearCurrentFile(wanted, path))
+    if (!isAngled && findNearCurrentFile(name, path))
         return true;
-    // A name that is nowhere on the path is tried as it stands.
-    myIncludePath->findFile(path, wanted, UT_PathSearch::KEEP_NAME);
+    const bool isFound = myIncludePath->findFile(path, name, UT_PathSearch::KEEP_NAME);
     path.makeOwned();
-    return true;
+    return isFound;
 }
 
 bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
@@ -159,14 +179,25 @@ bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
     if (directory != nullptr && std::strcmp(directory, ".") != 0)
         (path += directory) += "/";
     path += name;
-    return mySmallFiles->take(path).data() != nullptr || access(path, R_OK) == 0;
+    return access(path, R_OK) == 0;
+}
+
+bool CPP_Manager::isOnce(const char *path) const
+{
+    char real[PATH_MAX];
+    return myOnceFiles.entries() > 0 && realpath(path, real) != nullptr &&
+           myOnceFiles.findSymbol(real);
 }
 
 bool CPP_Manager::pushPath(const char *path)
 {
+    if (isOnce(path))
+        return true;
     auto *file = new CPP_File(newStream());
     CPP_Stream *stream = file->getStream();
     const bool isFile = *path != '\0' && !isStandardInput(path);
+    // Old-style includes are reported even in skipped text.
+    mySmallFiles->heedGuards(!hasFlag(OLD_STYLE_INCLUDE));
     if (isFile)
         static_cast<void>(stream->open(path)); // whether it is open now, counts
     else if (*path != '\0')
@@ -262,12 +293,28 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     int lines;
     text = file->takeRun(isDropped ? cpp_RunKind::DROPPED : cpp_RunKind::KEPT, length, lines);
     if (text == nullptr)
-        return false;
+        return !isDropped && takeQuiet(*file, text, length);
     sawSpecialStream = sawSpecialStream || file->isSpecial();
     if (isDropped) {
         text = emptyLines(lines);
         length = lines;
     }
+    return true;
+}
+
+bool CPP_Manager::takeQuiet(CPP_File &file, const char *&text, int &length)
+{
+    int available;
+    const char *start = file.peek(available);
+    if (start == nullptr || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
+        return false;
+    const bool strips = hasFlag(STRIP_COMMENTS) && !hasFlag(KEEP_SLASH_COMMENTS);
+    const char *end = takeQuietLines(myMacros, strips, start, start + available);
+    if (end == start)
+        return false;
+    length = countLines(start, end);
+    file.skip(static_cast<int>(end - start), length);
+    text = emptyLines(length);
     return true;
 }
 
@@ -307,17 +354,19 @@ void CPP_Manager::takeSourceLine(UT_ScratchBuffer &out)
 void CPP_Manager::popFile(UT_ScratchBuffer &out)
 {
     CPP_File *file = currentFile();
-    UT_String diagnostic;
+    UT_String message = "";
     if (const char *reason = file->getStream()->readError()) {
-        UT_String message;
         message.sprintf("Unable to read: %s", reason);
-        makeDiagnostic(diagnostic, ERROR, message);
         stop();
     } else if (file->hasOpenCondition()) {
-        makeDiagnostic(diagnostic, ERROR, "Missing #endif");
+        message = "Missing #endif";
     }
-    if (diagnostic.isNonEmpty())
+    if (message.isNonEmpty()) {
+        UT_String diagnostic;
+        makeDiagnostic(diagnostic, ERROR, message);
         out.append(diagnostic);
+    }
+    reportEnd(*file, message.text());
     file->release();
     myFiles.removeIndex(myFiles.entries() - 1);
     hasPoppedFile = myFiles.entries() > 0;
@@ -330,6 +379,8 @@ void CPP_Manager::processLine(UT_ScratchBuffer &out)
     const bool strips = hasFlag(STRIP_COMMENTS);
     const bool isOpen = stripComments(myLine, strips && !hasFlag(KEEP_SLASH_COMMENTS),
                                       strips && hasFlag(HASH_COMMENTS), hasFlag(IN_BLOCK_COMMENT));
+    if (isOpen && !hasFlag(IN_BLOCK_COMMENT))
+        noteComment();
     setFlag(IN_BLOCK_COMMENT, isOpen);
 
     const char *first = skipSpace(myLine.buffer());
@@ -392,10 +443,14 @@ void CPP_Manager::expandInto(UT_ScratchBuffer &out)
         out.swap(myLine);
         return;
     }
-    if (myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), myRecursionLimit, out))
+    const bool isGood =
+        myExpander->expand(*currentFile(), myLine.buffer(), myLine.length(), myRecursionLimit, out);
+    myBlankLinesOwed += myExpander->linesTaken();
+    if (isGood)
         return;
     UT_String diagnostic;
     makeDiagnostic(diagnostic, ERROR, myExpander->message());
+    reportExpansion();
     out.clear();
     out.append(diagnostic);
     stop();
@@ -405,7 +460,9 @@ bool CPP_Manager::expandLine(CPP_File &file, const char *text, UT_String &result
 {
     UT_ScratchBuffer out;
     const int length = static_cast<int>(std::strlen(text));
-    if (!myExpander->expand(file, text, length, depthLeft, out)) {
+    const bool isGood = myExpander->expand(file, text, length, depthLeft, out);
+    myBlankLinesOwed += myExpander->linesTaken();
+    if (!isGood) {
         result.assignCopy(myExpander->message());
         return false;
     }
@@ -439,7 +496,32 @@ void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *for
     if (length < 0)
         return;
     makeDiagnostic(result, severity, message);
+    reportDirective(severity, message);
     std::free(message);
     if (currentFile() != nullptr)
         myBlankLinesOwed = 1;
+}
+
+// ---- Macros ----------------------------------------------------------------
+
+bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool commandLineForm)
+{
+    result = "\n";
+    if (const char *name = myMacros.define(definition, commandLineForm))
+        diagnose(result, WARNING, "Macro \"%s\" redefined.  %s", name, "Using later definition");
+    return true;
+}
+
+bool CPP_Manager::defineMacroValue(const char *name, const char *value)
+{
+    UT_String result;
+    defineMacro((std::string(name) + " " + value).c_str(), result, false);
+    return std::strcmp(result, "\n") == 0;
+}
+
+bool CPP_Manager::undefineMacro(const char *text, UT_String &result)
+{
+    result = "\n";
+    myMacros.undefine(text);
+    return true;
 }

@@ -24,7 +24,8 @@
 #pragma once
 
 #include "CPP/CPP_File.h"
-#include "CPP/cpp_NameFilter.h"
+#include "CPP/CPP_Message.h"
+#include "CPP/cpp_MacroTable.h"
 #include "UT/UT_PathSearch.h"
 #include "UT/UT_PtrArray.h"
 #include "UT/UT_ScratchBuffer.h"
@@ -33,12 +34,14 @@
 #include "UT/UT_SymbolTable.h"
 
 #include <memory>
+#include <string>
+#include <unordered_map>
 
 class CPP_Stream;
 class UT_IStream;
 class cpp_Expander;
 class cpp_SmallFiles;
-struct cpp_Macro;
+struct cpp_ConditionFault;
 
 class CPP_Manager
 {
@@ -92,8 +95,9 @@ public:
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
     // `useSearchPath` an explicit name is taken when it can be read; any other is
-    // looked for beside the current file, then along the include path. False when
-    // there is no such file; nothing is reported.
+    // looked for beside the current file, then along the include path; where it was found
+    // it is taken from again in this manager's time. False when there is no such file;
+    // nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
 
     // The same from a stream that stays the caller's and outlives the reading.
@@ -109,12 +113,21 @@ public:
     // diagnostic comes alone.
     [[nodiscard]] bool getLines(const char *&text, int &length);
 
+    // From now on "#pragma once" keeps its file, under whatever name, from being included
+    // again: such an include gives its own empty line only, and so does the pragma.
+    void honourPragmaOnce() { honoursOnce = true; }
+
     const char *getCurrentFileName() const; // "<unknown>" when none is open
 
     // The paths of all files that were opened so far, as they were opened, each once, in
     // the order of first opening: what the output depends on. Files that came from memory,
     // or whose guard left nothing of them, count; standard input and lent streams do not.
     const UT_StringList &getOpenedFiles() const { return myOpenedFiles; }
+
+    // Has what goes wrong told as well, when it happens: places and reasons that the
+    // output's diagnostics leave out, and warnings that it does not have. The output stays
+    // as it is.
+    void setListener(CPP_Listener listener);
 
     // ---- Macros --------------------------------------------------------
 
@@ -129,13 +142,17 @@ public:
     // Removes the macro that the text's first word names. Always true.
     bool undefineMacro(const char *text, UT_String &result);
 
-    bool isMacroDefined(const char *name) const;
-    const cpp_Macro *findMacro(const char *name) const; // null when there is none
-    const cpp_Macro *findMacro(const char *name, size_t length) const;
+    bool isMacroDefined(const char *name) const { return myMacros.holds(name); }
+    const cpp_Macro *findMacro(const char *name) const { return myMacros.find(name); } // or null
+    const cpp_Macro *findMacro(const char *name, size_t length) const
+    {
+        return myMacros.find({name, length});
+    }
+    const cpp_MacroTable &macros() const { return myMacros; }
 
     // Appends "#define NAME body" for each macro that is not built in, by name. Each is a
     // line that defines the same macro again.
-    void listMacros(UT_StringList &lines);
+    void listMacros(UT_StringList &lines) { myMacros.list(lines); }
 
     // Appends the expansion of `text`, a line of `file`, to the result. Macros in
     // replacements nest less than `depthLeft` deep (128, if that is below 1). On
@@ -148,7 +165,6 @@ public:
 
     bool hasFlag(Flag flag) const { return (myFlags & flag) != 0; }
     CPP_File *currentFile() const; // null when none is open
-    void oweBlankLine() { ++myBlankLinesOwed; }
 
 private:
     // A directive line, as a directive's function gets it.
@@ -167,6 +183,7 @@ private:
 
     // emit
     bool takeRun(const char *&text, int &length);
+    bool takeQuiet(CPP_File &file, const char *&text, int &length);
     const char *emptyLines(int lines);
     void processLine(UT_ScratchBuffer &out);
     bool processIfDirective(const char *first, UT_ScratchBuffer &out);
@@ -188,6 +205,7 @@ private:
     void doIfndef(const Directive &directive);
     void doIf(const Directive &directive);
     void doElif(const Directive &directive);
+    int evaluate(const char *condition);
     void doElse(const Directive &directive);
     void doEndif(const Directive &directive);
     void doDefine(const Directive &directive);
@@ -198,28 +216,43 @@ private:
     void doPassThrough(const Directive &directive);
     bool include(const Directive &directive, UT_String &name);
 
+    // report; nothing without a listener
+    CPP_Message messageAt(const char *place, const std::string &text) const;
+    void warn(CPP_Warning warning, CPP_Message message) const;
+    void reportDirective(Severity severity, const char *message);
+    void reportExpansion() const;
+    void reportEnd(const CPP_File &file, const std::string &text);
+    void noteComment();
+    void warnDefinition(const char *definition);
+    void warnWord(const std::string &word, const char *place);
+    void warnCondition(const cpp_ConditionFault &fault);
+
     // input
-    bool resolveName(const char *name, bool useSearchPath, UT_String &path) const;
+    bool resolveName(const char *name, bool useSearchPath, UT_String &path);
+    bool findFile(const char *name, bool isAngled, UT_String &path) const;
     bool findNearCurrentFile(const char *name, UT_String &path) const;
+    std::string lookupKey(const char *name, bool isAngled) const;
     bool pushPath(const char *path);
+    bool isOnce(const char *path) const;
     bool pushFile(CPP_File *file, const char *path);
     void noteOpened(const char *path);
 
-    void storeMacro(const char *name, cpp_Macro *macro); // in place of one of that name
     bool applyOption(char letter, const char *value);
 
     std::unique_ptr<UT_PathSearch> myIncludePath;
-    UT_ScratchBuffer myPendingText;  // the next output line, held back
-    UT_PtrArray<CPP_File *> myFiles; // the innermost last
+    std::unordered_map<std::string, std::string> myFoundPaths; // by lookupKey()
+    UT_ScratchBuffer myPendingText;                            // the next output line, held back
+    UT_PtrArray<CPP_File *> myFiles;                           // the innermost last
     UT_StringList myOpenedFiles;
     UT_SymbolTable myOpenedNames; // the same, to find them; without values
-    UT_SymbolTable myMacros;      // values are cpp_Macro, deleted by us
-    cpp_NameFilter myMacroFilter; // of all names that myMacros ever held
+    cpp_MacroTable myMacros;
     unsigned myFlags = STRIP_COMMENTS | LINE_MARKERS | EXPAND_INCLUDE_NAMES;
     int myRecursionLimit;         // 0 means the default
     bool isPendingSource = false; // the held-back text is a source line, not output
     int myBlankLinesOwed = 0;
     bool sawSpecialStream = false;
+    bool honoursOnce = false;
+    UT_SymbolTable myOnceFiles; // real paths, without values
     bool hasPoppedFile = false; // the next line read goes on in an outer file
     std::unique_ptr<cpp_Expander> myExpander;
     std::unique_ptr<cpp_SmallFiles> mySmallFiles;
@@ -227,4 +260,12 @@ private:
     bool isLineLent = false;   // to the caller, who has given us another buffer
     UT_ScratchBuffer myOutput; // for callers who bring no buffer
     UT_ScratchBuffer myEmptyLines;
+
+    CPP_Listener myListener;
+    const char *myPlace = nullptr; // in myLine, for what is reported next
+    std::string myDetail, myHint;  // of it
+    struct {
+        const CPP_File *file;
+        int line, column;
+    } myComment = {}; // the last one that went on on the next line
 };

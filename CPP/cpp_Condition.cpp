@@ -1,15 +1,17 @@
 #include "CPP/cpp_Condition.h"
 
-#include "CPP/CPP_Manager.h"
-#include "CPP/cpp_Macro.h"
-#include "CPP/cpp_Text.h"
+#include "CPP/cpp_Classes.h"
+#include "CPP/cpp_MacroTable.h"
+#include "UT/UT_String.h"
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -29,7 +31,7 @@ using Apply = int32_t (*)(int64_t left, int64_t right);
 enum Kind { INFIX, UNARY, OPEN, CLOSE };
 
 struct Operator {
-    const char *text;
+    std::string_view text;
     int precedence; // the smaller, the tighter
     Kind kind;
     Apply apply;
@@ -74,7 +76,8 @@ int32_t parseNumber(const std::string &digits, int base)
 class OperandReader
 {
 public:
-    OperandReader(const CPP_Manager &manager, const char *&text) : myManager(manager), myText(text)
+    OperandReader(const cpp_MacroTable &macros, const char *&text, cpp_ConditionFault &fault)
+        : myMacros(macros), myText(text), myFault(fault)
     {
     }
 
@@ -83,21 +86,31 @@ public:
         if (isDigit(*myText) || *myText == '-')
             return takeNumber(value);
         std::string name;
+        const char *start = myText;
         if (!takeName(name))
-            return false;
+            return fail("this is no number, name or operator");
         for (const Function &function : FUNCTIONS) {
             if (name == function.name)
-                return (this->*function.take)(value);
+                return (this->*function.take)(value) || fail(function.form);
         }
-        return valueOfMacro(name, value);
+        if (*skipSpace(myText) == '(')
+            return fail("macros with arguments are not expanded here");
+        return valueOfMacro(name, start, value);
     }
 
 private:
     struct Function {
         const char *name;
         bool (OperandReader::*take)(int32_t &value);
+        const char *form; // for the message when it is written otherwise
     };
     static const Function FUNCTIONS[4];
+
+    bool fail(const char *error)
+    {
+        myFault.error = error;
+        return false;
+    }
 
     bool takeNumber(int32_t &value)
     {
@@ -111,15 +124,16 @@ private:
             digits += *myText;
         value = parseNumber(digits, 0);
         value = isNegative ? wrap(-int64_t{value}) : value;
-        return true;
+        // What follows would be another operand.
+        return !isNameCharacter(*myText) || fail("a number has no suffix, and is decimal or 0x...");
     }
 
     bool takeName(std::string &name)
     {
         if (!isNameStart(*myText))
             return false;
-        for (name.clear(); isNameCharacter(*myText) && name.size() < MAX_NAME; ++myText)
-            name += *myText;
+        name.assign(myText, std::min(skipName(myText), myText + MAX_NAME));
+        myText += name.size();
         return true;
     }
 
@@ -148,7 +162,7 @@ private:
     {
         if (!readText(myText, text))
             return false;
-        const cpp_Macro *macro = myManager.findMacro(text.c_str());
+        const cpp_Macro *macro = myMacros.find(text);
         if (macro == nullptr)
             return true;
         const char *body = skipSpace(macro->myBody.c_str());
@@ -166,7 +180,7 @@ private:
         std::string name;
         if (!takeSign('(') || !takeName(name) || !takeSign(')'))
             return false;
-        value = myManager.isMacroDefined(name.c_str());
+        value = myMacros.holds(name);
         return true;
     }
 
@@ -204,26 +218,31 @@ private:
         return true;
     }
 
-    bool valueOfMacro(const std::string &name, int32_t &value) const
+    bool valueOfMacro(const std::string &name, const char *start, int32_t &value)
     {
         value = 0;
-        const cpp_Macro *macro = myManager.findMacro(name.c_str());
+        const cpp_Macro *macro = myMacros.find(name);
         if (macro == nullptr)
             return true;
         const char *body = skipSpace(macro->myBody.c_str());
         value = parseNumber(body, 10);
-        return *body != '\0';
+        const size_t sign = *body == '-' || *body == '+' ? 1 : 0;
+        const size_t digits = std::strspn(body + sign, "0123456789");
+        if (digits == 0 || *skipSpace(body + sign + digits) != '\0')
+            myFault.oddMacro = myFault.oddMacro != nullptr ? myFault.oddMacro : start;
+        return *body != '\0' || fail("this macro is empty");
     }
 
-    const CPP_Manager &myManager;
+    const cpp_MacroTable &myMacros;
     const char *&myText;
+    cpp_ConditionFault &myFault;
 };
 
 const OperandReader::Function OperandReader::FUNCTIONS[4] = {
-    {"defined", &OperandReader::takeDefined},
-    {"environment", &OperandReader::takeEnvironment},
-    {"access", &OperandReader::takeAccess},
-    {"strcmp", &OperandReader::takeCompare},
+    {"defined", &OperandReader::takeDefined, "this is written defined(NAME)"},
+    {"environment", &OperandReader::takeEnvironment, "this is written environment(NAME)"},
+    {"access", &OperandReader::takeAccess, "this is written access(\"PATH\")"},
+    {"strcmp", &OperandReader::takeCompare, "this is written strcmp(\"TEXT\", \"TEXT\")"},
 };
 
 // ---- Evaluation ----------------------------------------------------------
@@ -234,6 +253,12 @@ const OperandReader::Function OperandReader::FUNCTIONS[4] = {
 class Evaluator
 {
 public:
+    Evaluator()
+    {
+        myValues.reserve(USUAL_DEPTH);
+        myOperators.reserve(USUAL_DEPTH);
+    }
+
     bool takeOperand(int32_t value)
     {
         if (!expectsOperand)
@@ -297,6 +322,8 @@ private:
         return true;
     }
 
+    static constexpr size_t USUAL_DEPTH = 8;
+
     std::vector<int32_t> myValues;
     std::vector<const Operator *> myOperators;
     bool expectsOperand = true;
@@ -304,35 +331,43 @@ private:
 
 const Operator *findOperator(const char *text)
 {
+    if (isNameCharacter(*text))
+        return nullptr;
     if (text[0] == '-' && isDigit(text[1]))
         return nullptr;
     for (const Operator &op : OPERATORS) {
-        if (std::strncmp(text, op.text, std::strlen(op.text)) == 0)
+        if (text[0] == op.text[0] && (op.text.size() == 1 || text[1] == op.text[1]))
             return &op;
     }
     return nullptr;
 }
 } // namespace
 
-int evaluateCondition(CPP_Manager &manager, const char *text, bool skipCheck)
+int evaluateCondition(const cpp_MacroTable &macros, const char *text, cpp_ConditionFault *fault)
 {
-    const CPP_File *file = manager.currentFile();
-    if (skipCheck && file != nullptr && file->isSkipping())
-        return 2;
+    cpp_ConditionFault unasked;
+    cpp_ConditionFault &found = fault != nullptr ? *fault : unasked;
     Evaluator evaluator;
-    OperandReader operands(manager, text);
+    OperandReader operands(macros, text, found);
     while (*(text = skipSpace(text)) != '\0') {
+        found.place = text;
         bool isGood = false;
         if (const Operator *op = findOperator(text)) {
-            text += std::strlen(op->text);
+            text += op->text.size();
             isGood = evaluator.takeOperator(*op);
         } else {
             int32_t value = 0;
             isGood = operands.take(value) && evaluator.takeOperand(value);
         }
-        if (!isGood)
-            return -1;
+        if (isGood)
+            continue;
+        if (found.error == nullptr)
+            found.error = "this does not follow what is in front of it";
+        return -1;
     }
     bool value = false;
-    return evaluator.finish(value) ? static_cast<int>(value) : -1;
+    if (evaluator.finish(value))
+        return static_cast<int>(value);
+    found.error = "the expression does not end";
+    return -1;
 }

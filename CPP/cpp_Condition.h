@@ -15,8 +15,16 @@
 // in all of which the first argument starts right behind the parenthesis.
 #pragma once
 
-class CPP_Manager;
+class cpp_MacroTable;
 
-// 1 true (also any other number than 0), 0 false (also a blank text), -1 syntax
-// error; 2, unseen, when `skipCheck` is set and the current file is skipping.
-[[nodiscard]] int evaluateCondition(CPP_Manager &manager, const char *text, bool skipCheck);
+// What was found on the way: why an expression is none, and the first macro in it whose body
+// is no decimal number. Null where there is nothing to tell.
+struct cpp_ConditionFault {
+    const char *error = nullptr;
+    const char *place = nullptr; // of the error, in the text
+    const char *oddMacro = nullptr;
+};
+
+// 1 true (also any other number than 0), 0 false (also a blank text), -1 syntax error.
+[[nodiscard]] int evaluateCondition(const cpp_MacroTable &macros, const char *text,
+                                    cpp_ConditionFault *fault = nullptr);

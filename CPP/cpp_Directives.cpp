@@ -7,6 +7,8 @@
 #include "UT/UT_ExpandVariables.h"
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -73,21 +75,28 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
     text = skipSpace(text);
     const std::string_view word = firstWord(text, MAX_WORD);
     const char *argument = skipSpace(text + word.size());
+    myPlace = text;
 
     CPP_File &file = *currentFile();
     const bool isSkipping = file.isSkipping();
     for (const DirectiveRow &row : DIRECTIVES) {
+        if (word != row.word)
+            continue;
         const bool applies = row.where == DirectiveRow::EVERYWHERE ||
                              (!isSkipping && (row.where == DirectiveRow::IN_TEXT || !hashComments));
-        if (applies && word == row.word) {
+        if (applies) {
             // The file stays until the directive is done, whatever is pushed or popped.
             file.addReference();
             (this->*row.apply)({file, text, argument, result});
             file.release();
+            myPlace = nullptr;
             return;
         }
     }
-    if (!isSkipping && hasFlag(KEEP_MACROS))
+    const bool isKept = hasFlag(KEEP_MACROS);
+    if (!hashComments && !isKept)
+        warnWord(std::string(word), text);
+    if (!isSkipping && isKept)
         result.sprintf("#%s", text);
     else if (!isSkipping && !hashComments)
         diagnose(result, ERROR, "Undefined directive \"%s\"\n", std::string(word).c_str());
@@ -96,7 +105,7 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
 bool CPP_Manager::namesMacro(const char *text) const
 {
     const std::string_view name = firstWord(text, MAX_TESTED_NAME);
-    return findMacro(name.data(), name.size()) != nullptr;
+    return myMacros.holds(name);
 }
 
 void CPP_Manager::doIfdef(const Directive &directive)
@@ -111,9 +120,18 @@ void CPP_Manager::doIfndef(const Directive &directive)
                                                                 : CPP_File::TAKING);
 }
 
+int CPP_Manager::evaluate(const char *condition)
+{
+    cpp_ConditionFault fault;
+    const int value = evaluateCondition(myMacros, condition, &fault);
+    warnCondition(fault);
+    return value;
+}
+
 void CPP_Manager::doIf(const Directive &directive)
 {
-    const int value = evaluateCondition(*this, directive.argument, true);
+    const int value = directive.file.isSkipping() ? static_cast<int>(CPP_File::DONE)
+                                                  : evaluate(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#if syntax error");
     else
@@ -122,7 +140,7 @@ void CPP_Manager::doIf(const Directive &directive)
 
 void CPP_Manager::doElif(const Directive &directive)
 {
-    const int value = evaluateCondition(*this, directive.argument, false);
+    const int value = evaluate(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#elif syntax error");
     else
@@ -141,9 +159,12 @@ void CPP_Manager::doEndif(const Directive &directive)
 
 void CPP_Manager::doDefine(const Directive &directive)
 {
+    myPlace = directive.argument;
     defineMacro(directive.argument, directive.result, false);
     if (hasFlag(KEEP_MACROS))
         doPassThrough(directive);
+    else
+        warnDefinition(directive.argument);
 }
 
 void CPP_Manager::doUndef(const Directive &directive)
@@ -181,6 +202,7 @@ void CPP_Manager::doInclude(const Directive &directive)
     if (include(directive, name))
         return;
     name.changeSuffix("\n", "");
+    myPlace = directive.argument;
     diagnose(directive.result, ERROR, "Unable to include %s", name.text());
 }
 
@@ -211,5 +233,11 @@ void CPP_Manager::doLine(const Directive &directive)
 
 void CPP_Manager::doPassThrough(const Directive &directive)
 {
-    directive.result.sprintf("#%s", directive.line);
+    char real[PATH_MAX];
+    const bool isOnce = honoursOnce && firstWord(directive.line, MAX_WORD) == "pragma" &&
+                        firstWord(directive.argument, MAX_WORD) == "once";
+    if (!isOnce)
+        directive.result.sprintf("#%s", directive.line);
+    else if (realpath(directive.file.getName(), real) != nullptr)
+        myOnceFiles.addSymbol(real, nullptr);
 }

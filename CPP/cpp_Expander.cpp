@@ -1,15 +1,13 @@
 #include "CPP/cpp_Expander.h"
 
 #include "CPP/CPP_File.h"
-#include "CPP/CPP_Manager.h"
-#include "CPP/cpp_Macro.h"
+#include "CPP/cpp_Classes.h"
+#include "CPP/cpp_MacroTable.h"
 #include "CPP/cpp_Runs.h"
-#include "CPP/cpp_Text.h"
 #include "UT/UT_FormatTime.h"
 #include "UT/UT_ScratchBuffer.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <ctime>
 #include <string_view>
@@ -17,6 +15,10 @@
 namespace
 {
 const char LIMIT_REACHED[] = "Macro recursion limit reached";
+const char NO_END[] = "the list of arguments does not end";
+const char TOO_MANY[] = "there are too many arguments";
+const char TOO_LONG[] = "an argument has more than 8191 characters";
+const char MISMATCHED[] = "Mismatched quotation marks";
 
 constexpr size_t MAX_ARGUMENT = 8192; // characters, this one excluded
 
@@ -32,64 +34,17 @@ constexpr size_t TIME_COST = 1024; // asking the system takes long
 
 constexpr size_t MAX_KEPT = 65536; // bytes of a level that is left
 
-// What characters mean, as a set of these.
-enum Class : unsigned {
-    SPACE = 1,
-    NAME_START = 2,
-    DIGIT = 4,
-    QUOTE = 8,
-    BACKSLASH = 16,
-    LIST = 32 // counts in an argument list
-};
-constexpr unsigned NAME = NAME_START | DIGIT;
-constexpr unsigned ENDS_TEXT = NAME_START | QUOTE | BACKSLASH;
-constexpr unsigned ENDS_ARGUMENT_TEXT = LIST | QUOTE | BACKSLASH;
+constexpr unsigned ENDS_TEXT = CPP_NAME_START | CPP_QUOTE | CPP_BACKSLASH;
+constexpr unsigned ENDS_ARGUMENT_TEXT = CPP_LIST | CPP_QUOTE | CPP_BACKSLASH;
 
-constexpr std::array<unsigned char, 256> makeClasses()
-{
-    std::array<unsigned char, 256> classes{};
-    for (unsigned c = 0; c < 256; ++c) {
-        const char here = static_cast<char>(c);
-        const bool inList = here == '(' || here == ')' || here == ',' || here == '\n';
-        const unsigned all = (isNameStart(here) ? NAME_START : 0u) | (isSpace(here) ? SPACE : 0u) |
-                             (isDigit(here) ? DIGIT : 0u) | (inList ? LIST : 0u) |
-                             (here == '"' || here == '\'' ? QUOTE : 0u) |
-                             (here == '\\' ? BACKSLASH : 0u);
-        classes[c] = static_cast<unsigned char>(all);
-    }
-    return classes;
-}
-
-constexpr std::array<unsigned char, 256> CLASSES = makeClasses();
-
-bool isOf(unsigned classes, char c)
-{
-    return (CLASSES[static_cast<unsigned char>(c)] & classes) != 0;
-}
-
-// The first character of one of the classes, or else `end`.
-const char *find(unsigned classes, const char *from, const char *end)
-{
-    while (from < end && !isOf(classes, *from))
-        ++from;
-    return from;
-}
-
-const char *findOther(unsigned classes, const char *from, const char *end)
-{
-    while (from < end && isOf(classes, *from))
-        ++from;
-    return from;
-}
-
-// As find(ENDS_TEXT, ...). Words stand close together, numbers go on for long.
+// As findOf(ENDS_TEXT, ...). Words stand close together, numbers go on for long.
 const char *findTextEnd(const char *from, const char *end)
 {
     constexpr int NEAR = 24;
     if (end - from <= NEAR)
-        return find(ENDS_TEXT, from, end);
-    const char *near = find(ENDS_TEXT, from, from + NEAR);
-    return near < from + NEAR ? near : find(ENDS_TEXT, skipInert(near, end), end);
+        return findOf(ENDS_TEXT, from, end);
+    const char *near = findOf(ENDS_TEXT, from, from + NEAR);
+    return near < from + NEAR ? near : findOf(ENDS_TEXT, skipInert(near, end), end);
 }
 
 // Behind the quote that closes the run starting at `quote`; null when none does.
@@ -120,7 +75,42 @@ void append(UT_ScratchBuffer &out, const char *from, const char *to)
 bool cpp_Expander::fail(std::string message)
 {
     myMessage = std::move(message);
+    myFaultDepth = myDepth;
     return false;
+}
+
+bool cpp_Expander::failList(const char *reason)
+{
+    myReason = reason;
+    return false;
+}
+
+void cpp_Expander::notePlace(const char *place)
+{
+    myPlace = place;
+    myPlaceLine = myFile->getLineNumber();
+    myLinesToPlace = myLinesTaken;
+}
+
+cpp_Expander::Fault cpp_Expander::fault() const
+{
+    Fault fault;
+    fault.line = myPlaceLine;
+    fault.isQuote = myReason == nullptr && myMessage == MISMATCHED;
+    if (myReason != nullptr)
+        fault.detail = std::string(": ") + myReason;
+    const Level &outermost = *myLevels[0];
+    const bool isInText = myLinesToPlace == 0;
+    if (!isInText && myLinesToPlace != myLinesTaken) // its line is gone
+        return fault;
+    const char *start = isInText ? myText : outermost.start;
+    const char *end = isInText ? myTextEnd : outermost.end;
+    fault.source.assign(start, end);
+    fault.column = static_cast<int>(myPlace - start) + 1;
+    if (myFaultDepth > 0)
+        fault.detail += " in what \"" + std::string(myPlace, findOther(CPP_NAME, myPlace, end)) +
+                        "\" stands for";
+    return fault;
 }
 
 bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limit,
@@ -128,6 +118,10 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
 {
     myFile = &file;
     myOut = &out;
+    myLinesTaken = 0;
+    myText = text;
+    myTextEnd = text + length;
+    myReason = nullptr;
     myLimit = static_cast<size_t>(limit > 0 ? limit : DEFAULT_LIMIT);
     myBudget = BUDGET + BUDGET_PER_CHARACTER * static_cast<size_t>(std::min(length, MAX_COUNTED));
     goToLevel(0);
@@ -193,13 +187,15 @@ bool cpp_Expander::expandLevel()
         const cpp_Macro *macro = nullptr;
         const char *stop = findWork(here, macro, nameLength);
         append(*myOut, here.next, stop);
+        if (myDepth == 0)
+            notePlace(stop);
         here.next = stop + nameLength;
         if (macro != nullptr) {
             if (!expandMacro(*macro))
                 return false;
         } else if (stop < here.end) {
-            if (isOf(QUOTE, *stop))
-                return fail("Mismatched quotation marks");
+            if (isOf(CPP_QUOTE, *stop))
+                return fail(MISMATCHED);
             copyBackslash();
         }
     }
@@ -212,12 +208,12 @@ const char *cpp_Expander::findWork(const Level &here, const cpp_Macro *&macro,
                                    size_t &nameLength) const
 {
     const char *p = here.next;
-    while ((p = findTextEnd(p, here.end)) < here.end && !isOf(BACKSLASH, *p)) {
+    while ((p = findTextEnd(p, here.end)) < here.end && !isOf(CPP_BACKSLASH, *p)) {
         const char *end;
-        if (isOf(NAME_START, *p)) {
-            end = findOther(NAME, p, here.end);
+        if (isOf(CPP_NAME_START, *p)) {
+            end = findOther(CPP_NAME, p, here.end);
             const auto length = static_cast<size_t>(end - p);
-            macro = myManager.findMacro(p, length);
+            macro = myMacros.find({p, length});
             if (macro != nullptr)
                 nameLength = length;
         } else {
@@ -237,7 +233,7 @@ void cpp_Expander::copyBackslash()
 {
     Level &here = level();
     const char *next = here.next + 1;
-    const bool stays = next == here.end || isOf(NAME_START, *next);
+    const bool stays = next == here.end || isOf(CPP_NAME_START, *next);
     append(*myOut, stays ? here.next : next, stays ? next : next + 1);
     here.next = stays ? next : next + 1;
 }
@@ -247,7 +243,7 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro)
     if (macro.myBuiltin != cpp_Macro::NONE)
         return copyBuiltin(macro);
     if (macro.myNumArgs >= 0 && !takeArguments(macro.myNumArgs))
-        return fail("Invalid arguments for macro \"" + macro.myName + "\"");
+        return fail("Invalid arguments for macro \"" + std::string(macro.myName) + "\"");
     if (myDepth + 1 >= myLimit)
         return fail(LIMIT_REACHED);
     const bool hasArguments = macro.myNumArgs > 0;
@@ -318,7 +314,7 @@ bool cpp_Expander::readLine()
     UT_ScratchBuffer line;
     if (!myFile->readLogicalLine(line))
         return false;
-    myManager.oweBlankLine();
+    ++myLinesTaken;
     for (; myOwned < myTaken; ++myOwned) // their text may lie in what is replaced here
         myArguments[myOwned].own();
     Level &here = level();
@@ -332,7 +328,7 @@ bool cpp_Expander::skipSpace(bool acrossLines)
 {
     for (;;) {
         Level &here = level();
-        here.next = findOther(SPACE, here.next, here.end);
+        here.next = findOther(CPP_SPACE, here.next, here.end);
         if (here.next < here.end)
             return true;
         if (!acrossLines || !readLine())
@@ -343,7 +339,7 @@ bool cpp_Expander::skipSpace(bool acrossLines)
 bool cpp_Expander::takeArguments(int count)
 {
     if (!skipSpace(false) || *level().next != '(')
-        return false;
+        return failList("there is no list of arguments behind it on this line");
     ++level().next;
     myArguments.resize(static_cast<size_t>(count));
     for (Argument &argument : myArguments)
@@ -355,12 +351,14 @@ bool cpp_Expander::takeArguments(int count)
         ++myTaken;
         const bool isLast = i + 1 == count;
         if (*level().next != (isLast ? ')' : ','))
-            return false;
+            return failList(isLast ? TOO_MANY : "there are too few arguments");
         if (!isLast)
             ++level().next;
     }
-    if (!skipSpace(true) || *level().next != ')')
-        return false;
+    if (!skipSpace(true))
+        return failList(NO_END);
+    if (*level().next != ')')
+        return failList(TOO_MANY);
     ++level().next;
     return true;
 }
@@ -369,7 +367,7 @@ bool cpp_Expander::takeArguments(int count)
 bool cpp_Expander::takeArgument(Argument &argument)
 {
     if (!skipSpace(true))
-        return false;
+        return failList(NO_END);
     const char *begin = level().next;
     if (takeAsItStands()) {
         argument.text = {begin, static_cast<size_t>(level().next - begin)};
@@ -379,7 +377,9 @@ bool cpp_Expander::takeArgument(Argument &argument)
             return false;
         argument.text = argument.copy;
     }
-    return !argument.text.empty() && argument.text.size() < MAX_ARGUMENT;
+    if (argument.text.empty())
+        return failList("an argument is empty");
+    return argument.text.size() < MAX_ARGUMENT || failList(TOO_LONG);
 }
 
 // Passes an argument that lies within the line and has nothing that changes: most do.
@@ -387,10 +387,10 @@ bool cpp_Expander::takeAsItStands()
 {
     Level &here = level();
     for (int parentheses = 0;; ++here.next) {
-        here.next = find(ENDS_ARGUMENT_TEXT, here.next, here.end);
-        if (here.next == here.end || isOf(BACKSLASH, *here.next) || *here.next == '\n')
+        here.next = findOf(ENDS_ARGUMENT_TEXT, here.next, here.end);
+        if (here.next == here.end || isOf(CPP_BACKSLASH, *here.next) || *here.next == '\n')
             return false;
-        if (isOf(QUOTE, *here.next)) {
+        if (isOf(CPP_QUOTE, *here.next)) {
             const char *end = skipQuoted(here.next, here.end);
             if (end == nullptr)
                 return false;
@@ -410,20 +410,20 @@ bool cpp_Expander::copyArgument(std::string &argument)
     while (argument.size() < MAX_ARGUMENT) {
         Level &here = level();
         const char *run = here.next;
-        here.next = find(ENDS_ARGUMENT_TEXT, run, here.end);
+        here.next = findOf(ENDS_ARGUMENT_TEXT, run, here.end);
         if (here.next > run) {
             argument.append(run, static_cast<size_t>(here.next - run));
         } else if (run == here.end) {
             if (!readLine())
-                return false;
+                return failList(NO_END);
         } else {
             if (parentheses == 0 && (*run == ',' || *run == ')'))
                 return true;
             if (!takeCharacter(argument, parentheses))
-                return false;
+                return failList("a quote in an argument does not end on its line");
         }
     }
-    return false;
+    return failList(TOO_LONG);
 }
 
 bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
@@ -431,7 +431,7 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
     Level &here = level();
     const char *p = here.next;
     const bool isBehindBackslash = p > here.start && p[-1] == '\\';
-    if (isOf(QUOTE, *p) && !isBehindBackslash) {
+    if (isOf(CPP_QUOTE, *p) && !isBehindBackslash) {
         const char *end = skipQuoted(p, here.end);
         if (end == nullptr)
             return false;
@@ -458,7 +458,7 @@ bool cpp_Expander::takeCharacter(std::string &argument, int &parentheses)
 size_t cpp_Expander::replacementSize(const cpp_Macro &macro) const
 {
     size_t size = 0;
-    for (const cpp_Macro::Piece &piece : macro.myPieces) {
+    for (const cpp_Macro::Piece &piece : macro.myParameters->pieces) {
         if (size > myBudget)
             return size;
         size += piece.length;
@@ -473,7 +473,7 @@ void cpp_Expander::fillIn(const cpp_Macro &macro, size_t size, std::string &repl
 {
     replacement.resize(size);
     char *to = replacement.data();
-    for (const cpp_Macro::Piece &piece : macro.myPieces) {
+    for (const cpp_Macro::Piece &piece : macro.myParameters->pieces) {
         to = std::copy_n(macro.myBody.data() + piece.begin, piece.length, to);
         if (piece.argument == cpp_Macro::Piece::NO_ARGUMENT)
             continue;

@@ -19,7 +19,7 @@
 #include <vector>
 
 class CPP_File;
-class CPP_Manager;
+class cpp_MacroTable;
 class UT_ScratchBuffer;
 
 class cpp_Expander
@@ -27,15 +27,28 @@ class cpp_Expander
 public:
     static constexpr int DEFAULT_LIMIT = 128;
 
-    explicit cpp_Expander(CPP_Manager &manager) : myManager(manager) {}
+    explicit cpp_Expander(const cpp_MacroTable &macros) : myMacros(macros) {}
 
     // Appends the expansion of a text of `file` to `out`. Macros nest less than
     // `limit` deep (the default, if that is below 1). Argument lists may go on on
-    // the file's next lines; for each line read so, the manager owes an empty one.
-    // On failure `out` is of no use and message() says why.
+    // the file's next lines, linesTaken() of them. On failure `out` is of no use and message() says
+    // why.
     [[nodiscard]] bool expand(CPP_File &file, const char *text, int length, int limit,
                               UT_ScratchBuffer &out);
     const char *message() const { return myMessage.c_str(); }
+
+    // Where in the text, or in a line taken, and why the last expand() failed. To be asked
+    // while the text is there.
+    struct Fault {
+        int line = 0;
+        int column = 0;     // from 1; 0: unknown
+        std::string source; // the line, where it is known
+        std::string detail; // to add to the message
+        bool isQuote = false;
+    };
+    Fault fault() const;
+
+    int linesTaken() const { return myLinesTaken; } // by the last expand()
 
     // Whether expand() would copy all of the text as it is.
     bool isPlain(const char *text, int length) const;
@@ -66,6 +79,8 @@ private:
     };
 
     bool fail(std::string message);
+    bool failList(const char *reason);
+    void notePlace(const char *place);
     Level &level() { return *myLevel; }
     Level &levelAt(size_t depth); // makes it, one behind the last
     void goToLevel(size_t depth);
@@ -92,7 +107,7 @@ private:
     size_t replacementSize(const cpp_Macro &macro) const; // may stop above the budget
     void fillIn(const cpp_Macro &macro, size_t size, std::string &replacement) const;
 
-    CPP_Manager &myManager;
+    const cpp_MacroTable &myMacros;
     CPP_File *myFile = nullptr;
     UT_ScratchBuffer *myOut = nullptr;
     // Levels point into their own texts and must not move. Those above myDepth are
@@ -101,6 +116,7 @@ private:
     size_t myDepth = 0;
     Level *myLevel = nullptr; // the one at that depth
     size_t myLimit = 0;
+    int myLinesTaken = 0;
     size_t myBudget = 0; // what the line's macros may still stand for
     std::vector<Argument> myArguments;
     // Arguments below myOwned have texts of their own, those from there to myTaken may
@@ -108,4 +124,13 @@ private:
     size_t myTaken = 0;
     size_t myOwned = 0;
     std::string myMessage;
+
+    // The last place of the outermost level that was more than copied.
+    const char *myText = nullptr; // of the line, and behind it
+    const char *myTextEnd = nullptr;
+    const char *myPlace = nullptr;
+    int myPlaceLine = 0;
+    int myLinesToPlace = 0;
+    const char *myReason = nullptr; // why an argument list is bad
+    size_t myFaultDepth = 0;
 };

@@ -1,45 +1,49 @@
 // How a definition is read, and what is kept of it.
 #include "CPP/cpp_Macro.h"
 
-#include "CPP/CPP_Manager.h"
-#include "CPP/cpp_Text.h"
+#include "CPP/cpp_Classes.h"
 
-#include <algorithm>
 #include <cstring>
 #include <unordered_map>
 #include <vector>
 
 namespace
 {
-constexpr size_t MAX_UNDEFINED_NAME = 1024;
-
-bool isValidName(const std::string &name)
+// Whether a definition's name ends at the character.
+bool endsName(char c, bool commandLineForm)
 {
-    return !name.empty() && isNameStart(name[0]) &&
-           std::all_of(name.begin(), name.end(), isNameCharacter);
+    return c == '\0' || isSpace(c) || c == '(' || (commandLineForm && c == '=');
 }
 
-// Takes the characters up to white space or one of `delimiters`.
-std::string takeUpTo(const char *&text, const char *delimiters)
+// Empty when it is none: not a letter or '_' first, or other than those and digits behind.
+std::string_view takeName(const char *&text, bool commandLineForm)
 {
     const char *start = text;
-    while (*text != '\0' && !isSpace(*text) && std::strchr(delimiters, *text) == nullptr)
+    text = skipName(text);
+    const bool isName = isNameStart(*start) && endsName(*text, commandLineForm);
+    return isName ? std::string_view(start, static_cast<size_t>(text - start)) : std::string_view();
+}
+
+std::string takeParameter(const char *&text)
+{
+    const char *start = text;
+    while (*text != '\0' && !isSpace(*text) && *text != ',' && *text != ')')
         ++text;
     return std::string(start, text);
 }
 
-struct Parameters {
+struct ParameterList {
     std::vector<std::string> names;
     std::unordered_map<std::string, size_t> numbers; // the first of a name counts
 };
 
 // From behind the "(" to behind the ")", or to the end of the text.
-Parameters takeParameters(const char *&text)
+ParameterList takeParameters(const char *&text)
 {
-    Parameters parameters;
+    ParameterList parameters;
     text = skipSpace(text);
     while (*text != '\0' && !(parameters.names.empty() && *text == ')')) {
-        parameters.names.push_back(takeUpTo(text, ",)"));
+        parameters.names.push_back(takeParameter(text));
         parameters.numbers.emplace(parameters.names.back(), parameters.names.size() - 1);
         text = skipSpace(text);
         if (*text == ')')
@@ -69,7 +73,7 @@ std::string markOf(size_t argument)
 
 // A word behind `hashes` '#' characters: a mark if it is a parameter.
 const char *copyWord(const char *text, const std::string &word, size_t hashes,
-                     const Parameters &parameters, std::string &body)
+                     const ParameterList &parameters, std::string &body)
 {
     const auto found = parameters.numbers.find(word);
     if (word.empty() || found == parameters.numbers.end()) {
@@ -88,7 +92,7 @@ const char *copyWord(const char *text, const std::string &word, size_t hashes,
 }
 
 // The rest of the definition's first line.
-std::string compileBody(const char *text, const Parameters &parameters)
+std::string compileBody(const char *text, const ParameterList &parameters)
 {
     const char *end = text + std::strcspn(text, "\n");
     while (text < end && isSpace(*text))
@@ -114,12 +118,13 @@ std::string compileBody(const char *text, const Parameters &parameters)
 }
 
 // White space at the end shrinks to one blank.
-void trimEnd(std::string &body)
+void assignTrimmed(std::string &body, const char *begin, const char *end)
 {
-    const size_t size = body.size();
-    while (!body.empty() && isSpace(body.back()))
-        body.pop_back();
-    if (body.size() != size)
+    const char *trimmed = end;
+    while (trimmed > begin && isSpace(trimmed[-1]))
+        --trimmed;
+    body.assign(begin, trimmed);
+    if (trimmed != end)
         body += ' ';
 }
 
@@ -156,49 +161,49 @@ std::vector<cpp_Macro::Piece> piecesOf(const std::string &body, size_t arguments
 
 bool hasNothingToExpand(const std::string &body)
 {
-    return std::none_of(body.begin(), body.end(), [](char c) {
-        return isNameStart(c) || c == '"' || c == '\'' || c == '\\';
-    });
+    const char *end = body.data() + body.size();
+    return findOf(CPP_NAME_START | CPP_QUOTE | CPP_BACKSLASH, body.data(), end) == end;
+}
+
+// From behind the "(".
+void parseParameters(cpp_Macro &macro, const char *text)
+{
+    ParameterList list = takeParameters(text);
+    macro.myNumArgs = static_cast<int>(list.names.size());
+    const std::string body = compileBody(text, list);
+    assignTrimmed(macro.myBody, body.data(), body.data() + body.size());
+    macro.isPlain = hasNothingToExpand(macro.myBody);
+    if (macro.myNumArgs == 0)
+        return;
+    std::vector<cpp_Macro::Piece> pieces = piecesOf(macro.myBody, list.names.size());
+    macro.myParameters.reset(new cpp_Macro::Parameters{std::move(list.names), std::move(pieces)});
 }
 } // namespace
 
-cpp_Macro *cpp_Macro::parse(const char *definition, bool commandLineForm)
+std::string_view cpp_Macro::parse(const char *definition, bool commandLineForm)
 {
-    static unsigned ourIllegalNames = 0;
-
     const char *text = skipSpace(definition);
-    auto *macro = new cpp_Macro;
-    macro->myName = takeUpTo(text, commandLineForm ? "(=" : "(");
-    if (!isValidName(macro->myName)) {
-        macro->myName = "#illegal" + std::to_string(ourIllegalNames++) + "#";
-        return macro;
-    }
+    const std::string_view name = takeName(text, commandLineForm);
+    if (name.empty())
+        return name;
     if (commandLineForm && *text == '=')
         ++text;
-    if (*text == '(') {
-        ++text;
-        Parameters parameters = takeParameters(text);
-        macro->myNumArgs = static_cast<int>(parameters.names.size());
-        macro->myBody = compileBody(text, parameters);
-        macro->myParameters = std::move(parameters.names);
-    } else {
-        macro->myBody = skipSpace(text);
-        while (!macro->myBody.empty() &&
-               (macro->myBody.back() == '\n' || macro->myBody.back() == '\r'))
-            macro->myBody.pop_back();
-    }
-    trimEnd(macro->myBody);
-    if (macro->myNumArgs > 0)
-        macro->myPieces = piecesOf(macro->myBody, static_cast<size_t>(macro->myNumArgs));
-    macro->isPlain = hasNothingToExpand(macro->myBody);
-    return macro;
+    if (*text == '(')
+        parseParameters(*this, text + 1);
+    else
+        parseBody(text, text + std::strlen(text));
+    return name;
 }
 
-cpp_Macro *cpp_Macro::makeBuiltin(Builtin builtin)
+void cpp_Macro::parseBody(const char *text, const char *end, bool isPadded)
 {
-    auto *macro = new cpp_Macro;
-    macro->myBuiltin = builtin;
-    return macro;
+    text = skipBlanks(text, end);
+    while (end > text && (end[-1] == '\n' || end[-1] == '\r'))
+        --end;
+    assignTrimmed(myBody, text, end);
+    if (isPadded && !myBody.empty() && myBody.back() != ' ')
+        myBody += ' ';
+    isPlain = hasNothingToExpand(myBody);
 }
 
 bool cpp_Macro::isSameAs(const cpp_Macro &other) const
@@ -284,83 +289,12 @@ private:
 
 std::string cpp_Macro::toDefinition() const
 {
-    std::string text = "#define " + myName;
-    if (myNumArgs == 1 && myParameters[0].empty())
+    static const std::vector<std::string> NO_NAMES;
+    const auto &names = myParameters != nullptr ? myParameters->names : NO_NAMES;
+    std::string text = "#define " + std::string(myName);
+    if (myNumArgs == 1 && names[0].empty())
         return text + "(,"; // such a list never ends
     if (myNumArgs >= 0)
-        text += "(" + joinNames(myParameters) + ")";
-    return myBody.empty() ? text : text + " " + BodyWriter(myBody, myParameters).write();
-}
-
-// ---- The manager's table ---------------------------------------------------
-
-const cpp_Macro *CPP_Manager::findMacro(const char *name) const
-{
-    return findMacro(name, std::strlen(name));
-}
-
-const cpp_Macro *CPP_Manager::findMacro(const char *name, size_t length) const
-{
-    const bool mayBe = length > 0 && myMacroFilter.mayHold({name, length});
-    void *value = nullptr;
-    return mayBe && myMacros.findSymbol(name, length, &value) ? static_cast<cpp_Macro *>(value)
-                                                              : nullptr;
-}
-
-void CPP_Manager::listMacros(UT_StringList &lines)
-{
-    std::vector<std::string> found;
-    const auto collect = [](void **value, const char *name, void *data) {
-        const auto *macro = static_cast<const cpp_Macro *>(*value);
-        if (macro->myBuiltin == cpp_Macro::NONE && isNameStart(*name))
-            static_cast<std::vector<std::string> *>(data)->push_back(macro->toDefinition());
-        return 1;
-    };
-    myMacros.traverseSymbols(collect, &found);
-    std::sort(found.begin(), found.end());
-    for (const std::string &line : found)
-        lines.append(line.c_str());
-}
-
-bool CPP_Manager::isMacroDefined(const char *name) const
-{
-    return findMacro(name) != nullptr;
-}
-
-void CPP_Manager::storeMacro(const char *name, cpp_Macro *macro)
-{
-    void *&stored = myMacros.findOrAddSymbol(name);
-    delete static_cast<cpp_Macro *>(stored);
-    stored = macro;
-    myMacroFilter.add(name);
-}
-
-bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool commandLineForm)
-{
-    result = "\n";
-    cpp_Macro *macro = cpp_Macro::parse(definition, commandLineForm);
-    const cpp_Macro *old = findMacro(macro->myName.c_str());
-    if (old != nullptr && !old->isSameAs(*macro))
-        diagnose(result, WARNING, "Macro \"%s\" redefined.  %s", macro->myName.c_str(),
-                 "Using later definition");
-    storeMacro(macro->myName.c_str(), macro);
-    return true;
-}
-
-bool CPP_Manager::defineMacroValue(const char *name, const char *value)
-{
-    UT_String result;
-    defineMacro((std::string(name) + " " + value).c_str(), result, false);
-    return std::strcmp(result, "\n") == 0;
-}
-
-bool CPP_Manager::undefineMacro(const char *text, UT_String &result)
-{
-    result = "\n";
-    text = skipSpace(text);
-    const std::string name = takeUpTo(text, "").substr(0, MAX_UNDEFINED_NAME);
-    const cpp_Macro *macro = findMacro(name.c_str());
-    myMacros.deleteSymbol(name.c_str());
-    delete macro;
-    return true;
+        text += "(" + joinNames(names) + ")";
+    return myBody.empty() ? text : text + " " + BodyWriter(myBody, names).write();
 }

@@ -1,7 +1,6 @@
 // The options of a manager, and the macros that every manager has.
 #include "CPP/CPP_Manager.h"
 
-#include "CPP/cpp_Macro.h"
 #include "UT/UT_Args.h"
 
 #include <cstdio>
@@ -51,7 +50,7 @@ const char CPP_Manager::OPTION_LETTERS[] = "PCU:D:I:r:nhHcx";
 void CPP_Manager::defineBuiltins()
 {
     for (const auto &row : BUILTINS)
-        storeMacro(row.name, cpp_Macro::makeBuiltin(row.builtin));
+        myMacros.defineBuiltin(row.name, row.builtin);
 
     int major = 0;
     int minor = 0;

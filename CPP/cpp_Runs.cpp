@@ -85,6 +85,12 @@ Bytes isLetter(Bytes bytes)
     return _mm_cmpgt_epi8(shifted, _mm_set1_epi8(127 - 26));
 }
 
+Bytes isDigit(Bytes bytes)
+{
+    const Bytes shifted = _mm_add_epi8(bytes, _mm_set1_epi8(127 - '9'));
+    return _mm_cmpgt_epi8(shifted, _mm_set1_epi8(127 - 10));
+}
+
 Bytes isControl(Bytes bytes)
 {
     const Bytes last = _mm_set1_epi8(' ' - 1);
@@ -137,6 +143,38 @@ const char *skipInert(const char *from, const char *end)
 const char *runEndByBytes(cpp_RunKind kind, const char *from, const char *end)
 {
     return behindLastNewline(from, firstStop(kind, from, end));
+}
+
+const char *simpleLineEnd(const char *from, const char *end)
+{
+    const auto isStop = [](char c) {
+        return c == '\n' || c == '/' || c == '\\' || c == '\r' || c == '\0';
+    };
+#ifdef __SSE2__
+    for (; end - from >= WIDTH; from += WIDTH) {
+        const Bytes bytes = load(from);
+        const Bytes ends = either(equal(bytes, '\n'), equal(bytes, '\r'));
+        const Bytes signs = either(equal(bytes, '/'), equal(bytes, '\\'));
+        const unsigned stops = bits(either(either(ends, signs), equal(bytes, '\0')));
+        if (stops != 0)
+            return from + __builtin_ctz(stops);
+    }
+#endif
+    return std::find_if(from, end, isStop);
+}
+
+const char *nameEnd(const char *from, const char *end)
+{
+#ifdef __SSE2__
+    for (; end - from >= WIDTH; from += WIDTH) {
+        const Bytes bytes = load(from);
+        const Bytes others = either(isDigit(bytes), equal(bytes, '_'));
+        const unsigned stops = ~bits(either(isLetter(bytes), others)) & ((1u << WIDTH) - 1);
+        if (stops != 0)
+            return from + __builtin_ctz(stops);
+    }
+#endif
+    return std::find_if_not(from, end, isNameCharacter);
 }
 
 int countLines(const char *from, const char *end)

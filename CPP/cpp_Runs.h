@@ -15,6 +15,13 @@ const char *runEnd(cpp_RunKind kind, const char *from, const char *end);
 // A place up to which nothing ends a kept run, reached in large steps.
 const char *skipInert(const char *from, const char *end);
 
+// The end of a line that no stage changes before it is looked at as a whole: a newline, or
+// else a slash, backslash, carriage return or NUL in front of it, or `end`.
+const char *simpleLineEnd(const char *from, const char *end);
+
+// Behind the letters, digits and '_' at the front of a text.
+const char *nameEnd(const char *from, const char *end);
+
 int countLines(const char *from, const char *end); // newlines
 
 // The same, a byte at a time, for machines that compare no vectors.

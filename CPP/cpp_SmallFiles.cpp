@@ -1,6 +1,6 @@
 #include "CPP/cpp_SmallFiles.h"
 
-#include "CPP/CPP_Manager.h"
+#include "CPP/cpp_MacroTable.h"
 #include "CPP/cpp_Runs.h"
 #include "CPP/cpp_Text.h"
 
@@ -83,7 +83,7 @@ struct cpp_SmallFiles::File {
     int lines = 0;
 };
 
-cpp_SmallFiles::cpp_SmallFiles(const CPP_Manager &manager) : myManager(manager) {}
+cpp_SmallFiles::cpp_SmallFiles(const cpp_MacroTable &macros) : myMacros(macros) {}
 
 cpp_SmallFiles::~cpp_SmallFiles() = default;
 
@@ -92,11 +92,7 @@ std::string_view cpp_SmallFiles::take(const char *path)
     const File *file = find(path);
     if (file == nullptr)
         return {};
-    // Old-style includes are reported even in skipped text.
-    const bool isSkipped = !file->guard.empty() &&
-                           !myManager.hasFlag(CPP_Manager::OLD_STYLE_INCLUDE) &&
-                           myManager.findMacro(file->guard.c_str()) != nullptr;
-    if (!isSkipped)
+    if (!heedsGuards || file->guard.empty() || !myMacros.holds(file->guard))
         return file->text;
     if (myEmptyLines.empty())
         myEmptyLines.assign(MAX_FILE, '\n');

@@ -14,13 +14,13 @@
 #include <string_view>
 #include <unordered_map>
 
-class CPP_Manager;
+class cpp_MacroTable;
 
 class cpp_SmallFiles
 {
 public:
-    // The manager is asked whether guards are defined, and outlives this.
-    explicit cpp_SmallFiles(const CPP_Manager &manager);
+    // The macros, which tell whether guards are defined, outlive this.
+    explicit cpp_SmallFiles(const cpp_MacroTable &macros);
     ~cpp_SmallFiles();
     cpp_SmallFiles(const cpp_SmallFiles &) = delete;
     cpp_SmallFiles &operator=(const cpp_SmallFiles &) = delete;
@@ -29,6 +29,10 @@ public:
     // data() when the file is too long to keep, is no regular file or cannot be read.
     // The text lives as long as this.
     std::string_view take(const char *path);
+
+    // Whether guards count (they do at first): they must not where skipped text can have an
+    // effect.
+    void heedGuards(bool on) { heedsGuards = on; }
 
 private:
     static constexpr size_t MAX_FILE = 32768;
@@ -39,8 +43,9 @@ private:
     const File *find(std::string_view path);
     std::unique_ptr<File> read(std::string_view path) const;
 
-    const CPP_Manager &myManager;
+    const cpp_MacroTable &myMacros;
     std::unordered_map<std::string_view, std::unique_ptr<File>> myFiles; // by their paths
+    bool heedsGuards = true;
     const File *myLast = nullptr; // which is often asked for again
     std::string myEmptyLines;     // as many as a file can have, once one needs some
     size_t myTotal = 0;

@@ -52,6 +52,13 @@ char *UTduplicate(const char *text)
 {
     if (text == nullptr)
         return nullptr;
-    const size_t bytes = std::strlen(text) + 1;
-    return static_cast<char *>(std::memcpy(UTallocate(bytes), text, bytes));
+    return UTduplicate(text, std::strlen(text));
+}
+
+char *UTduplicate(const char *text, size_t length)
+{
+    auto *const copy = static_cast<char *>(UTallocate(length + 1));
+    std::memcpy(copy, text, length);
+    copy[length] = '\0';
+    return copy;
 }

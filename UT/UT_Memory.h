@@ -19,3 +19,4 @@
 
 // A malloc'd copy of a NUL-terminated text; null stays null.
 [[nodiscard]] char *UTduplicate(const char *text);
+[[nodiscard]] char *UTduplicate(const char *text, size_t length); // of its first characters

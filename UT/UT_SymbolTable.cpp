@@ -35,10 +35,13 @@ constexpr bool ENTRY_POOL_TRACKS_PAGES = true;
 constexpr unsigned ENTRIES_PER_PAGE = 1024;
 constexpr unsigned ENTRY_POOL_MAX_SIZE = 128;
 
+// Buckets; entries lie all over the memory, and rebuilding would wait for each.
+constexpr int FETCHED_AHEAD = 16;
+
 // Shared by all tables; never destroyed, because static tables may outlive it.
 UT_SmallObjectPool &entryPool()
 {
-    // Records are three pointers: pages spare them the heap's overhead.
+    // Records are small: pages spare them the heap's overhead.
     static UT_SmallObjectPool *const pool = new UT_SmallObjectPool(
         ENTRY_POOL_TRACKS_PAGES, ENTRIES_PER_PAGE, ENTRY_POOL_MAX_SIZE, true);
     return *pool;
@@ -56,44 +59,46 @@ bool isDigit(char c)
 }
 } // namespace
 
-// A name as the lookups need it. One pass gives both the length and the hash,
+// A name as the lookups need it, with its hash,
 //     h = 37 h + c  (modulo 2^32)
-// and the keys are then compared without looking for the name's end again.
 struct UT_SymbolTable::Name {
-    explicit Name(const char *text) : myText(text != nullptr ? text : "")
+    explicit Name(const char *text) : Name(orEmpty(text), std::strlen(orEmpty(text))) {}
+    Name(const char *text, size_t length)
+        : myText(text), myLength(static_cast<uint32_t>(length)), myHash(hashOf(text, length))
     {
-        for (; myText[myLength] != '\0'; ++myLength)
-            add(myText[myLength]);
     }
-    Name(const char *text, size_t length) : myText(text), myLength(length)
-    {
-        for (size_t i = 0; i < length; ++i)
-            add(text[i]);
-    }
+
+    static const char *orEmpty(const char *text) { return text != nullptr ? text : ""; }
 
     // Characters count as signed bytes.
-    void add(char c)
+    static uint32_t valueOf(char c)
     {
-        myHash = 37 * myHash + static_cast<uint32_t>(int32_t{static_cast<signed char>(c)});
+        return static_cast<uint32_t>(int32_t{static_cast<signed char>(c)});
     }
 
-    // As strcmp(key, name) would be.
-    int compareKey(const char *key) const
+    // Four characters a step: a product that waits for the one before takes longest.
+    static uint32_t hashOf(const char *text, size_t length)
     {
-        for (size_t i = 0; i < myLength; ++i) {
-            const auto a = static_cast<unsigned char>(key[i]);
-            const auto b = static_cast<unsigned char>(myText[i]);
-            if (a != b)
-                return a < b ? -1 : 1;
-            if (a == '\0')
-                return -1; // a NUL inside the name: no key is equal to it
-        }
-        return key[myLength] != '\0';
+        constexpr uint32_t SQUARE = 37 * 37, CUBE = SQUARE * 37;
+        uint32_t hash = 0;
+        size_t i = 0;
+        for (; i + 4 <= length; i += 4)
+            hash = hash * (CUBE * 37) + valueOf(text[i]) * CUBE + valueOf(text[i + 1]) * SQUARE +
+                   valueOf(text[i + 2]) * 37 + valueOf(text[i + 3]);
+        for (; i < length; ++i)
+            hash = 37 * hash + valueOf(text[i]);
+        return hash;
+    }
+
+    bool isNameOf(const Entry &entry) const
+    {
+        return entry.myHash == myHash && entry.myLength == myLength &&
+               std::memcmp(entry.myName, myText, myLength) == 0;
     }
 
     const char *myText;
-    size_t myLength = 0;
-    uint32_t myHash = 0;
+    uint32_t myLength;
+    uint32_t myHash;
 };
 
 UT_SymbolTable::~UT_SymbolTable()
@@ -101,29 +106,52 @@ UT_SymbolTable::~UT_SymbolTable()
     clearTable();
 }
 
-// The link to the first entry of the name's chain that is not before the name, and
-// whether that entry is the name's. REQUIRES: there are buckets
-UT_SymbolTable::Entry **UT_SymbolTable::locate(const Name &name, bool &found) const
+// REQUIRES: there are buckets
+UT_SymbolTable::Entry **UT_SymbolTable::chainOf(uint32_t hash) const
 {
-    Entry **link = &myBuckets[name.myHash % static_cast<uint32_t>(myTableSize)];
-    int order = -1;
-    while (*link != nullptr && (order = name.compareKey((*link)->myName)) < 0)
+    return &myBuckets[hash % static_cast<uint32_t>(myTableSize)];
+}
+
+// The link to the name's entry, or to null. REQUIRES: there are buckets
+UT_SymbolTable::Entry **UT_SymbolTable::locate(const Name &name) const
+{
+    Entry **link = chainOf(name.myHash);
+    while (*link != nullptr && !name.isNameOf(**link))
         link = &(*link)->myNext;
-    found = order == 0;
     return link;
 }
 
-UT_SymbolTable::Entry *UT_SymbolTable::findOrInsert(const char *text, bool &isNew)
+// Where a name that is not there belongs. REQUIRES: there are buckets
+UT_SymbolTable::Entry **UT_SymbolTable::placeOf(const char *name, uint32_t length,
+                                                uint32_t hash) const
+{
+    Entry **const chain = chainOf(hash);
+    return *chain == nullptr ? chain : placeIn(chain, name, length);
+}
+
+UT_SymbolTable::Entry **UT_SymbolTable::placeIn(Entry **link, const char *name, uint32_t length)
+{
+    while (*link != nullptr) {
+        const Entry &entry = **link;
+        const int order = std::memcmp(entry.myName, name, std::min(entry.myLength, length));
+        if (order > 0 || (order == 0 && entry.myLength > length))
+            break;
+        link = &(*link)->myNext;
+    }
+    return link;
+}
+
+UT_SymbolTable::Entry *UT_SymbolTable::findOrInsert(const Name &name, bool &isNew)
 {
     growIfFull();
-    const Name name(text);
-    bool found = false;
-    Entry **const link = locate(name, found);
-    isNew = !found;
-    if (found)
-        return *link;
+    Entry *const old = *locate(name);
+    isNew = old == nullptr;
+    if (!isNew)
+        return old;
     void *const block = entryPool().allocate(sizeof(Entry));
-    *link = new (block) Entry{nullptr, UTduplicate(name.myText), *link};
+    Entry **const link = placeOf(name.myText, name.myLength, name.myHash);
+    *link = new (block)
+        Entry{nullptr, UTduplicate(name.myText, name.myLength), *link, name.myHash, name.myLength};
     ++myEntries;
     return *link;
 }
@@ -131,14 +159,14 @@ UT_SymbolTable::Entry *UT_SymbolTable::findOrInsert(const char *text, bool &isNe
 bool UT_SymbolTable::addSymbol(const char *name, void *value)
 {
     bool isNew = false;
-    findOrInsert(name, isNew)->myValue = value;
+    findOrInsert(Name(name), isNew)->myValue = value;
     return isNew;
 }
 
 const char *UT_SymbolTable::addSymbolGetName(const char *name, void *value)
 {
     bool isNew = false;
-    Entry *const entry = findOrInsert(name, isNew);
+    Entry *const entry = findOrInsert(Name(name), isNew);
     entry->myValue = value;
     return entry->myName;
 }
@@ -146,22 +174,29 @@ const char *UT_SymbolTable::addSymbolGetName(const char *name, void *value)
 const char *UT_SymbolTable::internName(const char *name)
 {
     bool isNew = false;
-    return findOrInsert(name, isNew)->myName;
+    return findOrInsert(Name(name), isNew)->myName;
 }
 
 void *&UT_SymbolTable::findOrAddSymbol(const char *name)
 {
     bool isNew = false;
-    return findOrInsert(name, isNew)->myValue;
+    return findOrInsert(Name(name), isNew)->myValue;
+}
+
+void *&UT_SymbolTable::findOrAddSymbol(const char *text, size_t length, const char *&name)
+{
+    bool isNew = false;
+    Entry *const entry = findOrInsert(Name(text, length), isNew);
+    name = entry->myName;
+    return entry->myValue;
 }
 
 bool UT_SymbolTable::lookUp(const Name &name, void **out) const
 {
-    bool found = false;
-    Entry *const *const link = locate(name, found);
-    if (found && out != nullptr)
-        *out = (*link)->myValue;
-    return found;
+    const Entry *const entry = *locate(name);
+    if (entry != nullptr && out != nullptr)
+        *out = entry->myValue;
+    return entry != nullptr;
 }
 
 bool UT_SymbolTable::findSymbol(const char *name, void **out) const
@@ -178,9 +213,8 @@ int UT_SymbolTable::deleteSymbol(const char *name)
 {
     if (myBuckets == nullptr)
         return 0;
-    bool found = false;
-    Entry **const link = locate(Name(name), found);
-    if (!found)
+    Entry **const link = locate(Name(name));
+    if (*link == nullptr)
         return 0;
     // The caller's name may be the entry's, so it goes after the last comparison.
     releaseEntry(std::exchange(*link, (*link)->myNext));
@@ -243,14 +277,16 @@ void UT_SymbolTable::rebuild(int tableSize)
     myTableSize = tableSize;
     std::fill_n(myBuckets, tableSize, nullptr);
 
-    for (int bucket = 0; bucket < oldSize; ++bucket)
+    for (int bucket = 0; bucket < oldSize; ++bucket) {
+        if (bucket + FETCHED_AHEAD < oldSize)
+            __builtin_prefetch(oldBuckets[bucket + FETCHED_AHEAD]);
         while (Entry *const entry = oldBuckets[bucket]) {
             oldBuckets[bucket] = entry->myNext;
-            bool found = false;
-            Entry **const link = locate(Name(entry->myName), found);
+            Entry **const link = placeOf(entry->myName, entry->myLength, entry->myHash);
             entry->myNext = *link;
             *link = entry;
         }
+    }
     std::free(oldBuckets);
 }
 

@@ -6,8 +6,11 @@
 //
 //     buckets -> | 0 | 1 | ... | tableSize-1 |      a prime number of chains
 //                  |
-//                  v  ascending by strcmp, so that a miss ends at the first greater
-//                 {value, name, next} -> {value, name, next} -> null
+//                  v  ascending by strcmp
+//                 {value, name, next, hash, length} -> {...} -> null
+//
+// Two names of a chain are compared only where their hashes agree, or where one is put
+// in order: names lie all over the memory, and the entries tell most of them apart.
 //
 // Table sizes are primes from a fixed ladder, each about 1.2 times the one before.
 // An insertion that finds entries >= tableSize * maximum load factor (0.75) first
@@ -48,6 +51,10 @@ public:
     // one. Returns the table's own copy of the name, or the entry's value slot.
     const char *internName(const char *name);
     void *&findOrAddSymbol(const char *name);
+
+    // The latter for the first `length` characters of a text that may go on, with the
+    // table's own copy of the name. REQUIRES: no NUL among them
+    void *&findOrAddSymbol(const char *text, size_t length, const char *&name);
 
     // True, and the value in *out unless `out` is null, if the name is there. The
     // second form takes the first `length` characters of a text that may go on.
@@ -98,11 +105,16 @@ private:
         void *myValue;
         char *myName; // from malloc
         Entry *myNext;
+        uint32_t myHash;
+        uint32_t myLength; // of the name
     };
     struct Name; // a text, its length and its hash
 
-    Entry **locate(const Name &name, bool &found) const;
-    Entry *findOrInsert(const char *name, bool &isNew);
+    Entry **chainOf(uint32_t hash) const;
+    Entry **locate(const Name &name) const;
+    Entry **placeOf(const char *name, uint32_t length, uint32_t hash) const;
+    static Entry **placeIn(Entry **chain, const char *name, uint32_t length);
+    Entry *findOrInsert(const Name &name, bool &isNew);
     bool lookUp(const Name &name, void **out) const;
 
     void growIfFull();

@@ -15,7 +15,7 @@ import re
 import subprocess
 import sys
 
-from inputs import FOLDER, INPUTS, ROOT, VCPP, make_input
+from inputs import FOLDER, INPUTS, OPTIONS, ROOT, VCPP, make_input
 
 KEPT = os.path.join(ROOT, "bench", "counts.txt")
 TOLERANCE = 1.1
@@ -28,7 +28,7 @@ def instructions_per_byte(name):
     profile = os.path.join(FOLDER, name + ".callgrind")
     # A bare environment: what a user has set costs instructions at the start.
     subprocess.run(["valgrind", "--tool=callgrind", "--callgrind-out-file=" + profile,
-                    VCPP, "-P", os.path.basename(path)], check=True, cwd=FOLDER,
+                    VCPP, "-P", *OPTIONS.get(name, []), os.path.basename(path)], check=True, cwd=FOLDER,
                    env={"PATH": os.environ["PATH"], "HOME": FOLDER},
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     with open(profile) as lines:

@@ -55,11 +55,39 @@ def comments(rng, size):
     return text_of(size, group)
 
 
-def headers(rng, count):
+def definitions(rng, size):
+    """As in the register headers of drivers: long names in columns."""
+    def line(i):
+        name = "UNIT%d_REGISTER_%d__%s_MASK" % (i % 7, i, rng.choice(("ENABLE", "STATUS_BITS", "ID")))
+        return "#define %-60s 0x%08XL\n" % (name, rng.randrange(1 << 32))
+    return text_of(size, line)
+
+
+def documented_definitions(rng, size):
+    def group(i):
+        note = " ".join("note%d" % rng.randrange(100) for _ in range(8))
+        return "/* %s\n * %s\n */\n#define NAME_%d %d /* %s */\n" % (note, note, i, i, note[:20])
+    return text_of(size, group)
+
+
+def elifs(rng, size):
+    return "#if 1\nkept\n%s#endif\n" % text_of(
+        size, lambda i: "#elif defined(NAME%d) && VALUE%d > %d\n" % (i % 1000, i % 77, i % 13))
+
+
+def headers(rng, count, name="guarded"):
     for i in range(int(count)):
-        with open(os.path.join(FOLDER, "guarded%d.h" % i), "w") as out:
+        with open(os.path.join(FOLDER, "%s%d.h" % (name, i)), "w") as out:
             out.write("#ifndef GUARD%d\n#define GUARD%d\n%s#endif\n" % (i, i, short_lines(rng, 500)))
-    return "".join('#include "guarded%d.h"\n' % i for _ in range(5) for i in range(int(count)))
+    name = os.path.basename(name)
+    return "".join('#include "%s%d.h"\n' % (name, i) for _ in range(5) for i in range(int(count)))
+
+
+def searched_headers(rng, count):
+    """Found in the second folder of OPTIONS."""
+    for folder in ("empty", "searched"):
+        os.makedirs(os.path.join(FOLDER, folder), exist_ok=True)
+    return headers(rng, count, "searched/there")
 
 
 INPUTS = {  # name: maker, size, how fast we must be, and want to be
@@ -70,7 +98,16 @@ INPUTS = {  # name: maker, size, how fast we must be, and want to be
     "skipped-20MB": (skipped, 20 * MB, 1, 1.2),
     "comments-20MB": (comments, 20 * MB, 1, 1.2),
     "headers-2000x5": (headers, 2000, 1, 1.2),
+    "definitions-20MB": (definitions, 20 * MB, 1, 1.5),
+    "documented-5MB": (documented_definitions, 5 * MB, 1, 1.5),
+    "elifs-7MB": (elifs, 7 * MB, 0, 1),
+    "searched-2000x5": (searched_headers, 2000, 1, 1.5),
     "scene-4KB": (short_lines, 4000, 1 / 2, 1 / 1.5),
+}
+
+
+OPTIONS = {  # beside -P; every peer takes them
+    "searched-2000x5": ["-Iempty", "-Isearched"],
 }
 
 

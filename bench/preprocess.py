@@ -16,7 +16,7 @@ import statistics
 import subprocess
 import time
 
-from inputs import FOLDER, INPUTS, VCPP, make_input
+from inputs import FOLDER, INPUTS, OPTIONS, VCPP, make_input
 
 PEERS = {
     "cpp": ["cpp", "-P"],
@@ -38,9 +38,10 @@ def run(command, path):
     return time.perf_counter() - start if process.wait() == 0 else None
 
 
-def measure(path, runs):
-    commands = {"vcpp": [VCPP, "-P"], "cat": ["cat"]}
-    commands.update({name: c for name, c in PEERS.items() if shutil.which(c[0])})
+def measure(name, path, runs):
+    options = OPTIONS.get(name, [])
+    commands = {"vcpp": [VCPP, "-P"] + options, "cat": ["cat"]}
+    commands.update({name: c + options for name, c in PEERS.items() if shutil.which(c[0])})
     times = {name: [] for name in commands}
     for _ in range(runs):
         for name, command in commands.items():
@@ -57,7 +58,7 @@ def main():
     columns = ["cat", "vcpp"] + list(PEERS)
     print("%-18s" % "ms" + "".join("%9s" % c for c in columns) + "   ratio  must  aim")
     for name in arguments.inputs:
-        medians = measure(make_input(name, arguments.scale), arguments.runs)
+        medians = measure(name, make_input(name, arguments.scale), arguments.runs)
         rivals = ["cat"] if name.startswith("scene") else PEERS
         peers = [medians[p] for p in rivals if medians.get(p)]
         cells = "".join("%9s" % ("%.1f" % (1000 * medians[c]) if medians.get(c) else "-")

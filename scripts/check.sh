@@ -9,3 +9,4 @@ for preset in release sanitize m32; do
     cmake --build --preset "$preset"
     ctest --preset "$preset" --parallel 2
 done
+ln -sf release/env.sh build/env.sh

@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 
 cmake --preset release >/dev/null
 cmake --build --preset release --target thumbrender vaskel
-. build/env.sh
+. build/release/env.sh
 kept=tests/vaskel/pictures
 rm -rf build/pictures
 mkdir -p build/pictures/old "$kept"

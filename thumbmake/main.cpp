@@ -1,5 +1,6 @@
 // thumbmake: keeps the pictures of a library of palettes up to date.
 #include "UT/UT_Environment.h"
+#include "UT/UT_Installation.h"
 #include "UT/UT_Process.h"
 #include "thumbmake/tm_Cache.h"
 #include "thumbmake/tm_Farm.h"
@@ -92,6 +93,8 @@ private:
         const tm_Outcome outcome = tm_askNinja(myCache.folder(), names);
         if (!outcome.error.empty())
             return fail("ninja: " + outcome.error);
+        if (myOptions.isQuiet)
+            return hasProblems() ? FAILED : OK;
         for (const std::string &name : names)
             std::printf("%s\n", name.c_str());
         const auto all = static_cast<long>(myLibrary.items.size());
@@ -167,6 +170,7 @@ private:
 int main(int argc, char *argv[])
 {
     UTstartProgram();
+    UTuseInstalledData();
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     if (!words.empty() && words[0] == "--job")
         return runJob({words.begin() + 1, words.end()});

@@ -1,5 +1,6 @@
 #include "thumbmake/tm_Page.h"
 
+#include "UT/UT_SafeFile.h"
 #include "thumbmake/page/tm_PageParts.h"
 #include "thumbmake/tm_PageData.h"
 
@@ -8,9 +9,7 @@
 #include <cstring>
 #include <fstream>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
@@ -35,37 +34,14 @@ bool isOursOrAbsent(const std::string &file)
     return beginning == tm_PAGE_MARK;
 }
 
-// Closes the file in any case; errno tells a failure.
-bool fill(int file, const std::string &text)
+bool replace(const std::string &target, const std::string &text)
 {
-    std::FILE *out = fdopen(file, "wb");
-    if (out == nullptr) {
-        close(file);
+    UT_SafeFile file(target);
+    std::FILE *const out = file.open();
+    if (out == nullptr)
         return false;
-    }
     fwrite(text.data(), 1, text.size(), out);
-    const bool good = fflush(out) == 0 && ferror(out) == 0;
-    const int code = errno;
-    const bool closed = fclose(out) == 0;
-    if (!good)
-        errno = code;
-    return good && closed;
-}
-
-// Writes beside the target and renames. The name has the process's number: what is left
-// there by a killed one of the same number may go.
-bool replace(const std::string &target, const std::string &text, std::string &error)
-{
-    const std::string beside = target + "." + std::to_string(getpid()) + "~";
-    unlink(beside.c_str());
-    const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file < 0)
-        return fail(error, target, strerror(errno));
-    if (fill(file, text) && std::rename(beside.c_str(), target.c_str()) == 0)
-        return true;
-    const int code = errno;
-    unlink(beside.c_str());
-    return fail(error, target, strerror(code));
+    return file.commit();
 }
 
 } // namespace
@@ -78,5 +54,5 @@ bool tm_writePage(const std::string &folder, const std::vector<tm_PageEntry> &en
         return fail(error, target, "not replaced: it is no page of thumbmake's");
     const std::string text =
         std::string(tm_PAGE_MARK) + tm_PAGE_HEAD + tm_pageData(folder, entries) + tm_PAGE_TAIL;
-    return replace(target, text, error);
+    return replace(target, text) || fail(error, target, strerror(errno));
 }

@@ -2,6 +2,7 @@
 // diagnostics to standard error.
 #include "CPP/CPP_Manager.h"
 #include "UT/UT_FileUtil.h"
+#include "UT/UT_Installation.h"
 #include "UT/UT_Process.h"
 #include "UT/UT_SafeFile.h"
 #include "vcpp/vcpp_Dependencies.h"
@@ -20,25 +21,13 @@ namespace
 {
 enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
 
-enum Kind { TEXT, WARNING, ERROR };
-
-Kind kindOf(std::string_view text)
+// What the output says about the text comes as a message, too.
+bool isDiagnostic(std::string_view text)
 {
     const auto startsWith = [text](std::string_view prefix) {
         return text.substr(0, prefix.size()) == prefix;
     };
-    if (startsWith("# error cpp error: "))
-        return ERROR;
-    return startsWith("# warning cpp warning: ") ? WARNING : TEXT;
-}
-
-// Behind the text in front of it, where both go to one place.
-void printDiagnostic(std::string line)
-{
-    const size_t length = line.find_last_not_of('\n') + 1;
-    UTmakePrintable(line.data(), length);
-    std::fflush(stdout);
-    std::fprintf(stderr, "%s%s", line.c_str(), line.back() == '\n' ? "" : "\n");
+    return startsWith("# error cpp error: ") || startsWith("# warning cpp warning: ");
 }
 
 int reportError(const char *what)
@@ -60,17 +49,13 @@ int preprocess(CPP_Manager &manager, FILE *out)
 {
     const char *start;
     int count;
-    int status = OK;
     while (manager.getLines(start, count)) {
         const std::string_view text(start, static_cast<size_t>(count));
-        const Kind kind = kindOf(text);
-        status = kind == ERROR ? FAILED : status;
-        if (kind != TEXT)
-            printDiagnostic(std::string(text));
-        else if (out != nullptr && fwrite_unlocked(text.data(), 1, text.size(), out) != text.size())
+        if (out != nullptr && !isDiagnostic(text) &&
+            fwrite_unlocked(text.data(), 1, text.size(), out) != text.size())
             return reportError(CANNOT_WRITE);
     }
-    return status;
+    return OK;
 }
 
 // ---- Input -----------------------------------------------------------------
@@ -109,15 +94,17 @@ int preprocessFile(CPP_Manager &manager, Open open, const std::string &file, FIL
     return open(manager, file) ? preprocess(manager, out) : badUsage("cannot open '" + file + "'");
 }
 
-int preprocessAll(CPP_Manager &manager, const vcpp_Options &options, FILE *out)
+int preprocessAll(CPP_Manager &manager, vcpp_Options &options, FILE *out)
 {
+    manager.setListener([&](const CPP_Message &message) { options.messages.show(message); });
     int status = OK;
     for (const std::string &file : options.includes)
         status = std::max(status, preprocessFile(manager, openInclude, file, out));
     if (status == BAD_USAGE)
         return status;
     const std::string file = options.files.empty() ? "-" : options.files[0];
-    return std::max(status, preprocessFile(manager, openInput, file, out));
+    status = std::max(status, preprocessFile(manager, openInput, file, out));
+    return status == OK && options.messages.hasFailed() ? FAILED : status;
 }
 
 // ---- Output ----------------------------------------------------------------
@@ -222,7 +209,7 @@ std::string ruleOf(const CPP_Manager &manager, const vcpp_Options &options)
 
 // ---- Run -------------------------------------------------------------------
 
-int print(CPP_Manager &manager, const vcpp_Options &options)
+int print(CPP_Manager &manager, vcpp_Options &options)
 {
     if (options.print == vcpp_Options::TEXT)
         return write(options.output,
@@ -236,14 +223,17 @@ int print(CPP_Manager &manager, const vcpp_Options &options)
     return writeText(file, ruleOf(manager, options));
 }
 
-int run(const vcpp_Options &options)
+int run(vcpp_Options &options)
 {
-    CPP_Manager manager;
+    // Stays to the end: to free its macros one by one can take as long as to read them.
+    static CPP_Manager &manager = *new CPP_Manager;
     std::vector<char *> words = {const_cast<char *>("vcpp")};
     for (const std::string &word : options.forManager)
         words.push_back(const_cast<char *>(word.c_str()));
     if (manager.parseOptions(static_cast<int>(words.size()), words.data()) == 0)
         return badUsage("bad option");
+    if (options.honoursOnce)
+        manager.honourPragmaOnce();
     const int status = print(manager, options);
     if (status != OK || !options.hasRule || options.print == vcpp_Options::RULE)
         return status;
@@ -254,6 +244,7 @@ int run(const vcpp_Options &options)
 int main(int argc, char *argv[])
 {
     UTstartProgram();
+    UTuseInstalledData();
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a write error like others
     removeTemporaryOnSignals();
     vcpp_Options options;

@@ -12,6 +12,7 @@ namespace
 // What the scan has to know and the program does not.
 struct Scan {
     vcpp_Options &options;
+    std::string error;
     bool definesToOne = false;
 };
 
@@ -67,6 +68,17 @@ void defineToOne(Scan &scan, const char *)
     scan.definesToOne = true;
 }
 
+void silence(Scan &scan, const char *)
+{
+    scan.options.messages.silence();
+}
+
+void selectWarning(Scan &scan, const char *value)
+{
+    if (!scan.options.messages.select(value) && scan.error.empty())
+        scan.error = "there is no warning '" + std::string(value) + "'";
+}
+
 void ignore(Scan &, const char *) {}
 
 // A null name begins a paragraph of the help. Options without a handler, letters all of
@@ -84,19 +96,24 @@ const Option OPTIONS[] = {
     {"-U", "name", nullptr, "Remove a macro"},
     {"-I", "directory", nullptr, "Search include files there too"},
     {"-include", "file", append<&vcpp_Options::includes>, "Read this file in front of FILE"},
+    {"--once", nullptr, switchOn<&vcpp_Options::honoursOnce>, "Heed #pragma once"},
     {"-r", "number", nullptr, "Nest macros at most this deep (128)"},
-    {"-C", nullptr, nullptr, "Keep comments"},
-    {"-c", nullptr, nullptr, "Take // and /* for text"},
-    {"-h", nullptr, nullptr, "Take # behind a line's start for a comment"},
-    {"-H", nullptr, nullptr, "Accept include lines without # and names without quotes"},
+    {"-C", nullptr, nullptr, "Keep comments: for text that its reader strips"},
+    {"-c", nullptr, nullptr, "Take // and /* for text: for lists of files, URLs"},
+    {"-h", nullptr, nullptr, "Take # behind a line's start for a comment: for RIB, shell"},
+    {"-H", nullptr, nullptr, "Accept include lines without # and bare names: for old scripts"},
     {"-x", nullptr, nullptr, "Expand variables in include names (always done)"},
     {"-n", nullptr, nullptr, "No effect"},
     {"-E", nullptr, ignore, "No effect, as this is all that is done"},
     {nullptr, nullptr, nullptr, "Output"},
     {"-o", "file", keep<&vcpp_Options::output>, "Write there; after an error it stays as it was"},
-    {"-P", nullptr, nullptr, "Write no line markers"},
+    {"-P", nullptr, nullptr, "Write no line markers: for readers that do not know them"},
     {"-dM", nullptr, print<vcpp_Options::MACROS>,
      "Write the macros' definitions in place of the text"},
+    {nullptr, nullptr, nullptr, "Messages"},
+    {"-w", nullptr, silence, "No warnings"},
+    {"-W", "[no-]name", selectWarning, "Give a warning, or not; the names are below"},
+    {"-W", "[no-]error", selectWarning, "Let warnings count as errors, or not"},
     {nullptr, nullptr, nullptr, "A rule for make(1)"},
     {"-M", nullptr, makeRule<true, false>, "Write the files that were read in place of the text"},
     {"-MM", nullptr, makeRule<true, true>, "The same without those from the standard search path"},
@@ -152,8 +169,8 @@ public:
             else
                 takeOption(word);
         }
-        error = myError;
-        return myError.empty();
+        error = myError.empty() ? myScan.error : myError;
+        return error.empty();
     }
 
 private:
@@ -243,7 +260,7 @@ std::string findConflict(const vcpp_Options &options)
 
 bool vcpp_parseOptions(int argc, char *argv[], vcpp_Options &options, std::string &error)
 {
-    Scan scan = {options};
+    Scan scan = {options, "", false};
     Parser parser(argc, argv, scan);
     if (parser.parse(error))
         error = findConflict(options);
@@ -267,5 +284,6 @@ std::string vcpp_usage()
         left.resize(19, ' ');
         text += left + option.what + "\n";
     }
-    return text + "Status: 0; 1 after an error in the text or in writing; 2 for bad usage.\n";
+    return text + "Warnings, all on:\n" + vcpp_Messages::list() +
+           "Status: 0; 1 after an error in the text or in writing; 2 for bad usage.\n";
 }

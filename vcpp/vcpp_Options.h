@@ -2,6 +2,8 @@
 // CPP_Manager::parseOptions, and those of the command.
 #pragma once
 
+#include "vcpp/vcpp_Messages.h"
+
 #include <string>
 #include <vector>
 
@@ -15,6 +17,9 @@ struct vcpp_Options {
     std::vector<std::string> files;      // the operands
     std::vector<std::string> includes;   // read in front of the file
     std::string output;                  // a file's name; empty or "-": standard output
+
+    bool honoursOnce = false; // #pragma once
+    vcpp_Messages messages;
 
     // The rule for make.
     bool hasRule = false;

@@ -26,7 +26,7 @@ void expandLine(benchmark::State &state, const std::string &text)
         define(manager, "M" + std::to_string(i) + " value");
     define(manager, "TWICE(x,y) (x+x*y)");
     auto *file = new CPP_File(new cpp_DefStream);
-    cpp_Expander expander(manager);
+    cpp_Expander expander(manager.macros());
     UT_ScratchBuffer out;
     for (auto _ : state) {
         out.clear();

@@ -190,6 +190,25 @@ osl_Colour rgbFromEncoded(const osl_Colour &c)
     return {osl_linearFromSRGB(c.x), osl_linearFromSRGB(c.y), osl_linearFromSRGB(c.z)};
 }
 
+// What looks under one white as `xyz` does under another (Bradford's adaptation, Lam 1985).
+osl_Vec adapted(const osl_Vec &xyz, const osl_Vec &from, const osl_Vec &to)
+{
+    constexpr float CONES[3][3] = {
+        {0.8951f, -0.7502f, 0.0389f}, {0.2664f, 1.7135f, -0.0685f}, {-0.1614f, 0.0367f, 1.0296f}};
+    constexpr float BACK[3][3] = {{0.9869929f, 0.4323053f, -0.0085287f},
+                                  {-0.1470543f, 0.5183603f, 0.0400428f},
+                                  {0.1599627f, 0.0492912f, 0.9684867f}};
+    const osl_Vec f = times(from, CONES), t = times(to, CONES);
+    return times(times(xyz, CONES) * osl_Vec{t.x / f.x, t.y / f.y, t.z / f.z}, BACK);
+}
+
+// White is white in every set of primaries.
+osl_Colour between(const osl_Primaries &from, const osl_Primaries &to, const osl_Colour &c)
+{
+    const osl_Colour white = {1, 1, 1};
+    return to.fromXYZ(adapted(from.toXYZ(c), from.toXYZ(white), to.toXYZ(white)));
+}
+
 struct Space {
     const char *name;
     osl_Colour (*toRGB)(const osl_Vec &);
@@ -222,7 +241,7 @@ bool toRGB(std::string_view from, osl_Colour &c)
     }
     const osl_Primaries *own = osl_Primaries::find(from);
     if (own != nullptr)
-        c = rgbFromXYZ(own->toXYZ(c));
+        c = between(*own, osl_Primaries::rec709(), c);
     return own != nullptr;
 }
 
@@ -234,7 +253,7 @@ bool fromRGB(std::string_view to, osl_Colour &c)
     }
     const osl_Primaries *own = osl_Primaries::find(to);
     if (own != nullptr)
-        c = own->fromXYZ(xyzFromRGB(c));
+        c = between(osl_Primaries::rec709(), *own, c);
     return own != nullptr;
 }
 } // namespace

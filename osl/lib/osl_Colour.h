@@ -42,8 +42,8 @@ private:
 };
 
 // transformc: `from` and `to` are "rgb", "RGB", "linear", "hsv", "hsl", "YIQ", "XYZ", "xyY",
-// "sRGB" (with its transfer curve) or the name of primaries (linear). False, and the
-// colour unchanged, when one is unknown.
+// "sRGB" (with its transfer curve) or the name of primaries (linear; their white is ours).
+// False, and the colour unchanged, when one is unknown.
 [[nodiscard]] bool osl_transformColour(std::string_view from, std::string_view to, osl_Colour &c);
 
 bool osl_isColourSpace(std::string_view name);

@@ -18,6 +18,7 @@ struct osl_GaborOptions {
 
 // The noise at p, and its derivatives. The filter comes from p's derivatives and is
 // left out where they span no area. `seed` tells the components of a colour apart
-// (0, 1, 2). With a period the noise repeats along the axes; null for none.
+// (0, 1, 2). With a period, rounded down, the noise repeats along the axes after so many
+// radii of a kernel (0.786 for one octave); null for none.
 osl_Dual osl_gabor(const osl_GaborOptions &options, const osl_DualVec &p, int seed,
                    const osl_Vec *period);

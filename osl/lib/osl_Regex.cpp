@@ -32,8 +32,9 @@ public:
 
 private:
     using Places = std::vector<int>;
-    struct Thread {
-        size_t at; // instruction
+    // Where each thread stands, and one after the other their places.
+    struct Threads {
+        std::vector<size_t> at;
         Places places;
     };
     // What is left to follow, or a place to set back once its branch is done.
@@ -46,7 +47,7 @@ private:
     static constexpr size_t MOST_STEPS = 10000000;
 
     void follow(size_t from, Places &places);
-    void followOne(size_t at, Places &places, std::vector<Task> &tasks);
+    void followOne(size_t at, Places &places);
     bool isTrue(osl_Regex::Op op) const;
     bool eats(const osl_Regex::Instruction &i, char c) const;
     void step();
@@ -58,7 +59,8 @@ private:
     size_t mySteps = 0;
     std::vector<size_t> mySeen; // for each instruction: the last character it was met at
     size_t mySlots;
-    std::vector<Thread> myThreads, myNext;
+    Threads myThreads, myNext;
+    std::vector<Task> myTasks;
     bool myHasMatch = false;
     Places myMatch;
 };
@@ -95,25 +97,25 @@ bool osl_RegexRun::eats(const osl_Regex::Instruction &i, char c) const
 // Adds the threads that an instruction leads to without eating a character.
 void osl_RegexRun::follow(size_t from, Places &places)
 {
-    std::vector<Task> tasks = {{from}};
-    while (!tasks.empty()) {
-        const Task task = tasks.back();
-        tasks.pop_back();
+    myTasks.push_back({from});
+    while (!myTasks.empty()) {
+        const Task task = myTasks.back();
+        myTasks.pop_back();
         if (task.slot >= 0) {
             places[static_cast<size_t>(task.slot)] = task.old;
         } else if (mySeen[task.at] != myAt) {
             mySeen[task.at] = myAt;
             ++mySteps;
-            followOne(task.at, places, tasks);
+            followOne(task.at, places);
         }
     }
 }
 
-void osl_RegexRun::followOne(size_t at, Places &places, std::vector<Task> &tasks)
+void osl_RegexRun::followOne(size_t at, Places &places)
 {
     const osl_Regex::Instruction &i = myRegex.myCode[at];
     const auto go = [&](int by) {
-        tasks.push_back({static_cast<size_t>(static_cast<long>(at) + by)});
+        myTasks.push_back({static_cast<size_t>(static_cast<long>(at) + by)});
     };
     switch (i.op) {
     case osl_Regex::JUMP:
@@ -124,7 +126,7 @@ void osl_RegexRun::followOne(size_t at, Places &places, std::vector<Task> &tasks
     case osl_Regex::SAVE:
         if (static_cast<size_t>(i.a) < mySlots) {
             int &place = places[static_cast<size_t>(i.a)];
-            tasks.push_back({0, i.a, place});
+            myTasks.push_back({0, i.a, place});
             place = static_cast<int>(myAt);
         }
         return go(1);
@@ -136,28 +138,34 @@ void osl_RegexRun::followOne(size_t at, Places &places, std::vector<Task> &tasks
             go(1);
         return;
     default:
-        myNext.push_back({at, places});
+        myNext.at.push_back(at);
+        myNext.places.insert(myNext.places.end(), places.begin(), places.end());
     }
 }
 
 // All threads eat the next character; those behind one that is done are dropped.
 void osl_RegexRun::step()
 {
-    myThreads.swap(myNext);
-    myNext.clear();
+    std::swap(myThreads, myNext);
+    myNext.at.clear();
+    myNext.places.clear();
     const bool isAtEnd = myAt == myText.size();
     ++myAt;
-    for (Thread &thread : myThreads) {
-        const osl_Regex::Instruction &i = myRegex.myCode[thread.at];
+    Places places(mySlots);
+    for (size_t t = 0; t < myThreads.at.size(); ++t) {
+        const size_t at = myThreads.at[t];
+        const osl_Regex::Instruction &i = myRegex.myCode[at];
+        std::copy_n(myThreads.places.begin() + static_cast<long>(t * mySlots), mySlots,
+                    places.begin());
         if (i.op == osl_Regex::DONE) {
             if (myIsWhole && !isAtEnd)
                 continue;
-            myMatch = thread.places;
+            myMatch = places;
             myHasMatch = true;
             return;
         }
         if (!isAtEnd && eats(i, myText[myAt - 1]))
-            follow(thread.at + 1, thread.places);
+            follow(at + 1, places);
     }
 }
 
@@ -169,7 +177,7 @@ bool osl_RegexRun::find(std::vector<int> &places)
             Places none(mySlots, -1);
             follow(0, none);
         }
-        if (myNext.empty() && (myHasMatch || myIsWhole))
+        if (myNext.at.empty() && (myHasMatch || myIsWhole))
             break;
         step();
     }

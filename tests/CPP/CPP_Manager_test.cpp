@@ -29,13 +29,29 @@ TEST(Preprocessor, FilesInPiecesAreStreamsInLines)
 {
     const ScratchDirectory folder;
     folder.write("g.h", "#ifndef G\n#define G 1\n2\n#endif\n");
-    const std::vector<std::string> pieces = {
-        "1 2\n",     "3 \\\n", " \n",  "\n",      "4\r\n",   "x G\n",    "/*",
-        "*/",        "// 5\n", "'6\n", "#if 0\n", "#else\n", "#endif\n", "#include \"g.h\"\n",
-        "#undef G\n"};
+    const std::vector<std::string> pieces = {"1 2\n",
+                                             "3 \\\n",
+                                             " \n",
+                                             "\n",
+                                             "4\r\n",
+                                             "x G\n",
+                                             "/*",
+                                             "*/",
+                                             " */\t\r\n",
+                                             "#define A 1",
+                                             "#define\tB  'A' ",
+                                             "#define A",
+                                             "A B\n",
+                                             "// 5\n",
+                                             "'6\n",
+                                             "#if 0\n",
+                                             "#else\n",
+                                             "#endif\n",
+                                             "#include \"g.h\"\n",
+                                             "#undef G\n"};
     Random random;
     SCOPED_TRACE(random.seed());
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         const std::string text = random.text(pieces, 30), path = folder.write("main.in", text);
         for (const char *options : {"", "-P", "-P -h", "-P -C"}) {
             CPP_Manager byLines, byPieces;

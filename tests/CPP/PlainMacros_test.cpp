@@ -10,7 +10,6 @@
 #include "tests/support/preprocessed.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 
 namespace
 {
@@ -38,8 +37,9 @@ protected:
     void expectSameFromDefinition(const char *name) const
     {
         const std::string text = myManager.findMacro(name)->toDefinition();
-        const std::unique_ptr<cpp_Macro> again(cpp_Macro::parse(text.c_str() + 8, false));
-        EXPECT_TRUE(again->myName == name && again->isSameAs(*myManager.findMacro(name))) << text;
+        cpp_Macro again;
+        EXPECT_EQ(name, again.parse(text.c_str() + 8, false));
+        EXPECT_TRUE(again.isSameAs(*myManager.findMacro(name))) << text;
     }
 
     void expectSameExpansion(const std::string &text, const std::string &further, int limit = 4)
@@ -62,7 +62,7 @@ protected:
     void expectSameCondition(const std::string &text)
     {
         SCOPED_TRACE(text);
-        EXPECT_EQ(myPlain.evaluate(text), evaluateCondition(myManager, text.c_str(), false));
+        EXPECT_EQ(myPlain.evaluate(text), evaluateCondition(myManager.macros(), text.c_str()));
     }
 
     CPP_Manager myManager;

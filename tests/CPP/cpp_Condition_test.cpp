@@ -8,6 +8,6 @@ TEST(Condition, IsTrueFalseOrASyntaxError)
     expectTable(TEST_DATA "/data/conditions", [](const std::string &options, const char *text) {
         CPP_Manager manager;
         parseOptions(manager, options);
-        return std::to_string(evaluateCondition(manager, text, false));
+        return std::to_string(evaluateCondition(manager.macros(), text));
     });
 }

@@ -58,7 +58,7 @@ struct PlainTable : std::map<std::string, void *> {
     {
         size_t all = sizeof(UT_SymbolTable) + static_cast<size_t>(*mySize) * sizeof(void *);
         for (const auto &entry : *this)
-            all += 3 * sizeof(void *) + entry.first.size() + 1;
+            all += 3 * sizeof(void *) + 2 * sizeof(uint32_t) + entry.first.size() + 1;
         return all;
     }
 };

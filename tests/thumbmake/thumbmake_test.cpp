@@ -24,7 +24,7 @@ struct Library : ScratchDirectory {
     {
         const ProgramRun run = runLine(
             "set -o pipefail; exec 2>&1\nmake() { thumbmake -q --size 8 --quality draft "
-            "\"$@\"; }\n" +
+            "\"$@\"; }\nlook() { thumbmake -n --size 8 --quality draft \"$@\"; }\n" +
                 lines,
             {"PATH=" BIN_DIR ":/usr/bin:/bin", "HOME=" + path("home"), "VDX=" SOURCE_DIR "/share"},
             path());
