@@ -1,4 +1,5 @@
 // vaskel: draws the scene of a file or of standard input.
+#include "UT/UT_MakeRule.h"
 #include "UT/UT_Process.h"
 #include "vaskel/file/vk_Picture.h"
 #include "vaskel/file/vk_SafeFile.h"
@@ -172,6 +173,9 @@ int readAndDraw(const vk_Options &options)
             std::to_string(vk_Scene::MOST_WORK) +
             " in a scene from standard input; --limit or VELDRIN_VASKEL_OPTIONS lifts that");
     const int status = draw(scene, options, stats);
+    std::string error;
+    if (scene.osl != nullptr && !UTaddPictureRule(scene.picture, scene.osl->opened(), error))
+        return fail(error);
     if (options.stats && status == 0)
         std::fputs(stats.text().c_str(), stderr);
     return status;

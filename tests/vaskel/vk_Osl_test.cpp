@@ -209,6 +209,75 @@ TEST(Osl, ReadsOnlyFilesBesideThePaletteAndBelowTheShaderPath)
                                                           scratch.path("home/sub/near.h")));
 }
 
+// How far points of a ball move: outwards, and to the right.
+TEST(Osl, DisplacesAlongTheNormalOrToWhereTheShaderSays)
+{
+    const auto moves = [](const char *row) {
+        vk_Scene scene;
+        const std::string wrong = readScene(sceneWith(row, "displace"), scene);
+        if (!wrong.empty())
+            return wrong;
+        const vk_SurfacePoint point = facingPoint();
+        std::vector<vk_SurfacePoint> points(20, point);
+        std::vector<vk_Vec> moved(points.size());
+        scene.shapes[0].displace->move(points.data(), moved.data(), points.size());
+        EXPECT_EQ(moved[0], moved[19]);
+        const vk_Vec by = moved[0] - point.position;
+        EXPECT_NEAR(by.z, scene.shapes[0].displace->displace(point), 1e-6);
+        return colourText(by);
+    };
+    expectTable(TEST_DATA "/data/osl_displace", {{"moves", moves}});
+}
+
+TEST(Osl, FogsAreWhatClosuresOrOutputsSay)
+{
+    const auto medium = [](const char *row) {
+        vk_Scene scene;
+        const std::string wrong = readScene(sceneWith(row, "fog"), scene);
+        if (!wrong.empty())
+            return wrong;
+        const vk_Medium fog = scene.fog->medium();
+        std::ostringstream out;
+        out.precision(3);
+        out << fog.extinction << ", albedo " << colourText(fog.albedo) << ", forward "
+            << fog.forward << ", radius " << fog.radius << ", height " << fog.height;
+        return out.str();
+    };
+    expectTable(TEST_DATA "/data/osl_fogs", {{"media", medium}});
+}
+
+// A shader's emission multiplies that of v_area at each place.
+TEST(Osl, LightsShineAsTheirShadersDo)
+{
+    const std::string plain = "light v_area from 0 3 0 to 0 0 0 width 2 height 2 intensity .5";
+    vk_Scene scene, reference;
+    ASSERT_EQ("", readScene(plain, reference));
+    ASSERT_EQ("", readScene(sceneWith("surface x(float f = 1) { Ci = color(f * u, 1, v > .5) *"
+                                      " emission(); } @f 2 from 0 3 0 to 0 0 0 width 2 height 2"
+                                      " intensity .5",
+                                      "light"),
+                            scene));
+    vk_Sampler sampler(1, 1);
+    for (int i = 0; i < 50; ++i) {
+        const vk_Square at = sampler.square();
+        const vk_LightSample is = scene.lights[0]->sample({.3f, 0, .2f}, at);
+        const vk_LightSample was = reference.lights[0]->sample({.3f, 0, .2f}, at);
+        EXPECT_EQ(was.direction, is.direction);
+        EXPECT_EQ(was.density, is.density);
+        EXPECT_NEAR(was.radiance.x * 2 * at.u, is.radiance.x, .04f * was.radiance.x);
+        EXPECT_FLOAT_EQ(was.radiance.y, is.radiance.y);
+        if (std::abs(at.v - .5f) > .02f)
+            EXPECT_FLOAT_EQ(at.v > .5f ? was.radiance.z : 0, is.radiance.z);
+        const vk_LightSample hit = scene.lights[0]->hit({.3f, 0, .2f}, is.direction);
+        EXPECT_NEAR(is.density, hit.density, 1e-3f * is.density);
+        EXPECT_NEAR(is.radiance.x, hit.radiance.x, .04f * was.radiance.x);
+    }
+    vk_Scene wrong;
+    EXPECT_EQ("s:7: error: x.osl has no parameter 'size'; expected f, from, to, color, intensity,"
+              " width, height; nearest is 'from'\n",
+              readScene(sceneWith("surface x(float f = 1) {} @size 3", "light"), wrong));
+}
+
 // What shaders say comes once, and no picture comes of one that never ends.
 TEST(Osl, SaysThingsOnceAndStopsLoopsWithoutEnd)
 {

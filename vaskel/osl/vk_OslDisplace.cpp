@@ -45,7 +45,8 @@ void vk_OslDisplace::move(const vk_SurfacePoint *points, vk_Vec *moved, std::siz
         vk_Vec step;
         if (place != nullptr)
             step = placeAt(*place, lane) - points[i].place;
-        else if (height.isThere())
+        // P is there when a shader only looks at it, too.
+        if (step == vk_Vec{} && height.isThere())
             step = points[i].normal * height.number(lane);
         moved[i] = points[i].position + bounded(step);
     }

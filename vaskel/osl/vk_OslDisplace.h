@@ -1,6 +1,6 @@
 // A displacement whose shader is an OSL source.
 //
-// A shader that assigns P moves the surface to wherever that is; of any other the first
+// A shader that changes P moves the surface to wherever that is; where it does not, the first
 // number among its outputs is the height along the normal, unless `show OUTPUT as height`
 // chooses another one. No point moves by more than half a length. Shaders run in the
 // shape's own space, which then is "common" too, and N alone moves nothing: normals follow

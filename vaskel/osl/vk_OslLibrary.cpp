@@ -73,7 +73,7 @@ void vk_OslLibrary::compile(const std::string &name, Entry &entry)
         const std::string warning = withoutSeverity(line, ": warning: ");
         if (warning != line)
             say("warning", warning);
-        else if (entry.messages.size() < MOST_MESSAGES)
+        else if (line[0] != ' ' && entry.messages.size() < MOST_MESSAGES) // no notes
             entry.messages.push_back(withoutSeverity(line, ": error: "));
     }
 }
