@@ -146,7 +146,7 @@ def floor():
     checks = nodes.new("ShaderNodeTexChecker")
     checks.inputs["Scale"].default_value = 2
     shift = nodes.new("ShaderNodeVectorMath")
-    shift.inputs[1].default_value = (.0005, -.0005, .0005)
+    shift.inputs[1].default_value = (.0005, -.0005, .001)
     links.new(place.outputs["Position"], shift.inputs[0])
     links.new(shift.outputs[0], checks.inputs["Vector"])
     checks.inputs["Color1"].default_value = (.42, .42, .42, 1)
@@ -163,8 +163,9 @@ def floor():
     links.new(matte.outputs[0], both.inputs[1])
     links.new(haze.outputs[0], both.inputs[2])
     links.new(both.outputs[0], output.inputs["Surface"])
-    r = 5000
-    mesh("floor", [(-r, 0, -r), (-r, 0, r), (r, 0, r), (r, 0, -r)], [(0, 1, 2, 3)], made)
+    # A little lower than ours: Cycles looks past a floor that touches the stand's bottom.
+    r, y = 5000, -.0005
+    mesh("floor", [(-r, y, -r), (-r, y, r), (r, y, r), (r, y, -r)], [(0, 1, 2, 3)], made)
 
 # Shines to the front only, is not in the way of light and not seen by the camera.
 def lamp(corners, radiance):

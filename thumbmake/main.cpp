@@ -15,9 +15,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <set>
 #include <thread>
 
+#include <linux/close_range.h>
 #include <unistd.h>
 
 namespace
@@ -26,7 +28,7 @@ enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
 
 int fail(const std::string &message, Status status = FAILED)
 {
-    std::fprintf(stderr, "thumbmake: error: %s\n", message.c_str());
+    std::fprintf(stderr, "thumbmake: error: %s\n", tm_printable(message).c_str());
     return status;
 }
 
@@ -39,9 +41,11 @@ int print(const std::string &text)
 // What is said goes to ninja behind tabs, which tells it from the rest of its lines.
 int runJob(const std::vector<std::string> &words)
 {
+    // The cache's lock is for us, not for what a renderer leaves behind.
+    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     tm_Recipe recipe;
     std::string text;
-    if (words.size() != 5 || !tm_readFile(words[0], text) || !tm_parseRecipe(text, recipe))
+    if (words.size() != 6 || !tm_readFile(words[0], text) || !tm_parseRecipe(text, recipe))
         return fail("--job is for ninja");
     const tm_Item item = {words[4], words[1], words[3], words[2]};
     const tm_Result result = tm_makePicture(item, recipe, words[0]);
@@ -54,9 +58,7 @@ int runJob(const std::vector<std::string> &words)
 // Many pictures keep all processors busy by themselves.
 void shareProcessors(const tm_Options &options, size_t pictures)
 {
-    const auto jobs =
-        options.jobs > 0 ? static_cast<size_t>(options.jobs) : std::thread::hardware_concurrency();
-    if (pictures >= jobs)
+    if (pictures >= static_cast<size_t>(options.jobs))
         setenv("VELDRIN_MAXTHREADS", "1", 0);
 }
 
@@ -67,6 +69,10 @@ public:
 
     int run()
     {
+        std::error_code gone; // every relative path needs it, the jobs' shells too
+        static_cast<void>(std::filesystem::current_path(gone));
+        if (gone)
+            return fail("the working folder: " + gone.message());
         if (!myCache.open())
             return fail(myCache.error());
         myLibrary = tm_findPalettes(myOptions, myCache.folder());
@@ -93,10 +99,15 @@ private:
         const tm_Outcome outcome = tm_askNinja(myCache.folder(), names);
         if (!outcome.error.empty())
             return fail("ninja: " + outcome.error);
+        if (myOptions.isForced) {
+            names.clear();
+            for (const tm_Item &item : myLibrary.items)
+                names.push_back(item.name);
+        }
         if (myOptions.isQuiet)
             return hasProblems() ? FAILED : OK;
         for (const std::string &name : names)
-            std::printf("%s\n", name.c_str());
+            std::printf("%s\n", tm_printable(name).c_str());
         const auto all = static_cast<long>(myLibrary.items.size());
         const auto count = static_cast<long>(names.size());
         const int status =
@@ -114,12 +125,14 @@ private:
             deletePictures();
         const long rest = static_cast<long>(myLibrary.items.size()) - outcome.made -
                           static_cast<long>(outcome.failures.size());
-        const bool isWhole = !outcome.wasInterrupted && myOptions.failures == 0;
-        if (!myOptions.isQuiet)
-            std::printf("%s made, %s failed, %s %s\n", tm_grouped(outcome.made).c_str(),
-                        tm_grouped(failed).c_str(), tm_grouped(rest).c_str(),
-                        isWhole ? "up to date" : "up to date or not begun");
-        return failed > 0 || outcome.wasInterrupted ? FAILED : OK;
+        const bool isWhole = !outcome.wasInterrupted &&
+                             (myOptions.failures == 0 ||
+                              outcome.failures.size() < static_cast<size_t>(myOptions.failures));
+        const std::string summary = tm_grouped(outcome.made) + " made, " + tm_grouped(failed) +
+                                    " failed, " + tm_grouped(rest) +
+                                    (isWhole ? " up to date\n" : " up to date or not begun\n");
+        const int status = myOptions.isQuiet ? static_cast<int>(OK) : print(summary);
+        return failed > 0 || outcome.wasInterrupted ? static_cast<int>(FAILED) : status;
     }
 
     void deletePictures() const
@@ -177,12 +190,13 @@ int main(int argc, char *argv[])
     tm_Options options;
     std::string error;
     if (!tm_parseOptions(words, options, error)) {
-        UTmakePrintable(error.data(), error.size());
         return fail(error + " (thumbmake --help tells more)", BAD_USAGE);
     }
     if (options.wantsHelp)
         return print(tm_usage());
     if (options.wantsVersion)
         return print("thumbmake 1.0\n");
+    if (options.jobs == 0)
+        options.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     return options.chunk > 0 ? tm_makeChunk(options) : Make(options).run();
 }

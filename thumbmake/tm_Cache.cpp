@@ -49,7 +49,8 @@ bool tm_Cache::open()
 
 bool tm_Cache::lock()
 {
-    myLock = ::open((myFolder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    // Ninja and its jobs hold it too, and go on for a while when we are killed.
+    myLock = ::open((myFolder + "/lock").c_str(), O_RDWR | O_CREAT, 0666);
     if (myLock < 0)
         return false;
     if (flock(myLock, LOCK_EX | LOCK_NB) == 0)

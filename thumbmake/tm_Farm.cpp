@@ -119,7 +119,7 @@ std::string jobText(const Engine &engine, const std::string &list, size_t tasks)
 
 int fail(const std::string &message)
 {
-    std::fprintf(stderr, "thumbmake: error: %s\n", message.c_str());
+    std::fprintf(stderr, "thumbmake: error: %s\n", tm_printable(message).c_str());
     return 1;
 }
 
@@ -186,7 +186,9 @@ int tm_submit(const tm_Options &options, const std::string &list, size_t picture
         return fail("a path that no engine's form can hold: " + list);
     const std::string text = jobText(engine, list, taskCount(pictures));
     if (options.submit != "slurm")
-        return std::fputs(text.c_str(), stdout) >= 0 ? 0 : 1;
+        return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0
+                   ? 0
+                   : fail(std::string("cannot write: ") + std::strerror(errno));
     const std::string folder = list.substr(0, list.rfind('/'));
     if (!tm_writeFile(folder + "/job.sh", text))
         return fail("cannot write " + folder + "/job.sh: " + std::strerror(errno));
@@ -202,6 +204,9 @@ int tm_makeChunk(const tm_Options &options)
     tm_Recipe recipe;
     if (!tm_readFile(lines[0], recipeText) || !tm_parseRecipe(recipeText, recipe))
         return fail("no recipe for " + options.inputs[0]);
+    if (tm_fingerprint() != recipe.fingerprint)
+        return fail("programs, templates or settings here are not those that wrote " +
+                    options.inputs[0]);
     int status = 0;
     const auto parts = static_cast<size_t>(options.chunkCount);
     for (size_t i = static_cast<size_t>(options.chunk); i < lines.size(); i += parts) {
@@ -211,7 +216,7 @@ int tm_makeChunk(const tm_Options &options)
         const tm_Result result = tm_makeFarmPicture(item, recipe, lines[0]);
         if (result.isGood)
             continue;
-        std::fprintf(stderr, "%s: %s\n", item.name.c_str(), result.said.c_str());
+        std::fprintf(stderr, "%s\n", tm_printable(item.name + ": " + result.said).c_str());
         status = 1;
     }
     return status;

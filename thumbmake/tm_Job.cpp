@@ -42,15 +42,16 @@ bool isSameTime(const timespec &a, const timespec &b)
 // Another file in the place of an old one, or in a place that was empty.
 bool isNew(const Identity &before, const Identity &after)
 {
-    if (!after || !before)
-        return after.has_value();
+    if (!after || !S_ISREG(after->st_mode) || after->st_size == 0)
+        return false;
+    if (!before)
+        return true;
     return before->st_ino != after->st_ino || before->st_dev != after->st_dev ||
            !isSameTime(before->st_mtim, after->st_mtim) ||
            !isSameTime(before->st_ctim, after->st_ctim);
 }
 
-// Runs a program and returns what it wrote to standard error; nothing when it could not be
-// started.
+// Runs a program and returns what it said; nothing when it could not be started.
 std::optional<std::string> runAndListen(const std::vector<std::string> &words)
 {
     int ends[2];
@@ -58,7 +59,8 @@ std::optional<std::string> runAndListen(const std::vector<std::string> &words)
         return {};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ends[1], STDERR_FILENO);
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_adddup2(&actions, ends[1], descriptor);
     std::vector<char *> arguments;
     for (const std::string &word : words)
         arguments.push_back(const_cast<char *>(word.c_str()));
@@ -110,21 +112,27 @@ public:
     // The rule for make is in rule() afterwards.
     tm_Result make()
     {
-        const std::string depfile = myItem.stamp + ".rule";
         std::error_code ignored; // what comes next tells
         fs::create_directories(fs::path(myItem.stamp).parent_path(), ignored);
         fs::create_directories(fs::path(myItem.picture).parent_path(), ignored);
-        fs::remove(depfile, ignored);
+        std::string depfile = myItem.stamp + ".rule-XXXXXX"; // a farm's task may run twice
+        const int made = mkstemp(depfile.data());
+        if (made < 0)
+            return {false, "cannot write " + depfile + ": " + std::strerror(errno)};
+        close(made);
         setEnvironment(depfile);
         const Identity before = identify(myItem.picture);
         const std::optional<std::string> said = runAndListen(command());
+        const int code = errno;
+        const bool hasRule = readRule(depfile);
         if (!said)
-            return {false, "cannot start thumbrender: " + std::string(std::strerror(errno))};
+            return {false, "cannot start thumbrender: " + std::string(std::strerror(code))};
         const std::string line = firstLine(*said);
-        readRule(depfile);
         if (!isNew(before, identify(myItem.picture)))
             return {false, line.empty() ? "no picture " + myItem.picture + " was made"
                                         : withoutPicture(line, myItem.palette)};
+        if (!hasRule)
+            return {false, "it is not known what " + myItem.picture + " was made of"};
         return {true, *said};
     }
 
@@ -153,21 +161,25 @@ private:
     }
 
     // One rule under the stamp's name, which ninja expects, of those that thumbrender and
-    // the renderer left.
-    void readRule(const std::string &depfile)
+    // the renderer left. False when there was none.
+    bool readRule(const std::string &depfile)
     {
         std::string text;
         static_cast<void>(tm_readFile(depfile, text));
+        bool isThere = false;
         myRule = UTquoteForMake(myItem.stamp) + ":";
         for (size_t begin = 0; begin < text.size();) {
             const size_t end = endOfRule(text, begin), colon = text.find(": ", begin);
-            if (colon < end)
+            if (colon < end) {
                 myRule += text.substr(colon + 1, end - colon - 1);
+                isThere = true;
+            }
             begin = end + 1;
         }
         myRule += '\n';
         std::error_code ignored;
         fs::remove(depfile, ignored);
+        return isThere;
     }
 
     // The newline that no backslash takes away.
@@ -190,6 +202,22 @@ bool isOlder(const struct stat &a, const struct stat &b)
                                                 : a.st_mtim.tv_nsec < b.st_mtim.tv_nsec;
 }
 
+// The files that a rule names, as UTmakeRule() quoted them.
+std::vector<std::string> filesOf(const std::string &rule)
+{
+    std::vector<std::string> files(1);
+    for (size_t i = rule.find(": ") + 1; i < rule.size(); ++i) {
+        const char c = rule[i], next = i + 1 < rule.size() ? rule[i + 1] : '\n';
+        if (c == ' ' || c == '\n')
+            files.emplace_back();
+        else if ((c == '\\' && (next == ' ' || next == '#')) || (c == '$' && next == '$'))
+            files.back() += rule[++i];
+        else if (c != '\\' || next != '\n')
+            files.back() += c;
+    }
+    return files;
+}
+
 // The rule that a farm left for a picture made with this recipe, when neither the palette
 // nor anything else that the rule names has changed since.
 std::string farmRule(const tm_Item &item, const std::string &recipeName)
@@ -202,11 +230,9 @@ std::string farmRule(const tm_Item &item, const std::string &recipeName)
     const std::string rule = text.substr(recipeName.size() + 1);
     if (!picture)
         return "";
-    // Names with blanks are quoted, and then not found: the picture is made again.
-    for (const std::string &word : tm_split(rule.substr(rule.find(": ") + 1), ' ')) {
-        const std::string file = word.substr(0, word.find('\n'));
+    for (const std::string &file : filesOf(rule)) {
         const Identity source = identify(file);
-        if (!file.empty() && file != "\\" && (!source || isOlder(*picture, *source)))
+        if (!file.empty() && (!source || isOlder(*picture, *source)))
             return "";
     }
     const Identity palette = identify(item.palette);

@@ -85,6 +85,9 @@ private:
         item.palette = palette.lexically_normal();
         if (tm_hasControl(item.palette) || tm_hasControl(myOptions.output))
             return report(item.name, "a control character in the name");
+        std::error_code error;
+        if (!fs::exists(palette, error)) // a link; ninja would stop at it
+            return report(item.name, error ? error.message() : "a link that leads nowhere");
         item.picture = pictureOf(item.palette);
         if (!myOptions.output.empty())
             item.picture =

@@ -21,19 +21,31 @@ namespace
 {
 const char *const MANIFEST = "/build.ninja";
 
-std::string rule(const std::string &recipeFile)
+// Ninja stays in the caller's folder: settings may hold relative paths.
+std::string rule(const std::string &cache, const std::string &recipeFile)
 {
     return "ninja_required_version = 1.8\n"
-           "builddir = .\n"
+           "builddir = " +
+           tm_quoteForNinja(cache) +
+           "\n"
            "bar = |\n"
            "rule picture\n"
            "  command = " +
            tm_quoteForNinja(tm_quoteForShell(tm_findProgram("thumbmake")) + " --job " +
                             tm_quoteForShell(recipeFile)) +
-           " $in $out $picture $name\n"
+           " $in $out $picture $name $state\n"
            "  depfile = $out.d\n"
            "  deps = gcc\n"
            "  description = $title\n";
+}
+
+// Of the palette: one that is put in its place may have an older date.
+std::string stateOf(const std::string &palette)
+{
+    struct stat info = {};
+    static_cast<void>(!stat(palette.c_str(), &info)); // zeros tell as well
+    return std::to_string(info.st_mtim.tv_sec) + "." + std::to_string(info.st_mtim.tv_nsec) + "." +
+           std::to_string(info.st_size);
 }
 
 std::string edge(const tm_Item &item)
@@ -41,7 +53,8 @@ std::string edge(const tm_Item &item)
     return "build " + tm_ninjaPath(item.stamp) + ": picture " + tm_ninjaPath(item.palette) +
            "\n  picture = " + tm_quoteForNinja(tm_quoteForShell(item.picture)) +
            "\n  name = " + tm_quoteForNinja(tm_quoteForShell(item.name)) +
-           "\n  title = " + tm_quoteForNinja(item.name) + "\n";
+           "\n  state = " + stateOf(item.palette) + "\n  title = " + tm_quoteForNinja(item.name) +
+           "\n";
 }
 
 // A picture that somebody removed, or that is not as new as its palette, is to be made
@@ -110,7 +123,8 @@ private:
         close(ends[1]);
         signal(SIGINT, SIG_DFL);
         setenv("NINJA_STATUS", "[%f/%t] ", 1);
-        std::vector<const char *> words = {"ninja", "-C", cache.c_str()};
+        const std::string manifest = cache + MANIFEST;
+        std::vector<const char *> words = {"ninja", "-f", manifest.c_str()};
         for (const std::string &option : options)
             words.push_back(option.c_str());
         words.push_back(nullptr);
@@ -156,6 +170,7 @@ public:
         std::string name;
         if (startsWith(line, "\t")) {
             onMessage(line.substr(1), inFailure);
+            hasSaid = true;
         } else if (startsWith(line, "FAILED: ")) {
             inFailure = true;
         } else if (startsWith(line, "ninja: error: ")) {
@@ -163,16 +178,26 @@ public:
         } else if (startsWith(line, "ninja: build stopped: interrupted")) {
             wasInterrupted = true;
         } else if (parseStatus(line, done, all, name)) {
-            inFailure = false;
+            endJob();
+            myName = name;
             onStatus(done, all, name);
         }
+    }
+
+    // A job that was killed says nothing itself.
+    void endJob()
+    {
+        if (inFailure && !hasSaid)
+            onMessage(myName + ": its job was killed", true);
+        inFailure = hasSaid = false;
     }
 
     bool wasInterrupted = false;
     std::string error;
 
 private:
-    bool inFailure = false;
+    std::string myName;
+    bool inFailure = false, hasSaid = false; // of the last job
 };
 
 void listen(Ninja &ninja, Listener &listener, tm_Outcome &outcome)
@@ -183,6 +208,7 @@ void listen(Ninja &ninja, Listener &listener, tm_Outcome &outcome)
     }
     for (std::string line; ninja.readLine(line);)
         listener.take(line);
+    listener.endJob();
     const int status = ninja.wait();
     outcome.wasInterrupted = listener.wasInterrupted;
     outcome.error = listener.error;
@@ -194,10 +220,12 @@ void listen(Ninja &ninja, Listener &listener, tm_Outcome &outcome)
 bool tm_writeGraph(const std::string &cache, const std::string &recipeFile,
                    const tm_Library &library, const tm_Options &options)
 {
-    std::string text = rule(recipeFile);
+    std::string text = rule(cache, recipeFile);
     for (const tm_Item &item : library.items) {
         text += edge(item);
-        if (options.isForced || isStale(item))
+        if (options.isForced && !options.isDryRun)
+            unlink((item.stamp + ".farm").c_str());
+        if ((options.isForced && !options.isDryRun) || isStale(item))
             unlink(item.stamp.c_str());
     }
     return tm_writeFile(cache + MANIFEST, text);
@@ -206,9 +234,8 @@ bool tm_writeGraph(const std::string &cache, const std::string &recipeFile,
 tm_Outcome tm_runNinja(const std::string &cache, const tm_Options &options)
 {
     tm_Outcome outcome;
-    std::vector<std::string> words = {"-k", std::to_string(options.failures)};
-    if (options.jobs > 0)
-        words.insert(words.end(), {"-j", std::to_string(options.jobs)});
+    const std::vector<std::string> words = {"-k", std::to_string(options.failures), "-j",
+                                            std::to_string(options.jobs)};
     // Ninja and its jobs end at Ctrl-C; the summary is still ours to give.
     const auto before = signal(SIGINT, SIG_IGN);
     tm_Progress progress(options);

@@ -89,7 +89,7 @@ constexpr Option OPTIONS[] = {
      "remove the old picture of a palette that fails"},
     {"-q", nullptr, nullptr, set<&tm_Options::isQuiet, true>, "say nothing but failures"},
     {"-v", nullptr, nullptr, set<&tm_Options::isVerbose, true>,
-     "a line for each picture, all that was said of it"},
+     "a line for each picture, on a terminal too"},
     {"--page", nullptr, "FOLDER", take<&tm_Options::page>,
      "then write FOLDER/index.html, which shows the pictures"},
     {"--submit", nullptr, "ENGINE", takeEngine, "have a farm make them (see below)"},

@@ -1,6 +1,7 @@
 #include "thumbmake/tm_Progress.h"
 
 #include "thumbmake/tm_Options.h"
+#include "thumbmake/tm_Text.h"
 
 #include <algorithm>
 #include <chrono>
@@ -69,7 +70,7 @@ void tm_Progress::show(long done, long all, const std::string &name)
     const std::string total = std::to_string(all);
     std::string count = std::to_string(done);
     count.insert(0, total.size() - std::min(total.size(), count.size()), ' ');
-    std::string line = "[" + count + "/" + total + "] " + name;
+    std::string line = "[" + count + "/" + total + "] " + tm_printable(name);
     if (!isWrittenOver) {
         std::printf("%s\n", line.c_str());
         std::fflush(stdout);
@@ -85,5 +86,5 @@ void tm_Progress::show(long done, long all, const std::string &name)
 void tm_Progress::say(const std::string &line)
 {
     clear();
-    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fprintf(stderr, "%s\n", tm_printable(line).c_str());
 }

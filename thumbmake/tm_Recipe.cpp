@@ -14,9 +14,10 @@ namespace fs = std::filesystem;
 
 namespace
 {
-const char *const PROGRAMS[] = {"thumbrender", "vaskel", "thumbmake"};
+const char *const PROGRAMS[] = {"thumbrender", "thumbmake"};
 const char *const TEMPLATES[] = {"shop/palette/shadeball.ifd", "shop/palette/shadeball.rib",
-                                 "shop/palette/shadeball.mi"};
+                                 "shop/palette/shadeball.mi",  "shop/palette/shadeball.inc",
+                                 "shop/palette/site.rib",      "shop/palette/site.mi"};
 // Those that choose the renderer or where it looks; templates stand for the rest.
 const char *const SETTINGS[] = {"VELDRIN_THUMB_RENDER", "VELDRIN_RI_SHADERPATH",
                                 "VELDRIN_VASKEL_OPTIONS", "VELDRIN_PATH", "VDX"};
@@ -27,17 +28,35 @@ std::string ownFolder()
     return fs::read_symlink("/proc/self/exe", error).parent_path();
 }
 
-std::string fingerprint()
+std::string findOnPath(const std::string &name)
+{
+    const char *const path = UTgetenv("PATH");
+    for (const std::string &folder : tm_split(path != nullptr ? path : "", ':'))
+        if (!folder.empty() && access((folder + "/" + name).c_str(), X_OK) == 0)
+            return folder + "/" + name;
+    return "";
+}
+
+// A line of the text: a letter for the field, a blank, the word.
+constexpr char THUMBRENDER = 'T', VASKEL = 'V', OUTPUT = 'O', FINGERPRINT = 'F';
+} // namespace
+
+std::string tm_fingerprint()
 {
     std::uint64_t hash = tm_hash("");
     const auto add = [&hash](const std::string &text) {
         hash = tm_hash(text, tm_hash({"\0", 1}, hash));
     };
-    for (const char *const program : PROGRAMS) {
+    const auto addFile = [&add](const std::string &file) {
         std::string bytes;
-        static_cast<void>(!tm_readFile(tm_findProgram(program), bytes)); // a job will tell
+        static_cast<void>(!tm_readFile(file, bytes)); // a job will tell
         add(bytes);
-    }
+    };
+    for (const char *const program : PROGRAMS)
+        addFile(tm_findProgram(program));
+    // thumbrender starts the one that PATH leads to; one beside it is the last resort.
+    const std::string renderer = findOnPath("vaskel");
+    addFile(renderer.empty() ? tm_findProgram("vaskel") : renderer);
     for (const char *const name : TEMPLATES) {
         UT_String path;
         UT_PathSearch::getInstance(UT_VELDRIN_PATH).findFile(path, name);
@@ -49,10 +68,6 @@ std::string fingerprint()
     }
     return tm_hex(hash);
 }
-
-// A line of the text: a letter for the field, a blank, the word.
-constexpr char THUMBRENDER = 'T', VASKEL = 'V', OUTPUT = 'O', FINGERPRINT = 'F';
-} // namespace
 
 tm_Recipe tm_makeRecipe(const tm_Options &options)
 {
@@ -71,7 +86,7 @@ tm_Recipe tm_makeRecipe(const tm_Options &options)
     add(recipe.vaskel, "--size", options.size > 0 ? std::to_string(options.size) : "");
     add(recipe.vaskel, "--format", options.format == "jpg" ? "" : options.format);
     recipe.hasOutput = !options.output.empty();
-    recipe.fingerprint = fingerprint();
+    recipe.fingerprint = tm_fingerprint();
     return recipe;
 }
 
@@ -122,9 +137,6 @@ std::string tm_findProgram(const std::string &name)
     const std::string beside = ownFolder() + "/" + name;
     if (access(beside.c_str(), X_OK) == 0)
         return beside;
-    const char *const path = UTgetenv("PATH");
-    for (const std::string &folder : tm_split(path != nullptr ? path : "", ':'))
-        if (!folder.empty() && access((folder + "/" + name).c_str(), X_OK) == 0)
-            return folder + "/" + name;
-    return name;
+    const std::string found = findOnPath(name);
+    return found.empty() ? name : found;
 }

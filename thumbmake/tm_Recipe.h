@@ -16,6 +16,9 @@ struct tm_Recipe {
     std::string fingerprint;
 };
 
+// What a recipe's fingerprint would be here and now.
+std::string tm_fingerprint();
+
 tm_Recipe tm_makeRecipe(const tm_Options &options);
 
 // As lines of text and back; false for a text that is none.

@@ -1,5 +1,6 @@
 #include "thumbmake/tm_Text.h"
 
+#include "UT/UT_Process.h"
 #include "UT/UT_SafeFile.h"
 
 #include <algorithm>
@@ -53,6 +54,12 @@ bool tm_hasControl(std::string_view text)
         const auto byte = static_cast<unsigned char>(c);
         return byte < ' ' || byte == 0x7f;
     });
+}
+
+std::string tm_printable(std::string text)
+{
+    UTmakePrintable(text.data(), text.size());
+    return text;
 }
 
 std::string tm_grouped(long number)

@@ -19,6 +19,9 @@ std::string tm_quoteForVaskel(const std::string &word);
 
 bool tm_hasControl(std::string_view text);
 
+// For people's eyes: UTmakePrintable() on a copy.
+std::string tm_printable(std::string text);
+
 // 1234567 as "1,234,567"; 64 bits as 16 hexadecimal digits.
 std::string tm_grouped(long number);
 std::string tm_hex(std::uint64_t number);

@@ -21,7 +21,7 @@ namespace
 {
 enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
 
-// What the output says about the text comes as a message, too.
+// What the output says about the text: the messages add the place and the reason.
 bool isDiagnostic(std::string_view text)
 {
     const auto startsWith = [text](std::string_view prefix) {
@@ -45,16 +45,19 @@ int finishOutput(int status)
 }
 
 // Passes the text of what is open on to `out`; drops it without one.
-int preprocess(CPP_Manager &manager, FILE *out)
+int preprocess(CPP_Manager &manager, vcpp_Messages &messages, FILE *out)
 {
     const char *start;
     int count;
     while (manager.getLines(start, count)) {
         const std::string_view text(start, static_cast<size_t>(count));
-        if (out != nullptr && !isDiagnostic(text) &&
-            fwrite_unlocked(text.data(), 1, text.size(), out) != text.size())
+        if (isDiagnostic(text))
+            messages.showDiagnostic(std::string(text));
+        else if (out != nullptr && fwrite_unlocked(text.data(), 1, text.size(), out) != text.size())
             return reportError(CANNOT_WRITE);
+        messages.flush();
     }
+    messages.flush();
     return OK;
 }
 
@@ -89,9 +92,11 @@ int badUsage(std::string what)
 
 using Open = bool (*)(CPP_Manager &, const std::string &file);
 
-int preprocessFile(CPP_Manager &manager, Open open, const std::string &file, FILE *out)
+int preprocessFile(CPP_Manager &manager, Open open, const std::string &file,
+                   vcpp_Messages &messages, FILE *out)
 {
-    return open(manager, file) ? preprocess(manager, out) : badUsage("cannot open '" + file + "'");
+    return open(manager, file) ? preprocess(manager, messages, out)
+                               : badUsage("cannot open '" + file + "'");
 }
 
 int preprocessAll(CPP_Manager &manager, vcpp_Options &options, FILE *out)
@@ -99,11 +104,12 @@ int preprocessAll(CPP_Manager &manager, vcpp_Options &options, FILE *out)
     manager.setListener([&](const CPP_Message &message) { options.messages.show(message); });
     int status = OK;
     for (const std::string &file : options.includes)
-        status = std::max(status, preprocessFile(manager, openInclude, file, out));
+        status =
+            std::max(status, preprocessFile(manager, openInclude, file, options.messages, out));
     if (status == BAD_USAGE)
         return status;
     const std::string file = options.files.empty() ? "-" : options.files[0];
-    status = std::max(status, preprocessFile(manager, openInput, file, out));
+    status = std::max(status, preprocessFile(manager, openInput, file, options.messages, out));
     return status == OK && options.messages.hasFailed() ? FAILED : status;
 }
 

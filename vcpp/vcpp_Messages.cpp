@@ -31,13 +31,34 @@ std::string place(const CPP_Message &message)
         text += std::to_string(message.line) + ":";
     return message.column > 0 ? text + std::to_string(message.column) + ":" : text;
 }
-
-void print(std::string text)
-{
-    UTmakePrintable(text.data(), text.size());
-    std::fprintf(stderr, "%s\n", text.c_str());
-}
 } // namespace
+
+void vcpp_Messages::print(std::string line)
+{
+    UTmakePrintable(line.data(), line.size());
+    myText += line + '\n';
+}
+
+// Behind the text in front of it where both go to one place.
+void vcpp_Messages::flush()
+{
+    if (myText.empty())
+        return;
+    std::fflush(stdout);
+    std::fputs(myText.c_str(), stderr);
+    myText.clear();
+}
+
+void vcpp_Messages::showDiagnostic(std::string line)
+{
+    if (isSilent && line.compare(0, 9, "# warning") == 0)
+        return;
+    line.erase(line.find_last_not_of('\n') + 1);
+    const std::string messages = std::move(myText);
+    myText.clear();
+    print(line);
+    myText += messages;
+}
 
 bool vcpp_Messages::select(const std::string &word)
 {
@@ -60,7 +81,6 @@ void vcpp_Messages::show(const CPP_Message &message)
         return;
     const bool isError = message.isError || areErrors;
     isFailed = isFailed || isError;
-    std::fflush(stdout);
     std::string text = place(message) + (isError ? " error: " : " warning: ") + message.text;
     if (!message.isError)
         text += std::string(" [-W") + message.name + "]";

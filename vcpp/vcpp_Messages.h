@@ -19,8 +19,11 @@ public:
     bool select(const std::string &word);
     void silence() { isSilent = true; } // all warnings
 
-    // Prints a message, behind the text in front of it where both go to one place.
+    // Keeps a message until flush() prints those that came since the last one. In between
+    // goes what the preprocessor itself has to say of them, a line of its output.
     void show(const CPP_Message &message);
+    void showDiagnostic(std::string line);
+    void flush();
 
     bool hasFailed() const { return isFailed; } // an error, or a warning that counts as one
 
@@ -28,7 +31,10 @@ public:
     static std::string list();
 
 private:
+    void print(std::string line);
+
     std::set<std::string> myUnwanted; // names of warnings
+    std::string myText;               // not yet printed
     bool isSilent = false;
     bool areErrors = false;
     bool isFailed = false;

@@ -77,7 +77,7 @@ library() {
 kill_node() {
     until squeue -h -t R -o %N 2>/dev/null | grep -q n2; do sleep .2; done
     local step
-    step=$(pgrep -f 'slurmstepd: \[.*' | head -n 1 || true)
+    step=$(pgrep -f "slurmstepd: \[$(squeue -h -t R -w n2 -o %A | head -n 1)\." | head -n 1 || true)
     kill -9 "$(cat "$farm/n2.pid")"
     [ -z "$step" ] || kill -9 "$step" 2>/dev/null || true
     rm "$farm/n2.pid"
@@ -110,5 +110,6 @@ echo "Slurm: all pictures made, none half, with a node that died"
 library "$farm/other" 40
 eval "$(thumbmake --size 64 --quality draft --submit parallel "$farm/other")" || true
 whole "$farm/other"
-{ thumbmake --size 64 --quality draft "$farm/other" 2>/dev/null || true; } | tail -n 1
+{ thumbmake --size 64 --quality draft "$farm/other" 2>/dev/null || true; } | tail -n 1 |
+    grep -q '^40 made, 1 failed, 0 up to date$'
 echo "GNU parallel: all pictures made"

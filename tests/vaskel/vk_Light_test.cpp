@@ -77,7 +77,7 @@ TEST(Sampler, EveryPairSpreadsItsFirstSixteenSamplesOverAllCells)
             int cells[16] = {}, columns[16] = {}, rows[16] = {};
             for (std::uint32_t i = 0; i < 16; ++i) {
                 vk_Sampler sampler(vk_hash(pixel), i);
-                sampler.jumpTo(pair);
+                sampler.fork(pair);
                 const vk_Square at = sampler.square();
                 ++cells[static_cast<int>(at.u * 4) * 4 + static_cast<int>(at.v * 4)];
                 ++columns[static_cast<int>(at.u * 16)];

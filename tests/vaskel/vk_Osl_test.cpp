@@ -69,7 +69,7 @@ std::string materialText(const vk_Material &m)
         add("ior", vk_grey(m.ior));
     add("scatter", m.scatter);
     add("emission", m.emission);
-    add("lean", m.lean);
+    add("tilt", m.tilt);
     return text;
 }
 

@@ -3,7 +3,9 @@
 #include "tests/support/Cases.h"
 #include "tests/support/ScopedVariable.h"
 #include "vaskel/scene/vk_SceneReader.h"
-#include "vaskel/trace/vk_Tracer.h"
+#include "vaskel/trace/vk_PathTracer.h"
+
+#include <limits>
 
 namespace
 {
@@ -84,15 +86,19 @@ std::string lightOf(const std::string &lines, std::uint32_t rays)
     vk_Scene scene;
     readScene(STUDIO + lines + "\n", scene);
     const vk_World world(scene);
-    const vk_Tracer tracer(scene, world);
+    const vk_PathTracer tracer(scene, world);
     const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
+    vk_Colour sum; // single rays may have paid back more than they found
     for (std::uint32_t i = 0; i < rays; ++i) {
         vk_Sampler sampler(1, i);
         const vk_Vec way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
-        const vk_Colour light = tracer.view(scene.camera.from, way, sampler).light();
-        if (!vk_isFinite(light) || light.x < 0 || light.y < 0 || light.z < 0)
+        const vk_Colour light = tracer.Li(scene.camera.from, way, sampler).light();
+        sum += light;
+        if (!vk_isFinite(light))
             return "ray " + std::to_string(i);
     }
+    if (std::min({sum.x, sum.y, sum.z}) < -.02f * static_cast<float>(rays))
+        return "less than nothing";
     return world.error().empty() ? "finite" : world.error();
 }
 
@@ -126,6 +132,50 @@ TEST(Renderer, ThreadsDoNotChangeAByte)
     EXPECT_EQ(one.bytes, draw(scene, 5).bytes);
 }
 
+// Every pixel gets two samples, so that only where bands end could make a difference.
+TEST(Renderer, BandsDoNotShow)
+{
+    vk_Scene scene;
+    readScene(std::string(STUDIO) + "size 24 90\nsamples 2\nsurface v_skin\nsphere\n", scene);
+    vk_RenderSettings settings;
+    vk_Film whole, parts;
+    std::string error;
+    EXPECT_TRUE(vk_render(scene, settings, whole, error));
+    settings.bandPixels = 1;
+    EXPECT_TRUE(vk_render(scene, settings, parts, error));
+    EXPECT_EQ(whole.bytes, parts.bytes);
+}
+
+TEST(Renderer, CountsPixelsWithASampleThatIsNoNumber)
+{
+    struct Broken final : vk_Pointwise<Broken> {
+        vk_Material at(const vk_SurfacePoint &) const
+        {
+            vk_Material material;
+            material.emission = vk_grey(std::numeric_limits<float>::quiet_NaN());
+            return material;
+        }
+    };
+    vk_Scene scene;
+    readScene(std::string(STUDIO) + "size 16 16\nsamples 2\n", scene);
+    scene.floor = std::make_unique<Broken>();
+    vk_Stats stats;
+    vk_RenderSettings settings;
+    settings.stats = &stats;
+    vk_Film film;
+    std::string error;
+    EXPECT_TRUE(vk_render(scene, settings, film, error));
+    EXPECT_GT(stats.badPixels, 50u);
+}
+
+TEST(Renderer, GlassOnTheFloorDoesNotSeeBelowIt)
+{
+    const std::string glass = "size 32 32\nsurface v_glass\nshaderball\n";
+    const vk_Film grey = draw("environment v_studio ground 0 0 0\n" + glass);
+    const vk_Film red = draw("environment v_studio ground 2 0 0\n" + glass);
+    EXPECT_NEAR(meanOf(red, .35, .8, .65, .95, 0), meanOf(grey, .35, .8, .65, .95, 0), 8);
+}
+
 TEST(Renderer, MatteHalfShowsAsMiddleGrey)
 {
     const vk_Film film = draw("size 64 64\nsurface v_matte diff .5\nsphere\n");
@@ -142,7 +192,7 @@ TEST(Renderer, ManyLightsInOnePlaceLookLikeOne)
           "shadow v_filtershadow amount 1\nsurface v_matte diff 1 .2 .2\nsphere",
           "surface v_glass tint 1 .5 .2\nsphere"}) {
         const vk_Film one = drawAll(roomWith(lines, 1), 2, 256);
-        EXPECT_LT(differenceOf(one, drawAll(roomWith(lines, 25), 2, 256)), 4) << lines;
+        EXPECT_LT(differenceOf(one, drawAll(roomWith(lines, 25), 2, 256)), 6) << lines;
     }
 }
 
@@ -178,13 +228,13 @@ const std::string THIN_FROSTED = "surface v_frosted ior 1.01 tint 1 rough .1\n" 
 
 TEST(Renderer, WhatLetsAllLightPassLeavesHighlightsAsTheyAre)
 {
-    const std::string stain = "shadow v_filtershadow amount 1\nsurface v_matte diff 1\n" + BALL;
+    const std::string tint = "shadow v_filtershadow amount 1\nsurface v_matte diff 1\n" + BALL;
     for (const std::string floor :
          {"floor v_plastic diff .5 rough .3\n", "floor v_plastic diff .5 rough .15\n",
           "floor v_metal color .2 rough .3\n", "floor v_metal color .9 rough .3\n",
           "floor v_metal color .2 rough .2\n", "fog v_fog density .06\nfloor v_metal color .2\n"}) {
         const vk_Film alone = drawAll(mirrorRoom(".8", floor), 2, 64);
-        for (const std::string &shape : {THIN_GLASS, stain})
+        for (const std::string &shape : {THIN_GLASS, tint})
             EXPECT_LT(differenceOf(alone, drawAll(mirrorRoom(".8", floor + shape), 2, 64)), 20)
                 << floor << shape;
     }
@@ -261,7 +311,7 @@ TEST(Renderer, TakingNoiseOutLeavesColours)
           "surface v_metal color 0 rough .6\nsphere", "surface v_velvet diff 0 0 1\nsphere",
           "surface v_skin\nsphere"})
         EXPECT_LT(differenceOf(drawAll(roomWith(lines, 1)), drawAll(roomWith(lines, 1), 2, 256)),
-                  14)
+                  20)
             << lines;
 }
 

@@ -66,3 +66,9 @@ vk_Square vk_Sampler::square()
     const std::uint32_t second = scrambleReversed(secondReversed(index), seed * 0x85ebca6bu);
     return {unit(reverseBits(first)), unit(reverseBits(second))};
 }
+
+// All samples of a pixel fork alike, so that their points stay well spread.
+void vk_Sampler::fork(std::uint32_t branch)
+{
+    mySeed = vk_hash(mySeed ^ (0x85ebca6bu * (branch + 1)));
+}

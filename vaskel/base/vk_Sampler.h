@@ -22,9 +22,8 @@ public:
     vk_Square square();
     float number() { return square().u; }
 
-    // Goes on with the pairs numbered from a place that earlier uses do not
-    // reach, so that a path's later parts keep their own pairs.
-    void jumpTo(std::uint32_t pair) { myPair = pair; }
+    // Goes on with other pairs than a copy of this sampler does, for a path that parts.
+    void fork(std::uint32_t branch);
 
 private:
     std::uint32_t mySeed;

@@ -161,7 +161,7 @@ vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, fl
     }
     material.emission = notNegative(myEmission);
     if (vk_dot(myNormals, myNormals) > 0)
-        material.lean = vk_normalize(myNormals) - normal;
+        material.tilt = vk_normalize(myNormals) - normal;
     return material;
 }
 

@@ -127,7 +127,7 @@ bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
             return false;
         for (int i = 0; i < count; ++i) {
             const float rise = height.number(i) - before[i];
-            materials[i].lean += steps[i] * (-rise / vk_dot(steps[i], steps[i]));
+            materials[i].tilt += steps[i] * (-rise / vk_dot(steps[i], steps[i]));
         }
     }
     return true;

@@ -29,13 +29,13 @@ public:
 
 private:
     struct Errors {
-        float sharp = 0, even = 0;
+        float specular = 0, diffuse = 0;
     };
     struct Cell {
-        vk_Colour sharp, arriving, albedo;
+        vk_Colour specular, irradiance, albedo;
         vk_Vec normal, visibility;
         Errors own, around;
-        float distance = 0, count = 0, tolerance = 0; // of the even layer
+        float distance = 0, count = 0, tolerance = 0; // of the diffuse layer
         int reach = 0;
         bool smooth = false;
     };
@@ -44,7 +44,7 @@ private:
     {
         return myCells[static_cast<std::size_t>(y * myColumns + x)];
     }
-    float alike(const Cell &a, const Cell &b) const;
+    float featureWeight(const Cell &a, const Cell &b) const;
 
     int myColumns, myRows;
     std::vector<Cell> myCells;

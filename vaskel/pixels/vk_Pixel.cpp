@@ -7,34 +7,38 @@ void vk_Pixel::add(const vk_View &view)
         bad = true;
         return;
     }
-    sum.sharp += view.sharp;
-    sum.even += view.even;
+    sum.specular += view.specular;
+    sum.diffuse += view.diffuse;
     sum.albedo += view.albedo;
     sum.normal += view.normal;
     sum.distance += view.distance;
     sum.blurred += view.blurred;
 }
 
-vk_Colour vk_Pixel::arriving() const
+vk_Colour vk_Pixel::irradiance() const
 {
     const auto part = [](float light, float albedo) { return albedo > 0 ? light / albedo : 0; };
-    return {part(sum.even.x, sum.albedo.x), part(sum.even.y, sum.albedo.y),
-            part(sum.even.z, sum.albedo.z)};
+    return {part(sum.diffuse.x, sum.albedo.x), part(sum.diffuse.y, sum.albedo.y),
+            part(sum.diffuse.z, sum.albedo.z)};
 }
 
-void vk_Pixel::judge()
+void vk_Pixel::estimate()
 {
+    if (count == estimatedCount)
+        return;
     const vk_Vec visibility = vk_visibility(light());
-    const vk_View before = judged;
+    const vk_View before = estimated;
     // The error that is left: for half of the samples as large as what they moved.
-    const float share =
-        judgedCount > 0 ? static_cast<float>(judgedCount) / static_cast<float>(count - judgedCount)
-                        : 1;
-    judgedCount = count;
-    judged.sharp = sharp();
-    judged.even = arriving();
-    judged.albedo = albedo();
-    errorSharp = share * vk_visible(judged.sharp - before.sharp, visibility);
-    errorEven = share * vk_visible((judged.even - before.even) * judged.albedo, visibility);
-    errorTexture = share * vk_visible((judged.albedo - before.albedo) * judged.even, visibility);
+    const float share = estimatedCount > 0 ? static_cast<float>(estimatedCount) /
+                                                 static_cast<float>(count - estimatedCount)
+                                           : 1;
+    estimatedCount = count;
+    estimated.specular = specular();
+    estimated.diffuse = irradiance();
+    estimated.albedo = albedo();
+    errorSpecular = share * vk_visible(estimated.specular - before.specular, visibility);
+    errorIrradiance =
+        share * vk_visible((estimated.diffuse - before.diffuse) * estimated.albedo, visibility);
+    errorAlbedo =
+        share * vk_visible((estimated.albedo - before.albedo) * estimated.diffuse, visibility);
 }

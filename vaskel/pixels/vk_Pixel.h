@@ -1,36 +1,36 @@
 // What the samples of one pixel add up to.
 #pragma once
 
-#include "vaskel/trace/vk_Tracer.h"
+#include "vaskel/trace/vk_PathTracer.h"
 
 // Errors are squared and on about the scale of the file, on which a level x of light
 // shows as its square root.
 struct vk_Pixel {
     vk_View sum;
-    vk_View judged;         // means when errors were estimated last
-    float errorSharp = 0;   // of the sharp layer's mean, estimated,
-    float errorEven = 0;    // of what arrived to be scattered evenly,
-    float errorTexture = 0; // and of the colour that it met
+    vk_View estimated;         // means when errors were estimated last
+    float errorSpecular = 0;   // of the specular layer's mean, estimated,
+    float errorIrradiance = 0; // of what arrived to be scattered evenly,
+    float errorAlbedo = 0;     // and of the colour that it met
     int count = 0;
-    float spread = 0; // what one sample would leave of the error; 0: not estimated yet
-    bool quiet = false;
+    float variance = 0; // what one sample would leave of the error; 0: not estimated yet
+    bool converged = false;
     bool bad = false; // had a sample that was no number
 
     void add(const vk_View &view);
 
     vk_Colour light() const { return sum.light() * share(); }
-    vk_Colour sharp() const { return sum.sharp * share(); }
+    vk_Colour specular() const { return sum.specular * share(); }
     vk_Colour albedo() const { return sum.albedo * share(); }
 
     // What arrived for each part of the albedo; 0 where there is none.
-    vk_Colour arriving() const;
+    vk_Colour irradiance() const;
 
     // Estimates the errors: how far the second half of the samples moved a mean is
     // about how far off it still is.
-    void judge();
+    void estimate();
 
 private:
-    int judgedCount = 0; // samples then
+    int estimatedCount = 0; // samples then
 
     float share() const { return 1 / static_cast<float>(count); }
 };
@@ -40,7 +40,8 @@ private:
 inline vk_Vec vk_visibility(const vk_Colour &light)
 {
     constexpr float DARK = .002f;
-    return {.25f / (light.x + DARK), .25f / (light.y + DARK), .25f / (light.z + DARK)};
+    const auto of = [](float level) { return .25f / (std::max(level, 0.0f) + DARK); };
+    return {of(light.x), of(light.y), of(light.z)};
 }
 inline float vk_visible(const vk_Colour &difference, const vk_Vec &visibility)
 {

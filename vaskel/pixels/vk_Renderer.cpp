@@ -15,7 +15,6 @@
 
 namespace
 {
-constexpr int BAND_PIXELS = 1 << 18; // limits the memory that a large picture takes
 // Rows around a band; the filter compares errors with those one row further.
 constexpr int MARGIN = vk_Filter::REACH + 1 + vk_LinearPicture::REACH;
 
@@ -31,7 +30,7 @@ public:
     }
     void draw()
     {
-        const int most = std::max(4 * MARGIN, BAND_PIXELS / myColumns);
+        const int most = std::max(4 * MARGIN, mySettings.bandPixels / myColumns);
         for (int top = 0; top < myRows; top += most)
             drawBand(top, std::min(top + most, myRows));
     }
@@ -55,8 +54,8 @@ private:
         FirstLook look;
         tbb::parallel_for(0, count, [&](int i) { startTile(part(i), look); });
         const float samples = mySettings.quality->rays / look.raysOfSample();
-        const float limit = look.spreads.limit(myCanvas.target(), samples, myCanvas.leastSamples(),
-                                               myCanvas.mostSamples());
+        const float limit = look.variances.limit(myCanvas.target(), samples,
+                                                 myCanvas.leastSamples(), myCanvas.mostSamples());
         tbb::parallel_for(0, count, [&](int i) { finishTile(part(i), limit); });
         develop(band, top, bottom);
     }
@@ -65,7 +64,7 @@ private:
 
     // What the least samples of all tiles tell.
     struct FirstLook {
-        vk_Spreads spreads;
+        vk_Variances variances;
         vk_RayCounts rays;
 
         float raysOfSample() const
@@ -79,9 +78,9 @@ private:
     {
         vk_myRays = {};
         tile.start();
-        const vk_Spreads own = tile.spreads();
+        const vk_Variances own = tile.variances();
         const std::lock_guard<std::mutex> lock(myMutex);
-        look.spreads += own;
+        look.variances += own;
         look.rays += vk_myRays;
         if (mySettings.stats != nullptr)
             mySettings.stats->rays += vk_myRays;

@@ -19,7 +19,7 @@ struct vk_Quality {
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
     {"draft", .25f, .011f, 23, false},
-    {"default", 1, .0048f, 90, false},
+    {"default", 1, .0054f, 90, false},
     {"final", 8, .0017f, 1550, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
@@ -27,7 +27,8 @@ inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 struct vk_RenderSettings {
     int threads = 1;
     const vk_Quality *quality = &VK_DEFAULT_QUALITY;
-    int samples = 0;           // for every pixel, quiet or not; 0: up to the quality
+    int samples = 0;           // for every pixel, converged or not; 0: up to the quality
+    int bandPixels = 1 << 18;  // drawn together, about, which limits the memory that it takes
     vk_Stats *stats = nullptr; // where to add what it took
 
     // Called with 0 to 100, growing, from one thread at a time; null: nobody asks.

@@ -27,8 +27,8 @@ struct Remainder {
     float least, most;
     float onset, slope; // of structure
 };
-constexpr Remainder SHARP = {.05f, .7f, .9f, .3f};
-constexpr Remainder EVEN = {.02f, 1.3f, 1.2f, .45f};
+constexpr Remainder SPECULAR = {.05f, .7f, .9f, .3f};
+constexpr Remainder IRRADIANCE = {.02f, 1.3f, 1.2f, .45f};
 
 float remainsOf(const Remainder &remainder, float structure)
 {
@@ -36,7 +36,7 @@ float remainsOf(const Remainder &remainder, float structure)
                       remainder.most);
 }
 
-float remainsOfEven(const vk_Pixel &pixel, float structure, float straightness)
+float remainsOfIrradiance(const vk_Pixel &pixel, float structure, float straightness)
 {
     if (pixel.sum.blurred >= static_cast<float>(pixel.count))
         return REMAINS_WANDERING;
@@ -44,7 +44,7 @@ float remainsOfEven(const vk_Pixel &pixel, float structure, float straightness)
         return REMAINS_GROUND;
     if (straightness < CURVED)
         return REMAINS_BENT;
-    return straightness < FLAT ? REMAINS_CURVED : remainsOf(EVEN, structure);
+    return straightness < FLAT ? REMAINS_CURVED : remainsOf(IRRADIANCE, structure);
 }
 
 // A surface needs no more than the first samples when its error is this part of the
@@ -55,7 +55,7 @@ constexpr float EARLY = .25f;
 // not end a pixel's samples.
 constexpr float BEFORE = .6f;
 
-// How much the mean error of a tile's even layer counts for each pixel: few samples
+// How much the mean error of a tile's diffuse layer counts for each pixel: few samples
 // find bright things that are small only here and there.
 constexpr float RARE = .2f;
 
@@ -86,22 +86,23 @@ struct Layer {
 
 // A pixel and those beside it.
 struct Around {
-    Layer sharp, even; // where the filter helps
-    vk_Vec normals;    // summed over samples,
-    int samples = 0;   // of those
-    float rest = 0;    // of errors other than those of the layers
+    Layer specular, diffuse; // where the filter helps
+    vk_Vec normals;          // summed over samples,
+    int samples = 0;         // of those
+    float rest = 0;          // of errors other than those of the layers
     int count = 0;
 
     void add(const vk_Pixel &pixel)
     {
         ++count;
         if (!vk_Filter::helps(pixel)) {
-            rest += REMAINS_EDGE * (pixel.errorSharp + pixel.errorEven + pixel.errorTexture);
+            rest +=
+                REMAINS_EDGE * (pixel.errorSpecular + pixel.errorIrradiance + pixel.errorAlbedo);
             return;
         }
-        rest += REMAINS_TEXTURE * pixel.errorTexture;
-        sharp.add(pixel.judged.sharp, pixel.errorSharp);
-        even.add(pixel.judged.even, pixel.errorEven);
+        rest += REMAINS_TEXTURE * pixel.errorAlbedo;
+        specular.add(pixel.estimated.specular, pixel.errorSpecular);
+        diffuse.add(pixel.estimated.diffuse, pixel.errorIrradiance);
         normals += pixel.sum.normal;
         samples += pixel.count;
     }
@@ -145,25 +146,23 @@ vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
         myFirstSamples = myMostSamples = settings.samples;
 }
 
-void vk_Canvas::sample(vk_Pixel &pixel, int x, int y, int count) const
+vk_Path vk_Canvas::path(int x, int y, int sample, vk_View &view) const
 {
     const std::uint32_t seed = vk_hash(static_cast<std::uint32_t>(y * myScene.width + x) + 1);
-    while (pixel.count < count)
-        pixel.add(view(x, y, vk_Sampler(seed, static_cast<std::uint32_t>(pixel.count))));
-}
-
-vk_View vk_Canvas::view(int x, int y, vk_Sampler sampler) const
-{
+    vk_Sampler sampler(seed, static_cast<std::uint32_t>(sample));
     const vk_Square at = sampler.square();
     const vk_Vec direction =
         myLens.direction(static_cast<float>(x) + at.u, static_cast<float>(y) + at.v);
-    vk_View view = myTracer.view(myLens.from(), direction, sampler);
+    return vk_Path(myLens.from(), direction, sampler, view);
+}
+
+void vk_Canvas::expose(vk_View &view) const
+{
     // What is whiter than white must not outweigh its neighbours at an edge.
     const float largest = vk_largest(view.light()) * myGain;
     const float factor = largest > VK_WHITE ? myGain * VK_WHITE / largest : myGain;
-    view.sharp = view.sharp * factor;
-    view.even = view.even * factor;
-    return view;
+    view.specular = view.specular * factor;
+    view.diffuse = view.diffuse * factor;
 }
 
 void vk_Canvas::develop(const vk_Colour &light, int x, int y) const
@@ -193,9 +192,9 @@ void vk_Tile::start()
     pass(count);
     if (count == myCanvas.mostSamples())
         return;
-    judge();
+    estimate();
     each([&](vk_Pixel &now, int x, int y) {
-        now.quiet = myErrors[y][x] < (showsSurface(now) ? EARLY : 1) * myCanvas.target();
+        now.converged = myErrors[y][x] < (showsSurface(now) ? EARLY : 1) * myCanvas.target();
     });
     pass(myCanvas.leastSamples());
 }
@@ -211,55 +210,79 @@ void vk_Tile::go(float limit)
     }
 }
 
-// Pixels that were quiet before count as if they had had as many samples as the others.
-vk_Spreads vk_Tile::spreads()
+// Pixels that had converged before count as if they had had as many samples as the others.
+vk_Variances vk_Tile::variances()
 {
-    vk_Spreads spreads;
-    judge();
+    vk_Variances variances;
+    estimate();
     each([&](const vk_Pixel &, int x, int y) {
-        spreads.add(myErrors[y][x] * static_cast<float>(myCanvas.leastSamples()));
+        variances.add(myErrors[y][x] * static_cast<float>(myCanvas.leastSamples()));
     });
-    return spreads;
+    return variances;
 }
 
-// False when all pixels are quiet.
+// Draws samples of all pixels that need them, until each has so many. Two halves: the
+// second tells how far off the first was. False when all pixels are converged.
 bool vk_Tile::pass(int count)
 {
-    bool drew = false;
+    const bool drew = sample(std::max(1, count / 2));
+    return sample(count) || drew;
+}
+
+// The paths of a tile are followed together.
+bool vk_Tile::sample(int count)
+{
+    struct Sample {
+        vk_Pixel *pixel;
+        int x, y, index;
+    };
+    std::vector<Sample> samples;
     each([&](vk_Pixel &now, int x, int y) {
-        if (now.quiet)
-            return;
-        for (const int part : {std::max(1, count / 2), count}) {
-            if (now.count >= part)
-                continue;
-            myCanvas.sample(now, myLeft + x, myBand.top + myTop + y, part);
-            now.judge();
-        }
-        drew = true;
+        for (int i = now.count; !now.converged && i < count; ++i)
+            samples.push_back({&now, myLeft + x, myBand.top + myTop + y, i});
     });
-    return drew;
+    std::vector<vk_View> views;
+    std::vector<vk_Path> paths;
+    for (std::size_t begin = 0; begin < samples.size(); begin += WAVE) {
+        const std::size_t size = std::min(WAVE, samples.size() - begin);
+        views.assign(size, {});
+        for (std::size_t i = 0; i < size; ++i) {
+            const Sample &now = samples[begin + i];
+            paths.push_back(myCanvas.path(now.x, now.y, now.index, views[i]));
+        }
+        myCanvas.tracer().Li(paths);
+        for (std::size_t i = 0; i < size; ++i) {
+            myCanvas.expose(views[i]);
+            samples[begin + i].pixel->add(views[i]);
+        }
+    }
+    each([&](vk_Pixel &now, int, int) {
+        if (!now.converged)
+            now.estimate();
+    });
+    return !samples.empty();
 }
 
 void vk_Tile::settle(float limit)
 {
-    judge();
+    estimate();
     each([&](vk_Pixel &now, int x, int y) {
-        if (now.quiet)
+        if (now.converged)
             return;
         const auto count = static_cast<float>(now.count);
-        const float spread = myErrors[y][x] * count;
-        now.spread = now.spread > 0 ? spread + BEFORE * (now.spread - spread) : spread;
-        now.quiet = now.spread < limit * count * count;
+        const float variance = myErrors[y][x] * count;
+        now.variance = now.variance > 0 ? variance + BEFORE * (now.variance - variance) : variance;
+        now.converged = now.variance < limit * count * count;
     });
 }
 
-void vk_Tile::judge()
+void vk_Tile::estimate()
 {
     float rare = 0;
     each([&](const vk_Pixel &now, int x, int y) {
         const Remaining remaining = remainingAround(now, x, y);
-        myErrors[y][x] = remaining.rest + remaining.even;
-        rare += remaining.even;
+        myErrors[y][x] = remaining.rest + remaining.diffuse;
+        rare += remaining.diffuse;
     });
     rare *= RARE / static_cast<float>(pixels());
     each([&](const vk_Pixel &, int x, int y) { myErrors[y][x] = std::max(rare, myErrors[y][x]); });
@@ -272,13 +295,13 @@ vk_Tile::Remaining vk_Tile::remainingAround(const vk_Pixel &now, int x, int y) c
         for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i)
             around.add(myBand.at(myLeft + i, myTop + j));
     const vk_Vec visibility = vk_visibility(now.light());
-    const vk_Colour &albedo = now.judged.albedo;
-    const float structure = around.even.structure(visibility * albedo * albedo);
-    const float ofSharp = remainsOf(SHARP, around.sharp.structure(visibility));
-    const float ofEven = remainsOfEven(now, structure, around.straightness());
+    const vk_Colour &albedo = now.estimated.albedo;
+    const float structure = around.diffuse.structure(visibility * albedo * albedo);
+    const float ofSpecular = remainsOf(SPECULAR, around.specular.structure(visibility));
+    const float ofIrradiance = remainsOfIrradiance(now, structure, around.straightness());
     const float share = 1 / static_cast<float>(around.count);
-    return {share * (around.rest + ofSharp * around.sharp.errors),
-            share * ofEven * around.even.errors};
+    return {share * (around.rest + ofSpecular * around.specular.errors),
+            share * ofIrradiance * around.diffuse.errors};
 }
 
 std::uint64_t vk_Tile::samples() const

@@ -3,7 +3,7 @@
 
 #include "vaskel/pixels/vk_Pixel.h"
 #include "vaskel/pixels/vk_Renderer.h"
-#include "vaskel/pixels/vk_Spreads.h"
+#include "vaskel/pixels/vk_Variances.h"
 
 // Rays through a picture's points.
 class vk_Lens
@@ -32,8 +32,11 @@ public:
     vk_Canvas(const vk_Scene &scene, const vk_World &world, const vk_RenderSettings &settings,
               vk_Film &film);
 
-    // Draws samples until the pixel has so many.
-    void sample(vk_Pixel &pixel, int x, int y, int count) const;
+    // A pixel's path for its sample of that number, and what is left of the view that it
+    // gave on the film: no more than shows as white.
+    vk_Path path(int x, int y, int sample, vk_View &view) const;
+    void expose(vk_View &view) const;
+    const vk_PathTracer &tracer() const { return myTracer; }
 
     // Writes a finished pixel to the film.
     void develop(const vk_Colour &light, int x, int y) const;
@@ -45,10 +48,8 @@ public:
     bool filters() const { return myFilters; }
 
 private:
-    vk_View view(int x, int y, vk_Sampler sampler) const;
-
     const vk_Scene &myScene;
-    vk_Tracer myTracer;
+    vk_PathTracer myTracer;
     vk_Lens myLens;
     vk_Film &myFilm;
     float myGain;
@@ -67,16 +68,17 @@ struct vk_Band {
 };
 
 // A square of pixels. start() draws the least samples of all, and fewer where hardly
-// any error is left; go() doubles those of the pixels that are not quiet yet, pass by
+// any error is left; go() doubles those of the pixels that have not converged yet, pass by
 // pass. A sample is best spent where it takes most off the squared error of the
-// picture: a pixel is quiet when its own, divided by its samples, is below a limit that
+// picture: a pixel has converged when its own, divided by its samples, is below a limit that
 // all pixels of the band share. One pixel's error is a poor estimate; the mean over its
 // neighbours in the tile is a fair one. Tiles know nothing of each other, so their order
 // does not matter.
 class vk_Tile
 {
 public:
-    static constexpr int SIDE = 16; // pixels
+    static constexpr int SIDE = 16;          // pixels
+    static constexpr std::size_t WAVE = 256; // paths that begin together, at most
 
     // Keeps references to both; left and top are in the band.
     vk_Tile(const vk_Canvas &canvas, vk_Band &band, int left, int top);
@@ -84,21 +86,22 @@ public:
     void go(float limit);
 
     // After start().
-    vk_Spreads spreads();
+    vk_Variances variances();
 
     std::uint64_t samples() const;
     std::uint64_t badPixels() const;
     int pixels() const { return myColumns * myRows; }
 
 private:
-    // Errors that the filter leaves, of the even layer and of all else.
+    // Errors that the filter leaves, of the diffuse layer and of all else.
     struct Remaining {
-        float rest = 0, even = 0;
+        float rest = 0, diffuse = 0;
     };
     template <class Function>
     void each(Function function) const;
     bool pass(int count);
-    void judge();
+    bool sample(int count);
+    void estimate();
     void settle(float limit);
     Remaining remainingAround(const vk_Pixel &pixel, int x, int y) const;
 

@@ -48,9 +48,9 @@ vk_Frame frameAround(const vk_Vec &normal, const vk_Material &material, const vk
 }
 } // namespace
 
-vk_Colour vk_Material::passesStraight(float cosine, float length) const
+vk_Colour vk_Material::passesStraight(float cosine) const
 {
-    return clear * vk_exp(absorbs * -length) * (1 - vk_fresnel(cosine, ior));
+    return clear * (1 - vk_fresnel(cosine, ior));
 }
 
 vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split,
@@ -60,13 +60,14 @@ vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec
       myCoat(vk_alpha(material.coatRough), vk_alpha(material.coatRough)),
       myEta(inside ? 1 / material.ior : material.ior)
 {
-    if (!(material.lean == vk_Vec{})) {
-        myBottom = frameAround(vk_normalize(normal + material.lean), material, along);
+    if (!(material.tilt == vk_Vec{})) {
+        myBottom = frameAround(vk_normalize(normal + material.tilt), material, along);
         myLower = lifted(myBottom.toLocal(out));
     }
+    compensate();
     myBelow = below(myOut.z);
     if (material.isClear())
-        shareGlass(split);
+        myRounds = split ? 2 : 1;
     else
         share(split);
 }
@@ -85,11 +86,36 @@ vk_Vec vk_Bsdf::mirror() const
     return myTop.toWorld({-myOut.x, -myOut.y, myOut.z});
 }
 
-float vk_Bsdf::likeliest() const
+float vk_Bsdf::peakPdf() const
 {
     float density = 0;
     static_cast<void>(evaluate(mirror(), density));
     return density;
+}
+
+void vk_Bsdf::compensate()
+{
+    constexpr float SMOOTH = .15f; // where facets hardly meet each other's light
+
+    const vk_Material &m = myMaterial;
+    if (m.rough < SMOOTH)
+        return;
+    if (m.isClear()) {
+        myCompensation = 1 / vk_glassAlbedo(myOut.z, m.rough, myEta);
+        return;
+    }
+    if (vk_largest(m.specular) <= 0)
+        return;
+    const float rough = myFacets.rough(), mean = vk_facetMean(rough);
+    myLost = 1 - vk_facetAlbedo(myLower.z, rough);
+    myMeanLost = std::max(1 - mean, 1e-6f);
+    // Every time that facets scatter it, light loses what they do not reflect.
+    const auto kept = [&](float straight, float edge) {
+        const float reflected = straight + (edge - straight) / 21;
+        return reflected * reflected * mean / (1 - reflected * (1 - mean));
+    };
+    myMultiple = {kept(m.specular.x, m.edge.x), kept(m.specular.y, m.edge.y),
+                  kept(m.specular.z, m.edge.z)};
 }
 
 // Parts get samples by what they reflect.
@@ -100,34 +126,21 @@ void vk_Bsdf::share(bool split)
     const vk_Material &m = myMaterial;
     myShare[COAT] = fresnelOfCoat(m, myOut.z);
     myShare[BOUNDARY] = vk_luminance(fresnel(myLower.z)) * myBelow;
+    myShare[MULTIPLE] = vk_luminance(myMultiple) * myLost * myBelow;
     if (vk_largest(m.sheen) > 0)
         myShare[SHEEN] = vk_luminance(m.sheen) * vk_sheenAlbedo(myOut.z, m.sheenRough);
     myShare[BASE] = vk_luminance(m.diffuse) * myBelow;
-    const float sharp = myShare[COAT] + myShare[BOUNDARY];
-    const float even = myShare[SHEEN] + myShare[BASE];
-    const bool both = sharp > LEAST && even > LEAST;
-    // By chance, the sharp ones are drawn often enough to keep them quiet.
-    const float ofSharp = both ? std::clamp(sharp / (sharp + even), .2f, .9f) : 1;
+    const float specular = myShare[COAT] + myShare[BOUNDARY] + myShare[MULTIPLE];
+    const float diffuse = myShare[SHEEN] + myShare[BASE];
+    const bool both = specular > LEAST && diffuse > LEAST;
+    // By chance, the specular ones are drawn often enough to keep them quiet.
+    const float ofSpecular = both ? std::clamp(specular / (specular + diffuse), .2f, .9f) : 1;
     myRounds = split && both ? 2 : 1;
-    const float toSharp = sharp > LEAST ? (myRounds == 2 ? 1 : ofSharp) / sharp : 0;
-    const float toEven = even > LEAST ? (myRounds == 2 || !both ? 1 : 1 - ofSharp) / even : 0;
+    const float toSpecular = specular > LEAST ? (myRounds == 2 ? 1 : ofSpecular) / specular : 0;
+    const float toDiffuse =
+        diffuse > LEAST ? (myRounds == 2 || !both ? 1 : 1 - ofSpecular) / diffuse : 0;
     for (int part = 0; part < PARTS; ++part)
-        myShare[part] *= part <= BOUNDARY ? toSharp : toEven;
-}
-
-void vk_Bsdf::shareGlass(bool split)
-{
-    myRounds = split ? 2 : 1;
-    myShare[REFLECT] = myShare[REFRACT] = 1;
-    if (split)
-        return;
-    // Facets of rough glass reflect more or less than its surface on the whole.
-    const float wide = vk_alpha(myMaterial.rough), cosine = myOut.z;
-    float sum = 0;
-    for (const float off : {-1.0f, 0.0f, 1.0f})
-        sum += vk_fresnel(std::clamp(cosine + off * wide, 0.0f, 1.0f), myEta);
-    myShare[REFLECT] = std::min(sum / 3, 1 - std::min(.05f, wide));
-    myShare[REFRACT] = 1 - myShare[REFLECT];
+        myShare[part] *= part <= MULTIPLE ? toSpecular : toDiffuse;
 }
 
 vk_Colour vk_Bsdf::fresnel(float cosine) const
@@ -149,9 +162,10 @@ vk_Colour vk_Bsdf::base(float cosIn) const
 {
     const float through =
         28.0f / 23 * (1 - fifthPower(1 - cosIn / 2)) * (1 - fifthPower(1 - myLower.z / 2));
-    const vk_Colour &edge = myMaterial.edge;
-    const vk_Colour coated = (vk_grey(1) - myMaterial.specular) * through;
-    return myMaterial.diffuse * (vk_grey(1) - edge + edge * coated) * (1 / VK_PI);
+    const vk_Colour &edge = myMaterial.edge, &straight = myMaterial.specular;
+    // What Schlick's formula leaves: 1 less `edge` everywhere, and of the rest what is not
+    // reflected straight on, less towards the edge.
+    return myMaterial.diffuse * (vk_grey(1) - edge + (edge - straight) * through) * (1 / VK_PI);
 }
 
 vk_Scattered vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
@@ -170,12 +184,17 @@ vk_Scattered vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
     if (myShare[BOUNDARY] > 0) {
         const vk_Vec h = vk_normalize(lower + myLower);
         const float facets = myFacets.density(h);
-        scattered.sharp +=
+        scattered.specular +=
             fresnel(vk_dot(h, lower)) * (facets * myFacets.shared(lower, myLower) * left);
         density += myShare[BOUNDARY] * facets * myFacets.visible(myLower) / (4 * myLower.z);
     }
+    if (myShare[MULTIPLE] > 0) {
+        const float lost = 1 - vk_facetAlbedo(lower.z, myFacets.rough());
+        scattered.specular += myMultiple * (myLost * lost / (myMeanLost * VK_PI) * left);
+        density += myShare[MULTIPLE] * lower.z / VK_PI;
+    }
     if (myShare[BASE] > 0) {
-        scattered.even += base(lower.z) * left;
+        scattered.diffuse += base(lower.z) * left;
         density += myShare[BASE] * lower.z / VK_PI;
     }
     return scattered;
@@ -191,11 +210,11 @@ vk_Scattered vk_Bsdf::evaluateTop(const vk_Vec &in, float &density) const
     if (myShare[COAT] > 0) {
         const float facets = myCoat.density(h);
         const float reflected = fresnelOfCoat(myMaterial, vk_dot(h, in));
-        scattered.sharp += vk_grey(reflected * facets * myCoat.shared(in, myOut) * in.z);
+        scattered.specular += vk_grey(reflected * facets * myCoat.shared(in, myOut) * in.z);
         density += myShare[COAT] * facets * myCoat.visible(myOut) / (4 * myOut.z);
     }
     if (myShare[SHEEN] > 0) {
-        scattered.even +=
+        scattered.diffuse +=
             myMaterial.sheen * (vk_sheen(in.z, myOut.z, h.z, myMaterial.sheenRough) * in.z);
         density += myShare[SHEEN] / (2 * VK_PI);
     }
@@ -217,27 +236,26 @@ vk_Scattered vk_Bsdf::evaluateGlass(const vk_Vec &in, float &density) const
     // Facets per direction: of those that reflect, and of those that refract,
     // (17) of Walter.
     const float bend = outH + myEta * inH;
-    const float spread =
+    const float variance =
         reflects ? .25f : myEta * myEta * outH * -inH / std::max(bend * bend, 1e-12f);
-    const float facets = myFacets.density(h) * spread;
+    const float facets = myFacets.density(h) * variance;
     const vk_Vec above = {in.x, in.y, std::abs(in.z)};
-    density = facets * myFacets.visible(myOut) / myOut.z * myShare[reflects ? REFLECT : REFRACT];
+    density = facets * myFacets.visible(myOut) / myOut.z * (myRounds == 2 ? 1 : share);
     const float passed = 4 * facets * myFacets.shared(above, myOut) * above.z * share;
-    return {(reflects ? vk_grey(1) : myMaterial.clear) * passed, {}};
+    return {(reflects ? vk_grey(1) : myMaterial.clear) * myCompensation * passed, {}};
 }
 
-vk_Vec vk_Bsdf::sampleGlass(Part part, const vk_Square &at) const
+// A facet reflects as often as Fresnel says: all directions then count alike.
+vk_Vec vk_Bsdf::sampleGlass(const vk_Square &at, int round, float choice) const
 {
     const vk_Vec h = myFacets.sample(myOut, at);
-    const bool reflects = part == REFLECT;
+    const bool reflects = myRounds == 2 ? round == 0 : choice < vk_fresnel(vk_dot(myOut, h), myEta);
     const vk_Vec in = reflects ? mirrored(myOut, h) : vk_refract(myOut, h, myEta);
     return (in.z > 0) == reflects ? myTop.toWorld(in) : vk_Vec{};
 }
 
 vk_Vec vk_Bsdf::samplePart(Part part, const vk_Square &at) const
 {
-    if (myMaterial.isClear())
-        return sampleGlass(part, at);
     if (part == COAT)
         return myTop.toWorld(mirrored(myOut, myCoat.sample(myOut, at)));
     if (part == BOUNDARY)
@@ -249,14 +267,14 @@ vk_Vec vk_Bsdf::samplePart(Part part, const vk_Square &at) const
     return myBottom.toWorld(disc);
 }
 
-vk_Vec vk_Bsdf::sample(const vk_Square &at, int round) const
+vk_Vec vk_Bsdf::sample(const vk_Square &at, int round, float choice) const
 {
+    if (myMaterial.isClear())
+        return sampleGlass(at, round, choice);
     // The choice takes its number from the first coordinate and stretches the
     // rest, which keeps all parts well spread.
-    const bool isGlass = myMaterial.isClear();
-    const int border = isGlass ? REFLECT : BOUNDARY; // the last part of round 0
-    int part = myRounds == 2 && round == 1 ? border + 1 : 0;
-    const int last = myRounds == 2 && round == 0 ? border : isGlass ? REFRACT : BASE;
+    int part = myRounds == 2 && round == 1 ? MULTIPLE + 1 : 0;
+    const int last = myRounds == 2 && round == 0 ? MULTIPLE : BASE;
     float left = at.u;
     while (part < last && left >= myShare[part])
         left -= myShare[part++];

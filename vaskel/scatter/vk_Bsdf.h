@@ -9,34 +9,28 @@
 //                           and reciprocally: Ashikhmin and Shirley, "An Anisotropic
 //                           Phong BRDF Model", 2000; without a boundary Lambert's
 //
-// All but glass are symmetric in the two directions; glass is after division by
-// the square of the index of refraction on the light's side. None sends on more
-// than arrives. What lies below coat or sheen gets what these do not reflect, on
-// the way in and on the way out.
+// All but glass are symmetric in the two directions; glass is but for compensation(), after
+// division by the square of the index of refraction on the light's side. None sends on more
+// than arrives, and metal and glass that are white send on all of it. What lies below coat or sheen
+// gets what these do not reflect, on the way in and on the way out.
 #pragma once
 
 #include "vaskel/scatter/vk_Material.h"
 #include "vaskel/scatter/vk_Microfacet.h"
 
-// Whether scattering that draws a direction with this density counts as sharp, not even.
-constexpr bool vk_isSharp(float density)
-{
-    return density >= 1;
-}
-
-// What reaches the viewer by way of the coat, the boundary and the glass (sharp),
-// and by way of the base and the sheen (even).
+// What reaches the viewer by way of the coat, the boundary and the glass (specular),
+// and by way of the base and the sheen (diffuse).
 struct vk_Scattered {
-    vk_Colour sharp, even;
+    vk_Colour specular, diffuse;
 
-    vk_Colour sum() const { return sharp + even; }
+    vk_Colour sum() const { return specular + diffuse; }
 };
 
 class vk_Bsdf
 {
 public:
     // Keeps a reference to the material. A split one draws its directions once for
-    // each of two rounds, sharp and even (for glass reflected and refracted),
+    // each of two rounds, specular and diffuse (for glass reflected and refracted),
     // instead of one of them by chance; densities are then those of both samples
     // together. `along` is where u grows, needed where a material is brushed.
     // `inside` says that the viewer looks from within glass.
@@ -53,7 +47,11 @@ public:
     vk_Vec mirror() const;
 
     // About the highest density that evaluate() gives.
-    float likeliest() const;
+    float peakPdf() const;
+
+    // For glass: what is to be added for light that facets scatter more than once, as a
+    // factor to what they scatter once. It knows the viewer's direction only.
+    float compensation() const { return myCompensation; }
 
     bool isGlass() const { return myMaterial.isClear(); }
     bool isSmoothGlass() const { return myMaterial.isSmoothGlass(); }
@@ -63,22 +61,23 @@ public:
     // are 0 below a surface that is not glass.
     vk_Scattered evaluate(const vk_Vec &in, float &density) const;
 
-    // A direction drawn roughly as much as it scatters, the sharp parts' for round
-    // 0 and the even ones' for round 1 when they are split. May be one from where nothing
-    // arrives, with density 0.
-    vk_Vec sample(const vk_Square &at, int round = 0) const;
+    // A direction drawn roughly as much as it scatters, the specular parts' for round
+    // 0 and the diffuse ones' for round 1 when they are split. May be one from where nothing
+    // arrives, with density 0. `choice`, from 0 to 1, decides between what glass
+    // reflects and refracts when it is not split.
+    vk_Vec sample(const vk_Square &at, int round = 0, float choice = 0) const;
 
 private:
-    enum Part { COAT, BOUNDARY, SHEEN, BASE, PARTS, REFLECT = COAT, REFRACT = BOUNDARY };
+    enum Part { COAT, BOUNDARY, MULTIPLE, SHEEN, BASE, PARTS };
 
+    void compensate();
     void share(bool split);
-    void shareGlass(bool split);
     vk_Colour fresnel(float cosine) const;
     vk_Colour base(float cosIn) const;
     float below(float cosine) const;
     vk_Scattered evaluateTop(const vk_Vec &in, float &density) const;
     vk_Scattered evaluateGlass(const vk_Vec &in, float &density) const;
-    vk_Vec sampleGlass(Part part, const vk_Square &at) const;
+    vk_Vec sampleGlass(const vk_Square &at, int round, float choice) const;
     vk_Vec samplePart(Part part, const vk_Square &at) const;
 
     const vk_Material &myMaterial;
@@ -87,8 +86,11 @@ private:
     vk_Vec myOut;      // in myTop
     vk_Vec myLower;    // the same in myBottom
     vk_Facets myFacets, myCoat;
-    float myEta;       // glass: index of the far side over the near side
-    float myBelow = 1; // share that coat and sheen leave on the way out
+    float myEta; // glass: index of the far side over the near side
+    float myCompensation = 1;
+    vk_Colour myMultiple; // of metal: what arrives and is lost when facets scatter it once
+    float myLost = 0, myMeanLost = 1; // share of it, for the viewer's and for all directions
+    float myBelow = 1;                // share that coat and sheen leave on the way out
     int myRounds = 1;
     float myShare[PARTS] = {}; // samples of each part
 };

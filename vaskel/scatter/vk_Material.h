@@ -27,7 +27,7 @@ struct vk_Material {
 
     float coat = 0; // how much of a lacquer (index of refraction 1.5), 0 to 1
     float coatRough = 0;
-    vk_Vec lean; // turns the normal of what lies below the coat, as flakes do
+    vk_Vec tilt; // turns the normal of what lies below the coat, as flakes do
 
     vk_Colour sheen; // 0 to 1
     float sheenRough = 0;
@@ -42,8 +42,9 @@ struct vk_Material {
     // Glass so smooth that it is not lit by lights: rays find what it shows of them.
     bool isSmoothGlass() const { return isClear() && rough < .02f; }
     // What passes straight through the surface of glass at a cosine to its normal, and
-    // through a length of glass.
-    vk_Colour passesStraight(float cosine, float length) const;
+    // what is left of light after a length of glass (Beer and Lambert).
+    vk_Colour passesStraight(float cosine) const;
+    vk_Colour absorbed(float length) const { return vk_exp(absorbs * -length); }
 
     bool reflects() const
     {

@@ -1,5 +1,52 @@
 #include "vaskel/scatter/vk_Microfacet.h"
 
+#include "vaskel/scatter/vk_AlbedoData.h"
+
+namespace
+{
+// A place between two steps of a table.
+struct Step {
+    std::size_t low;
+    float part; // of the way to the next
+
+    Step(float unit, int steps)
+    {
+        const float at = std::clamp(unit, 0.0f, 1.0f) * static_cast<float>(steps - 1);
+        low = static_cast<std::size_t>(std::min(static_cast<int>(at), steps - 2));
+        part = at - static_cast<float>(low);
+    }
+    float between(float a, float b) const { return a + (b - a) * part; }
+};
+
+template <std::size_t ROUGHS, std::size_t COSINES>
+float lookUp(const float (&table)[ROUGHS][COSINES], float rough, float cosine)
+{
+    const Step down(rough, int{ROUGHS}), across(cosine, int{COSINES});
+    const auto row = [&](const float(&of)[COSINES]) {
+        return across.between(of[across.low], of[across.low + 1]);
+    };
+    return down.between(row(table[down.low]), row(table[down.low + 1]));
+}
+} // namespace
+
+float vk_facetAlbedo(float cosine, float rough)
+{
+    return lookUp(VK_FACET_ALBEDO, rough, cosine);
+}
+
+float vk_facetMean(float rough)
+{
+    const Step step(rough, VK_ALBEDO_ROUGHS);
+    return step.between(VK_FACET_MEAN[step.low], VK_FACET_MEAN[step.low + 1]);
+}
+
+float vk_glassAlbedo(float cosine, float rough, float eta)
+{
+    const Step step(.5f + .25f * std::log2(eta), VK_GLASS_ETAS);
+    return step.between(lookUp(VK_GLASS_ALBEDO[step.low], rough, cosine),
+                        lookUp(VK_GLASS_ALBEDO[step.low + 1], rough, cosine));
+}
+
 float vk_fresnel(float cosine, float eta)
 {
     const float within2 = 1 - (1 - cosine * cosine) / (eta * eta);

@@ -7,6 +7,10 @@
 //   masking        of Smith, in its height-correlated form: Heitz, JCGT 3(2), 2014
 //   samples        from the visible facets: Heitz, JCGT 7(4), 2018
 //   reflectance    after Fresnel, or his formula as Schlick shortened it, 1994
+//   light that facets scatter more than once   a wide lobe of its own for metal: Kulla and
+//                  Conty, "Revisiting Physically Based Shading at Imageworks", SIGGRAPH 2017
+//                  course; for glass in proportion to what they scatter once: Turquin,
+//                  "Practical Multiple Scattering Compensation for Microfacet Models", 2019
 //
 // Directions are in a frame around the surface's normal z, point away from the
 // surface, and x is the direction along which the boundary may be wider.
@@ -37,11 +41,21 @@ float vk_fresnel(float cosine, float eta);
 // total reflection.
 vk_Vec vk_refract(const vk_Vec &out, const vk_Vec &facet, float eta);
 
+// Share of light from a direction that facets send on which reflect all of it, or which are
+// those of glass with an index eta, when it is scattered once; the rest is scattered again.
+// `rough` is perceptual, see vk_alpha().
+float vk_facetAlbedo(float cosine, float rough);
+float vk_facetMean(float rough); // over the hemisphere, weighted by the cosine
+float vk_glassAlbedo(float cosine, float rough, float eta);
+
 class vk_Facets
 {
 public:
     // Widths along x and y; the larger, the rougher (see vk_alpha).
     vk_Facets(float alongX, float alongY) : myX(alongX), myY(alongY) {}
+
+    // The perceptual roughness of facets that are as wide in all directions.
+    float rough() const { return std::sqrt(std::sqrt(myX * myY)); }
 
     // Facets that face h, per solid angle and area of the surface. Written so
     // that it does not cancel for small widths.

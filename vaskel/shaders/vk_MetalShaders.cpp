@@ -112,7 +112,7 @@ struct CarPaint final : vk_Pointwise<CarPaint> {
         if (part(vk_hash(hash), 0) >= flakes)
             return material;
         const vk_Vec to = vk_Vec{part(hash, 0), part(hash, 1), part(hash, 2)} * 2 - vk_grey(1);
-        material.lean = to * spread;
+        material.tilt = to * spread;
         material.specular = material.edge = flake;
         return material;
     }

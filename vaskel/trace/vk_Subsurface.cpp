@@ -66,6 +66,9 @@ int pickLayer(const vk_World &world, vk_Vec origin, const vk_Vec &direction, flo
         ++vk_myRays.scattered;
         if (!world.intersect(origin, direction, hit) || hit.distance > length)
             break;
+        // Nothing below the floor is lit; and a ray that goes down stays at the floor.
+        if (hit.isFloor && direction.y < 0)
+            break;
         length -= hit.distance;
         origin = hit.start(direction);
         count += hit.isFloor ? 0 : 1;

@@ -168,15 +168,23 @@ bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) cons
     return vk_dot(way, direction) > 0 && vk_dot(beside, beside) <= myRadius2;
 }
 
+// A shape that stands on the floor touches it: rays that leave its bottom begin a little
+// below the floor, and meet it there.
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
 {
     constexpr float FOREVER = std::numeric_limits<float>::infinity();
+    constexpr float TOUCHING = 5e-5f; // more than vk_Hit::start() moves rays
 
-    const float to =
-        myScene.floor != nullptr && direction.y != 0 ? -origin.y / direction.y : FOREVER;
-    const bool met = to > 0 && to < FOREVER;
-    distance = met ? to : FOREVER;
-    return met;
+    distance = FOREVER;
+    if (myScene.floor == nullptr || direction.y == 0)
+        return false;
+    const float size = std::max(std::abs(origin.x), std::abs(origin.z));
+    const bool touches = direction.y < 0 && origin.y <= 0 && origin.y > -TOUCHING * (1 + size);
+    const float to = touches ? 0 : -origin.y / direction.y;
+    if (!touches && !(to > 0 && to < FOREVER))
+        return false;
+    distance = to;
+    return true;
 }
 
 void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, float v,

@@ -8,12 +8,12 @@
 
 #include <cstdint>
 
-class vk_Spreads
+class vk_Variances
 {
 public:
     // One more pixel; its spread is a squared error of full scale.
-    void add(float spread);
-    vk_Spreads &operator+=(const vk_Spreads &o);
+    void add(float variance);
+    vk_Variances &operator+=(const vk_Variances &o);
 
     // The limit with which the pixels' mean squared error comes to a target, or their
     // samples to so many on the mean, whichever takes fewer; when each gets `least`

@@ -1,17 +1,17 @@
-#include "vaskel/pixels/vk_Spreads.h"
+#include "vaskel/pixels/vk_Variances.h"
 
 #include <algorithm>
 #include <cmath>
 
-void vk_Spreads::add(float spread)
+void vk_Variances::add(float variance)
 {
     ++myPixels;
     const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);
-    const auto step = static_cast<int>(std::lround(STEPS * std::log2(std::max(spread, least))));
+    const auto step = static_cast<int>(std::lround(STEPS * std::log2(std::max(variance, least))));
     ++myCounts[std::clamp(step, LOWEST, HIGHEST) - LOWEST];
 }
 
-vk_Spreads &vk_Spreads::operator+=(const vk_Spreads &o)
+vk_Variances &vk_Variances::operator+=(const vk_Variances &o)
 {
     myPixels += o.myPixels;
     for (int i = 0; i <= HIGHEST - LOWEST; ++i)
@@ -19,24 +19,24 @@ vk_Spreads &vk_Spreads::operator+=(const vk_Spreads &o)
     return *this;
 }
 
-vk_Spreads::Forecast vk_Spreads::forecast(float limit, int least, int most) const
+vk_Variances::Forecast vk_Variances::forecast(float limit, int least, int most) const
 {
     Forecast sum;
     for (int i = 0; i <= HIGHEST - LOWEST; ++i) {
-        const float spread = std::exp2(static_cast<float>(i + LOWEST) / STEPS);
+        const float variance = std::exp2(static_cast<float>(i + LOWEST) / STEPS);
         int samples = least;
         while (samples < most &&
-               spread >= limit * static_cast<float>(samples) * static_cast<float>(samples))
+               variance >= limit * static_cast<float>(samples) * static_cast<float>(samples))
             samples = std::min(2 * samples, most);
         const auto count = static_cast<double>(myCounts[i]);
-        sum.error += count * static_cast<double>(spread) / samples;
+        sum.error += count * static_cast<double>(variance) / samples;
         sum.samples += count * samples;
     }
     const auto pixels = static_cast<double>(myPixels);
     return {sum.error / pixels, sum.samples / pixels};
 }
 
-float vk_Spreads::limit(float target, float meanSamples, int least, int most) const
+float vk_Variances::limit(float target, float meanSamples, int least, int most) const
 {
     constexpr float LOW = -60, HIGH = 20, CLOSE = .01f; // powers of 2
 

@@ -1,0 +1,110 @@
+#!/usr/bin/env python3
+"""Prints the tables of vaskel/scatter/vk_AlbedoData.cpp again.
+
+    bench/fit.py >vaskel/scatter/vk_AlbedoData.cpp
+
+Rough surfaces of microfacets (vk_Microfacet.h) let light go that would be scattered once
+more between facets. How much is left when it is scattered once, by roughness and by the
+cosine to the normal, is an integral without a formula; the tables hold it, for facets that
+reflect all light and for those of glass. Takes some seconds; a test integrates anew and
+compares.
+"""
+import math
+
+ROUGHS = COSINES = 16
+ETAS, ETA_ROUGHS, ETA_COSINES = 17, 9, 9  # indices of refraction 1/4 to 4
+STEPS = 24  # samples of a facet along each axis
+
+
+def normalize(v):
+    length = math.sqrt(sum(x * x for x in v))
+    return [x / length for x in v]
+
+
+def smith(alpha, v):
+    return math.sqrt(alpha * alpha * (v[0] ** 2 + v[1] ** 2) + v[2] ** 2)
+
+
+def facet(alpha, out, u, v):
+    """A visible facet: Heitz, JCGT 7(4), 2018."""
+    s = normalize([alpha * out[0], alpha * out[1], out[2]])
+    level = math.hypot(s[0], s[1])
+    t1 = [-s[1] / level, s[0] / level, 0] if level > 1e-7 else [1, 0, 0]
+    t2 = [s[1] * t1[2] - s[2] * t1[1], s[2] * t1[0] - s[0] * t1[2], s[0] * t1[1] - s[1] * t1[0]]
+    radius, angle = math.sqrt(u), 2 * math.pi * v
+    x, y = radius * math.cos(angle), radius * math.sin(angle)
+    half = .5 * (1 + s[2])
+    y = (1 - half) * math.sqrt(max(0, 1 - x * x)) + half * y
+    z = math.sqrt(max(0, 1 - x * x - y * y))
+    h = [t1[i] * x + t2[i] * y + s[i] * z for i in range(3)]
+    return normalize([alpha * h[0], alpha * h[1], max(1e-9, h[2])])
+
+
+def left(alpha, out, way):
+    """What masking and shadowing leave of light that a visible facet sends to a way."""
+    if way[2] <= 0:
+        return 0
+    both = 2 * out[2] * way[2] / (way[2] * smith(alpha, out) + out[2] * smith(alpha, way))
+    return both / (2 * out[2] / (out[2] + smith(alpha, out)))
+
+
+def fresnel(cosine, eta):
+    within2 = 1 - (1 - cosine * cosine) / (eta * eta)
+    if within2 <= 0:
+        return 1, 0
+    within = math.sqrt(within2)
+    across = (cosine - eta * within) / (cosine + eta * within)
+    along = (eta * cosine - within) / (eta * cosine + within)
+    return .5 * (across ** 2 + along ** 2), within
+
+
+def sent(alpha, out, h, eta):
+    """What one facet sends on, of glass with an index or of a perfect mirror (None)."""
+    cosine = sum(a * b for a, b in zip(out, h))
+    mirrored = [2 * cosine * h[i] - out[i] for i in range(3)]
+    if eta is None:
+        return left(alpha, out, mirrored)
+    share, within = fresnel(cosine, eta)
+    refracted = [h[i] * (cosine / eta - within) - out[i] / eta for i in range(3)]
+    refracted[2] = -refracted[2]
+    return share * left(alpha, out, mirrored) + (1 - share) * left(alpha, out, refracted)
+
+
+def albedo(rough, cosine, eta=None):
+    alpha, cosine = max(.001, rough * rough), max(cosine, 1e-3)
+    out = [math.sqrt(max(0, 1 - cosine * cosine)), 0, cosine]
+    total = 0
+    for i in range(STEPS):
+        for j in range(STEPS):
+            h = facet(alpha, out, (i + .5) / STEPS, (j + .5) / STEPS)
+            total += sent(alpha, out, h, eta)
+    return total / STEPS ** 2
+
+
+def row(rough, cosines, eta=None):
+    values = [albedo(rough, c / (cosines - 1), eta) for c in range(cosines)]
+    return "{" + ", ".join("%.4ff" % v for v in values) + "}"
+
+
+def main():
+    print('// Made by bench/fit.py.\n#include "vaskel/scatter/vk_AlbedoData.h"\n')
+    print("const float VK_FACET_ALBEDO[VK_ALBEDO_ROUGHS][VK_ALBEDO_COSINES] = {")
+    for i in range(ROUGHS):
+        print("    %s," % row(i / (ROUGHS - 1), COSINES))
+    print("};\n")
+    means = [sum(2 * (c + .5) / 64 / 64 * albedo(i / (ROUGHS - 1), (c + .5) / 64)
+                 for c in range(64)) for i in range(ROUGHS)]
+    print("const float VK_FACET_MEAN[VK_ALBEDO_ROUGHS] = {%s};\n" %
+          ", ".join("%.4ff" % m for m in means))
+    print("const float VK_GLASS_ALBEDO[VK_GLASS_ETAS][VK_GLASS_ROUGHS][VK_GLASS_COSINES] = {")
+    for e in range(ETAS):
+        eta = 2 ** (4 * e / (ETAS - 1) - 2)
+        print("    {  // %g" % eta)
+        for i in range(ETA_ROUGHS):
+            print("        %s," % row(i / (ETA_ROUGHS - 1), ETA_COSINES, eta))
+        print("    },")
+    print("};")
+
+
+if __name__ == "__main__":
+    main()

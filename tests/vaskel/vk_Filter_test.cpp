@@ -1,0 +1,86 @@
+#include "vaskel/pixels/vk_Filter.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace
+{
+constexpr int SIDE = 12;
+
+// A pixel of a matte surface that got two samples.
+vk_Pixel pixelOf(float first, float second)
+{
+    vk_Pixel pixel;
+    for (const float light : {first, second}) {
+        vk_View view;
+        view.diffuse = vk_grey(light);
+        view.albedo = vk_grey(1);
+        view.normal = {0, 0, 1};
+        view.distance = 5;
+        pixel.add(view);
+        pixel.estimate();
+    }
+    return pixel;
+}
+
+// Green of all pixels behind the filter.
+template <class Function>
+std::vector<float> filtered(const Function &pixelAt)
+{
+    std::vector<vk_Pixel> pixels;
+    for (int i = 0; i < SIDE * SIDE; ++i)
+        pixels.push_back(pixelAt(i % SIDE, i / SIDE));
+    vk_Filter filter(SIDE, SIDE);
+    for (int y = 0; y < SIDE; ++y)
+        filter.take(&pixels[static_cast<std::size_t>(y * SIDE)], y);
+    for (int y = 0; y < SIDE; ++y)
+        filter.compare(y);
+    std::vector<float> result;
+    for (int i = 0; i < SIDE * SIDE; ++i)
+        result.push_back(filter.at(i % SIDE, i / SIDE).y);
+    return result;
+}
+} // namespace
+
+TEST(Filter, NoiseAroundOneLevelBecomesThatLevel)
+{
+    const auto light = filtered([](int x, int y) {
+        const float off = (x + y) % 2 == 0 ? .06f : -.06f;
+        return pixelOf(.5f + off, .5f - off * .2f);
+    });
+    for (const float level : light)
+        EXPECT_NEAR(.5f, level, .02f);
+}
+
+TEST(Filter, AnEdgeThatErrorsDoNotExplainStays)
+{
+    const auto light = filtered([](int x, int y) {
+        const float off = (x + y) % 2 == 0 ? .004f : -.004f, side = x < SIDE / 2 ? .2f : .7f;
+        return pixelOf(side + off, side - off);
+    });
+    for (int i = 0; i < SIDE * SIDE; ++i)
+        EXPECT_NEAR(i % SIDE < SIDE / 2 ? .2f : .7f, light[static_cast<std::size_t>(i)], .006f);
+}
+
+TEST(Filter, ALonePixelThatIsFarOffDoesNotSpread)
+{
+    const auto light = filtered([](int x, int y) {
+        const float off = (x + y) % 2 == 0 ? .03f : -.03f;
+        return x == 6 && y == 6 ? pixelOf(.5f, 3) : pixelOf(.5f + off, .5f - off);
+    });
+    EXPECT_LT(light[6 * SIDE + 6], 1.2f); // and its neighbours take most of it back
+    for (const int x : {3, 4, 8, 9})
+        EXPECT_NEAR(.5f, light[static_cast<std::size_t>(6 * SIDE + x)], .03f);
+}
+
+TEST(Pixel, ASampleThatIsNoNumberIsCountedAndAddsNothing)
+{
+    vk_Pixel pixel = pixelOf(.5f, .5f);
+    EXPECT_FALSE(pixel.bad);
+    vk_View view;
+    view.diffuse = vk_grey(std::numeric_limits<float>::quiet_NaN());
+    pixel.add(view);
+    EXPECT_TRUE(pixel.bad);
+    EXPECT_NEAR(1.0f / 3, pixel.light().x, 1e-6f);
+}

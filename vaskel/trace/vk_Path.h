@@ -1,0 +1,99 @@
+// One path from the camera into the scene, and what the camera sees by way of it.
+#pragma once
+
+#include "vaskel/base/vk_Sampler.h"
+#include "vaskel/scatter/vk_Bsdf.h"
+#include "vaskel/trace/vk_NextEvent.h"
+#include "vaskel/trace/vk_World.h"
+
+// What a camera ray brings, in the two layers that a filter treats apart, and what it met.
+struct vk_View {
+    static constexpr float NOWHERE = 1024; // distance of what is not there
+
+    vk_Colour specular; // all but
+    vk_Colour diffuse;  // light that the first surface scattered widely,
+    vk_Colour albedo;   // about so much of what arrived there; not 0 where there is such light
+    vk_Vec normal;      // of that surface; to the viewer where there is none
+    float distance = 0;
+    float blurred = 0; // how far the diffuse layer is without edges: 1 for subsurface scattering
+
+    vk_Colour light() const { return specular + diffuse; }
+};
+
+// The state of a path. It is changed by the operations below alone, each of which stands
+// for one thing that happens to light.
+class vk_Path
+{
+public:
+    // Starts at the camera; what the path finds is added to the view.
+    vk_Path(const vk_Vec &origin, const vk_Vec &direction, const vk_Sampler &sampler, vk_View &view)
+        : mySampler(sampler), myView(&view), myOrigin(origin), myDirection(direction)
+    {
+    }
+
+    const vk_Vec &origin() const { return myOrigin; }
+    const vk_Vec &direction() const { return myDirection; } // unit
+    const vk_Colour &throughput() const { return myThroughput; }
+    const vk_NextEvent &nextEvent() const { return myNextEvent; }
+    vk_Sampler &sampler() { return mySampler; }
+    vk_View &view() { return *myView; }
+
+    // How often it was scattered, and how often of these by glass.
+    int bounces() const { return myBounces; }
+    int dielectricBounces() const { return myDielectricBounces; }
+    bool isCameraRay() const { return myBounces == 0; }
+    // Whether little of what it finds reaches the camera.
+    static constexpr float FAINT = .12f;
+    bool isFaint() const { return vk_largest(myThroughput) < FAINT; }
+    // Whether it was scattered widely. Behind that, all is blurred (see vk_PathTracer.h).
+    bool isWide() const { return myIsWide; }
+    bool hasSpecularLayer() const { return !(mySpecularShare == vk_Colour{}); }
+
+    // Light that arrives along the ray, sent on to the camera.
+    void add(const vk_Colour &radiance);
+    // The same for light that the surface of a vertex scattered towards the ray's origin.
+    void add(const vk_Scattered &radiance);
+
+    // A part of the light is held back: by fog, inside glass, where the floor fades.
+    void attenuate(const vk_Colour &transmittance) { myThroughput = myThroughput * transmittance; }
+    void attenuate(float transmittance) { myThroughput = myThroughput * transmittance; }
+
+    // All that the first surface shows is put into the diffuse layer.
+    void countAsDiffuse() { mySpecularShare = {}; }
+
+    // On behind glass as if it were not there; what the shadow shader says becomes of
+    // lights behind it is in `next`.
+    void passStraight(const vk_Hit &hit, const vk_NextEvent &next);
+
+    // Back from a smooth surface, at which no lights were sampled.
+    void reflect(const vk_Hit &hit);
+
+    // Into a direction that the BSDF drew. False when nothing comes from there.
+    [[nodiscard]] bool scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &direction,
+                               const vk_NextEvent &atVertex, const vk_NextEvent &throughGlass);
+
+    // To the place where light went in that comes out of a surface.
+    void moveBelowSurface(const vk_Hit &entry, const vk_Colour &weight);
+
+    // A path that counts little ends by chance; one that lives on counts the more for it.
+    // The guess of the radiance that it would find takes noise out of that, and does not
+    // change the mean.
+    [[nodiscard]] bool survivesRoulette(const vk_Colour &guess);
+
+    // Another path that begins with all that befell this one, and draws numbers of its own.
+    vk_Path fork(std::uint32_t branch) const;
+
+private:
+    void setNextEvent(const vk_Hit &hit, const vk_Bsdf &bsdf, float pdf, bool isAbove,
+                      const vk_NextEvent &atVertex, const vk_NextEvent &throughGlass);
+
+    vk_Sampler mySampler;
+    vk_View *myView;
+    vk_Vec myOrigin, myDirection;
+    vk_Colour myThroughput = {1, 1, 1};
+    vk_Colour mySpecularShare = {1, 1, 1}; // of what arrives
+    vk_NextEvent myNextEvent;
+    int myBounces = 0;
+    int myDielectricBounces = 0;
+    bool myIsWide = false;
+};

@@ -1,0 +1,313 @@
+#include "vaskel/trace/vk_PathTracer.h"
+
+#include "vaskel/base/vk_Stats.h"
+#include "vaskel/trace/vk_Subsurface.h"
+
+#include <limits>
+
+namespace
+{
+constexpr float FOREVER = std::numeric_limits<float>::infinity();
+constexpr int MOST_BOUNCES = 64;   // a guard: roulette ends nearly all paths before
+constexpr int LIGHT_SAMPLES = 4;   // at a vertex; one where paths count little
+constexpr float FADE_NEAR = 4;     // the floor fades between these
+constexpr float FADE_FAR = 18;     // distances from the origin
+constexpr float REGULAR = .6f;     // least roughness behind a vertex that scattered widely
+constexpr float WIDE_METAL = .35f; // what is rougher shows no edges, so that
+constexpr float WIDE_GLASS = .2f;  // its light is filtered like a diffuse surface's
+constexpr float GROUND = .35f;     // rougher glass blurs all behind it
+
+// The mean over directions that are spread evenly over the sphere along a spiral.
+vk_Colour meanOf(const vk_EnvironmentShader &environment)
+{
+    constexpr int COUNT = 256;
+    vk_Colour sum;
+    for (int i = 0; i < COUNT; ++i) {
+        const float up = 1 - (2 * static_cast<float>(i) + 1) / COUNT;
+        const float around = 2.39996323f * static_cast<float>(i); // the golden angle
+        const float side = std::sqrt(1 - up * up);
+        sum += environment.light({side * std::cos(around), up, side * std::sin(around)});
+    }
+    return sum * (1.0f / COUNT);
+}
+
+// Whether all that a surface shows is so blurred that it is filtered as a diffuse layer.
+bool blursAll(const vk_Material &material)
+{
+    const float least = material.isClear() ? WIDE_GLASS : WIDE_METAL;
+    return material.rough > least && material.brushed <= 0 && material.coat <= 0 &&
+           vk_largest(material.diffuse + material.sheen) <= 0;
+}
+
+// What the filter is told of the first vertex.
+void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
+{
+    vk_View &view = path.view();
+    view.albedo = material.diffuse + material.sheen;
+    if (material.reflects() && blursAll(material)) {
+        view.albedo = material.isClear() ? vk_grey(1) : material.specular + material.edge * .1f;
+        path.countAsDiffuse();
+    }
+    view.normal = hit.normal;
+    view.distance = hit.distance;
+    const bool isGround = material.isClear() && material.rough > GROUND;
+    view.blurred = isGround ? .5f : vk_largest(material.scatter) > 0 ? 1 : 0;
+}
+} // namespace
+
+// A path that has met a surface, and what the surface is made of there.
+struct vk_PathTracer::Vertex {
+    const vk_Hit &hit;
+    const vk_Material &material;
+};
+
+// The paths that are at a vertex now. They are put in order of their surfaces, and each
+// surface is asked once.
+class vk_PathTracer::Wave
+{
+public:
+    void add(const vk_Path &path, const vk_Hit &hit)
+    {
+        myPaths.push_back(path);
+        myHits.push_back(hit);
+    }
+    std::size_t size() const { return myPaths.size(); }
+    vk_Path &path(std::size_t i) { return myPaths[myOrder[i]]; }
+    Vertex vertex(std::size_t i) const { return {myHits[myOrder[i]], myMaterials[i]}; }
+
+    void shade()
+    {
+        sort();
+        myMaterials.resize(size());
+        for (std::size_t begin = 0, end = 0; begin < size(); begin = end) {
+            const vk_SurfaceShader *const surface = myHits[myOrder[begin]].surface;
+            while (end < size() && myHits[myOrder[end]].surface == surface)
+                ++end;
+            surface->shade(&myPoints[begin], &myMaterials[begin], end - begin);
+        }
+    }
+    void clear()
+    {
+        myPaths.clear();
+        myHits.clear();
+        myOrder.clear();
+        myPoints.clear();
+    }
+
+private:
+    // In the order of each surface's first hit: results must not depend on addresses.
+    void sort()
+    {
+        mySurfaces.clear();
+        for (const vk_Hit &hit : myHits)
+            if (std::find(mySurfaces.begin(), mySurfaces.end(), hit.surface) == mySurfaces.end())
+                mySurfaces.push_back(hit.surface);
+        for (const vk_SurfaceShader *const surface : mySurfaces)
+            for (std::size_t i = 0; i < size(); ++i)
+                if (myHits[i].surface == surface) {
+                    myOrder.push_back(i);
+                    myPoints.push_back(myHits[i].point);
+                }
+    }
+
+    std::vector<const vk_SurfaceShader *> mySurfaces;
+    std::vector<vk_Path> myPaths;
+    std::vector<vk_Hit> myHits;
+    std::vector<std::size_t> myOrder;
+    std::vector<vk_SurfacePoint> myPoints;
+    std::vector<vk_Material> myMaterials;
+};
+
+vk_PathTracer::vk_PathTracer(const vk_Scene &scene, const vk_World &world)
+    : myScene(scene), myWorld(world), myFog(scene.fog.get()), myDirectLight(scene, world, myFog),
+      myMeanSky(meanOf(*scene.environment))
+{
+}
+
+vk_View vk_PathTracer::Li(const vk_Vec &origin, const vk_Vec &direction,
+                          const vk_Sampler &sampler) const
+{
+    vk_View view;
+    std::vector<vk_Path> paths = {vk_Path(origin, direction, sampler, view)};
+    Li(paths);
+    return view;
+}
+
+void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
+{
+    Wave wave;
+    while (!paths.empty()) {
+        wave.clear();
+        for (vk_Path &path : paths) {
+            vk_Hit hit;
+            if (arrive(path, hit))
+                wave.add(path, hit);
+        }
+        wave.shade();
+        paths.clear();
+        for (std::size_t i = 0; i < wave.size(); ++i)
+            leave(wave.vertex(i), wave.path(i), paths);
+    }
+}
+
+// To the next vertex: takes in the light on the way, and the environment's where there is
+// no vertex.
+bool vk_PathTracer::arrive(vk_Path &path, vk_Hit &hit) const
+{
+    ++(path.isCameraRay() ? vk_myRays.camera : vk_myRays.scattered);
+    const bool met = myWorld.intersect(path.origin(), path.direction(), hit);
+    const float distance = met ? hit.distance : FOREVER;
+    if (path.nextEvent().bsdfPdf > 0)
+        path.add(myDirectLight.met(path.origin(), path.direction(), distance, path.nextEvent()));
+    crossFog(path, distance);
+    if (!met) {
+        if (path.isCameraRay()) {
+            // Neighbours help all the same: fog may lie in front.
+            path.view().normal = -path.direction();
+            path.view().distance = vk_View::NOWHERE;
+        }
+        path.add(environment(path, path.direction()));
+        return false;
+    }
+    if (hit.isFloor)
+        fadeFloor(path, hit);
+    return true;
+}
+
+// From a vertex: takes in its light, and sends the path on, or several.
+void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, std::vector<vk_Path> &onwards) const
+{
+    const vk_Hit &hit = vertex.hit;
+    vk_Material material = vertex.material;
+    if (path.isCameraRay())
+        describe(hit, material, path);
+    path.add(material.emission);
+    if (!material.reflects() || path.bounces() == MOST_BOUNCES)
+        return;
+    if (material.isClear() && hit.inside)
+        path.attenuate(material.absorbed(hit.distance));
+    if (material.isClear() && path.isWide()) {
+        lookThrough(hit, material, path);
+        if (survives(path))
+            onwards.push_back(path);
+        return;
+    }
+    if (path.isWide())
+        material.rough = std::max(material.rough, REGULAR);
+    if (path.isCameraRay() && vk_largest(material.scatter) > 0)
+        scatterBelow(hit, material, path.fork(2), onwards);
+
+    // A smooth normal may face away from the viewer at a silhouette.
+    const vk_Vec out = -path.direction();
+    const vk_Vec &normal = vk_dot(hit.normal, out) > 0 ? hit.normal : hit.facet;
+    const vk_Vec along = material.brushed > 0 ? myWorld.along(hit) : vk_Vec{};
+    const bool splits = material.isSmoothGlass() ? path.dielectricBounces() < 2 && !path.isWide()
+                                                 : path.isCameraRay() && !material.isClear();
+    const vk_Bsdf bsdf(material, normal, out, splits, along, hit.inside);
+    scatter(hit, bsdf, path, onwards);
+}
+
+// Next-event estimation, and a ray that the BSDF draws, or one for each of its two parts.
+void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &path,
+                            std::vector<vk_Path> &onwards) const
+{
+    const vk_NextEvent throughGlass = myDirectLight.throughGlass(path.nextEvent(), hit.distance);
+    vk_NextEvent vertex;
+    if (!bsdf.isSmoothGlass()) {
+        const bool leavesGlass = bsdf.isGlass() && hit.inside;
+        const bool countsLittle = path.isWide() || path.isFaint();
+        const int samples = countsLittle ? 1 : LIGHT_SAMPLES;
+        vertex = myDirectLight.atVertex(bsdf, samples, leavesGlass ? throughGlass : vk_NextEvent{});
+        path.add(myDirectLight.scattered(hit, bsdf, vertex, path.isWide(), path.sampler()));
+    }
+    for (int round = 0; round < bsdf.rounds(); ++round) {
+        vk_Path next = round == 0 ? path : path.fork(1);
+        const float choice = bsdf.isGlass() ? next.sampler().number() : 0;
+        const vk_Vec direction = bsdf.sample(next.sampler().square(), round, choice);
+        if (next.scatter(hit, bsdf, direction, vertex, throughGlass) && survives(next))
+            onwards.push_back(next);
+    }
+}
+
+// Paths that count little end by chance. Not those that may meet a light, which is so much
+// brighter than all else; and most others find what the environment shows.
+bool vk_PathTracer::survives(vk_Path &path) const
+{
+    if (!path.isFaint() || myDirectLight.isAhead(path.origin(), path.direction()))
+        return true;
+    return path.survivesRoulette(myScene.environment->light(path.direction()));
+}
+
+// Follows what comes out at a hit of light that is scattered below the surface, and takes
+// the base, which this stands for, out of the material.
+void vk_PathTracer::scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Path path,
+                                 std::vector<vk_Path> &onwards) const
+{
+    constexpr float LEAST = 1e-3f;
+
+    const vk_Vec scatter = {std::max(material.scatter.x, LEAST),
+                            std::max(material.scatter.y, LEAST),
+                            std::max(material.scatter.z, LEAST)};
+    const vk_Colour reflectance =
+        vk_schlick(material.specular, material.edge, -vk_dot(hit.normal, path.direction()));
+    const vk_Colour albedo = material.diffuse * (vk_grey(1) - reflectance);
+    material.diffuse = {};
+    vk_Hit entry;
+    vk_Colour weight;
+    if (!vk_sampleEntry(myWorld, hit, scatter, path.sampler(), entry, weight))
+        return;
+    path.moveBelowSurface(entry, albedo * weight);
+    vk_Material white;
+    white.diffuse = vk_grey(1);
+    this->scatter(entry, vk_Bsdf(white, entry.normal, entry.normal, false), path, onwards);
+}
+
+// On behind glass as if it were not there, or, as often as glass does, back from its surface.
+void vk_PathTracer::lookThrough(const vk_Hit &hit, const vk_Material &material, vk_Path &path) const
+{
+    const float cosine = std::abs(vk_dot(hit.normal, path.direction()));
+    const float passed = vk_luminance(material.passesStraight(cosine)) /
+                         std::max(vk_luminance(material.clear), 1e-6f);
+    if (path.sampler().number() < passed) {
+        path.attenuate(material.clear);
+        path.passStraight(hit, myDirectLight.throughGlass(path.nextEvent(), hit.distance));
+    } else {
+        path.reflect(hit);
+    }
+}
+
+// What is seen in a direction where nothing is met.
+vk_Colour vk_PathTracer::environment(const vk_Path &path, const vk_Vec &direction) const
+{
+    if (path.isCameraRay() && !myScene.showsEnvironment)
+        return myScene.backdrop;
+    return myScene.environment->light(direction);
+}
+
+// Far away the floor gives way to the horizon.
+void vk_PathTracer::fadeFloor(vk_Path &path, const vk_Hit &hit) const
+{
+    const vk_Vec &at = hit.position;
+    const float far2 = at.x * at.x + at.z * at.z;
+    if (far2 <= FADE_NEAR * FADE_NEAR)
+        return;
+    const float faded = vk_smoothStep(FADE_NEAR, FADE_FAR, std::sqrt(far2));
+    const vk_Vec level = vk_normalize({path.direction().x, 0, path.direction().z});
+    path.add(environment(path, level) * faded);
+    path.attenuate(1 - faded);
+}
+
+void vk_PathTracer::crossFog(vk_Path &path, float distance) const
+{
+    if (myFog.isClear())
+        return;
+    const float lost = 1 - myFog.passes(path.origin(), path.direction(), distance);
+    if (lost <= 0)
+        return;
+    vk_Colour light = myMeanSky * lost;
+    if (path.isCameraRay())
+        light +=
+            myDirectLight.inScattered(path.origin(), path.direction(), distance, path.sampler());
+    path.add(myFog.albedo() * light);
+    path.attenuate(1 - lost);
+}
