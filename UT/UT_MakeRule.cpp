@@ -1,5 +1,9 @@
 #include "UT/UT_MakeRule.h"
 
+#include "UT/UT_Environment.h"
+
+#include <cstdio>
+
 namespace
 {
 constexpr size_t LINE_LENGTH = 72;
@@ -37,4 +41,19 @@ std::string UTmakeRule(const std::string &targets, const std::vector<std::string
         column += 1 + name.size();
     }
     return rule + '\n';
+}
+
+bool UTaddPictureRule(const std::string &picture, const std::vector<std::string> &files,
+                      std::string &error)
+{
+    const char *const name = UTgetenv("VELDRIN_THUMB_DEPFILE");
+    if (name == nullptr || *name == '\0')
+        return true;
+    const std::string rule = UTmakeRule(UTquoteForMake(picture), files);
+    std::FILE *const out = std::fopen(name, "ae");
+    const bool isGood = out != nullptr && std::fputs(rule.c_str(), out) >= 0;
+    if (out != nullptr && std::fclose(out) == 0 && isGood)
+        return true;
+    error = "Unable to write " + std::string(name);
+    return false;
 }

@@ -253,6 +253,8 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         for name in known:
             shutil.copy(os.path.join(EXAMPLES, name + ".palette"), folder)
+        for source in glob.glob(os.path.join(EXAMPLES, "*.osl")):
+            shutil.copy(source, folder)
         for name in arguments.only or MEASUREMENTS:
             print("%-39s %9s %8s" % (name, "must", "aim"))
             MEASUREMENTS[name](arguments.examples or known, arguments.runs, folder)

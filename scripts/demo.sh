@@ -15,7 +15,7 @@ mkdir -p build/demo
 for old in build/demo/*.palette; do
     [ -e "examples/${old##*/}" ] || rm -f "$old" "${old%.palette}.jpg"
 done
-cp -p examples/*.palette build/demo/
+cp -p examples/*.palette examples/*.osl build/demo/
 cd build/demo
 
 failed=0

@@ -18,4 +18,6 @@ render() {
 }
 export -f render
 
+cp examples/*.osl "$folder"
 printf '%s\0' examples/*.palette | xargs -0 -P "$(nproc)" -I{} bash -c 'render {}'
+rm "$folder"/*.osl

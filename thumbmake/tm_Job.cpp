@@ -160,15 +160,35 @@ private:
         setenv("VELDRIN_THUMB_DEPFILE", depfile.c_str(), 1);
     }
 
-    // Under the stamp's name, which ninja expects.
+    // One rule under the stamp's name, which ninja expects, of those that thumbrender and
+    // the renderer left. False when there was none.
     bool readRule(const std::string &depfile)
     {
         std::string text;
-        const size_t colon = tm_readFile(depfile, text) ? text.find(": ") : text.npos;
-        myRule = UTquoteForMake(myItem.stamp) + (colon == text.npos ? ":\n" : text.substr(colon));
+        static_cast<void>(tm_readFile(depfile, text));
+        bool isThere = false;
+        myRule = UTquoteForMake(myItem.stamp) + ":";
+        for (size_t begin = 0; begin < text.size();) {
+            const size_t end = endOfRule(text, begin), colon = text.find(": ", begin);
+            if (colon < end) {
+                myRule += text.substr(colon + 1, end - colon - 1);
+                isThere = true;
+            }
+            begin = end + 1;
+        }
+        myRule += '\n';
         std::error_code ignored;
         fs::remove(depfile, ignored);
-        return colon != text.npos;
+        return isThere;
+    }
+
+    // The newline that no backslash takes away.
+    static size_t endOfRule(const std::string &text, size_t begin)
+    {
+        size_t end = text.find('\n', begin);
+        while (end != text.npos && end > begin && text[end - 1] == '\\')
+            end = text.find('\n', end + 1);
+        return std::min(end, text.size());
     }
 
     const tm_Item &myItem;

@@ -2,7 +2,6 @@
 
 #include "CPP/CPP_Manager.h"
 #include "UT/UT_EnvControl.h"
-#include "UT/UT_Environment.h"
 #include "UT/UT_MakeRule.h"
 #include "UT/UT_PathSearch.h"
 #include "UT/UT_StringList.h"
@@ -114,21 +113,15 @@ void runRenderer(const ThumbRenderer &row, CPP_Manager &preprocessor)
         reportError("Renderer '%s' stopped before it read the whole scene", row.myCommand);
 }
 
-// For a caller that makes pictures again when what they were made of changes.
 void writeDependencies(const CPP_Manager &preprocessor, const char *pictureName)
 {
-    const char *const name = UTgetenv("VELDRIN_THUMB_DEPFILE");
-    if (name == nullptr || *name == '\0')
-        return;
     const UT_StringList &opened = preprocessor.getOpenedFiles();
     std::vector<std::string> files;
     for (int i = 0; i < opened.entries(); ++i)
         files.emplace_back(opened(i));
-    const std::string rule = UTmakeRule(UTquoteForMake(pictureName), files);
-    FILE *const out = fopen(name, "ae");
-    const bool good = out != nullptr && fputs(rule.c_str(), out) >= 0;
-    if (out == nullptr || fclose(out) != 0 || !good)
-        reportError("Unable to write %s", name);
+    std::string error;
+    if (!UTaddPictureRule(pictureName, files, error))
+        reportError("%s", error.c_str());
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // vaskel: draws the scene of a file or of standard input.
+#include "UT/UT_MakeRule.h"
 #include "UT/UT_Process.h"
 #include "vaskel/file/vk_Picture.h"
 #include "vaskel/file/vk_SafeFile.h"
@@ -128,6 +129,8 @@ int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
         return fail(file.error());
     if (!vk_render(scene, settingsOf(options, stats), film, error))
         return fail(error);
+    if (scene.osl != nullptr && scene.osl->isStopped())
+        return fail("a shader was stopped");
     const double start = vk_seconds();
     if (!vk_encode(film, encoded, scene.comment, bytes, error))
         return fail(error);
@@ -170,6 +173,9 @@ int readAndDraw(const vk_Options &options)
             std::to_string(vk_Scene::MOST_WORK) +
             " in a scene from standard input; --limit or VELDRIN_VASKEL_OPTIONS lifts that");
     const int status = draw(scene, options, stats);
+    std::string error;
+    if (scene.osl != nullptr && !UTaddPictureRule(scene.picture, scene.osl->opened(), error))
+        return fail(error);
     if (options.stats && status == 0)
         std::fputs(stats.text().c_str(), stderr);
     return status;

@@ -33,7 +33,7 @@ def mutated(text, chance):
 
 def seeds():
     folder = os.path.join(ROOT, "examples")
-    for name in sorted(os.listdir(folder)):
+    for name in sorted(n for n in os.listdir(folder) if n.endswith(".palette")):
         with open(os.path.join(folder, name), "rb") as palette:
             text = palette.read()
         if b"BeginIfdExtra\n" not in text:

@@ -15,7 +15,7 @@
 // not there.
 #pragma once
 
-#include "vaskel/base/vk_Vec.h"
+#include "vaskel/base/vk_Transform.h"
 
 struct vk_Material {
     vk_Colour emission; // radiance
@@ -57,6 +57,16 @@ struct vk_Material {
 struct vk_SurfacePoint {
     vk_Vec position; // in the shape's own space, before its transforms
     float u = 0, v = 0;
+
+    // What only shaders know that say so (vk_SurfaceShader::usesGeometry), in the scene's
+    // space. Normals are to the ray's side.
+    vk_Vec place = {};
+    vk_Vec normal = {0, 0, 1}, facet = {0, 0, 1};
+    vk_Vec incoming = {0, 0, -1};          // the ray's direction
+    vk_Vec dPdu = {}, dPdv = {};           // 0 where u and v do not tell
+    float footprint = 0;                   // width of a pixel there
+    const vk_Transform *toShape = nullptr; // null: the shape's space is the scene's
+    bool isBack = false;                   // the ray met the back of a shape
 };
 
 // The width of the distribution of microfacets: the square of the roughness

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "vaskel/lights/vk_LightShaders.h"
+#include "vaskel/osl/vk_OslLibrary.h"
 #include "vaskel/shaders/vk_EnvironmentShaders.h"
 #include "vaskel/shaders/vk_FogShaders.h"
 #include "vaskel/shaders/vk_ShadowShaders.h"
@@ -61,6 +62,7 @@ struct vk_Scene {
     std::unique_ptr<vk_ShadowShader> shadow;
     std::unique_ptr<vk_FogShader> fog; // null: clear air
 
+    std::shared_ptr<vk_OslLibrary> osl; // null: no shaders of its own
     std::vector<std::unique_ptr<vk_Light>> lights;
     std::vector<vk_ShapeEntry> shapes;
 

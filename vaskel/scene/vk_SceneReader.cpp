@@ -2,6 +2,10 @@
 
 #include "UT/UT_Process.h"
 #include "vaskel/file/vk_Picture.h"
+#include "vaskel/osl/vk_OslDisplace.h"
+#include "vaskel/osl/vk_OslFog.h"
+#include "vaskel/osl/vk_OslLight.h"
+#include "vaskel/osl/vk_OslSurface.h"
 #include "vaskel/scene/vk_Line.h"
 
 #include <cerrno>
@@ -59,6 +63,8 @@ const vk_SceneReader::Statement vk_SceneReader::STATEMENTS[] = {
     {"grid", "PARAMETERS", &vk_SceneReader::doShape, "a sheet"},
     {"tube", "PARAMETERS", &vk_SceneReader::doShape, "an open cylinder"},
     {"teapot", "PARAMETERS", &vk_SceneReader::doShape, "the teapot"},
+    {"source", "NAME.osl", &vk_SceneReader::doSource, "begins the source of a shader"},
+    {"endsource", "nothing", &vk_SceneReader::doEndSource, "ends it"},
     {"default", "STATEMENT", &vk_SceneReader::doDefault, "counts if its word is new"},
     {"end", "nothing", &vk_SceneReader::doEnd, "the last one of every scene"},
 };
@@ -115,6 +121,10 @@ void vk_SceneReader::takeLine()
 {
     if (myEnded) {
         checkBehindEnd();
+        return;
+    }
+    if (!mySourceName.empty()) {
+        takeSourceLine();
         return;
     }
     if (!vk_splitLine(myLine, myWords, myError) && !takesLine()) {
@@ -174,6 +184,11 @@ std::vector<std::string> vk_SceneReader::messages() const
 // A scene that was cut off, by a writer that died say, must not pass for a whole one.
 void vk_SceneReader::checkWhole()
 {
+    if (!mySourceName.empty()) {
+        report("expected the statement 'endsource' behind the source of " +
+               vk_quoted(mySourceName) + ", found the end of the text");
+        return;
+    }
     if (!myEnded) {
         report("expected the statement 'end' as the last one, found the end of the text");
         return;
@@ -182,6 +197,24 @@ void vk_SceneReader::checkWhole()
         report("expected a statement 'picture NAME' before the end");
     if (!myScene->hasCamera)
         report("expected a statement 'camera PARAMETERS' before the end");
+    if (myMessages.empty())
+        loadShaders();
+}
+
+void vk_SceneReader::loadShaders()
+{
+    if (myOsl == nullptr)
+        return;
+    myScene->osl = myOsl;
+    myOsl->open(*myScene);
+    for (const Bound &bound : myBound) {
+        std::vector<std::string> messages;
+        if (bound.binding->load(messages))
+            continue;
+        myLineNumber = bound.line;
+        for (const std::string &message : messages)
+            report(message);
+    }
 }
 
 void vk_SceneReader::checkBehindEnd()
@@ -308,6 +341,24 @@ bool vk_SceneReader::doShader(const vk_ShaderTable<Type> &table, Pointer &shader
     return true;
 }
 
+bool vk_SceneReader::isOsl() const
+{
+    return myWords.size() > 1 && vk_OslBinding::isName(myWords[1]);
+}
+
+// Everything but the statement's word; it is loaded at the end of the scene.
+std::shared_ptr<const vk_OslBinding> vk_SceneReader::bindOsl(const vk_OslTargets &targets,
+                                                             std::shared_ptr<vk_Parametrised> own)
+{
+    if (myOsl == nullptr)
+        myOsl = std::make_shared<vk_OslLibrary>();
+    vk_Words words(myWords.begin() + 1, myWords.end());
+    words[0] = vk_shaderName(words[0]);
+    const auto binding = std::make_shared<vk_OslBinding>(myOsl, words, targets, std::move(own));
+    myBound.push_back({myLineNumber, binding});
+    return binding;
+}
+
 bool vk_SceneReader::doEnvironment()
 {
     return doShader(VK_ENVIRONMENT_SHADERS, myScene->environment);
@@ -315,7 +366,10 @@ bool vk_SceneReader::doEnvironment()
 
 bool vk_SceneReader::doFloor()
 {
-    return doShader(VK_SURFACE_SHADERS, myScene->floor);
+    if (!isOsl())
+        return doShader(VK_SURFACE_SHADERS, myScene->floor);
+    myScene->floor = std::make_unique<vk_OslSurface>(bindOsl(vk_OslSurface::TARGETS));
+    return true;
 }
 bool vk_SceneReader::doShadow()
 {
@@ -323,15 +377,25 @@ bool vk_SceneReader::doShadow()
 }
 bool vk_SceneReader::doFog()
 {
-    return doShader(VK_FOG_SHADERS, myScene->fog);
+    if (!isOsl())
+        return doShader(VK_FOG_SHADERS, myScene->fog);
+    const auto params = std::make_shared<vk_OslFogParams>();
+    myScene->fog = std::make_unique<vk_OslFog>(bindOsl(vk_OslFog::TARGETS, params), params);
+    return true;
 }
 bool vk_SceneReader::doSurface()
 {
-    return doShader(VK_SURFACE_SHADERS, myState.surface);
+    if (!isOsl())
+        return doShader(VK_SURFACE_SHADERS, myState.surface);
+    myState.surface = std::make_shared<vk_OslSurface>(bindOsl(vk_OslSurface::TARGETS));
+    return true;
 }
 bool vk_SceneReader::doDisplace()
 {
-    return doShader(VK_DISPLACE_SHADERS, myState.displace);
+    if (!isOsl())
+        return doShader(VK_DISPLACE_SHADERS, myState.displace);
+    myState.displace = std::make_shared<vk_OslDisplace>(bindOsl(vk_OslDisplace::TARGETS));
+    return true;
 }
 
 bool vk_SceneReader::doLightPlace()
@@ -350,13 +414,19 @@ bool vk_SceneReader::doLight()
         myWords.insert(myWords.begin() + 2, myState.lightPlace.begin(), myState.lightPlace.end());
     else
         myWords.insert(myWords.end(), myState.lightPlace.begin(), myState.lightPlace.end());
+    if (myScene->lights.size() == vk_Scene::MOST_LIGHTS)
+        return wrong("expected at most " + std::to_string(vk_Scene::MOST_LIGHTS) + " lights");
+    if (isOsl()) {
+        const auto params = vk_OslLight::makeParameters();
+        myScene->lights.push_back(
+            std::make_unique<vk_OslLight>(bindOsl(vk_OslLight::TARGETS, params), params));
+        return true;
+    }
     std::unique_ptr<vk_LightShader> light;
     if (!doShader(VK_LIGHT_SHADERS, light))
         return false;
     if (vk_length(light->to - light->from) < 1e-3f)
         return wrong("light expected 'from' and 'to' to be apart");
-    if (myScene->lights.size() == vk_Scene::MOST_LIGHTS)
-        return wrong("expected at most " + std::to_string(vk_Scene::MOST_LIGHTS) + " lights");
     myScene->lights.push_back(light->make());
     return true;
 }
@@ -423,11 +493,46 @@ bool vk_SceneReader::doShape()
     return true;
 }
 
+bool vk_SceneReader::doSource()
+{
+    if (myWords.size() != 2 || !vk_OslBinding::isName(myWords[1]))
+        return wrong("source expected a name that ends in .osl" +
+                     (myWords.size() > 1 ? ", found " + vk_quoted(myWords[1]) : ""));
+    mySourceName = myWords[1];
+    mySource.clear();
+    return true;
+}
+
+bool vk_SceneReader::doEndSource()
+{
+    return wrong("expected a statement 'source NAME.osl' before endsource");
+}
+
+// A line within a source, which counts as it stands.
+void vk_SceneReader::takeSourceLine()
+{
+    vk_Words words;
+    std::string ignored;
+    static_cast<void>(vk_splitLine(myLine, words, ignored));
+    mySourceSize += myLine.size() + 1;
+    if (words.size() != 1 || words[0] != "endsource") {
+        if (mySourceSize <= LONGEST_SOURCE)
+            mySource += myLine + "\n";
+        return;
+    }
+    if (mySourceSize > LONGEST_SOURCE)
+        report("expected sources of at most 4 MB together");
+    if (myOsl == nullptr)
+        myOsl = std::make_shared<vk_OslLibrary>();
+    myOsl->addSource(mySourceName, mySource);
+    mySourceName.clear();
+}
+
 bool vk_SceneReader::doDefault()
 {
     myLine.erase(0, myLine.find("default") + 7);
     myWords.erase(myWords.begin());
-    if (myWords.empty() || myWords[0] == "default")
+    if (myWords.empty() || myWords[0] == "default" || myWords[0] == "source")
         return wrong("default expected a statement behind it");
     if (mySeen.count(myWords[0]) == 0)
         return obey();

@@ -10,6 +10,7 @@
 // like another scene.
 #pragma once
 
+#include "vaskel/osl/vk_OslBinding.h"
 #include "vaskel/scene/vk_Scene.h"
 
 #include <cstdio>
@@ -37,6 +38,7 @@ public:
 private:
     static constexpr std::size_t MOST_MESSAGES = 10;
     static constexpr std::size_t LONGEST_LINE = 1000000;
+    static constexpr std::size_t LONGEST_SOURCE = 4 << 20; // of shaders, all together
 
     // A statement's function finds the line in myLine and its words in myWords.
     // It gives false, and myError says why, when something is wrong.
@@ -66,6 +68,12 @@ private:
     template <class Type, class Pointer>
     bool doShader(const vk_ShaderTable<Type> &table, Pointer &shader);
 
+    bool isOsl() const;
+    std::shared_ptr<const vk_OslBinding> bindOsl(const vk_OslTargets &targets,
+                                                 std::shared_ptr<vk_Parametrised> own = nullptr);
+    void takeSourceLine();
+    void loadShaders();
+
     bool doPicture();
     bool doComment();
     bool doSize();
@@ -86,6 +94,8 @@ private:
     bool doScale();
     bool doIdentity();
     bool doShape();
+    bool doSource();
+    bool doEndSource();
     bool doDefault();
     bool doEnd();
 
@@ -100,4 +110,16 @@ private:
     std::set<std::string> mySeen;        // words of statements used without `default`
     bool myEnded = false;
     State myState;
+
+    // Shaders of the scene's own are loaded at the end, when the picture's name tells where
+    // they may lie.
+    struct Bound {
+        int line;
+        std::shared_ptr<vk_OslBinding> binding;
+    };
+    std::shared_ptr<vk_OslLibrary> myOsl;
+    std::vector<Bound> myBound;
+    std::string mySourceName; // of the source that is being read, or ""
+    std::string mySource;
+    std::size_t mySourceSize = 0; // of all
 };

@@ -14,6 +14,13 @@ class vk_DisplaceShader : public vk_Parametrised
 public:
     using Type = vk_DisplaceShader;
     virtual float displace(const vk_SurfacePoint &point) const = 0;
+
+    // Where points go, so many at once. A shader may move them to any side.
+    virtual void move(const vk_SurfacePoint *points, vk_Vec *moved, std::size_t count) const
+    {
+        for (std::size_t i = 0; i < count; ++i)
+            moved[i] = points[i].position + points[i].normal * displace(points[i]);
+    }
 };
 
 extern const vk_ShaderTable<vk_DisplaceShader> VK_DISPLACE_SHADERS;

@@ -16,6 +16,12 @@ public:
     virtual void shade(const vk_SurfacePoint *points, vk_Material *materials,
                        std::size_t count) const = 0;
 
+    // Whether it looks at more of a point than its position, u and v.
+    virtual bool usesGeometry() const { return false; }
+
+    // Whether light may pass it, as it passes glass.
+    virtual bool mayBeClear() const { return shade(vk_SurfacePoint()).isClear(); }
+
     vk_Material shade(const vk_SurfacePoint &point) const
     {
         vk_Material material;

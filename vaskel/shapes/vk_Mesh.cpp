@@ -14,17 +14,49 @@ vk_Vec normalAmong(const vk_Vec &along, const vk_Vec &up, const vk_Vec &before)
         return before;
     return vk_normalize(vk_dot(normal, before) < 0 ? -normal : normal);
 }
+
+// How the place changes from one vertex to another with a coordinate that differs so much.
+vk_Vec slopeBetween(const vk_Vertex &a, const vk_Vertex &b, float difference)
+{
+    return difference != 0 ? (b.position - a.position) * (1 / difference) : vk_Vec{};
+}
+
+// A vertex of a net as a displacement is told of it.
+vk_SurfacePoint pointOf(const std::vector<vk_Vertex> &net, std::size_t width, std::size_t i)
+{
+    const std::size_t column = i % width, last = net.size() - 1;
+    const vk_Vertex &vertex = net[i];
+    const vk_Vertex &left = net[column > 0 ? i - 1 : i];
+    const vk_Vertex &right = net[column + 1 < width ? i + 1 : i];
+    const vk_Vertex &below = net[i >= width ? i - width : i];
+    const vk_Vertex &above = net[i + width <= last ? i + width : i];
+    vk_SurfacePoint point;
+    point.position = point.place = vertex.position;
+    point.u = vertex.u;
+    point.v = vertex.v;
+    point.normal = point.facet = vertex.normal;
+    point.incoming = -vertex.normal;
+    point.dPdu = slopeBetween(left, right, right.u - left.u);
+    point.dPdv = slopeBetween(below, above, above.v - below.v);
+    point.footprint = vk_length(right.position - left.position) / 2;
+    return point;
+}
 } // namespace
 
 // Moves the vertices of a net and drops its outermost ones, which have only been
 // there for the normals of their neighbours.
 void vk_MeshBuilder::displace(std::vector<vk_Vertex> &net, std::size_t width) const
 {
+    constexpr std::size_t BLOCK = 64; // vertices that are moved together
+
     std::vector<vk_Vec> moved(net.size());
-    tbb::parallel_for(std::size_t{0}, net.size(), [&](std::size_t i) {
-        const vk_Vertex &vertex = net[i];
-        const float height = myDisplace->displace({vertex.position, vertex.u, vertex.v});
-        moved[i] = vertex.position + vertex.normal * height;
+    const std::size_t blocks = (net.size() + BLOCK - 1) / BLOCK;
+    tbb::parallel_for(std::size_t{0}, blocks, [&](std::size_t block) {
+        const std::size_t first = block * BLOCK, count = std::min(BLOCK, net.size() - first);
+        vk_SurfacePoint points[BLOCK];
+        for (std::size_t i = 0; i < count; ++i)
+            points[i] = pointOf(net, width, first + i);
+        myDisplace->move(points, &moved[first], count);
     });
     std::size_t kept = 0; // so far; those that are still needed lie behind
     for (std::size_t i = width; i + width < net.size(); ++i) {

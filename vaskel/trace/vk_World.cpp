@@ -27,6 +27,21 @@ struct vk_World::Shape {
     vk_Mesh mesh;
     vk_Transform toShape;
     const vk_SurfaceShader *surface;
+
+    // How a triangle's place depends on u and v; 0 where they do not change on it.
+    void slopes(unsigned triangle, vk_Vec &dPdu, vk_Vec &dPdv) const
+    {
+        const auto &corners = mesh.triangles[triangle];
+        const vk_Vertex &a = mesh.vertices[corners[0]];
+        const vk_Vertex &b = mesh.vertices[corners[1]];
+        const vk_Vertex &c = mesh.vertices[corners[2]];
+        const vk_Vec ab = b.position - a.position, ac = c.position - a.position;
+        const float u1 = b.u - a.u, v1 = b.v - a.v, u2 = c.u - a.u, v2 = c.v - a.v;
+        const float area = u1 * v2 - u2 * v1;
+        const float inverse = area != 0 ? 1 / area : 0;
+        dPdu = (ab * v2 - ac * v1) * inverse;
+        dPdv = (ac * u1 - ab * u2) * inverse;
+    }
 };
 
 struct vk_World::Embree {
@@ -102,7 +117,7 @@ vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_u
         myEmbree->attach(myShapes.back()->mesh);
     }
     for (const auto &shape : myShapes)
-        myHasGlass = myHasGlass || shape->surface->shade(vk_SurfacePoint()).isClear();
+        myHasGlass = myHasGlass || shape->surface->mayBeClear();
     if (myEmbree->scene != nullptr)
         myEmbree->build();
     encloseShapes();
@@ -241,7 +256,31 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
         hit.facet = -hit.facet;
         hit.normal = -hit.normal;
     }
+    if (hit.surface->usesGeometry())
+        describeGeometry(direction, hit);
     return true;
+}
+
+// For shaders that look at more of a point than its place.
+void vk_World::describeGeometry(const vk_Vec &direction, vk_Hit &hit) const
+{
+    const vk_Camera &camera = myScene.camera;
+    const float pixel = 2 * std::tan(camera.fov * VK_PI / 360) /
+                        static_cast<float>(std::min(myScene.width, myScene.height));
+    vk_SurfacePoint &point = hit.point;
+    point.place = hit.position;
+    point.normal = hit.normal;
+    point.facet = hit.facet;
+    point.incoming = direction;
+    point.footprint = pixel * vk_length(hit.position - camera.from);
+    point.isBack = hit.inside;
+    point.dPdu = {1, 0, 0};
+    point.dPdv = {0, 0, 1};
+    if (!hit.isFloor) {
+        const Shape &shape = *myShapes[hit.shape];
+        point.toShape = &shape.toShape;
+        shape.slopes(hit.triangle, point.dPdu, point.dPdv);
+    }
 }
 
 bool vk_World::occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const

@@ -57,6 +57,7 @@ private:
     bool meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const;
     bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const;
     void encloseShapes();
+    void describeGeometry(const vk_Vec &direction, vk_Hit &hit) const;
     void describeShape(unsigned geometry, unsigned triangle, float u, float v, vk_Hit &hit) const;
 
     const vk_Scene &myScene;

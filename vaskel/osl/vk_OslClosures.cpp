@@ -1,0 +1,339 @@
+#include "vaskel/osl/vk_OslClosures.h"
+
+#include "vaskel/scatter/vk_Microfacet.h"
+
+namespace
+{
+constexpr int MOST_LAYERS = 8; // of closures inside closures
+constexpr float AIR = 1.003f;  // glass needs an index of refraction other than 1
+constexpr float LEAST = 1e-6f;
+
+vk_Colour colourOf(const osl_Colour &c)
+{
+    return {c.x, c.y, c.z};
+}
+
+vk_Colour colourOf(const OSL_ClosureComponent &component, const char *name, const vk_Colour &other)
+{
+    const float *const found = component.floats(name);
+    return found == nullptr ? other : vk_Colour{found[0], found[1], found[2]};
+}
+
+float numberOf(const OSL_ClosureComponent &component, const char *name, float other)
+{
+    const float *const found = component.floats(name);
+    return found == nullptr ? other : found[0];
+}
+
+vk_Colour clamped(const vk_Colour &c)
+{
+    const auto of = [](float x) { return x > 0 ? std::min(x, 1.0f) : 0; };
+    return {of(c.x), of(c.y), of(c.z)};
+}
+
+vk_Colour notNegative(const vk_Colour &c)
+{
+    return {std::max(c.x, 0.0f), std::max(c.y, 0.0f), std::max(c.z, 0.0f)};
+}
+
+// Widths of a lobe along and across, perceptual. A closure tells one of several things.
+struct Widths {
+    float along, across;
+};
+
+Widths widthsOf(const OSL_ClosureComponent &c)
+{
+    static const struct {
+        const char *along, *across;
+        bool isAlpha; // the width of the distribution, the square of the roughness
+    } NAMES[] = {
+        {"xalpha", "yalpha", true},
+        {"xrough", "yrough", true},
+        {"roughness_x", "roughness_y", false},
+        {"alpha", "alpha", true},
+        {"roughness", "roughness", false},
+    };
+    for (const auto &row : NAMES) {
+        if (c.floats(row.along) == nullptr)
+            continue;
+        const Widths w = {std::clamp(*c.floats(row.along), 0.0f, 1.0f),
+                          std::clamp(*c.floats(row.across), 0.0f, 1.0f)};
+        return row.isAlpha ? Widths{std::sqrt(w.along), std::sqrt(w.across)} : w;
+    }
+    if (c.floats("exponent") == nullptr)
+        return {0, 0};
+    // The lobe of Blinn and Phong that is as wide.
+    const float exponent = std::max(*c.floats("exponent"), 0.0f);
+    const float rough = std::pow(2 / (exponent + 2), .25f);
+    return {rough, rough};
+}
+
+// How much is reflected straight on by a metal of complex index n + ik.
+float reflectanceOfMetal(float n, float k)
+{
+    const float k2 = k * k;
+    return ((n - 1) * (n - 1) + k2) / std::max((n + 1) * (n + 1) + k2, LEAST);
+}
+} // namespace
+
+const vk_OslClosures::Row vk_OslClosures::ROWS[] = {
+    {"diffuse", &vk_OslClosures::addDiffuse},
+    {"oren_nayar", &vk_OslClosures::addDiffuse},
+    {"oren_nayar_diffuse_bsdf", &vk_OslClosures::addDiffuse},
+    {"burley", &vk_OslClosures::addDiffuse},
+    {"burley_diffuse_bsdf", &vk_OslClosures::addDiffuse},
+    {"translucent", &vk_OslClosures::addDiffuse},
+    {"translucent_bsdf", &vk_OslClosures::addDiffuse},
+    {"hair_diffuse", &vk_OslClosures::addDiffuse},
+    {"subsurface", &vk_OslClosures::addSubsurface},
+    {"subsurface_bssrdf", &vk_OslClosures::addSubsurface},
+    {"bssrdf_cubic", &vk_OslClosures::addSubsurface},
+    {"bssrdf_gaussian", &vk_OslClosures::addSubsurface},
+    {"reflection", &vk_OslClosures::addMirror},
+    {"phong", &vk_OslClosures::addMirror},
+    {"ward", &vk_OslClosures::addMirror},
+    {"ashikhmin_shirley", &vk_OslClosures::addMirror},
+    {"hair_specular", &vk_OslClosures::addMirror},
+    {"microfacet", &vk_OslClosures::addMicrofacet},
+    {"microfacet_ggx", &vk_OslClosures::addMirror},
+    {"microfacet_ggx_aniso", &vk_OslClosures::addMirror},
+    {"microfacet_beckmann", &vk_OslClosures::addMirror},
+    {"microfacet_beckmann_aniso", &vk_OslClosures::addMirror},
+    {"refraction", &vk_OslClosures::addRefraction},
+    {"microfacet_ggx_refraction", &vk_OslClosures::addRefraction},
+    {"microfacet_beckmann_refraction", &vk_OslClosures::addRefraction},
+    {"dielectric", &vk_OslClosures::addDielectric},
+    {"dielectric_bsdf", &vk_OslClosures::addDielectric},
+    {"conductor", &vk_OslClosures::addConductor},
+    {"conductor_bsdf", &vk_OslClosures::addConductor},
+    {"generalized_schlick_bsdf", &vk_OslClosures::addSchlick},
+    {"sheen", &vk_OslClosures::addSheen},
+    {"sheen_bsdf", &vk_OslClosures::addSheen},
+    {"velvet", &vk_OslClosures::addSheen},
+    {"ashikhmin_velvet", &vk_OslClosures::addSheen},
+    {"westin_sheen", &vk_OslClosures::addSheen},
+    {"westin_backscatter", &vk_OslClosures::addSheen},
+    {"cloth", &vk_OslClosures::addSheen},
+    {"emission", &vk_OslClosures::addEmission},
+    {"background", &vk_OslClosures::addEmission},
+    {"uniform_edf", &vk_OslClosures::addEmission},
+    {"transparent", &vk_OslClosures::addTransparent},
+    {"transparent_bsdf", &vk_OslClosures::addTransparent},
+};
+
+vk_Material vk_clearAir(const vk_Colour &passes)
+{
+    vk_Material air;
+    air.clear = clamped(passes);
+    air.ior = AIR;
+    air.rough = 0;
+    return air;
+}
+
+vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, float chance)
+{
+    myEmission = myDiffuse = myEdge = myTransparent = myEven = {};
+    myScatter = myNormals = {};
+    myBoundary = mySheen = myGlass = {};
+    addAll(closure, vk_grey(1), 0);
+
+    // Mirrors beside refraction, without a base, are the reflection of glass, which knows
+    // better how much that is.
+    if (vk_largest(myGlass.colour) > 0 && vk_largest(myDiffuse) <= 0) {
+        myGlass.colour += myEdge;
+        myBoundary = {};
+        myEdge = {};
+    }
+    const float opaque = vk_largest(myDiffuse + myEdge + mySheen.colour);
+    const float glass = vk_largest(myGlass.colour), air = vk_largest(myTransparent);
+    const float all = opaque + glass + air;
+    vk_Material material;
+    float share = 1;
+    if (all > 0 && chance * all < air) {
+        share = air / all;
+        material = vk_clearAir(myTransparent * (1 / share));
+    } else if (all > 0 && chance * all < air + glass) {
+        share = glass / all;
+        fillGlass(share, material);
+    } else if (all > 0) {
+        share = opaque / all;
+        fillOpaque(share, material);
+    }
+    material.emission = notNegative(myEmission);
+    if (vk_dot(myNormals, myNormals) > 0)
+        material.tilt = vk_normalize(myNormals) - normal;
+    return material;
+}
+
+void vk_OslClosures::fillOpaque(float share, vk_Material &material) const
+{
+    const float scale = 1 / share;
+    const vk_Colour even = clamped(myEven * scale);
+    // The base gets what the boundary leaves, but closures are sums.
+    const auto unshared = [](float base, float reflected) {
+        return base / std::max(1 - reflected, .01f);
+    };
+    const vk_Colour base = myDiffuse * scale;
+    material.diffuse =
+        clamped({unshared(base.x, even.x), unshared(base.y, even.y), unshared(base.z, even.z)});
+    material.specular = clamped(myBoundary.colour * scale);
+    material.edge = clamped(myEdge * scale);
+    material.rough = myBoundary.mean(myBoundary.rough);
+    material.brushed = myBoundary.mean(myBoundary.brushed);
+    material.sheen = clamped(mySheen.colour * scale);
+    material.sheenRough = mySheen.mean(mySheen.rough);
+    material.scatter = myScatter;
+}
+
+void vk_OslClosures::fillGlass(float share, vk_Material &material) const
+{
+    material.clear = clamped(myGlass.colour * (1 / share));
+    material.rough = myGlass.mean(myGlass.rough);
+    const float ior = std::clamp(myGlass.mean(myGlass.ior), 1.0f, 4.0f);
+    material.ior = std::max(ior, AIR);
+}
+
+void vk_OslClosures::addAll(int32_t closure, const vk_Colour &factor, int depth)
+{
+    if (depth == MOST_LAYERS)
+        return;
+    if (myComponents.size() <= static_cast<std::size_t>(depth))
+        myComponents.resize(MOST_LAYERS);
+    std::vector<Component> &components = myComponents[static_cast<std::size_t>(depth)];
+    myContext.flatten(closure, components);
+    for (const Component &component : components) {
+        const vk_Colour weight = notNegative(factor * colourOf(component.weight));
+        if (component.name() == "layer") {
+            // What the top reflects the base does not get: the material sees to that.
+            addAll(*component.ints("top"), weight, depth + 1);
+            addAll(*component.ints("base"), weight, depth + 1);
+            continue;
+        }
+        for (const Row &row : ROWS)
+            if (component.name() == row.name)
+                (this->*row.add)(component, weight);
+    }
+}
+
+// Closures have normals of their own; a material has one.
+void vk_OslClosures::bend(const Component &component, const vk_Colour &weight)
+{
+    const float *const n = component.floats("N");
+    if (n != nullptr)
+        myNormals += vk_normalize({n[0], n[1], n[2]}) * vk_luminance(weight);
+}
+
+void vk_OslClosures::addDiffuse(const Component &component, const vk_Colour &weight)
+{
+    const vk_Colour colour = weight * colourOf(component, "albedo", vk_grey(1));
+    myDiffuse += colour;
+    bend(component, colour);
+}
+
+void vk_OslClosures::addSubsurface(const Component &component, const vk_Colour &weight)
+{
+    addDiffuse(component, weight);
+    const vk_Colour radius = colourOf(component, "radius", colourOf(component, "mfp", vk_Colour{}));
+    const float depth = numberOf(component, "transmission_depth", 0);
+    const vk_Colour reach = vk_largest(radius) > 0 ? radius : vk_grey(depth);
+    myScatter = {std::max(myScatter.x, std::min(reach.x, 1.0f)),
+                 std::max(myScatter.y, std::min(reach.y, 1.0f)),
+                 std::max(myScatter.z, std::min(reach.z, 1.0f))};
+}
+
+void vk_OslClosures::addBoundary(const Component &component, const vk_Colour &straight,
+                                 const vk_Colour &edge)
+{
+    const Widths w = widthsOf(component);
+    const float weight = std::max(vk_luminance(straight), LEAST);
+    myBoundary.add(straight, std::sqrt(w.along * w.across));
+    // Only across the scratches, which run along u, is a boundary rougher.
+    const float ratio = w.across > w.along ? w.along / w.across : 1;
+    myBoundary.brushed += std::clamp((1 - ratio * ratio) / .9f, 0.0f, 1.0f) * weight;
+    myEdge += edge;
+    bend(component, straight);
+}
+
+void vk_OslClosures::addMirror(const Component &component, const vk_Colour &weight)
+{
+    myEven += weight;
+    addBoundary(component, weight, weight);
+}
+
+void vk_OslClosures::addMicrofacet(const Component &component, const vk_Colour &weight)
+{
+    const int32_t *const refract = component.ints("refract");
+    const int kind = refract == nullptr ? 0 : *refract;
+    if (kind == 0)
+        addMirror(component, weight);
+    else
+        addGlass(component, weight, numberOf(component, "eta", 1.5f));
+}
+
+void vk_OslClosures::addGlass(const Component &component, const vk_Colour &weight, float ior)
+{
+    const Widths w = widthsOf(component);
+    myGlass.add(weight, std::sqrt(w.along * w.across));
+    // From within, some shaders turn it over.
+    const float outward = ior > 0 && ior < 1 ? 1 / ior : ior;
+    myGlass.ior += outward * vk_luminance(weight);
+    bend(component, weight);
+}
+
+void vk_OslClosures::addRefraction(const Component &component, const vk_Colour &weight)
+{
+    addGlass(component, weight, numberOf(component, "eta", 1.5f));
+}
+
+void vk_OslClosures::addDielectric(const Component &component, const vk_Colour &weight)
+{
+    const float ior = numberOf(component, "ior", numberOf(component, "eta", 1.5f));
+    const vk_Colour passes = weight * colourOf(component, "transmission_tint", vk_grey(1));
+    if (vk_largest(passes) > 0) {
+        addGlass(component, passes, ior);
+        return;
+    }
+    const vk_Colour tint = weight * colourOf(component, "reflection_tint", vk_grey(1));
+    addBoundary(component, tint * vk_straightReflectance(ior), tint);
+}
+
+void vk_OslClosures::addConductor(const Component &component, const vk_Colour &weight)
+{
+    const vk_Colour n = colourOf(component, "ior", colourOf(component, "eta", vk_grey(1)));
+    const vk_Colour k = colourOf(component, "extinction", colourOf(component, "k", vk_grey(1)));
+    const vk_Colour straight = {reflectanceOfMetal(n.x, k.x), reflectanceOfMetal(n.y, k.y),
+                                reflectanceOfMetal(n.z, k.z)};
+    addBoundary(component, weight * straight, weight);
+}
+
+void vk_OslClosures::addSchlick(const Component &component, const vk_Colour &weight)
+{
+    const vk_Colour passes = weight * colourOf(component, "transmission_tint", vk_Colour{});
+    const vk_Colour f0 = colourOf(component, "f0", vk_grey(.04f));
+    if (vk_largest(passes) > 0) {
+        // The index of refraction that reflects as much straight on.
+        const float root = std::sqrt(std::clamp(vk_luminance(f0), 0.0f, .3f));
+        addGlass(component, passes, (1 + root) / (1 - root));
+        return;
+    }
+    const vk_Colour tint = weight * colourOf(component, "reflection_tint", vk_grey(1));
+    addBoundary(component, tint * f0, tint * colourOf(component, "f90", vk_grey(1)));
+}
+
+void vk_OslClosures::addSheen(const Component &component, const vk_Colour &weight)
+{
+    const vk_Colour colour = weight * colourOf(component, "albedo", vk_grey(1));
+    const float sigma = numberOf(component, "sigma", .5f);
+    mySheen.add(colour, std::clamp(numberOf(component, "roughness", sigma), .2f, 1.0f));
+    bend(component, colour);
+}
+
+void vk_OslClosures::addEmission(const Component &component, const vk_Colour &weight)
+{
+    myEmission += weight * colourOf(component, "emittance", vk_grey(1));
+}
+
+void vk_OslClosures::addTransparent(const Component &, const vk_Colour &weight)
+{
+    myTransparent += weight;
+}

@@ -1,0 +1,98 @@
+#include "vaskel/osl/vk_OslLight.h"
+
+#include "vaskel/osl/vk_OslClosures.h"
+
+namespace
+{
+constexpr int SIDE = 64;
+constexpr float STRENGTH = .8f; // that of v_area, until its parameters are known
+
+// 0 to SIDE - 1 in a direction of length 1 over the whole light.
+int cellOf(float offset)
+{
+    return std::clamp(static_cast<int>((offset + .5f) * SIDE), 0, SIDE - 1);
+}
+} // namespace
+
+const vk_OslTargets vk_OslLight::TARGETS = {{"emission", false, false}};
+
+std::shared_ptr<vk_LightShader> vk_OslLight::makeParameters()
+{
+    std::string ignored;
+    return vk_parseShader(VK_LIGHT_SHADERS, {"light", "v_area"}, ignored);
+}
+
+vk_OslLight::vk_OslLight(std::shared_ptr<const vk_OslBinding> binding,
+                         std::shared_ptr<vk_LightShader> parameters)
+    : vk_Light(STRENGTH), myBinding(std::move(binding)), myShader(std::move(parameters))
+{
+}
+
+const vk_Light &vk_OslLight::area() const
+{
+    std::call_once(myOnce, [this] { prepare(); });
+    return *myArea;
+}
+
+void vk_OslLight::prepare() const
+{
+    myArea = myShader->make();
+    vk_ParamList list = myShader->params();
+    const float width = list.find("width")->value().x, height = list.find("height")->value().x;
+    // As v_area lies: the width is level.
+    const vk_Vec normal = vk_normalize(myShader->to - myShader->from);
+    const vk_Vec level = vk_cross({0, 1, 0}, normal);
+    const vk_Vec across = vk_dot(level, level) > 1e-6f ? vk_normalize(level) : vk_Vec{1, 0, 0};
+    myAcross = across * width;
+    myUp = vk_cross(normal, across) * height;
+    shine();
+}
+
+void vk_OslLight::shine() const
+{
+    vk_OslRunner runner(*myBinding, 1);
+    vk_OslClosures closures(runner.context());
+    myPicture.assign(std::size_t{SIDE} * SIDE, vk_Colour{});
+    vk_SurfacePoint point;
+    point.normal = point.facet = vk_normalize(myShader->to - myShader->from);
+    point.incoming = -point.normal;
+    point.dPdu = myAcross;
+    point.dPdv = myUp;
+    point.footprint = vk_length(myAcross) / SIDE;
+    for (int i = 0; i < SIDE * SIDE; ++i) {
+        point.u = (static_cast<float>(i % SIDE) + .5f) / SIDE;
+        point.v = (static_cast<float>(i / SIDE) + .5f) / SIDE;
+        point.place = point.position =
+            myShader->from + myAcross * (point.u - .5f) + myUp * (point.v - .5f);
+        if (!runner.run(&point, 1))
+            return;
+        const vk_Colour light =
+            runner.closure() != nullptr
+                ? closures.materialOf(runner.closure()->ints[0], point.normal, 0).emission
+                : runner.feed(0).colour(0);
+        const auto bounded = [](float x) { return x > 0 ? std::min(x, 1e4f) : 0; };
+        myPicture[static_cast<std::size_t>(i)] = {bounded(light.x), bounded(light.y),
+                                                  bounded(light.z)};
+    }
+}
+
+vk_LightSample vk_OslLight::coloured(const vk_Vec &from, vk_LightSample sample) const
+{
+    if (sample.density <= 0)
+        return sample;
+    const vk_Vec off = from + sample.direction * sample.distance - myShader->from;
+    const int x = cellOf(vk_dot(off, myAcross) / vk_dot(myAcross, myAcross));
+    const int y = cellOf(vk_dot(off, myUp) / vk_dot(myUp, myUp));
+    sample.radiance = sample.radiance * myPicture[static_cast<std::size_t>(y * SIDE + x)];
+    return sample;
+}
+
+vk_LightSample vk_OslLight::sample(const vk_Vec &from, const vk_Square &at) const
+{
+    return coloured(from, area().sample(from, at));
+}
+
+vk_LightSample vk_OslLight::hit(const vk_Vec &from, const vk_Vec &direction) const
+{
+    return coloured(from, area().hit(from, direction));
+}

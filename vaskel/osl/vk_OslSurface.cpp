@@ -1,0 +1,158 @@
+#include "vaskel/osl/vk_OslSurface.h"
+
+#include "vaskel/base/vk_Sampler.h"
+#include "vaskel/osl/vk_OslClosures.h"
+#include "vaskel/scatter/vk_Microfacet.h"
+
+#include <cstring>
+
+namespace
+{
+enum Target { DIFF, SPEC, ROUGH, IOR, EMISSION, BUMP, OPACITY };
+
+// A number from 0 to 1 that looks random and is the same wherever a point is asked about.
+float chanceAt(const vk_SurfacePoint &point, std::uint32_t seed)
+{
+    for (const float x : {point.position.x, point.position.y, point.position.z}) {
+        std::uint32_t bits = 0;
+        std::memcpy(&bits, &x, sizeof bits);
+        seed = vk_hash(seed ^ bits);
+    }
+    return static_cast<float>(seed >> 8) * 0x1p-24f;
+}
+
+float clamped(float x, float least, float most)
+{
+    return std::min(std::max(x, least), most);
+}
+
+vk_Colour clamped(const vk_Colour &c, float most)
+{
+    return {clamped(c.x, 0, most), clamped(c.y, 0, most), clamped(c.z, 0, most)};
+}
+
+// A point a little further on along the surface.
+vk_SurfacePoint moved(const vk_SurfacePoint &from, const vk_Vec &by)
+{
+    vk_SurfacePoint to = from;
+    to.place += by;
+    const float uu = vk_dot(from.dPdu, from.dPdu), vv = vk_dot(from.dPdv, from.dPdv);
+    to.u += uu > 0 ? vk_dot(from.dPdu, by) / uu : 0;
+    to.v += vv > 0 ? vk_dot(from.dPdv, by) / vv : 0;
+    return to;
+}
+} // namespace
+
+const vk_OslTargets vk_OslSurface::TARGETS = {
+    {"diff", false, false},  {"spec", false, false},     {"rough", false, true},
+    {"ior", false, true},    {"emission", false, false}, {"bump", true, true},
+    {"opacity", true, true},
+};
+
+vk_OslSurface::vk_OslSurface(std::shared_ptr<const vk_OslBinding> binding)
+    : myRunners(std::move(binding))
+{
+}
+
+void vk_OslSurface::shade(const vk_SurfacePoint *points, vk_Material *materials,
+                          std::size_t count) const
+{
+    std::unique_ptr<vk_OslRunner> runner = myRunners.borrow(count > 1);
+    const auto width = static_cast<std::size_t>(runner->width());
+    for (std::size_t i = 0; i < count; i += width) {
+        const int size = static_cast<int>(std::min(width, count - i));
+        if (!shade(*runner, points + i, materials + i, size))
+            break;
+    }
+    myRunners.giveBack(std::move(runner));
+}
+
+bool vk_OslSurface::shade(vk_OslRunner &runner, const vk_SurfacePoint *points,
+                          vk_Material *materials, int count) const
+{
+    if (!runner.run(points, count))
+        return false;
+    vk_OslClosures closures(runner.context());
+    const vk_OslFeed &opacity = runner.feed(OPACITY);
+    for (int i = 0; i < count; ++i) {
+        vk_Material &material = materials[i];
+        if (runner.closure() == nullptr)
+            material = plastic(runner, i);
+        else
+            material = closures.materialOf(runner.closure()->ints[i], points[i].normal,
+                                           chanceAt(points[i], 1));
+        if (opacity.isThere() && chanceAt(points[i], 2) >= opacity.number(i))
+            material = vk_clearAir(vk_grey(1));
+    }
+    return !runner.feed(BUMP).isThere() || bump(runner, points, materials, count);
+}
+
+vk_Material vk_OslSurface::plastic(const vk_OslRunner &runner, int point)
+{
+    const auto colourOf = [&](Target target, float other) {
+        const vk_OslFeed &feed = runner.feed(target);
+        return feed.isThere() ? feed.colour(point) : vk_grey(other);
+    };
+    const auto numberOf = [&](Target target, float other) {
+        const vk_OslFeed &feed = runner.feed(target);
+        return feed.isThere() ? feed.number(point) : other;
+    };
+    vk_Material material =
+        vk_coated(clamped(colourOf(DIFF, .6f), 1), clamped(colourOf(SPEC, 1), 1),
+                  clamped(numberOf(ROUGH, .2f), 0, 1), clamped(numberOf(IOR, 1.5f), 1, 4));
+    material.emission = clamped(colourOf(EMISSION, 0), 1e6f);
+    return material;
+}
+
+// Turns normals by the slope of a height, which was asked for at the points themselves.
+bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
+                         vk_Material *materials, int count) const
+{
+    constexpr float LEAST_STEP = 1e-4f;
+
+    const vk_OslFeed &height = runner.feed(BUMP);
+    float before[vk_OslRunner::MOST_POINTS];
+    for (int i = 0; i < count; ++i)
+        before[i] = height.number(i);
+    for (const bool isSecond : {false, true}) {
+        vk_SurfacePoint beside[vk_OslRunner::MOST_POINTS];
+        vk_Vec steps[vk_OslRunner::MOST_POINTS];
+        for (int i = 0; i < count; ++i) {
+            const vk_Frame frame(points[i].normal);
+            const float step = std::max(.5f * points[i].footprint, LEAST_STEP);
+            steps[i] = (isSecond ? frame.bitangent : frame.tangent) * step;
+            beside[i] = moved(points[i], steps[i]);
+        }
+        if (!runner.run(beside, count))
+            return false;
+        for (int i = 0; i < count; ++i) {
+            const float rise = height.number(i) - before[i];
+            materials[i].tilt += steps[i] * (-rise / vk_dot(steps[i], steps[i]));
+        }
+    }
+    return true;
+}
+
+// Whether any of some points is: a shader does not tell.
+bool vk_OslSurface::mayBeClear() const
+{
+    constexpr int SIDE = 16;
+
+    std::vector<vk_SurfacePoint> points;
+    for (int i = 0; i < SIDE * SIDE; ++i) {
+        vk_SurfacePoint point;
+        point.u = (static_cast<float>(i % SIDE) + .5f) / SIDE;
+        point.v = (static_cast<float>(i / SIDE) + .5f) / SIDE;
+        const float around = 2 * VK_PI * point.u, up = VK_PI * (point.v - .5f);
+        point.normal = {std::cos(up) * std::sin(around), std::sin(up),
+                        std::cos(up) * std::cos(around)};
+        point.facet = point.normal;
+        point.position = point.place = point.normal + vk_Vec{0, 1, 0};
+        point.incoming = -point.normal;
+        points.push_back(point);
+    }
+    std::vector<vk_Material> materials(points.size());
+    shade(points.data(), materials.data(), points.size());
+    const auto isClear = [](const vk_Material &material) { return material.isClear(); };
+    return std::any_of(materials.begin(), materials.end(), isClear);
+}
