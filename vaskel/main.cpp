@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <new>
 
 #include <sys/time.h>
 #include <unistd.h>
@@ -24,6 +25,12 @@ namespace
 {
 constexpr int FAILURE = 1;
 constexpr int BAD_COMMAND = 2;
+
+// Tables of shaders are made before main() begins; memory may run out there, too.
+struct EarlyHandler {
+    EarlyHandler() { std::set_new_handler(UTdieWithoutMemory); }
+};
+[[gnu::init_priority(101)]] const EarlyHandler theEarlyHandler;
 
 // Whom a message is about: us, or the picture once it is known. Signal handlers read it.
 std::atomic<const char *> theSubject = "vaskel";

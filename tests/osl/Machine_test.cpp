@@ -26,7 +26,7 @@ TEST(Machine, StopsLoopsWithoutEnd)
     EXPECT_EQ("error: Shader [t] takes too long: a loop without end?\n",
               printedBy("float x = u; while (x < 2) x *= 1;", 3));
     EXPECT_NE(std::string::npos,
-              printedBy("string s = \"a\"; while (1) s = concat(s, s);").find("too many texts"));
+              printedBy("string s = \"a\"; while (1) s = concat(s, s);").find("takes too long"));
     EXPECT_NE(
         std::string::npos,
         printedBy("closure color c = 0; while (1) c += emission();").find("too many closures"));

@@ -275,7 +275,7 @@ TEST(Osl, LightsShineAsTheirShadersDo)
     }
     vk_Scene wrong;
     EXPECT_EQ("s:7: error: x.osl has no parameter 'size'; expected f, from, to, color, intensity,"
-              " width, height; nearest is 'from'\n",
+              " width, height; nearest is 'f'\n",
               readScene(sceneWith("surface x(float f = 1) {} @size 3", "light"), wrong));
 }
 
