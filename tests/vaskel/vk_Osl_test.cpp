@@ -266,15 +266,16 @@ TEST(Osl, LightsShineAsTheirShadersDo)
         EXPECT_EQ(was.density, is.density);
         EXPECT_NEAR(was.radiance.x * 2 * at.u, is.radiance.x, .04f * was.radiance.x);
         EXPECT_FLOAT_EQ(was.radiance.y, is.radiance.y);
-        if (std::abs(at.v - .5f) > .02f)
+        if (std::abs(at.v - .5f) > .02f) {
             EXPECT_FLOAT_EQ(at.v > .5f ? was.radiance.z : 0, is.radiance.z);
+        }
         const vk_LightSample hit = scene.lights[0]->hit({.3f, 0, .2f}, is.direction);
         EXPECT_NEAR(is.density, hit.density, 1e-3f * is.density);
         EXPECT_NEAR(is.radiance.x, hit.radiance.x, .04f * was.radiance.x);
     }
     vk_Scene wrong;
     EXPECT_EQ("s:7: error: x.osl has no parameter 'size'; expected f, from, to, color, intensity,"
-              " width, height; nearest is 'from'\n",
+              " width, height; nearest is 'f'\n",
               readScene(sceneWith("surface x(float f = 1) {} @size 3", "light"), wrong));
 }
 
