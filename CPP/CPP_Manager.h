@@ -166,6 +166,11 @@ public:
     bool hasFlag(Flag flag) const { return (myFlags & flag) != 0; }
     CPP_File *currentFile() const; // null when none is open
 
+protected:
+    // What the expression of an #if or #elif is worth: 1 true, 0 false, -1 a syntax
+    // error. For the callers of keepMacros(), whose conditions may be another language's.
+    virtual int conditionValue(const char *text);
+
 private:
     // A directive line, as a directive's function gets it.
     struct Directive {
@@ -205,7 +210,6 @@ private:
     void doIfndef(const Directive &directive);
     void doIf(const Directive &directive);
     void doElif(const Directive &directive);
-    int evaluate(const char *condition);
     void doElse(const Directive &directive);
     void doEndif(const Directive &directive);
     void doDefine(const Directive &directive);

@@ -120,10 +120,10 @@ void CPP_Manager::doIfndef(const Directive &directive)
                                                                 : CPP_File::TAKING);
 }
 
-int CPP_Manager::evaluate(const char *condition)
+int CPP_Manager::conditionValue(const char *text)
 {
     cpp_ConditionFault fault;
-    const int value = evaluateCondition(myMacros, condition, &fault);
+    const int value = evaluateCondition(myMacros, text, &fault);
     warnCondition(fault);
     return value;
 }
@@ -131,7 +131,7 @@ int CPP_Manager::evaluate(const char *condition)
 void CPP_Manager::doIf(const Directive &directive)
 {
     const int value = directive.file.isSkipping() ? static_cast<int>(CPP_File::DONE)
-                                                  : evaluate(directive.argument);
+                                                  : conditionValue(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#if syntax error");
     else
@@ -140,7 +140,7 @@ void CPP_Manager::doIf(const Directive &directive)
 
 void CPP_Manager::doElif(const Directive &directive)
 {
-    const int value = evaluate(directive.argument);
+    const int value = conditionValue(directive.argument);
     if (value < 0)
         diagnose(directive.result, ERROR, "#elif syntax error");
     else

@@ -209,8 +209,8 @@ bool OSL_Shader::compile()
     osl_Parser parser(made.tokens, made.tree, made.messages);
     made.checker = std::make_unique<osl_Checker>(made.tree, made.messages);
     bool isGood = parser.parse() && made.checker->run();
-    if (isGood && made.tree.shader == nullptr) {
-        made.messages.error({}, "no shader in this source");
+    if (isGood && made.messages.errors() == 0 && made.tree.shader == nullptr) {
+        made.messages.error({}, "No shader function defined");
         isGood = false;
     }
     isGood = isGood && made.messages.errors() == 0;

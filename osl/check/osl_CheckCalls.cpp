@@ -314,6 +314,8 @@ osl_Function *osl_Checker::choose(Node *node, osl_Function *first, const osl_Typ
         if (arg->type.isUnknown() && arg->kind != Node::COMPOUND && !myLate[NAMES].empty())
             return nullptr; // its own error counts
     }
+    if (isFull(TYPES))
+        return nullptr;
     std::string text = "No matching function call to '" + std::string(node->name) + " (" +
                        argumentList(node->a) + ")'\n  Candidates are:";
     for (const osl_Function *function = first; function != nullptr; function = function->next)
@@ -410,7 +412,9 @@ void osl_Checker::checkFormat(Node *node, int formatArgument)
                          : arg->type.base == osl_Type::INT ? osl_FormatArg::INT
                                                            : osl_FormatArg::FLOAT;
         if (arg->type.isStruct())
-            return error(TYPES, node->place, intro + "struct arguments are not supported)");
+            return error(TYPES, node->place,
+                         "struct '" + std::string(arg->type.record->name) +
+                             "' is not a valid argument");
         if (got != wants)
             return error(TYPES, node->place,
                          intro + "arg " + std::to_string(number) + " needs " +

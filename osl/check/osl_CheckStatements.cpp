@@ -21,13 +21,13 @@ osl_Checker::osl_Checker(osl_Tree &tree, osl_Messages &messages)
 
 void osl_Checker::error(Stage stage, osl_Place place, std::string text)
 {
-    if (myLate[stage].size() < 500)
+    if (!isFull(stage))
         myLate[stage].push_back({true, place, std::move(text)});
 }
 
 void osl_Checker::warning(osl_Place place, std::string text)
 {
-    if (myLate[TYPES].size() < 500)
+    if (!isFull(TYPES))
         myLate[TYPES].push_back({false, place, std::move(text)});
 }
 
@@ -91,13 +91,20 @@ void osl_Checker::checkShader(Node *node)
 
 void osl_Checker::declareStruct(Node *node)
 {
-    if (osl_Symbol *old = mySymbols.findInScope(node->name); old != nullptr) {
-        std::string text = "\"" + std::string(node->name) + "\" already declared in this scope";
-        if (old->node != nullptr)
-            text += "\n\t\tprevious declaration was at " +
-                    std::string(myMessages.baseName(old->node->place.file)) + ":" +
-                    std::to_string(old->node->place.line);
-        error(NAMES, node->place, text);
+    const std::string name = '"' + std::string(node->name) + '"';
+    if (mySymbols.findInScope(node->name) != nullptr)
+        error(NAMES, node->place, name + " already declared in this scope");
+    if (node->name.substr(0, 3) == "___")
+        error(NAMES, node->place, name + " : sorry, can't start with three underscores");
+    for (const Node *field = node->a; field != nullptr; field = field->next) {
+        for (const Node *other = node->a; other != field; other = other->next) {
+            if (other->name == field->name) {
+                error(NAMES, field->place,
+                      "Field \"" + std::string(field->name) + "\" already exists in struct " +
+                          name);
+                break;
+            }
+        }
     }
     mySymbols.declare(node->name, osl_Symbol::TYPE, node->type)->node = node;
 }
@@ -337,7 +344,7 @@ void osl_Checker::checkIf(Node *node)
 
 void osl_Checker::checkLoop(Node *node)
 {
-    static const char *const WORDS[] = {"a 'for'", "a 'while'", "a 'do'"};
+    static const char *const WORDS[] = {"an 'for'", "an 'while'", "an 'dowhile'"};
     mySymbols.openScope();
     checkList(node->a);
     ++myLoops;

@@ -37,6 +37,7 @@ private:
     };
 
     void error(Stage stage, osl_Place place, std::string text);
+    bool isFull(Stage stage) const { return myLate[stage].size() >= 500; } // no more is kept
     void warning(osl_Place place, std::string text);
     void flush(Stage stage);
 

@@ -16,6 +16,10 @@ const struct {
     {"faceforward",
      "vector faceforward(vector n, vector i, vector nref) { return dot(i, nref) > 0 ? -n : n; }"
      "vector faceforward(vector n, vector i) { return dot(i, Ng) > 0 ? -n : n; }"},
+    {"mix", "closure color mix(closure color a, closure color b, float x) {"
+            "  return a * (1 - x) + b * x; }"
+            "closure color mix(closure color a, closure color b, color x) {"
+            "  return a * (1 - x) + b * x; }"},
     {"reflect", "vector reflect(vector i, vector n) { return i - 2 * dot(n, i) * n; }"},
     {"refract", "vector refract(vector i, vector n, float eta) {"
                 "  float c = dot(i, n); float k = 1 - eta * eta * (1 - c * c);"

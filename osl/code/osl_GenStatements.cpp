@@ -38,7 +38,8 @@ std::unique_ptr<osl_Code> osl_Generator::run(std::string &error)
 
 bool osl_Generator::isOver() const
 {
-    return myMade.instructions.size() >= MAX_INSTRUCTIONS || myRegisters.totalWords() > MAX_WORDS;
+    return isTooLarge || myMade.instructions.size() >= MAX_INSTRUCTIONS ||
+           myRegisters.totalWords() > MAX_WORDS;
 }
 
 int osl_Generator::emitInto(osl_Op op, int result, const std::vector<int> &arguments)
@@ -51,7 +52,8 @@ int osl_Generator::emitInto(osl_Op op, int result, const std::vector<int> &argum
     made.place = myPlace;
     myMade.arguments.push_back(result);
     myMade.arguments.insert(myMade.arguments.end(), arguments.begin(), arguments.end());
-    if (isOver()) // what comes next is dropped: there will be an error
+    isTooLarge = isTooLarge || isOver();
+    if (isTooLarge && !myMade.instructions.empty()) // dropped: there will be an error
         myMade.instructions.pop_back();
     myMade.instructions.push_back(made);
     myMade.regions.resize(myMade.instructions.size());
@@ -192,6 +194,10 @@ void osl_Generator::genParameter(const Node *node)
                     ? genCompound(node->a, type)
                     : gen(node->a);
         value = bindFields(value, name);
+        // "float a = 1" is as known as "float a = 1.0".
+        if (!value.isStruct() && !type.isStruct() && !type.isClosure && !type.isArray() &&
+            !value.type.isArray())
+            value = convert(value, type);
     }
     if (type.array == osl_Type::UNSIZED)
         type.array = std::max(value.type.array, 1);
@@ -228,8 +234,10 @@ void osl_Generator::name(const osl_Ref &ref)
 
 void osl_Generator::genList(const Node *list)
 {
+    isTooLarge = isTooLarge || ++myDepth > MAX_DEPTH;
     for (; list != nullptr && !isOver(); list = list->next)
         genStatement(list);
+    --myDepth;
 }
 
 void osl_Generator::genStatement(const Node *node)

@@ -10,7 +10,9 @@ osl_Ref osl_Generator::variable(const osl_Type &type, osl_Registers::Kind kind, 
 {
     osl_Ref ref;
     ref.type = type;
-    const int length = std::max(type.array, 1) * multiple;
+    const long long wide = static_cast<long long>(std::max(type.array, 1)) * multiple;
+    isTooLarge = isTooLarge || wide > MAX_WORDS;
+    const int length = isTooLarge ? 1 : static_cast<int>(wide);
     if (!type.isStruct()) {
         ref.reg = myRegisters.make(kind, type, type.components() * length);
         return ref;

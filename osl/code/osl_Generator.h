@@ -71,6 +71,8 @@ private:
 
     static constexpr size_t MAX_INSTRUCTIONS = 400000;
     static constexpr long long MAX_WORDS = 1 << 20;
+    static constexpr int MAX_DEPTH = 3000; // of expressions and lists inside each other, with
+                                           // those of the functions that are called
 
     // Parameters and statements (osl_GenStatements.cpp)
     void genParameters();
@@ -161,6 +163,8 @@ private:
     std::unordered_map<const osl_Symbol *, osl_Ref> myVariables;
     std::vector<Call> myCalls;
     int myRegion = 0;
+    int myDepth = 0;
+    bool isTooLarge = false;
     osl_Place myPlace;
     const Node *myKnown = nullptr; // an lvalue that has been read already, and its value
     osl_Ref myKnownValue;

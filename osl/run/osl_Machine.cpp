@@ -72,6 +72,29 @@ osl_Machine::osl_Machine(std::shared_ptr<const OSL_Program> program, OSL_Rendere
 }
 
 // Constants into their places, and for each instruction who does it.
+namespace
+{
+// Those that take as long as a dozen others.
+bool isSlow(osl_Op op)
+{
+    switch (op) {
+    case OSL_MDIV:
+    case OSL_MDIVF:
+    case OSL_BLACKBODY:
+    case OSL_WAVELENGTH:
+    case OSL_SPACES:
+    case OSL_FORMAT:
+    case OSL_PRINTF:
+    case OSL_FPRINTF:
+    case OSL_TEXTURE:
+    case OSL_ENVIRONMENT:
+        return true;
+    default:
+        return false;
+    }
+}
+} // namespace
+
 void osl_Machine::prepare()
 {
     for (size_t i = 0; i < myCode.constants.size(); ++i)
@@ -92,6 +115,7 @@ void osl_Machine::prepare()
         }
         step.in = &in;
         step.operands = operands(in);
+        step.extraCost = (static_cast<unsigned>(in.words) >> 4) + (isSlow(in.op) ? 16 : 0);
         step.isPlain =
             step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked && !in.isSpread;
         mySteps.push_back(step);
@@ -182,11 +206,15 @@ void osl_Machine::execute()
 {
     const int end = static_cast<int>(myCode.instructions.size());
     uint64_t done = 0;
+    myExtraCost = 0;
     int at = 0;
     while (at >= 0 && at < end && !isStopped) {
         const Step &step = mySteps[static_cast<size_t>(at)];
-        if (++done > MAX_INSTRUCTIONS)
+        ++done;
+        // Long registers count by their length, so that the time is bounded as well.
+        if (done + myExtraCost > MAX_INSTRUCTIONS)
             stop("takes too long: a loop without end?");
+        myExtraCost += step.extraCost;
         if (step.isPlain) {
             step.kernel(myMemory, *step.in, step.operands);
             ++at;
@@ -289,7 +317,8 @@ void osl_Machine::report(int lane, Event::Kind kind, std::string text)
         if (myReported.size() > MOST || !myReported.insert(text).second)
             return;
     }
-    myOutputBytes += text.size();
+    myExtraCost += text.size() >> 4;
+    myOutputBytes += text.size() + (kind == Event::FILE ? sizeof(Event) : 0);
     if (myOutputBytes > MAX_OUTPUT && !isStopped)
         return stop("prints too much");
     auto &events = myEvents[static_cast<size_t>(lane)];
@@ -332,6 +361,7 @@ void osl_Machine::sendEvents()
 
 int osl_Machine::newText(std::string_view text)
 {
+    myExtraCost += text.size();
     const int handle = myTexts.handle(text);
     if (handle < 0 && !isStopped)
         stop("makes too many texts");

@@ -47,6 +47,7 @@ private:
         Act act = nullptr;
         const osl_Instruction *in = nullptr;
         const osl_Operand *operands = nullptr;
+        unsigned extraCost = 0;         // beyond that of a short instruction
         bool isPlain = false;           // the kernel is all there is to do
         bool clearsDerivatives = false; // the kernel gives none
     };
@@ -77,6 +78,8 @@ private:
 
     static constexpr uint64_t MAX_INSTRUCTIONS = 20000000;
     static constexpr size_t MAX_OUTPUT = size_t(64) << 20;
+    static constexpr size_t MAX_MESSAGES = 1000; // set or asked for, at a point
+    static constexpr unsigned GABOR_COST = 4000; // instructions
 
     // ---- The run (osl_Machine.cpp, osl_MachineControl.cpp)
     void prepare();
@@ -122,7 +125,9 @@ private:
     }
     std::string_view textAt(const osl_Operand &o, int lane, int word = 0)
     {
-        return myTexts[intAt(o, lane, word)];
+        const std::string_view text = myTexts[intAt(o, lane, word)];
+        myExtraCost += text.size() >> 4; // whoever asks reads it all
+        return text;
     }
     osl_Vec vectorAt(const osl_Operand &o, int lane)
     {
@@ -233,6 +238,7 @@ private:
     std::vector<int> myStorage;
     int *myMemory; // in myStorage, aligned
     std::vector<Step> mySteps;
+    uint64_t myExtraCost = 0; // of the run: what took longer than an instruction
     std::vector<Frame> myFrames;
     std::vector<int> mySaved; // results under a mask
     Mask myMask = 0;

@@ -130,6 +130,8 @@ void osl_Machine::gaborOptions(In in, osl_GaborOptions &options, int lane)
 void osl_Machine::noiseOfKind(In in, osl_NoiseKind kind)
 {
     const osl_Operand *o = operands(in);
+    if (kind == OSL_NOISE_GABOR)
+        myExtraCost += GABOR_COST;
     osl_NoiseCall call;
     call.kind = kind;
     call.components = in.words;

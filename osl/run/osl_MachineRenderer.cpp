@@ -268,6 +268,8 @@ void osl_Machine::setMessage(In in)
                           ") would lead to inconsistent results");
             return;
         }
+        if (messages.size() >= MAX_MESSAGES)
+            return stop("sets too many messages");
         Message made{name, type, in.place, true, {}};
         for (int word = 0; word < from.words; ++word)
             made.words.push_back(words(from.at + word)[lane]);
@@ -300,6 +302,8 @@ void osl_Machine::getMessage(In in)
         const auto found = std::find_if(messages.begin(), messages.end(),
                                         [name](const Message &m) { return m.name == name; });
         if (found == messages.end()) {
+            if (messages.size() >= MAX_MESSAGES)
+                return stop("asks for too many messages");
             messages.push_back({name, type, in.place, false, {}});
             return;
         }

@@ -165,6 +165,8 @@ void osl_Machine::regex(In in)
     const osl_Operand *o = operands(in);
     const bool wantsPlaces = in.count == 4;
     forLanes(in, [&](int lane) {
+        constexpr size_t STEPS_A_LETTER = 4;
+        myExtraCost += STEPS_A_LETTER * textAt(o[1], lane).size() + 64;
         const osl_Regex &regex = regexOf(intAt(o[in.count - 1], lane));
         std::vector<int> places(wantsPlaces ? static_cast<size_t>(o[2].words) : 0);
         for (size_t i = 0; i < places.size(); ++i)

@@ -105,12 +105,13 @@ bool osl_Parser::parse()
 
 void osl_Parser::parseTopLevel()
 {
-    const bool isShaderKind = token().kind == osl_Token::NAME &&
-                              isOneOf(SHADER_KINDS, token().text) &&
-                              token(1).kind == osl_Token::NAME;
-    if (isShaderKind) {
+    if (isShaderAhead()) {
         const std::string_view kind = token().text;
+        if (!isOneOf(SHADER_KINDS, kind))
+            myMessages.error(token().place, "Unknown shader type: " + std::string(kind));
         ++myNext;
+        if (myTree.shader != nullptr)
+            fail("Only one shader is allowed per file.");
         myTree.shader = parseShader(kind);
         myTree.declarations.push_back(myTree.shader);
     } else if (acceptWord("struct")) {
@@ -124,6 +125,13 @@ void osl_Parser::parseTopLevel()
     } else if (!accept(";")) {
         fail("syntax error");
     }
+}
+
+// Two words, the first of which is no type.
+bool osl_Parser::isShaderAhead() const
+{
+    return token().kind == osl_Token::NAME && token(1).kind == osl_Token::NAME &&
+           !token().isName("struct") && !isTypeAhead();
 }
 
 bool osl_Parser::isTypeAhead(size_t ahead) const
@@ -206,6 +214,8 @@ void osl_Parser::parseStruct()
         expect(";");
     }
     accept(";");
+    if (!record.measure())
+        fail("struct too large");
     node->type.base = osl_Type::STRUCT;
     node->type.record = &record;
     myStructs[node->name] = &record;

@@ -35,6 +35,7 @@ private:
 
     // Declarations (osl_ParseDeclarations.cpp)
     void parseTopLevel();
+    bool isShaderAhead() const;
     bool isTypeAhead(size_t ahead = 0) const;
     bool isDeclarationAhead() const;
     osl_Type parseType();

@@ -1,5 +1,7 @@
 #include "osl/syntax/osl_Type.h"
 
+#include <algorithm>
+
 namespace
 {
 const char *const NAMES[] = {"unknown", "void",   "int",    "float",  "color", "point",
@@ -17,6 +19,24 @@ std::string osl_Type::name() const
     else if (array > 0)
         text += '[' + std::to_string(array) + ']';
     return text;
+}
+
+bool osl_Struct::measure()
+{
+    constexpr long long MOST_WORDS = 1 << 20;
+    constexpr int MOST_PARTS = 10000;
+    constexpr int MOST_DEPTH = 50;
+    for (const osl_Field &field : fields) {
+        const osl_Struct *inner = field.type.record;
+        words +=
+            std::max(field.type.array, 1) *
+            (inner != nullptr ? inner->words : static_cast<long long>(field.type.components()));
+        parts += inner != nullptr ? inner->parts : 1;
+        depth = std::max(depth, inner != nullptr ? inner->depth + 1 : 1);
+        if (words > MOST_WORDS || parts > MOST_PARTS || depth > MOST_DEPTH)
+            return false;
+    }
+    return true;
 }
 
 int osl_Struct::find(std::string_view field) const

@@ -96,7 +96,14 @@ struct osl_Struct {
     std::string_view name;
     std::vector<osl_Field> fields;
 
+    long long words = 0; // numbers in it
+    int parts = 0;       // fields that are no structs themselves, all the way down
+    int depth = 1;
+
     int find(std::string_view field) const; // -1 when there is none
+
+    // Fills in the three; false for what is larger than a shader needs.
+    [[nodiscard]] bool measure();
 };
 
 // By the language's word for it; UNKNOWN for any other.

@@ -68,11 +68,13 @@ class osl_Lines::Manager : public CPP_Manager
 {
 public:
     CPP_Stream *newStream() override { return new Stream(*this); }
+    int conditionValue(const char *text) override { return condition(text); }
 
     std::set<std::string> onceFiles;
     std::string sourceName; // of the outermost input, where it is no file
     std::string sourceText;
     osl_FileRule mayRead;
+    std::function<int(std::string_view)> condition;
     size_t bytesRead = 0;
 };
 
@@ -89,6 +91,8 @@ bool osl_Lines::Stream::open(const char *path)
         isGood = text.data() != nullptr;
         myText = text;
     }
+    if (myText.compare(0, 3, "\xef\xbb\xbf") == 0) // the mark of UTF-8
+        myText.erase(0, 3);
     myManager.bytesRead += myText.size();
     isGood = isGood && myManager.bytesRead <= MAX_TOTAL_BYTES;
     return isGood;
@@ -135,6 +139,11 @@ void osl_Lines::define(const std::string &definition)
 void osl_Lines::setFileRule(osl_FileRule rule)
 {
     myManager->mayRead = std::move(rule);
+}
+
+void osl_Lines::setConditionRule(std::function<int(std::string_view)> rule)
+{
+    myManager->condition = std::move(rule);
 }
 
 bool osl_Lines::openFile(const std::string &path)

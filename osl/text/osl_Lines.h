@@ -25,6 +25,10 @@ public:
     void define(const std::string &definition); // "NAME" or "NAME=VALUE"
     void setFileRule(osl_FileRule rule);
 
+    // What an #if is worth: 1, 0, or -1 for a syntax error. Asked in the order of the
+    // lines, when all lines in front of it were handed out.
+    void setConditionRule(std::function<int(std::string_view)> rule);
+
     // One of the two, before lines are asked for. False when the file cannot be read.
     [[nodiscard]] bool openFile(const std::string &path);
     void openText(const std::string &text, const std::string &name);

@@ -1,5 +1,6 @@
 #include "osl/text/osl_Preprocessor.h"
 
+#include "osl/text/osl_Condition.h"
 #include "osl/text/osl_Lexer.h"
 
 #include <algorithm>
@@ -7,12 +8,23 @@
 osl_Preprocessor::osl_Preprocessor(osl_Lines &lines, osl_Messages &messages)
     : myLines(lines), myMessages(messages)
 {
+    myLines.setConditionRule([this](std::string_view text) { return conditionValue(text); });
 }
 
 std::string_view osl_Preprocessor::keep(std::string text)
 {
+    myBytes += text.size();
+    if (myBytes > MAX_BYTES)
+        giveUp();
     myTexts.push_back(std::move(text));
     return myTexts.back();
+}
+
+void osl_Preprocessor::giveUp()
+{
+    if (!isEnd)
+        myMessages.error(myPlace, "too much text");
+    isEnd = hasGivenUp = true;
 }
 
 // ---- Lines and directives -------------------------------------------------
@@ -54,8 +66,32 @@ void osl_Preprocessor::doDirective(const Tokens &line, std::string_view text)
         myMessages.error(myPlace, text.substr(text.find("error") + 5));
     else if (word == "warning")
         myMessages.warning(myPlace, text.substr(text.find("warning") + 7));
-    else if (word != "ident")
+    else if (word != "ident" && line[1].kind != osl_Token::NUMBER)
         myMessages.error(myPlace, "invalid preprocessing directive");
+}
+
+// "defined" is answered before names are expanded.
+int osl_Preprocessor::conditionValue(std::string_view text)
+{
+    Tokens line;
+    osl_appendTokens(keep(std::string(text)), myPlace, line);
+    Tokens answered;
+    for (size_t i = 0; i < line.size(); ++i) {
+        answered.push_back(line[i]);
+        if (!line[i].isName("defined"))
+            continue;
+        const bool isBracketed =
+            i + 3 < line.size() && line[i + 1].is(osl_punct("(")) && line[i + 3].is(osl_punct(")"));
+        const size_t named = i + (isBracketed ? 2 : 1);
+        if (named >= line.size() || line[named].kind != osl_Token::NAME)
+            return -1;
+        const auto found = myMacros.find(line[named].text);
+        const bool isDefined = found != myMacros.end() && found->second.isDefined;
+        answered.back().kind = osl_Token::NUMBER;
+        answered.back().text = isDefined ? "1" : "0";
+        i = named + (isBracketed ? 1 : 0);
+    }
+    return osl_Condition(expandArgument(answered)).value();
 }
 
 void osl_Preprocessor::doDefine(const Tokens &line)
@@ -142,11 +178,8 @@ void osl_Preprocessor::freeze(osl_Token &token)
 
 bool osl_Preprocessor::takeRaw(osl_Token &token)
 {
-    if (++mySteps > MAX_TOKENS * 4) {
-        if (!isEnd)
-            myMessages.error(myPlace, "too much text");
-        isEnd = true;
-    }
+    if (++mySteps > MAX_TOKENS * 4)
+        giveUp();
     while (!isEnd && myFrames.size() > myFloor) {
         Frame &frame = myFrames.back();
         if (frame.next < frame.tokens.size()) {
@@ -393,7 +426,9 @@ std::vector<osl_Token> osl_Preprocessor::takeAll()
     Tokens out;
     drain(out);
     if (out.size() >= MAX_TOKENS)
-        myMessages.error(myPlace, "too much text");
+        giveUp();
+    if (hasGivenUp)
+        out.clear(); // half of it would only give errors of its own
     osl_Token end;
     end.place = myPlace;
     out.push_back(end);

@@ -44,7 +44,8 @@ private:
         Macro *macro = nullptr; // active until the frame ends
     };
 
-    static constexpr size_t MAX_TOKENS = 4000000;
+    static constexpr size_t MAX_TOKENS = 1000000;
+    static constexpr size_t MAX_BYTES = size_t(48) << 20; // of the texts of all tokens
     static constexpr size_t MAX_FRAMES = 400;
     static constexpr int MAX_ARGUMENT_DEPTH = 60;
 
@@ -53,6 +54,7 @@ private:
     void doDirective(const Tokens &line, std::string_view text);
     void doDefine(const Tokens &line);
     void doPragma(const Tokens &line, std::string_view text);
+    int conditionValue(std::string_view text);
 
     // Expansion
     bool takeRaw(osl_Token &token); // unexpanded, from the frames, then the lines
@@ -68,6 +70,7 @@ private:
     Tokens expandArgument(const Tokens &tokens);
     void drain(Tokens &out);
     std::string_view keep(std::string text);
+    void giveUp(); // there is too much of it
     static int parameterIndex(const Macro &macro, const osl_Token &token);
 
     osl_Lines &myLines;
@@ -80,6 +83,8 @@ private:
     size_t myNext = 0;
     osl_Place myPlace;
     size_t mySteps = 0;
+    size_t myBytes = 0;
     int myDepth = 0;
     bool isEnd = false;
+    bool hasGivenUp = false;
 };

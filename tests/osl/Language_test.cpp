@@ -139,6 +139,21 @@ TEST(Language, Functions)
          "shader t() { float twice(float a) { return 2 * a; } "
          "printf(\"%g\", twice(4)); }",
          "8"},
+        {"closures mix", "shader t() { printf(\"%s\", mix(emission(), transparent(), 0.25)); }",
+         "(0.75, 0.75, 0.75) * emission ()\n\t+ (0.25, 0.25, 0.25) * transparent ()"},
+        {"defaults that follow from others",
+         "shader t(float a = 2, color c = a * 2, float d[2] = {a, c[1]}, string s = "
+         "format(\"%g\", a)) { printf(\"%g %g %s\", c, d, s); }",
+         "4 4 4 2 4 2"},
+        {"constants by their defaults",
+         "shader t(float a = 1, color c = 2) { printf(\"%d %d %d\", isconstant(a + 1), "
+         "isconstant(c), isconstant(u)); }",
+         "1 1 0"},
+        {"arrays of structs",
+         "struct S { float a; color c[2]; }; shader t(S p[2] = {{1, {2, 3}}, {4, {5, 6}}}) { "
+         "S q[2]; q = p; q[1].c[1][2] = 9; int i = (int)(u * 2); "
+         "printf(\"%g %g\", q[i].c, p[i].a); }",
+         "5 5 5 6 6 9 4"},
         {"structs",
          "struct S { color c; float a[2]; }; S f(S s) { S r = s; r.a[1] = 7; return r; } "
          "shader t() { S s = {{1, 2, 3}, {4, 5}}; s = f(s); printf(\"%g %g\", s.c, s.a); }",
@@ -187,9 +202,20 @@ TEST(Language, Preprocessor)
          "#define P(f, ...) printf(f, __VA_ARGS__)\nshader t() { P(\"%d%d\", 1, 2); }", "12"},
         {"a macro's own name", "#define x x + 1\nshader t(int y = 1) { }", ""},
         {"conditions",
-         "#if defined(FOO) || M_PI\n#endif\n#if OSL_VERSION >= 10900\n"
+         "#if defined(FOO) || OSL_VERSION\n#endif\n#if OSL_VERSION >= 10900\n"
          "shader t() { printf(\"new\"); }\n#else\n#endif",
          "new"},
+        {"defined without brackets",
+         "#define A\n#if defined A && !defined B\nshader t() { "
+         "printf(\"ok\"); }\n#endif",
+         "ok"},
+        {"functions in conditions",
+         "#define BIG(x) ((x) > 2 ? 1 : 0)\n#if BIG(3) && 1 << 2 == 4 && 0xfUL == 017\n"
+         "shader t() { printf(\"ok\"); }\n#endif",
+         "ok"},
+        {"what && does not reach may divide by 0",
+         "#define Z 0\n#if Z && 1 / Z\n#else\nshader t() { printf(\"ok\"); }\n#endif", "ok"},
+        {"the mark of UTF-8", "\xef\xbb\xbfshader t() { printf(\"ok\"); }", "ok"},
         {"lines", "\n\nshader t() { printf(\"%d\", __LINE__); }", "3"},
         {"arguments on several lines",
          "#define F(a, b) a + b\nshader t() { printf(\"%d\", F(1,\n 2)); }", "3"},
