@@ -88,21 +88,34 @@ std::vector<std::string_view> vk_SceneReader::words()
 
 bool vk_SceneReader::read(std::FILE *file)
 {
-    while (myMessages.size() < MOST_MESSAGES && readLine(file)) {
+    std::size_t skipped = 0;
+    while (skipped < MOST_SKIPPED && readLine(file)) {
         ++myLineNumber;
-        if (myLine.size() > LONGEST_LINE) {
-            report("expected a line of at most a million bytes");
-            break;
+        skipped += isGivenUp ? myLine.size() + 1 : 0;
+        if (isGivenUp)
+            takeName();
+        else
+            takeLine();
+        if (!isGivenUp && myMessages.size() >= MOST_MESSAGES) {
+            report("too many errors, reading stopped");
+            isGivenUp = true;
         }
-        takeLine();
     }
     if (std::ferror(file) != 0)
         report(std::string("cannot be read: ") + std::strerror(errno));
     if (myMessages.empty())
         checkWhole();
-    if (myMessages.size() >= MOST_MESSAGES)
-        report("too many errors, reading stopped");
     return myMessages.empty();
+}
+
+// Of a scene that is not drawn only the picture's name counts, for the messages. It may
+// come late: the text in front of it is somebody else's.
+void vk_SceneReader::takeName()
+{
+    std::string name, ignored;
+    if (myLine.compare(0, 8, "picture ") == 0 && vk_fileName(myLine, name, ignored) &&
+        vk_isPictureName(name))
+        myScene->picture = name;
 }
 
 // One line without its newline, or as much of it as shows that it is too long.
@@ -119,6 +132,11 @@ bool vk_SceneReader::readLine(std::FILE *file)
 
 void vk_SceneReader::takeLine()
 {
+    if (myLine.size() > LONGEST_LINE) {
+        report("expected a line of at most a million bytes");
+        isGivenUp = true;
+        return;
+    }
     if (myEnded) {
         checkBehindEnd();
         return;
@@ -220,8 +238,11 @@ void vk_SceneReader::loadShaders()
 void vk_SceneReader::checkBehindEnd()
 {
     const std::size_t first = myLine.find_first_not_of(" \t\r\v\f");
-    if (first != std::string::npos)
-        report("expected nothing behind 'end', found " + vk_quoted(myLine.substr(first)));
+    if (first == std::string::npos)
+        return;
+    takeName();
+    isGivenUp = true;
+    report("expected nothing behind 'end', found " + vk_quoted(myLine.substr(first)));
 }
 
 // Puts the words behind the first into myNumbers, `least` to `most` of them.

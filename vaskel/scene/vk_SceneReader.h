@@ -37,6 +37,7 @@ public:
 
 private:
     static constexpr std::size_t MOST_MESSAGES = 10;
+    static constexpr std::size_t MOST_SKIPPED = 1 << 28; // bytes, behind which no name is looked for
     static constexpr std::size_t LONGEST_LINE = 1000000;
     static constexpr std::size_t LONGEST_SOURCE = 4 << 20; // of shaders, all together
 
@@ -61,6 +62,7 @@ private:
     void report(const std::string &message);
     void checkWhole();
     void checkBehindEnd();
+    void takeName();
 
     bool wrong(const std::string &message);
     bool takesNumbers(int least, int most, float smallest, float largest);
@@ -109,6 +111,7 @@ private:
     std::vector<std::string> myMessages; // without the file's name
     std::set<std::string> mySeen;        // words of statements used without `default`
     bool myEnded = false;
+    bool isGivenUp = false; // what comes is not obeyed any more
     State myState;
 
     // Shaders of the scene's own are loaded at the end, when the picture's name tells where
