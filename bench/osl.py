@@ -40,7 +40,7 @@ def long_shader(lines):
     """One of so many lines that do what shaders do."""
     body = ["    c += noise(\"perlin\", p * %d) * mix(color(.1, .2, .3), color(u, v, %g), .5);"
             % (i + 1, i / lines) for i in range(lines - 6)]
-    return "\n".join(["surface long(float size = 1)", "{", "    point p = P * size;",
+    return "\n".join(["surface lines(float size = 1)", "{", "    point p = P * size;",
                       "    color c = 0;"] + body + ["    Ci = c * diffuse(N);", "}"]) + "\n"
 
 
