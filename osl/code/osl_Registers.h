@@ -47,7 +47,8 @@ public:
     const Register &operator[](int reg) const { return myRegisters[static_cast<size_t>(reg)]; }
     int count() const { return static_cast<int>(myRegisters.size()); }
     int root(int reg) const { return (*this)[reg].parent < 0 ? reg : (*this)[reg].parent; }
-    bool isConstant(int reg) const { return (*this)[reg].kind == CONSTANT; }
+    // An argument that is not there (-1) is none.
+    bool isConstant(int reg) const { return reg >= 0 && (*this)[reg].kind == CONSTANT; }
     const int *data(int reg) const { return &myData[static_cast<size_t>((*this)[reg].data)]; }
     const std::vector<int> &allData() const { return myData; }
 
