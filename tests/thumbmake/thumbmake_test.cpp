@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#ifdef HAS_VASKEL
 namespace
 {
 // A library of two good palettes and one that is none, in a folder with a blank.
@@ -38,6 +39,8 @@ TEST(Thumbmake, RunsFollowTheirTable)
     expectTable(TEST_DATA "/data/runs",
                 {{"bash", [](const char *in) { return Library().told(in); }}});
 }
+
+#endif
 
 TEST(Text, QuotesKeepNamesWhole)
 {
