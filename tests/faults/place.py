@@ -42,10 +42,14 @@ class Programs:
 Run = collections.namedtuple("Run", "status out err hits call argument")
 
 
-def tools():
-    """The tracer and the preloaded library: always those of this tree."""
+def tools(folder):
+    """The tracer and the preloaded library: always those of this tree. The library is copied
+    to the folder, since a blank in its path would end its name for the loader."""
     build = os.environ.get("FAULTS_TOOLS", os.path.join(ROOT, "build", "release"))
-    return os.path.join(build, "bin", "faults_trace"), os.path.join(build, "lib", "libfaults.so")
+    library = os.path.join(folder, "libfaults.so")
+    if not os.path.exists(library):
+        shutil.copy(os.path.join(build, "lib", "libfaults.so"), library)
+    return os.path.join(build, "bin", "faults_trace"), library
 
 
 def state(path):
@@ -142,7 +146,7 @@ class Place:
 
     def run_hindered(self, command, program, fault, **options):
         """`fault`: ("memory", "N" or "N+") or a call, its number and what happens to it."""
-        tracer, library = tools()
+        tracer, library = tools(os.path.dirname(self.root))
         if os.path.exists(self.report):
             os.remove(self.report)
         more = {"LD_PRELOAD": library, "FAULTS_PROGRAM": program}

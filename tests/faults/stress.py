@@ -4,6 +4,7 @@ import itertools
 import os
 import random
 import resource
+import shlex
 import signal
 import subprocess
 import threading
@@ -83,7 +84,7 @@ def hostile_batch(folder, programs, seed, count):
     texts = list(seeds())
     place = Place(os.path.join(folder, "hostile%d" % seed), programs)
     os.remove(place.file("../bin/vaskel"))
-    place.write("../bin/vaskel", CALM % os.path.join(programs.bin, "vaskel"))
+    place.write("../bin/vaskel", CALM % shlex.quote(os.path.join(programs.bin, "vaskel")))
     os.chmod(place.file("../bin/vaskel"), 0o755)
     place.before = place.snapshot()
     names = []

@@ -202,7 +202,7 @@ TEST(OtherRenderersLevels, AreThoseOfTheStudio)
     for (const auto &c : cases) {
         const std::string name = " STUDIO_" + c.light, start = name + "_START";
         const std::string text = preprocessed(
-            "-P -D" + c.shown + "_SHADER -I" SOURCE_DIR "/share/veldrin/shop/palette",
+            "-P -D" + c.shown + "_SHADER -I'" SOURCE_DIR "/share/veldrin/shop/palette'",
             "#include \"shadeball.inc\"\n#include \"levels.inc\"\n" + name + ' ' + c.aim + name +
                 "_LEVEL" + start + "_LEVEL" + start + name + "_STOP" + name + "_POWER\n");
         std::istringstream in(text);
