@@ -5,6 +5,7 @@ import shutil
 import signal
 import stat
 import subprocess
+import threading
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(os.path.dirname(HERE))
@@ -48,7 +49,9 @@ def tools(folder):
     build = os.environ.get("FAULTS_TOOLS", os.path.join(ROOT, "build", "release"))
     library = os.path.join(folder, "libfaults.so")
     if not os.path.exists(library):
-        shutil.copy(os.path.join(build, "lib", "libfaults.so"), library)
+        whole = "%s-%d" % (library, threading.get_ident())
+        shutil.copy(os.path.join(build, "lib", "libfaults.so"), whole)
+        os.replace(whole, library)
     return os.path.join(build, "bin", "faults_trace"), library
 
 
