@@ -269,6 +269,20 @@ def without_memory(place, program, command, step):
         place.reset()
 
 
+@row("6 nor does vcpp with an output file")
+def signals_of_vcpp(place):
+    wrong = []
+    for number, call in itertools.product((10, 14, 15, 24), range(1, 200, 3)):
+        run = place.run_hindered(["vcpp", "-o", "out", "main.in"], "vcpp",
+                                 ("any", call, "signal %d" % number))
+        if run.hits == 0:
+            continue
+        wrong += ["signal %d at %d: %s" % (number, call, change)
+                  for change in place.changes(["work/out"])]
+        place.reset()
+    return wrong
+
+
 @row("6 nor does a renderer without memory")
 def renderer_without_memory(place):
     return without_memory(place, "vaskel", ["vaskel", "scene"], 11)
