@@ -6,5 +6,5 @@ cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh python3
 cmake --preset release >/dev/null
-cmake --build --preset release --target vcpp thumbrender vaskel faults faults_trace
+cmake --build --preset release --target vcpp thumbrender vaskel thumbmake faults faults_trace
 exec tests/faults/faults.py "$@"

@@ -76,10 +76,12 @@ class Place:
         self.files = {"x.palette": PALETTE % extra}  # what is not as always
         self.work = os.path.join(root, "work")
         self.report = root + ".report"
+        self.cache = root + ".cache"  # what thumbmake remembers
         self.reset()
 
     def reset(self):
-        shutil.rmtree(self.root, ignore_errors=True)
+        for folder in (self.root, self.cache):
+            shutil.rmtree(folder, ignore_errors=True)
         for folder in ("work", "home/veldrin9.0", "bin"):
             os.makedirs(os.path.join(self.root, folder))
         shutil.copytree(self.programs.share, os.path.join(self.root, "share"))
@@ -127,7 +129,7 @@ class Place:
     def environment(self):
         return {"PATH": os.path.join(self.root, "bin") + ":/usr/bin:/bin",
                 "HOME": os.path.join(self.root, "home"), "VELDRIN_MAXTHREADS": "1",
-                "VDX": os.path.join(self.root, "share")}
+                "XDG_CACHE_HOME": self.cache, "VDX": os.path.join(self.root, "share")}
 
     def start(self, command, more=None, **options):
         options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE,

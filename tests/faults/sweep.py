@@ -42,6 +42,7 @@ JOBS = [
     Job("vaskel, under it", "vaskel", ["thumbrender", "x.palette"], "x.jpg", None, False),
     Job("vaskel", "vaskel", ["vaskel", "scene"], "x.jpg", None, False),
     Job("vaskel -", "vaskel", ["vaskel", "-"], "x.jpg", "scene", False),
+    Job("thumbmake", "thumbmake", ["thumbmake", "x.palette"], "x.jpg", None, False),
 ]
 TABLE = "%-27s %-9s %6d %5d  %s"
 MOST_SHOWN = 20 # wrong places of a row
@@ -111,7 +112,7 @@ class Sweep:
         if run.status < 0 and not (is_signal and run.status == -int(fault[-1].split()[1])):
             wrong.append("ends by signal %d" % -run.status)
         elif not is_signal:
-            wrong += self.judge_status(run, right)
+            wrong += self.judge_status(run, fault, right)
         if not (right or is_signal or run.err.strip() or self.is_message_lost(run, fault)):
             wrong.append("no message")
         # What could not be removed stays.
@@ -125,12 +126,13 @@ class Sweep:
         """What was hindered is the message, or all that is written from then on."""
         return run.call == "write" and (run.argument == 2 or "+" in fault[-1] or "cut" in fault[-1])
 
-    def judge_status(self, run, right):
+    def judge_status(self, run, fault, right):
         if self.job.command[0] == "thumbrender":
             return [] if run.status in (0, 1) else ["status %d" % run.status]
         documented = (0,) if right else (1, 2) if self.job.program == "vcpp" else (1,)
         # An error behind the last byte is told as well.
-        if run.status in documented or (right and run.status == 1 and run.err):
+        told = run.err or self.is_message_lost(run, fault)
+        if run.status in documented or (right and run.status == 1 and told):
             return []
         return ["status %d" % run.status]
 
@@ -142,7 +144,8 @@ class Sweep:
             found = self.judge(run, fault)
             if found:
                 wrong.append((fault, found))
-            if self.place.changes():
+            # thumbmake remembers what it has done, whether or not there is a picture.
+            if self.job.program == "thumbmake" or self.place.changes():
                 self.place.reset()
             if run.hits == 0:
                 return number, wrong
@@ -174,7 +177,7 @@ def sweep_row(sweeps, job, call, whats, step):
     names, places, wrong = [], 0, []
     for name, what in whats:
         count, found = sweeps.of(job).sweep(call, what, step)
-        if count == 0:
+        if count == 0 and not found:
             return [], 0
         names.append(name)
         places += count

@@ -145,10 +145,15 @@ void changeArguments(user_regs_struct &registers, Process &process, const Fault 
     const bool isCut = fault.what == "cut" && fault.seen == fault.number;
     if (isCut) {
         registers.rdx = std::min(registers.rdx, fault.most);
-    } else if (fault.what.rfind("short", 0) == 0) {
+    } else if (fault.what == "short") {
         registers.rdx = std::min(registers.rdx, 1ULL);
+    } else if (fault.what == "short+") {
+        // Not a byte each: a program of megabytes would take minutes.
+        registers.rdx = std::max(registers.rdx / 64, 1ULL);
     } else if (registers.orig_rax == SYS_brk) {
         registers.rdi = 0; // it has no error, but tells where memory still ends
+    } else if (registers.orig_rax == SYS_close) {
+        process.error = fault.value; // the descriptor is released, whatever it says
     } else {
         registers.orig_rax = static_cast<unsigned long long>(-1);
         process.error = fault.value;
