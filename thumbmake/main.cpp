@@ -19,7 +19,6 @@
 #include <set>
 #include <thread>
 
-#include <linux/close_range.h>
 #include <unistd.h>
 
 namespace
@@ -41,8 +40,8 @@ int print(const std::string &text)
 // What is said goes to ninja behind tabs, which tells it from the rest of its lines.
 int runJob(const std::vector<std::string> &words)
 {
-    // The cache's lock is for us, not for what a renderer leaves behind.
-    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    // The cache's lock is thumbmake's and ninja's: a job that outlives them hinders nobody.
+    close_range(STDERR_FILENO + 1, ~0U, 0);
     tm_Recipe recipe;
     std::string text;
     if (words.size() != 6 || !tm_readFile(words[0], text) || !tm_parseRecipe(text, recipe))

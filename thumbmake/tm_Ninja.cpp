@@ -30,7 +30,7 @@ std::string rule(const std::string &cache, const std::string &recipeFile)
            "\n"
            "bar = |\n"
            "rule picture\n"
-           "  command = " +
+           "  command = exec " + // a shell that waits would keep the cache's lock
            tm_quoteForNinja(tm_quoteForShell(tm_findProgram("thumbmake")) + " --job " +
                             tm_quoteForShell(recipeFile)) +
            " $in $out $picture $name $state\n"

@@ -109,11 +109,37 @@ const Option *find(const std::string &word)
     return nullptr;
 }
 
+// A value in the option's own word: -j4, --size=64. False when there is none.
+bool splitValue(const std::string &word, std::string &name, std::string &value)
+{
+    const bool isLong = word[1] == '-';
+    const size_t end = isLong ? word.find('=') : 2;
+    if (end >= word.size())
+        return false;
+    name = word.substr(0, end);
+    value = word.substr(isLong ? end + 1 : end);
+    const Option *const option = find(name);
+    return option != nullptr && option->value != nullptr;
+}
+
+bool takeValue(const Option &option, const std::string &value, tm_Options &options,
+               std::string &error)
+{
+    if (option.handler(options, value))
+        return true;
+    error = std::string(option.name) + " expected " + option.value + " (" + option.what +
+            "), found '" + value + "'";
+    return false;
+}
+
 // Takes the option at `at`, and its value.
 bool takeOption(const std::vector<std::string> &words, size_t &at, tm_Options &options,
                 std::string &error)
 {
     const std::string &word = words[at];
+    std::string name, value;
+    if (splitValue(word, name, value))
+        return takeValue(*find(name), value, options, error);
     const Option *const option = find(word);
     if (option == nullptr) {
         error = "unknown option " + word;
@@ -121,14 +147,9 @@ bool takeOption(const std::vector<std::string> &words, size_t &at, tm_Options &o
     }
     if (option->value == nullptr)
         return option->handler(options, "");
-    if (++at == words.size()) {
-        error = word + " expected " + option->value + " behind it";
-        return false;
-    }
-    if (option->handler(options, words[at]))
-        return true;
-    error =
-        word + " expected " + option->value + " (" + option->what + "), found '" + words[at] + "'";
+    if (++at < words.size())
+        return takeValue(*option, words[at], options, error);
+    error = word + " expected " + option->value + " behind it";
     return false;
 }
 
