@@ -1,9 +1,12 @@
 #include "thumbmake/tm_Job.h"
 
-#include "UT/UT_Environment.h"
+#include "UT/UT_EnvControl.h"
 #include "UT/UT_MakeRule.h"
 #include "UT/UT_Process.h"
 #include "thumbmake/tm_Text.h"
+#include "thumbnail/PaletteHead.h"
+#include "thumbnail/ThumbDriver.h"
+#include "thumbnail/ThumbRenderer.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -112,6 +115,8 @@ public:
     // The rule for make is in rule() afterwards.
     tm_Result make()
     {
+        if (isElsewhere() && !isForVaskel())
+            return {false, "-o and --format go with vaskel, which does not draw this palette"};
         std::error_code ignored; // what comes next tells
         fs::create_directories(fs::path(myItem.stamp).parent_path(), ignored);
         fs::create_directories(fs::path(myItem.picture).parent_path(), ignored);
@@ -139,6 +144,29 @@ public:
     const std::string &rule() const { return myRule; }
 
 private:
+    // Not where renderers other than vaskel put it.
+    bool isElsewhere() const
+    {
+        return myRecipe.hasOutput || fs::path(myItem.picture).extension() != ".jpg";
+    }
+
+    // True for a palette that cannot be read, too: thumbrender says why.
+    bool isForVaskel() const
+    {
+        const auto &words = myRecipe.thumbrender;
+        const auto option = std::find(words.begin(), words.end(), "-r");
+        theRendererName = option != words.end()
+                              ? (option + 1)->c_str()
+                              : UT_EnvControl::instance().getString(ENV_VELDRIN_THUMB_RENDER);
+        PaletteHead head;
+        UT_String error;
+        if (!readPaletteHead(myItem.palette.c_str(), head, error))
+            return true;
+        const ThumbRenderer *const row =
+            chooseRenderer(head.vvaskelShader, head.ribShader, head.miShader);
+        return row == nullptr || row->myKind == THUMB_IFD;
+    }
+
     std::vector<std::string> command() const
     {
         std::vector<std::string> words = {tm_findProgram("thumbrender")};

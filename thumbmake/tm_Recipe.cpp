@@ -6,8 +6,10 @@
 #include "thumbmake/tm_Options.h"
 #include "thumbmake/tm_Text.h"
 
+#include <cstring>
 #include <filesystem>
 
+#include <link.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -37,6 +39,20 @@ std::string findOnPath(const std::string &name)
     return "";
 }
 
+// Our shared libraries that this program runs with; none when it was linked statically.
+std::vector<std::string> ownLibraries()
+{
+    std::vector<std::string> files;
+    const auto find = [](dl_phdr_info *info, size_t, void *found) {
+        for (const char *const name : {"/libUT.so", "/libCPP.so"})
+            if (std::strstr(info->dlpi_name, name) != nullptr)
+                static_cast<std::vector<std::string> *>(found)->emplace_back(info->dlpi_name);
+        return 0;
+    };
+    dl_iterate_phdr(find, &files);
+    return files;
+}
+
 // A line of the text: a letter for the field, a blank, the word.
 constexpr char THUMBRENDER = 'T', VASKEL = 'V', OUTPUT = 'O', FINGERPRINT = 'F';
 } // namespace
@@ -54,6 +70,8 @@ std::string tm_fingerprint()
     };
     for (const char *const program : PROGRAMS)
         addFile(tm_findProgram(program));
+    for (const std::string &library : ownLibraries())
+        addFile(library);
     // thumbrender starts the one that PATH leads to; one beside it is the last resort.
     const std::string renderer = findOnPath("vaskel");
     addFile(renderer.empty() ? tm_findProgram("vaskel") : renderer);
