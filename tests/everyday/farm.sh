@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # A farm: a real Slurm of four nodes on this machine makes a library, and one of its nodes
-# dies in the middle. Then the same parts without a scheduler, through GNU parallel.
+# dies in the middle. Then the same parts without a scheduler: GNU parallel, on this machine
+# and over two servers of ssh on the loopback.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
-scripts/install-deps.sh slurmctld slurmd slurm-client munge parallel
+scripts/install-deps.sh slurmctld slurmd slurm-client munge parallel openssh-server openssh-client
 cmake --preset release >/dev/null
 cmake --build --preset release --target thumbmake thumbrender vaskel
 . build/release/env.sh
@@ -96,6 +97,39 @@ for folder, _, files in os.walk(sys.argv[1]):
 END
 }
 
+# Two machines that see the same files, with the settings of the build tree.
+start_ssh() {
+    local port
+    ssh-keygen -q -t ed25519 -N '' -f "$farm/id"
+    mkdir -p /run/sshd
+    for port in 17011 17012; do
+        ssh-keygen -q -t ed25519 -N '' -f "$farm/host$port"
+        cat >"$farm/sshd$port" <<END
+ListenAddress 127.0.0.1:$port
+HostKey $farm/host$port
+AuthorizedKeysFile $farm/id.pub
+StrictModes no
+UsePAM no
+PidFile $farm/sshd$port.pid
+SetEnv PATH=$PATH VDX=$VDX XDG_CACHE_HOME=$XDG_CACHE_HOME
+END
+        /usr/sbin/sshd -f "$farm/sshd$port" -E "$farm/sshd$port.log"
+        cat >>"$farm/ssh" <<END
+Host m$port
+HostName 127.0.0.1
+Port $port
+END
+    done
+    cat >>"$farm/ssh" <<END
+Host *
+IdentityFile $farm/id
+IdentitiesOnly yes
+StrictHostKeyChecking no
+UserKnownHostsFile /dev/null
+LogLevel ERROR
+END
+}
+
 start_slurm
 library "$farm/lib" 300
 kill_node &
@@ -113,3 +147,11 @@ whole "$farm/other"
 { thumbmake --size 64 --quality draft "$farm/other" 2>/dev/null || true; } | tail -n 1 |
     grep -q '^40 made, 1 failed, 0 up to date$'
 echo "GNU parallel: all pictures made"
+
+start_ssh
+library "$farm/third" 40
+export PARALLEL_SSH="ssh -F $farm/ssh" PARALLEL="--sshlogin m17011,m17012 -j1"
+eval "$(thumbmake --size 64 --quality draft --submit parallel "$farm/third")" || true
+whole "$farm/third"
+for port in 17011 17012; do grep -q 'Accepted publickey' "$farm/sshd$port.log"; done
+echo "GNU parallel over ssh: all pictures made"
