@@ -1,9 +1,11 @@
 #include "UT/UT_SafeFile.h"
 
+#include "UT/UT_SignalPause.h"
+
 #include <cerrno>
 #include <climits>
-#include <csignal>
 #include <cstdlib>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,6 +13,8 @@
 
 namespace
 {
+constexpr mode_t GROUP_SHIFT = 3; // from the bits of others to those of the group
+
 mode_t newFileMode()
 {
     const mode_t mask = umask(0);
@@ -34,6 +38,34 @@ std::string nameBeside(const std::string &target, const std::string &end)
 bool isDevice(const std::string &name)
 {
     return name.compare(0, 5, "/dev/") == 0 || name.compare(0, 6, "/proc/") == 0;
+}
+
+// What is there; no mode at all when nothing is. False, and errno, when that cannot be told.
+bool look(const std::string &name, struct stat &there)
+{
+    there = {};
+    return lstat(name.c_str(), &there) == 0 || errno == ENOENT;
+}
+
+// `made` is what the new file is by itself. The old file's bits were given to its owner and
+// to its group: another owner's mean nothing here, and another group gets no more than
+// everybody.
+mode_t permissions(const struct stat &old, const struct stat &made)
+{
+    if (!S_ISREG(old.st_mode) || old.st_uid != made.st_uid)
+        return newFileMode();
+    const mode_t bits = old.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
+    if (old.st_gid == made.st_gid)
+        return bits;
+    return bits & (~static_cast<mode_t>(S_IRWXG) | (bits & S_IRWXO) << GROUP_SHIFT);
+}
+
+// Of the file that `file` shall replace.
+bool givePermissions(int file, const std::string &target)
+{
+    struct stat old, made;
+    return look(target, old) && fstat(file, &made) == 0 &&
+           fchmod(file, permissions(old, made)) == 0;
 }
 } // namespace
 
@@ -80,49 +112,103 @@ bool UT_SafeFile::nameFile(int file)
     return true;
 }
 
-FILE *UT_SafeFile::open()
+bool UT_SafeFile::fail(const char *what)
 {
-    struct stat there = {};
-    const bool exists = stat(myTarget.c_str(), &there) == 0;
-    if (isDevice(myTarget) || (exists && !S_ISREG(there.st_mode)))
-        return myStream = std::fopen(myTarget.c_str(), "we");
-    // Who may not write the file shall not replace it either.
-    if (exists && access(myTarget.c_str(), W_OK) != 0)
-        return nullptr;
-    char resolved[PATH_MAX];
-    if (exists && realpath(myTarget.c_str(), resolved) != nullptr)
-        myTarget = resolved;
+    const int code = errno;
+    myError = std::string(what) + ": " + std::strerror(code);
+    errno = code;
+    return false;
+}
 
+bool UT_SafeFile::isWritable()
+{
+    struct stat there;
+    if (!look(myTarget, there))
+        return fail("cannot write");
+    if (there.st_mode != 0 && !S_ISREG(there.st_mode) && !S_ISLNK(there.st_mode)) {
+        myError = "cannot replace what is there: not a regular file";
+        errno = EEXIST;
+        return false;
+    }
+    const std::string folder = folderOf(myTarget);
+    const char *const place = folder.empty() ? "." : folder.c_str();
+    return faccessat(AT_FDCWD, place, W_OK | X_OK, AT_EACCESS) == 0 || fail("cannot write");
+}
+
+FILE *UT_SafeFile::openAsItIs()
+{
+    return myStream = std::fopen(myTarget.c_str(), "we");
+}
+
+FILE *UT_SafeFile::openNew()
+{
     const int file = openBeside();
     if (file < 0)
         return nullptr;
-    const mode_t bits = S_IRWXU | S_IRWXG | S_IRWXO;
-    static_cast<void>(!fchmod(file, exists ? there.st_mode & bits : newFileMode()));
     isReplacing = true;
-    myStream = fdopen(file, "w");
-    if (myStream == nullptr)
+    myStream = givePermissions(file, myTarget) ? fdopen(file, "w") : nullptr;
+    if (myStream == nullptr) {
+        const int code = errno;
         close(file);
+        errno = code;
+    }
     return myStream;
+}
+
+FILE *UT_SafeFile::open()
+{
+    if (myLinks == REPLACE_LINKS) {
+        if (isWritable() && openNew() == nullptr)
+            fail("cannot write");
+        return myStream;
+    }
+    struct stat there = {};
+    const bool exists = stat(myTarget.c_str(), &there) == 0;
+    // Who may not write the file shall not replace it either.
+    const bool mayWrite = !exists || access(myTarget.c_str(), W_OK) == 0;
+    char resolved[PATH_MAX];
+    if (isDevice(myTarget) || (exists && !S_ISREG(there.st_mode))) {
+        openAsItIs();
+    } else if (mayWrite) {
+        if (exists && realpath(myTarget.c_str(), resolved) != nullptr)
+            myTarget = resolved;
+        openNew();
+    }
+    if (myStream == nullptr)
+        fail("cannot write");
+    return myStream;
+}
+
+// Closes in any case.
+bool UT_SafeFile::finish()
+{
+    bool isGood = std::fflush(myStream) == 0 && std::ferror(myStream) == 0;
+    if (isGood && isReplacing && myTemporary.empty())
+        isGood = nameFile(fileno(myStream));
+    const int code = errno;
+    const bool isClosed = std::fclose(myStream) == 0;
+    myStream = nullptr;
+    if (!isGood)
+        errno = code;
+    return isGood && isClosed;
 }
 
 bool UT_SafeFile::commit()
 {
-    // From here to the rename the file has a name; signals wait as long.
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, &before);
-    bool isGood = std::fflush(myStream) == 0 && std::ferror(myStream) == 0;
-    if (isGood && isReplacing && myTemporary.empty())
-        isGood = nameFile(fileno(myStream));
-    isGood = std::fclose(myStream) == 0 && isGood;
-    myStream = nullptr;
-    if (isGood && isReplacing)
+    const UT_SignalPause pause; // from here to the rename the file has a name
+    const char *what = "cannot write";
+    bool isGood = finish();
+    if (isGood && isReplacing) {
+        what = "cannot replace";
         isGood = std::rename(myTemporary.c_str(), myTarget.c_str()) == 0;
-    const int code = errno;
-    if (isGood)
+    }
+    if (isGood) {
         myTemporary.clear();
+        return true;
+    }
+    fail(what);
+    const int code = errno;
     removeTemporary();
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
     errno = code;
-    return isGood;
+    return false;
 }

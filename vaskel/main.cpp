@@ -1,8 +1,9 @@
 // vaskel: draws the scene of a file or of standard input.
 #include "UT/UT_MakeRule.h"
 #include "UT/UT_Process.h"
+#include "UT/UT_SafeFile.h"
+#include "UT/UT_SignalPause.h"
 #include "vaskel/file/vk_Picture.h"
-#include "vaskel/file/vk_SafeFile.h"
 #include "vaskel/params/vk_Nearest.h"
 #include "vaskel/scene/vk_SceneReader.h"
 #include "vaskel/scene/vk_ShaderList.h"
@@ -122,10 +123,20 @@ void applyOptions(const vk_Options &options, vk_Scene &scene)
     scene.height = std::max(1, scene.height * options.size / longer);
 }
 
+bool write(const std::vector<std::uint8_t> &bytes, UT_SafeFile &file)
+{
+    const UT_SignalPause pause; // where even a file that is being written has a name
+    std::FILE *const out = file.open();
+    if (out == nullptr)
+        return false;
+    std::fwrite(bytes.data(), 1, bytes.size(), out);
+    return file.commit();
+}
+
 int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
 {
     // The place is tried before the work is done.
-    vk_SafeFile file(scene.picture);
+    UT_SafeFile file(scene.picture, UT_SafeFile::REPLACE_LINKS);
     vk_Film film;
     std::vector<std::uint8_t> bytes;
     std::string error;
@@ -141,7 +152,7 @@ int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
     const double start = vk_seconds();
     if (!vk_encode(film, encoded, scene.comment, bytes, error))
         return fail(error);
-    if (!file.write(bytes.data(), bytes.size()))
+    if (!write(bytes, file))
         return fail(file.error());
     stats.writing = vk_seconds() - start;
     return 0;

@@ -2,7 +2,6 @@
 #include "tests/support/Cases.h"
 #include "tests/support/ProgramRun.h"
 #include "tests/support/ScratchDirectory.h"
-#include "vaskel/file/vk_SafeFile.h"
 
 #include <gmock/gmock.h>
 
@@ -10,7 +9,6 @@
 #include <filesystem>
 #include <thread>
 
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -92,53 +90,4 @@ TEST(Vaskel, SignalsEndItWithoutLeavingAFile)
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == number) << number;
         EXPECT_TRUE(folder.isUntouched());
     }
-}
-
-namespace
-{
-// What becomes of p.jpg: its permissions, or what error() says, after `command` laid the
-// old one out.
-std::string written(const std::string &command)
-{
-    const ScratchDirectory folder;
-    folder.write("other", "other");
-    runLine("umask 022; " + command, {"PATH=/usr/bin:/bin"}, folder.path());
-    vk_SafeFile file(folder.path("p.jpg"));
-    const bool good = file.isWritable() && file.write("after", 5);
-    EXPECT_EQ("other", fileContents(folder.path("other")));
-    if (!good)
-        return file.error();
-    EXPECT_EQ("after", fileContents(folder.path("p.jpg")));
-    struct stat info = {};
-    lstat(folder.path("p.jpg").c_str(), &info);
-    char octal[16];
-    std::snprintf(octal, sizeof octal, "%o", info.st_mode);
-    return octal;
-}
-} // namespace
-
-TEST(SafeFile, ReplacesFilesAndLinksByTheirRules)
-{
-    const mode_t mask = umask(022);
-    const struct {
-        const char *what, *before, *after;
-    } cases[] = {
-        {"nothing there", "true", "100644"},
-        {"permissions stay", "echo >p.jpg; chmod 640 p.jpg", "100640"},
-        {"but no more than those", "echo >p.jpg; chmod 6777 p.jpg", "100777"},
-        {"a link goes, its target stays", "ln -s other p.jpg", "100644"},
-        {"a dangling link too", "ln -s none p.jpg", "100644"},
-        {"a link to itself too", "ln -s p.jpg p.jpg", "100644"},
-        {"a folder stays", "mkdir p.jpg", "cannot replace what is there: not a regular file"},
-        {"a pipe stays", "mkfifo p.jpg", "cannot replace what is there: not a regular file"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(c.after, written(c.before));
-    }
-    if (geteuid() == 0) { // others' files are laid out by root only
-        EXPECT_EQ("100644", written("echo >p.jpg; chmod 6777 p.jpg; chown 65534 p.jpg"));
-        EXPECT_EQ("100644", written("echo >p.jpg; chgrp 65534 p.jpg; chmod 664 p.jpg"));
-    }
-    umask(mask);
 }
