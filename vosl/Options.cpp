@@ -7,14 +7,15 @@ const char Options::USAGE[] =
     "Usage: vosl [options] FILE.osl\n"
     "Compiles a shader, runs it at each point of a grid and prints what it prints.\n"
     "Options:\n"
-    "  -g W H                     Points of the grid (1 1)\n"
-    "  --center                   Take the middle of cells, not their corners\n"
-    "  -param NAME VALUE          A parameter's value; of a name the last one counts\n"
-    "  -param:type=TYPE NAME V,V  The same with its type, such as vector or float[5]\n"
-    "  -Ipath                     Look for include files there too\n"
-    "  -Dname[=value]             Define a macro\n"
-    "  --info                     Print type, parameters, defaults and metadata\n"
-    "  --time                     Print how fast it was\n"
+    "  -g W H             Points of the grid (1 1)\n"
+    "  --center           Take the middle of cells, not their corners\n"
+    "  -param NAME VALUE  A parameter's value; of a name the last one counts\n"
+    "                     -param:type=vector NAME 1,2,3 gives its type, float[5] for arrays\n"
+    "  -I path            Look for include files there too\n"
+    "  -D name[=value]    Define a macro\n"
+    "  --info             Print type, parameters, defaults and metadata\n"
+    "  --time             Print how fast it was\n"
+    "  --help             Print this text and end\n"
     "Status: 0; 1 for a shader that does not compile; 2 for bad usage.\n";
 
 namespace
