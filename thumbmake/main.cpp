@@ -69,12 +69,12 @@ public:
     int run()
     {
         std::error_code gone; // every relative path needs it, the jobs' shells too
-        static_cast<void>(std::filesystem::current_path(gone));
+        const std::string here = std::filesystem::current_path(gone);
         if (gone)
             return fail("the working folder: " + gone.message());
         if (!myCache.open())
             return fail(myCache.error());
-        myLibrary = tm_findPalettes(myOptions, myCache.folder());
+        myLibrary = tm_findPalettes(myOptions, here, myCache.folder());
         for (const std::string &problem : myLibrary.problems)
             std::fprintf(stderr, "%s\n", problem.c_str());
         const std::string recipe = tm_recipeText(tm_makeRecipe(myOptions));

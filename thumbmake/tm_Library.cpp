@@ -24,8 +24,9 @@ bool isPalette(const std::string &name)
 class Search
 {
 public:
-    Search(const tm_Options &options, const std::string &cache, tm_Library &library)
-        : myOptions(options), myCache(cache), myLibrary(library)
+    Search(const tm_Options &options, const std::string &here, const std::string &cache,
+           tm_Library &library)
+        : myOptions(options), myHere(here), myCache(cache), myLibrary(library)
     {
     }
 
@@ -34,9 +35,9 @@ public:
         std::error_code error;
         const fs::file_status status = fs::status(input, error);
         if (fs::is_directory(status))
-            takeFolder(input, fs::absolute(input));
+            takeFolder(input, myHere / input);
         else if (fs::exists(status))
-            takePalette(input, fs::absolute(input), fs::path(input).filename());
+            takePalette(input, myHere / input, fs::path(input).filename());
         else
             report(input, error ? error.message() : "no such file or folder");
     }
@@ -90,8 +91,7 @@ private:
             return report(item.name, error ? error.message() : "a link that leads nowhere");
         item.picture = pictureOf(item.palette);
         if (!myOptions.output.empty())
-            item.picture =
-                (fs::absolute(myOptions.output) / pictureOf(mirrored)).lexically_normal();
+            item.picture = (myHere / myOptions.output / pictureOf(mirrored)).lexically_normal();
         if (!myPictures.insert(item.picture).second)
             return myPalettes.count(item.palette) != 0
                        ? void()
@@ -116,16 +116,18 @@ private:
     }
 
     const tm_Options &myOptions;
+    const fs::path myHere;
     const std::string &myCache;
     tm_Library &myLibrary;
     std::set<std::string> myPictures, myPalettes;
 };
 } // namespace
 
-tm_Library tm_findPalettes(const tm_Options &options, const std::string &cache)
+tm_Library tm_findPalettes(const tm_Options &options, const std::string &here,
+                           const std::string &cache)
 {
     tm_Library library;
-    Search search(options, cache, library);
+    Search search(options, here, cache, library);
     for (const std::string &input : options.inputs)
         search.take(input);
     return library;

@@ -21,8 +21,10 @@ struct tm_Library {
 
 // Looks at the inputs: files as they are, in folders all that ends in .palette, at any
 // depth, hidden folders and links to folders left out. A picture lies beside its palette,
-// or in the output folder as the palette in the folder named. Stamps go below `cache`.
+// or in the output folder as the palette in the folder named. Relative names begin at
+// `here`, stamps go below `cache`.
 //
 // Problems: an input that is not there, a folder that cannot be read, a name with control
 // characters, two palettes for one picture.
-tm_Library tm_findPalettes(const tm_Options &options, const std::string &cache);
+tm_Library tm_findPalettes(const tm_Options &options, const std::string &here,
+                           const std::string &cache);
