@@ -1,5 +1,6 @@
 #include "thumbmake/tm_Options.h"
 
+#include "UT/UT_OptionTable.h"
 #include "thumbmake/tm_Farm.h"
 #include "thumbmake/tm_Text.h"
 
@@ -12,17 +13,15 @@ constexpr int LARGEST_SIZE = 4096; // what vaskel draws as a square
 constexpr int MOST_JOBS = 10000;
 constexpr int MOST_CHUNKS = 1000000;
 
-using Handler = bool (*)(tm_Options &, const std::string &value);
-
 template <bool tm_Options::*FLAG, bool VALUE>
-bool set(tm_Options &options, const std::string &)
+bool set(tm_Options &options, const std::string &, std::string &)
 {
     options.*FLAG = VALUE;
     return true;
 }
 
 template <std::string tm_Options::*TEXT>
-bool take(tm_Options &options, const std::string &value)
+bool take(tm_Options &options, const std::string &value, std::string &)
 {
     options.*TEXT = value;
     return !value.empty() && !tm_hasControl(value);
@@ -36,24 +35,24 @@ bool parseNumber(const std::string &text, int least, int most, int &number)
 }
 
 template <int tm_Options::*NUMBER, int LEAST, int MOST>
-bool take(tm_Options &options, const std::string &value)
+bool take(tm_Options &options, const std::string &value, std::string &)
 {
     return parseNumber(value, LEAST, MOST, options.*NUMBER);
 }
 
-bool takeFormat(tm_Options &options, const std::string &value)
+bool takeFormat(tm_Options &options, const std::string &value, std::string &)
 {
     options.format = value;
     return value == "jpg" || value == "png";
 }
 
-bool takeEngine(tm_Options &options, const std::string &value)
+bool takeEngine(tm_Options &options, const std::string &value, std::string &)
 {
     options.submit = value;
     return tm_isEngine(value);
 }
 
-bool takeChunk(tm_Options &options, const std::string &value)
+bool takeChunk(tm_Options &options, const std::string &value, std::string &)
 {
     const size_t slash = value.find('/');
     return slash != value.npos &&
@@ -61,14 +60,7 @@ bool takeChunk(tm_Options &options, const std::string &value)
            parseNumber(value.substr(0, slash), 1, options.chunkCount, options.chunk);
 }
 
-struct Option {
-    const char *name;
-    const char *other; // name; null: none
-    const char *value; // what stands behind it; null: nothing
-    Handler handler;
-    const char *what;
-};
-constexpr Option OPTIONS[] = {
+constexpr UT_Option<tm_Options> ROWS[] = {
     {"-g", nullptr, "TYPE", take<&tm_Options::geometry>, "shape: sphere, grid, cylinder or teapot"},
     {"-b", nullptr, nullptr, set<&tm_Options::hasBackground, false>, "no background"},
     {"-s", nullptr, nullptr, set<&tm_Options::hasShadows, false>, "no shadows"},
@@ -101,57 +93,7 @@ constexpr Option OPTIONS[] = {
      "print the version and end"},
 };
 
-const Option *find(const std::string &word)
-{
-    for (const Option &option : OPTIONS)
-        if (word == option.name || (option.other != nullptr && word == option.other))
-            return &option;
-    return nullptr;
-}
-
-// A value in the option's own word: -j4, --size=64. False when there is none.
-bool splitValue(const std::string &word, std::string &name, std::string &value)
-{
-    const bool isLong = word[1] == '-';
-    const size_t end = isLong ? word.find('=') : 2;
-    if (end >= word.size())
-        return false;
-    name = word.substr(0, end);
-    value = word.substr(isLong ? end + 1 : end);
-    const Option *const option = find(name);
-    return option != nullptr && option->value != nullptr;
-}
-
-bool takeValue(const Option &option, const std::string &value, tm_Options &options,
-               std::string &error)
-{
-    if (option.handler(options, value))
-        return true;
-    error = std::string(option.name) + " expected " + option.value + " (" + option.what +
-            "), found '" + value + "'";
-    return false;
-}
-
-// Takes the option at `at`, and its value.
-bool takeOption(const std::vector<std::string> &words, size_t &at, tm_Options &options,
-                std::string &error)
-{
-    const std::string &word = words[at];
-    std::string name, value;
-    if (splitValue(word, name, value))
-        return takeValue(*find(name), value, options, error);
-    const Option *const option = find(word);
-    if (option == nullptr) {
-        error = "unknown option " + word;
-        return false;
-    }
-    if (option->value == nullptr)
-        return option->handler(options, "");
-    if (++at < words.size())
-        return takeValue(*option, words[at], options, error);
-    error = word + " expected " + option->value + " behind it";
-    return false;
-}
+constexpr UT_OptionTable<tm_Options> OPTIONS = ROWS;
 
 // What does not go together or is missing.
 const char *complaint(const tm_Options &options)
@@ -172,9 +114,9 @@ bool tm_parseOptions(const std::vector<std::string> &words, tm_Options &options,
     for (size_t i = 0; i < words.size(); ++i) {
         if (inOptions && words[i] == "--")
             inOptions = false;
-        else if (!inOptions || words[i].size() < 2 || words[i][0] != '-')
+        else if (!inOptions || !OPTIONS.isOption(words[i]))
             options.inputs.push_back(words[i]);
-        else if (!takeOption(words, i, options, error))
+        else if (!OPTIONS.take(words, i, options, error))
             return false;
     }
     if (options.wantsHelp || options.wantsVersion)
@@ -189,20 +131,10 @@ bool tm_parseOptions(const std::vector<std::string> &words, tm_Options &options,
 
 std::string tm_usage()
 {
-    std::string text = "Usage: thumbmake [options] FOLDER|FILE...\n"
-                       "Makes the pictures of palettes that are out of date.\n"
-                       "Options:\n";
-    for (const Option &option : OPTIONS) {
-        std::string left = "  ";
-        if (option.other != nullptr)
-            left += std::string(option.other) + ", ";
-        left += option.name;
-        if (option.value != nullptr)
-            left += std::string(" ") + option.value;
-        left.resize(std::max<size_t>(left.size() + 1, 21), ' ');
-        text += left + option.what + "\n";
-    }
-    return text + "Engines: " + tm_engineNames() +
+    return "Usage: thumbmake [options] FOLDER|FILE...\n"
+           "Makes the pictures of palettes that are out of date.\n"
+           "Options:\n" +
+           OPTIONS.help(21) + "Engines: " + tm_engineNames() +
            ".\n"
            "Status: 0; 1 when a picture could not be made; 2 for bad usage.\n"
            "What was made of what is remembered in $XDG_CACHE_HOME/veldrin/thumbmake, or\n"

@@ -1,6 +1,7 @@
 #include "vaskel/vk_Options.h"
 
 #include "UT/UT_Environment.h"
+#include "UT/UT_OptionTable.h"
 #include "vaskel/params/vk_Nearest.h"
 #include "vaskel/params/vk_Params.h"
 #include "vaskel/scene/vk_Line.h"
@@ -9,8 +10,6 @@
 
 namespace
 {
-using Handler = bool (*)(vk_Options &, const std::string &value, std::string &error);
-
 const char *const VARIABLE = "VELDRIN_VASKEL_OPTIONS";
 
 template <vk_Action Action>
@@ -53,22 +52,16 @@ bool takeLimit(vk_Options &options, const std::string &value, std::string &error
     return vk_parseNumber(value, "--limit", 0, vk_Options::LONGEST_LIMIT, options.limit, error);
 }
 
-bool takeOutput(vk_Options &options, const std::string &value, std::string &error)
+bool takeOutput(vk_Options &options, const std::string &value, std::string &)
 {
     options.output = value;
-    if (!value.empty())
-        return true;
-    error = "-o expected a file's name, found nothing";
-    return false;
+    return !value.empty();
 }
 
-bool takeFormat(vk_Options &options, const std::string &value, std::string &error)
+bool takeFormat(vk_Options &options, const std::string &value, std::string &)
 {
     options.format = value;
-    if (value == "jpg" || value == "png")
-        return true;
-    error = "--format expected jpg or png, found " + vk_quoted(value);
-    return false;
+    return value == "jpg" || value == "png";
 }
 
 bool takeQuality(vk_Options &options, const std::string &value, std::string &error)
@@ -86,14 +79,7 @@ bool takeQuality(vk_Options &options, const std::string &value, std::string &err
     return false;
 }
 
-struct Option {
-    const char *name;
-    const char *other; // name; null: none
-    const char *value; // what stands behind it; null: nothing
-    Handler handler;
-    const char *what;
-};
-constexpr Option OPTIONS[] = {
+constexpr UT_Option<vk_Options> ROWS[] = {
     {"-o", nullptr, "FILE", takeOutput, "write this picture, whatever the scene says"},
     {"--size", nullptr, "N", takeSize, "pixels of the longer side, whatever the scene says"},
     {"--format", nullptr, "F", takeFormat, "jpg or png, whatever the file's suffix says"},
@@ -108,34 +94,7 @@ constexpr Option OPTIONS[] = {
     {"--version", nullptr, nullptr, act<VK_VERSION>, "print the version and end"},
 };
 
-const Option *find(const std::string &word)
-{
-    for (const Option &option : OPTIONS)
-        if (word == option.name || (option.other != nullptr && word == option.other))
-            return &option;
-    return nullptr;
-}
-
-// Takes the option at `at`, and its value.
-bool takeOption(const vk_Words &words, std::size_t &at, vk_Options &options, std::string &error)
-{
-    const Option *const option = find(words[at]);
-    if (option == nullptr) {
-        error = "unknown option " + vk_quoted(words[at]);
-        return false;
-    }
-    if (option->value == nullptr)
-        return option->handler(options, "", error);
-    if (++at < words.size())
-        return option->handler(options, words[at], error);
-    error = std::string(option->name) + " expected a value behind it";
-    return false;
-}
-
-bool isOption(const std::string &word)
-{
-    return word.size() > 1 && word[0] == '-';
-}
+constexpr UT_OptionTable<vk_Options> OPTIONS = ROWS;
 
 // Only options: the scene is the caller's.
 bool takeEnvironment(vk_Options &options, std::string &error)
@@ -144,7 +103,7 @@ bool takeEnvironment(vk_Options &options, std::string &error)
     vk_Words words;
     bool good = text == nullptr || vk_splitLine(text, words, error);
     for (std::size_t i = 0; good && i < words.size(); ++i) {
-        good = isOption(words[i]) && takeOption(words, i, options, error);
+        good = OPTIONS.isOption(words[i]) && OPTIONS.take(words, i, options, error);
         if (!good && error.empty())
             error = "expected options, found " + vk_quoted(words[i]);
     }
@@ -165,8 +124,8 @@ bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, st
         std::string wrong;
         if (inOptions && words[i] == "--")
             inOptions = false;
-        else if (inOptions && isOption(words[i]))
-            static_cast<void>(takeOption(words, i, options, wrong));
+        else if (inOptions && OPTIONS.isOption(words[i]))
+            static_cast<void>(!OPTIONS.take(words, i, options, wrong));
         else if (++scenes == 1)
             options.scene = words[i];
         else
@@ -180,21 +139,11 @@ bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, st
 
 std::string vk_usage()
 {
-    std::string text = "Usage: vaskel [options] [scene]\n"
-                       "Draws the picture that a scene describes. The scene is a file,\n"
-                       "or standard input when it is left out or '-'.\n"
-                       "Options:\n";
-    for (const Option &option : OPTIONS) {
-        std::string left = "  ";
-        if (option.other != nullptr)
-            left += std::string(option.other) + ", ";
-        left += option.name;
-        if (option.value != nullptr)
-            left += std::string(" ") + option.value;
-        left.resize(20, ' ');
-        text += left + option.what + "\n";
-    }
-    return text +
+    return "Usage: vaskel [options] [scene]\n"
+           "Draws the picture that a scene describes. The scene is a file,\n"
+           "or standard input when it is left out or '-'.\n"
+           "Options:\n" +
+           OPTIONS.help(20) +
            "Environment:\n"
            "  VELDRIN_MAXTHREADS  how many threads draw, 1 to 100;\n"
            "                      0 or -1: one for each processor\n"
