@@ -140,13 +140,16 @@ def large_library(count):
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--palettes", type=int, default=300)
-    parser.add_argument("--large", type=int, default=10000)
+    parser.add_argument("--palettes", type=int, default=300, help="0: without them")
+    parser.add_argument("--large", type=int, default=10000, help="0: without them")
     options = parser.parse_args()
     os.makedirs(PLACE, exist_ok=True)
-    small_library(options.palettes)
-    killed_library(max(20, options.palettes // 5))
-    large_library(options.large)
+    if options.palettes:
+        small_library(options.palettes)
+        killed_library(max(20, options.palettes // 5))
+    if options.large:
+        large_library(options.large)
 
 
-main()
+if __name__ == "__main__":
+    main()
