@@ -44,6 +44,11 @@ std::shared_ptr<const osl_Texture> OSL_Renderer::texture(std::string_view name, 
     return nullptr;
 }
 
+bool OSL_Renderer::dictionary(std::string_view, std::string &)
+{
+    return false;
+}
+
 bool OSL_Renderer::trace(const OSL_Ray &, int)
 {
     return false;

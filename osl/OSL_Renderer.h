@@ -58,6 +58,9 @@ public:
     // A texture by the name in the shader; null, and why, for one that cannot be had.
     virtual std::shared_ptr<const osl_Texture> texture(std::string_view name, std::string &error);
 
+    // The text of a dictionary file by the name in the shader; false when there is none.
+    virtual bool dictionary(std::string_view name, std::string &text);
+
     // Whether a ray hits something; getmessage("trace", ...) then asks `traceResult`.
     virtual bool trace(const OSL_Ray &ray, int point);
     virtual bool traceResult(std::string_view name, int point, OSL_Value &value);

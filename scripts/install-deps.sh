@@ -27,7 +27,7 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 
 install_missing cmake ninja-build make g++ g++-multilib clang libclang-rt-14-dev clang-format \
-    googletest libembree-dev libtbb-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev lib32z1-dev python3 "$@"
+    googletest libembree-dev libtbb-dev libjpeg62-turbo-dev libpng-dev libpugixml-dev zlib1g-dev lib32z1-dev python3 "$@"
 
 # Where the kernel does not run 32-bit programs, their tests need an emulator.
 /lib/ld-linux.so.2 --version >/dev/null 2>&1 || install_missing qemu-user

@@ -1,5 +1,7 @@
 #include "GridRenderer.h"
 
+#include "osl/lib/osl_TextFile.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -150,6 +152,11 @@ bool GridRenderer::userdata(std::string_view name, int point, OSL_Value &value,
 std::shared_ptr<const osl_Texture> GridRenderer::texture(std::string_view name, std::string &error)
 {
     return myTextures.find(std::string(name), error);
+}
+
+bool GridRenderer::dictionary(std::string_view name, std::string &text)
+{
+    return osl_readText(std::string(name), text);
 }
 
 bool GridRenderer::isRayType(std::string_view type, int)

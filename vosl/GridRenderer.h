@@ -27,6 +27,7 @@ public:
     bool userdata(std::string_view name, int point, OSL_Value &value, std::vector<float> &dx,
                   std::vector<float> &dy) override;
     std::shared_ptr<const osl_Texture> texture(std::string_view name, std::string &error) override;
+    bool dictionary(std::string_view name, std::string &text) override;
     bool isRayType(std::string_view type, int point) override;
     void print(std::string_view text) override;
     void message(Severity severity, std::string_view text) override;

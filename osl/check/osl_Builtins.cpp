@@ -49,7 +49,7 @@ const osl_Builtin BUILTINS[] = {
     {"ceil", OSL_CEIL, "TT"},
     {"round", OSL_ROUND, "TT"},
     {"trunc", OSL_TRUNC, "TT"},
-    {"fmod", OSL_FMOD, "TTT VVf iii"},
+    {"fmod", OSL_FMOD, "TTT VVf"},
     {"mod", OSL_MOD, "TTT VVf iii"},
     {"min", OSL_MIN, "TTT iii"},
     {"max", OSL_MAX, "TTT iii"},

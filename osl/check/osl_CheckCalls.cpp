@@ -293,9 +293,14 @@ osl_Function *osl_Checker::best(Node *node, std::vector<Candidate> &found)
     }
     if (equals.size() == 1)
         return equals[0].function;
+    const bool isOurs = std::none_of(equals.begin(), equals.end(), [](const Candidate &candidate) {
+        return candidate.function->node != nullptr;
+    });
     std::stable_sort(equals.begin(), equals.end(), [](const Candidate &a, const Candidate &b) {
         return rankOf(a.function->result) < rankOf(b.function->result);
     });
+    if (isOurs) // noise() and its like: nothing was declared that could be meant otherwise
+        return equals[0].function;
     std::string text =
         "Ambiguous call to '" + std::string(node->name) + " (" + argumentList(node->a) +
         ")'\n  Chosen function is:" + describe(*equals[0].function) + "\n  Other candidates are:";

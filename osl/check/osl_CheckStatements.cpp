@@ -170,6 +170,16 @@ void osl_Checker::warnRedefinition(const osl_Function &function, const osl_Funct
                                           places);
 }
 
+// Calls of earlier declarations of the same form mean this one.
+void osl_Checker::defineEarlier(osl_Function *function)
+{
+    for (osl_Function *earlier = function->next; earlier != nullptr; earlier = earlier->next) {
+        if (earlier->node != nullptr && earlier->node->b == nullptr &&
+            isSameSignature(*earlier, *function) && earlier->result == function->result)
+            earlier->definition = function;
+    }
+}
+
 void osl_Checker::declareFunction(Node *node)
 {
     osl_Symbol *symbol = mySymbols.find(node->name);
@@ -187,8 +197,10 @@ void osl_Checker::declareFunction(Node *node)
     function->next = isFunction ? symbol->functions : nullptr;
     for (const Node *formal = node->a; formal != nullptr; formal = formal->next)
         function->parameters.push_back({formal->type, formal->isOutput, false});
-    if (node->b != nullptr)
+    if (node->b != nullptr) {
         warnRedefinition(*function, function->next);
+        defineEarlier(function);
+    }
     if (!isFunction || symbol->scope != mySymbols.scope())
         symbol = mySymbols.declare(node->name, osl_Symbol::FUNCTION, node->type);
     symbol->node = node;
@@ -258,6 +270,8 @@ bool osl_Checker::isRecursive(osl_Function *function)
             continue;
         }
         osl_Function *callee = at->callees[next++];
+        if (callee->definition != nullptr)
+            callee = callee->definition;
         found = found || callee->state == 1;
         if (callee->state != 0)
             continue;

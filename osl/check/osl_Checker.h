@@ -47,6 +47,7 @@ private:
     void checkFunction(Node *node);
     void declareFunction(Node *node);
     void warnRedefinition(const osl_Function &function, const osl_Function *earlier);
+    static void defineEarlier(osl_Function *function);
     void declareStruct(Node *node);
     osl_Symbol *declareVariable(Node *node, osl_Symbol::Kind kind);
     void checkInitialiser(Node *node);

@@ -32,7 +32,8 @@ struct osl_Function {
     osl_Node *node = nullptr;             // of the user's
     const osl_Builtin *builtin = nullptr; // of ours
     const osl_ClosureRow *closure = nullptr;
-    osl_Function *next = nullptr; // of the same name, declared earlier
+    osl_Function *next = nullptr;       // of the same name, declared earlier
+    osl_Function *definition = nullptr; // where this is only a declaration
 
     bool hasReturn = false;
     int state = 0; // of the search for recursion

@@ -74,7 +74,7 @@ osl_Ref osl_Generator::genCall(const Node *node)
     myPlace = node->place;
     if (function == nullptr)
         return zero(osl_Type::INT);
-    if (function->closure != nullptr)
+    if (function->closure != nullptr && function->definition == nullptr)
         return genClosure(node);
     return function->node != nullptr ? genUserCall(node) : genBuiltin(node);
 }
@@ -82,7 +82,8 @@ osl_Ref osl_Generator::genCall(const Node *node)
 // The function's body in the place of the call.
 osl_Ref osl_Generator::genUserCall(const Node *node)
 {
-    const Node *body = node->function->node;
+    const osl_Function *function = node->function;
+    const Node *body = (function->definition != nullptr ? function->definition : function)->node;
     if (body->b == nullptr) { // only a header's word: a renderer's own function
         for (const Node *arg = node->a; arg != nullptr; arg = arg->next)
             gen(arg);

@@ -24,7 +24,7 @@ std::unique_ptr<osl_Code> osl_Generator::run(std::string &error)
     }
     for (size_t i = 0; i < myMade.globals.size(); ++i) {
         const int reg = myMade.globals[i];
-        if (reg >= 0)
+        if (reg >= 0 && myMade.areWritten[i])
             myMade.outputs.push_back({OSL_GLOBALS[i], myRegisters[reg].type, reg});
     }
     std::unique_ptr<osl_Code> code = osl_finish(myMade, myRegisters);

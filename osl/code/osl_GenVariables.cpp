@@ -35,6 +35,7 @@ osl_Ref &osl_Generator::lookUp(const Node *node)
         int &reg = myMade.globals[i];
         if (reg < 0)
             reg = myRegisters.make(osl_Registers::GLOBAL, symbol->type, symbol->type.components());
+        myMade.areWritten[i] = myMade.areWritten[i] || symbol->isWritten;
         ref.type = symbol->type;
         ref.reg = reg;
         return ref;

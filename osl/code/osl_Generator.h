@@ -49,6 +49,7 @@ struct osl_Made {
     std::vector<osl_Region> tree;
     std::vector<const osl_ClosureRow *> closures;
     std::array<int, 13> globals{};
+    std::array<bool, 13> areWritten{}; // of the globals
     std::vector<osl_CodeOutput> outputs;
 };
 

@@ -50,9 +50,9 @@ const osl_Machine::ActRow osl_Machine::ACTS[] = {
     {OSL_RAYTYPE, &osl_Machine::rayType},
     {OSL_ISCONNECTED, &osl_Machine::isConnected},
     {OSL_TRACE, &osl_Machine::trace},
-    {OSL_DICT_FIND, &osl_Machine::nothingFound},
-    {OSL_DICT_NEXT, &osl_Machine::nothingFound},
-    {OSL_DICT_VALUE, &osl_Machine::nothingFound},
+    {OSL_DICT_FIND, &osl_Machine::dictFind},
+    {OSL_DICT_NEXT, &osl_Machine::dictNext},
+    {OSL_DICT_VALUE, &osl_Machine::dictValue},
     {OSL_POINTCLOUD, &osl_Machine::nothingFound},
 };
 

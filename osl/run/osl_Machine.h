@@ -7,6 +7,7 @@
 #pragma once
 
 #include "osl/OSL_Context.h"
+#include "osl/lib/osl_Dictionary.h"
 #include "osl/lib/osl_Format.h"
 #include "osl/lib/osl_Noise.h"
 #include "osl/lib/osl_Regex.h"
@@ -227,6 +228,10 @@ private:
     void isConnected(In in);
     void trace(In in);
     void nothingFound(In in);
+    void dictFind(In in);
+    void dictNext(In in);
+    void dictValue(In in);
+    osl_Dictionaries &dictionaries();
     void makeClosure(In in);
     void addClosures(In in);
     void scaleClosure(In in);
@@ -254,6 +259,7 @@ private:
     std::unordered_map<int, std::unique_ptr<osl_Regex>> myRegexes;
     std::unordered_map<std::string, std::pair<std::shared_ptr<const osl_Texture>, std::string>>
         myTextures;
+    std::unique_ptr<osl_Dictionaries> myDictionaries; // null until one is asked
     std::vector<std::vector<Event>> myEvents;     // of each lane
     std::vector<std::vector<Message>> myMessages; // likewise
     std::unordered_set<std::string> myReported;

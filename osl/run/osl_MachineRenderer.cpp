@@ -234,7 +234,7 @@ void osl_Machine::trace(In in)
     });
 }
 
-// Dictionaries and point clouds: a renderer without any.
+// Point clouds: a renderer without any.
 void osl_Machine::nothingFound(In in)
 {
     const osl_Operand *o = operands(in);

@@ -5,42 +5,16 @@
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
 #include "osl/headers/osl_Headers.h"
+#include "osl/lib/osl_TextFile.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <set>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
-constexpr off_t MAX_FILE_BYTES = 32 << 20;
 constexpr size_t MAX_TOTAL_BYTES = size_t(64) << 20;
-
-// All of a regular file; a pipe or a device could go on for ever.
-bool readWhole(const char *path, std::string &text)
-{
-    const int descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
-        return false;
-    struct stat info;
-    bool isGood =
-        fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode) && info.st_size <= MAX_FILE_BYTES;
-    if (isGood) {
-        text.resize(static_cast<size_t>(info.st_size));
-        size_t done = 0;
-        ssize_t count = 1;
-        while (done < text.size() &&
-               (count = read(descriptor, &text[done], text.size() - done)) > 0)
-            done += static_cast<size_t>(count);
-        isGood = count >= 0;
-        text.resize(done);
-    }
-    close(descriptor);
-    return isGood;
-}
 } // namespace
 
 // The text of one file, in memory.
@@ -85,7 +59,7 @@ bool osl_Lines::Stream::open(const char *path)
     else if (!myManager.sourceName.empty() && myManager.sourceName == path)
         isGood = takeSource();
     else if (!myManager.mayRead || myManager.mayRead(path))
-        isGood = readWhole(path, myText);
+        isGood = osl_readText(path, myText);
     if (!isGood) {
         const std::string_view text = osl_findHeader(path);
         isGood = text.data() != nullptr;

@@ -22,6 +22,7 @@ const KindRow KIND_ROWS[] = {
     {"a shader's source", 4 << 20, {".osl"}},
     {"an include", 4 << 20, {".h", ".osl", ".oslh", ".inc"}},
     {"a texture", 256 << 20, {".png", ".jpg", ".jpeg"}},
+    {"a dictionary", 4 << 20, {".xml"}},
 };
 static_assert(std::size(KIND_ROWS) == vk_OslFiles::KINDS);
 

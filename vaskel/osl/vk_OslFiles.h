@@ -1,4 +1,5 @@
-// The files that a scene's OSL shaders may read: sources, includes and textures.
+// The files that a scene's OSL shaders may read: sources, includes, textures
+// and dictionaries.
 //
 // A scene may come from a stranger's palette, so that it gets at little: regular files of
 // bounded size, with an ending of their kind, at or below
@@ -18,7 +19,7 @@
 class vk_OslFiles
 {
 public:
-    enum Kind { SOURCE, INCLUDE, TEXTURE, KINDS };
+    enum Kind { SOURCE, INCLUDE, TEXTURE, DICTIONARY, KINDS };
 
     // As the scene's statement names the picture.
     explicit vk_OslFiles(const std::string &picture);

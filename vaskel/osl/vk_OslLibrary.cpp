@@ -1,6 +1,7 @@
 #include "vaskel/osl/vk_OslLibrary.h"
 
 #include "UT/UT_Process.h"
+#include "osl/lib/osl_TextFile.h"
 #include "vaskel/params/vk_Nearest.h"
 #include "vaskel/scene/vk_Scene.h"
 
@@ -83,6 +84,16 @@ std::shared_ptr<const osl_Texture> vk_OslLibrary::texture(const std::string &nam
 {
     const std::string path = myFiles->find(vk_OslFiles::TEXTURE, name, error);
     return path.empty() ? nullptr : myTextures.find(path, error);
+}
+
+bool vk_OslLibrary::dictionary(const std::string &name, std::string &text)
+{
+    std::string error;
+    const std::string path = myFiles->find(vk_OslFiles::DICTIONARY, name, error);
+    if (!path.empty() && osl_readText(path, text))
+        return true;
+    say("warning", path.empty() ? error : vk_quotedName(name) + " cannot be read");
+    return false;
 }
 
 void vk_OslLibrary::say(const char *kind, std::string_view text)

@@ -34,6 +34,9 @@ public:
 
     std::shared_ptr<const osl_Texture> texture(const std::string &name, std::string &error);
 
+    // False when there is no such file that may be read.
+    bool dictionary(const std::string &name, std::string &text);
+
     // Puts a line on standard error: "PICTURE: KIND: TEXT". Each once, and not too many.
     void say(const char *kind, std::string_view text);
 

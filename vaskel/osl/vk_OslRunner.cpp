@@ -189,6 +189,11 @@ std::shared_ptr<const osl_Texture> vk_OslRunner::texture(std::string_view name, 
     return myBinding.library().texture(std::string(name), error);
 }
 
+bool vk_OslRunner::dictionary(std::string_view name, std::string &text)
+{
+    return myBinding.library().dictionary(std::string(name), text);
+}
+
 void vk_OslRunner::print(std::string_view text)
 {
     myBinding.library().say("shader", text);

@@ -59,6 +59,7 @@ public:
     bool isRayType(std::string_view type, int point) override;
     bool isBackfacing(int point) override;
     std::shared_ptr<const osl_Texture> texture(std::string_view name, std::string &error) override;
+    bool dictionary(std::string_view name, std::string &text) override;
     void print(std::string_view text) override;
     void message(Severity severity, std::string_view text) override;
     void appendToFile(std::string_view file, std::string_view text) override;
