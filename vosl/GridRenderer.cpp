@@ -1,5 +1,6 @@
 #include "GridRenderer.h"
 
+#include "osl/lib/osl_CameraSpaces.h"
 #include "osl/lib/osl_TextFile.h"
 
 #include <algorithm>
@@ -10,6 +11,8 @@ namespace
 {
 constexpr int MAX_BATCH = 32;
 constexpr int VERSION = 11400;
+constexpr float CLIP_NEAR = 0.1f;
+constexpr float CLIP_FAR = 1000;
 
 osl_Matrix turned(float angle, float x, float y)
 {
@@ -37,9 +40,9 @@ const struct {
 } CAMERA[] = {
     {"camera:fov", {90}},
     {"camera:pixelaspect", {1}},
-    {"camera:clip_near", {0.1f}},
-    {"camera:clip_far", {1000}},
-    {"camera:clip", {0.1f, 1000}},
+    {"camera:clip_near", {CLIP_NEAR}},
+    {"camera:clip_far", {CLIP_FAR}},
+    {"camera:clip", {CLIP_NEAR, CLIP_FAR}},
     {"camera:shutter_open", {0}},
     {"camera:shutter_close", {1}},
     {"camera:shutter", {0, 1}},
@@ -105,7 +108,12 @@ bool GridRenderer::spaceToCommon(std::string_view space, int, osl_Matrix &matrix
         matrix = osl_Matrix::diagonal(1);
         matrix.m[1][1] = 2;
     } else {
-        return false;
+        osl_Lens lens; // a field of view of 90 degrees
+        lens.near = CLIP_NEAR;
+        lens.far = CLIP_FAR;
+        lens.width = myWidth;
+        lens.height = myHeight;
+        return osl_spaceToCamera(lens, space, matrix);
     }
     return true;
 }

@@ -1,8 +1,11 @@
 #include "vaskel/osl/vk_OslRunner.h"
 
+#include "osl/lib/osl_CameraSpaces.h"
 #include "vaskel/scene/vk_Scene.h"
 
+#include <algorithm>
 #include <cfloat>
+#include <cmath>
 
 namespace
 {
@@ -21,6 +24,22 @@ osl_Matrix ofCamera(const vk_Camera &camera)
     const vk_Vec ahead = vk_normalize(camera.at - camera.from);
     const vk_Vec right = vk_normalize(vk_cross(ahead, camera.up));
     return matrixOf(right, vk_cross(right, ahead), ahead, camera.from);
+}
+
+bool pictureSpace(std::string_view space, const vk_Scene &scene, osl_Matrix &matrix)
+{
+    const float half = std::tan(scene.camera.fov * OSL_PI / 360);
+    const auto shorter = static_cast<float>(std::min(scene.width, scene.height));
+    osl_Lens lens;
+    lens.width = scene.width;
+    lens.height = scene.height;
+    lens.halfWidth = half * static_cast<float>(scene.width) / shorter;
+    lens.halfHeight = half * static_cast<float>(scene.height) / shorter;
+    osl_Matrix toCamera;
+    if (!osl_spaceToCamera(lens, space, toCamera))
+        return false;
+    matrix = toCamera * ofCamera(scene.camera);
+    return true;
 }
 
 osl_Matrix ofShape(const vk_Transform *toShape)
@@ -151,7 +170,7 @@ bool vk_OslRunner::spaceToCommon(std::string_view space, int point, osl_Matrix &
     else if (space == "object" || space == "shader")
         matrix = ofShape(mySurface[point].toShape);
     else
-        return false;
+        return pictureSpace(space, myBinding.library().scene(), matrix);
     return true;
 }
 
