@@ -411,7 +411,6 @@ void osl_Checker::checkFormat(Node *node, int formatArgument)
             return error(TYPES, node->place, intro + "not enough args)");
         if (arg->type.isUnknown())
             return;
-        const osl_FormatArg::Type wants = conversions.wants(i);
         const bool isText = arg->type.base == osl_Type::STRING || arg->type.isClosure;
         const auto got = isText                            ? osl_FormatArg::STRING
                          : arg->type.base == osl_Type::INT ? osl_FormatArg::INT
@@ -420,7 +419,7 @@ void osl_Checker::checkFormat(Node *node, int formatArgument)
             return error(TYPES, node->place,
                          "struct '" + std::string(arg->type.record->name) +
                              "' is not a valid argument");
-        if (got != wants)
+        if (!conversions.suits(i, got))
             return error(TYPES, node->place,
                          intro + "arg " + std::to_string(number) + " needs " +
                              osl_Format::conversionsFor(got) + ")");

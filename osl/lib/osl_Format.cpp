@@ -13,22 +13,21 @@ bool isOneOf(char c, const char *set)
     return c != 0 && std::strchr(set, c) != nullptr;
 }
 
-osl_FormatArg::Type typeOf(char letter)
-{
-    if (isOneOf(letter, "diuoxXc"))
-        return osl_FormatArg::INT;
-    return letter == 's' ? osl_FormatArg::STRING : osl_FormatArg::FLOAT;
-}
-
 struct TypeInfo {
-    char letter; // stands in for one that does not suit
+    const char *letters; // that C has for it; the first stands in for one that does not suit
+    const char *others;
     const char *conversions;
 };
 const TypeInfo TYPES[] = {
-    {'d', "%d, %i, %o, %x, or %X"},
-    {'f', "%f, %g, or %e"},
-    {'s', "%s"},
+    {"diuoxXc", "", "%d, %i, %o, %x, or %X"},
+    {"feEFgGaA", "pvnmc", "%f, %g, or %e"},
+    {"s", "", "%s"},
 };
+
+bool isConversion(char letter)
+{
+    return isOneOf(letter, "diuoxXcfFeEgGaAspvnm");
+}
 
 // The digits at `at`, limited, appended to `to`.
 void takeNumber(std::string_view format, size_t &at, std::string &to)
@@ -132,7 +131,7 @@ osl_Format::osl_Format(std::string_view format) : myPieces(1)
         const size_t first = at++;
         std::string flags = takeFlags(format, at);
         const char letter = at < format.size() ? format[at] : '\0';
-        if (isOneOf(letter, "diuoxXcfFeEgGaAs")) {
+        if (isConversion(letter)) {
             myPieces.back().flags = std::move(flags);
             myPieces.back().letter = letter;
             myPieces.emplace_back();
@@ -151,9 +150,10 @@ int osl_Format::conversions() const
     return static_cast<int>(myPieces.size()) - 1;
 }
 
-osl_FormatArg::Type osl_Format::wants(int conversion) const
+bool osl_Format::suits(int conversion, osl_FormatArg::Type type) const
 {
-    return typeOf(myPieces[static_cast<size_t>(conversion)].letter);
+    const char letter = myPieces[static_cast<size_t>(conversion)].letter;
+    return isOneOf(letter, TYPES[type].letters) || isOneOf(letter, TYPES[type].others);
 }
 
 const char *osl_Format::conversionsFor(osl_FormatArg::Type type)
@@ -170,8 +170,8 @@ void osl_Format::apply(const std::vector<osl_FormatArg> &args, std::string &out,
         if (p >= args.size() || piece.letter == 0)
             continue;
         const osl_FormatArg &arg = args[p];
-        const char letter =
-            typeOf(piece.letter) == arg.type ? piece.letter : TYPES[arg.type].letter;
+        const char *letters = TYPES[arg.type].letters;
+        const char letter = isOneOf(piece.letter, letters) ? piece.letter : letters[0];
         for (int i = 0; i < arg.count && out.size() < end; ++i) {
             if (i > 0)
                 out += ' ';

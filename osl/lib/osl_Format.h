@@ -5,7 +5,7 @@
 //
 //   %d %i %u %o %x %X %c     whole numbers
 //   %f %F %e %E %g %G        floats; every component of colours, points and
-//   %a %A                    matrices, with blanks between them
+//   %a %A %p %v %n %m %c     matrices, with blanks between them; %p to %c as %f
 //   %s                       texts and closures
 //   %%                       a per cent sign
 //
@@ -38,9 +38,9 @@ class osl_Format
 public:
     explicit osl_Format(std::string_view format);
 
-    // Conversions that take an argument, and the type that each one is made for.
+    // Conversions that take an argument, and whether one is made for a type.
     int conversions() const;
-    osl_FormatArg::Type wants(int conversion) const;
+    bool suits(int conversion, osl_FormatArg::Type type) const;
 
     // "%d, %i, %o, %x, or %X", "%f, %g, or %e" or "%s": what an argument of the
     // type needs, for messages.

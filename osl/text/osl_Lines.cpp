@@ -31,11 +31,14 @@ public:
 
 private:
     bool takeSource();
+    void closeComments(std::string &line);
 
     Manager &myManager;
     std::string myText;
     size_t myNext = 0;
     bool isGood = false;
+    bool isInDirective = false; // that goes on in the next line
+    bool isInComment = false;   // of a directive
 };
 
 class osl_Lines::Manager : public CPP_Manager
@@ -87,9 +90,48 @@ bool osl_Lines::Stream::readLine(UT_ScratchBuffer &line)
     size_t end = newline;
     if (end > myNext && myText[end - 1] == '\r')
         --end;
-    line.append(myText.data() + myNext, static_cast<int>(end - myNext));
+    const std::string_view text(myText.data() + myNext, end - myNext);
     myNext = newline + 1;
+    const size_t first = text.find_first_not_of(" \t");
+    if (!isInDirective && (first == std::string_view::npos || text[first] != '#')) {
+        line.append(text.data(), static_cast<int>(text.size()));
+        return true;
+    }
+    std::string directive(text);
+    closeComments(directive);
+    isInDirective = !directive.empty() && directive.back() == '\\';
+    line.append(directive.data(), static_cast<int>(directive.size()));
     return true;
+}
+
+// A comment is a blank, over however many lines of a directive it goes.
+void osl_Lines::Stream::closeComments(std::string &line)
+{
+    bool isQuoted = false;
+    std::string kept;
+    for (size_t at = 0; at < line.size(); ++at) {
+        if (isInComment) {
+            const size_t close = line.find("*/", at);
+            isInComment = close == std::string::npos;
+            if (isInComment)
+                break;
+            at = close + 1;
+        } else if (!isQuoted && line.compare(at, 2, "/*") == 0) {
+            isInComment = true;
+            kept += ' ';
+            ++at;
+        } else if (!isQuoted && line.compare(at, 2, "//") == 0) {
+            kept.append(line, at, std::string::npos);
+            break;
+        } else {
+            if (line[at] == '\\' && at + 1 < line.size())
+                kept += line[at++];
+            else if (line[at] == '"')
+                isQuoted = !isQuoted;
+            kept += line[at];
+        }
+    }
+    line = kept + (isInComment ? "\\" : "");
 }
 
 osl_Lines::osl_Lines(osl_Messages &messages) : myMessages(messages), myManager(new Manager)
