@@ -13,6 +13,9 @@
 namespace
 {
 constexpr size_t MAX_TEXT = size_t(4) << 20;
+constexpr size_t MAX_TEXTS = 200;
+constexpr size_t MAX_TOTAL = size_t(16) << 20;
+constexpr double READ_VISITS = 10000; // of the smallest text
 constexpr size_t MAX_QUERY = 1000;
 constexpr size_t MAX_NODES = 100000;
 constexpr double MAX_VISITS = 1e8; // of nodes, by one query
@@ -57,15 +60,20 @@ struct osl_Dictionaries::Data {
     std::map<std::string, int, std::less<>> answers[2]; // of dictionaries and of nodes
     std::deque<Node> nodes{1};
     double visits = 0;
+    size_t total = 0; // bytes of all texts
 
-    Document &read(std::string_view name, std::string_view content);
+    const Document &read(std::string_view name, std::string_view content);
     int ask(const Document &document, pugi::xml_node from, std::string_view query);
     int answer(const Document &document, pugi::xml_node from, const pugi::xpath_query &query);
     bool has(int node) const { return node > 0 && static_cast<size_t>(node) < nodes.size(); }
 };
 
-Document &osl_Dictionaries::Data::read(std::string_view name, std::string_view content)
+const Document &osl_Dictionaries::Data::read(std::string_view name, std::string_view content)
 {
+    static const Document NONE;
+    total += content.size();
+    if (documents.size() >= MAX_TEXTS || total > MAX_TOTAL)
+        return NONE;
     Document &made = documents[std::string(name)];
     if (content.size() > MAX_TEXT)
         return made;
@@ -75,7 +83,7 @@ Document &osl_Dictionaries::Data::read(std::string_view name, std::string_view c
         made.tree.load_buffer(content.data(), content.size(), options).status == pugi::status_ok;
     for (const char c : content)
         made.size += c == '<' || c == '=';
-    visits += static_cast<double>(content.size()) / 8;
+    visits += READ_VISITS + static_cast<double>(content.size());
     return made;
 }
 

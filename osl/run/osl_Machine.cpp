@@ -71,30 +71,34 @@ osl_Machine::osl_Machine(std::shared_ptr<const OSL_Program> program, OSL_Rendere
     prepare();
 }
 
-// Constants into their places, and for each instruction who does it.
 namespace
 {
-// Those that take as long as a dozen others.
-bool isSlow(osl_Op op)
+// Operations that take as long as so many short ones, for a batch: no loop without end
+// gets more than a second or two.
+const struct {
+    osl_Op op;
+    unsigned cost;
+} COSTS[] = {
+    {OSL_POW, 12},        {OSL_MDIV, 50},         {OSL_MDIVF, 50},       {OSL_SPACES, 80},
+    {OSL_GETMATRIX, 160}, {OSL_TRANSFORMU, 12},   {OSL_BLACKBODY, 400},  {OSL_WAVELENGTH, 16},
+    {OSL_NOISE, 40},      {OSL_FORMAT, 120},      {OSL_PRINTF, 160},     {OSL_FPRINTF, 200},
+    {OSL_ERROR, 400},     {OSL_WARNING, 400},     {OSL_SPLIT, 20},       {OSL_TEXTURE, 250},
+    {OSL_TEXTURE3D, 80},  {OSL_ENVIRONMENT, 250}, {OSL_TEXTUREINFO, 40}, {OSL_GETATTRIBUTE, 30},
+    {OSL_TRANSFORMC, 10}, {OSL_USERDATA, 20},     {OSL_TRACE, 400},      {OSL_DICT_FIND, 40},
+    {OSL_DICT_VALUE, 20},
+};
+
+unsigned costOf(osl_Op op)
 {
-    switch (op) {
-    case OSL_MDIV:
-    case OSL_MDIVF:
-    case OSL_BLACKBODY:
-    case OSL_WAVELENGTH:
-    case OSL_SPACES:
-    case OSL_FORMAT:
-    case OSL_PRINTF:
-    case OSL_FPRINTF:
-    case OSL_TEXTURE:
-    case OSL_ENVIRONMENT:
-        return true;
-    default:
-        return false;
+    for (const auto &row : COSTS) {
+        if (row.op == op)
+            return row.cost;
     }
+    return 0;
 }
 } // namespace
 
+// Constants into their places, and for each instruction who does it.
 void osl_Machine::prepare()
 {
     for (size_t i = 0; i < myCode.constants.size(); ++i)
@@ -115,7 +119,7 @@ void osl_Machine::prepare()
         }
         step.in = &in;
         step.operands = operands(in);
-        step.extraCost = (static_cast<unsigned>(in.words) >> 4) + (isSlow(in.op) ? 16 : 0);
+        step.extraCost = (static_cast<unsigned>(in.words) >> 4) + costOf(in.op);
         step.isPlain =
             step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked && !in.isSpread;
         mySteps.push_back(step);
@@ -317,7 +321,7 @@ void osl_Machine::report(int lane, Event::Kind kind, std::string text)
         if (myReported.size() > MOST || !myReported.insert(text).second)
             return;
     }
-    myExtraCost += text.size() >> 4;
+    myExtraCost += text.size();
     myOutputBytes += text.size() + (kind == Event::FILE ? sizeof(Event) : 0);
     if (myOutputBytes > MAX_OUTPUT && !isStopped)
         return stop("prints too much");
