@@ -44,6 +44,7 @@ private:
     void findUses();
     void use(int reg, int at);
     void extendOverLoops();
+    static bool isUsed(const Register &made);
     void place();
     int placeConstants(osl_Code &code, int at);
     osl_Operand operandOf(int reg) const;
@@ -311,6 +312,11 @@ int Analysis::placeConstants(osl_Code &code, int at)
     return at + most;
 }
 
+bool Analysis::isUsed(const Register &made)
+{
+    return made.firstUse >= 0 || made.isKept;
+}
+
 // Places by size: a register takes that of one that is used no more.
 void Analysis::place()
 {
@@ -318,8 +324,7 @@ void Analysis::place()
     std::vector<int> order;
     for (int reg = 0; reg < myRegisters.count(); ++reg) {
         const Register &made = myRegisters[reg];
-        if (made.kind != osl_Registers::CONSTANT && made.parent < 0 &&
-            (made.firstUse >= 0 || made.isKept))
+        if (made.kind != osl_Registers::CONSTANT && made.parent < 0 && isUsed(made))
             order.push_back(reg);
     }
     std::stable_sort(order.begin(), order.end(), [this](int a, int b) {
@@ -377,6 +382,10 @@ std::unique_ptr<osl_Code> Analysis::run()
     findUses();
     extendOverLoops();
     place();
+    for (int &reg : myMade.globals) {
+        if (reg >= 0 && !isUsed(myRegisters[reg])) // only isconstant() asked for it
+            reg = -1;
+    }
     for (const int reg : myMade.arguments)
         myCode->operands.push_back(operandOf(reg));
     for (int reg = 0; reg < myRegisters.count(); ++reg) {

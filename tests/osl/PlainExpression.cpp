@@ -34,26 +34,29 @@ const PlainExpression::Row PlainExpression::ROWS[] = {
      [](float a, float b, float c) { return a < 0.5f ? std::floor(b) : osl_sqrt(c); }},
 };
 
-PlainExpression::PlainExpression(Random &random, int depth)
+PlainExpression::PlainExpression(Random &random, int depth, const std::vector<std::string> &names)
 {
     constexpr size_t ROW_COUNT = sizeof ROWS / sizeof *ROWS;
     const bool isLeaf = depth <= 0 || random.below(6) == 0;
     myRow = isLeaf ? nullptr : &ROWS[random.below(ROW_COUNT)];
-    // Eighths are the same in text and in memory; 0 stands for u.
+    // Eighths are the same in text and in memory.
     myNumber = static_cast<float>(random.below(32)) / 8;
+    myVariable = random.below(names.size());
+    if (random.below(2) == 0)
+        myName = names[myVariable];
     if (myRow == nullptr)
         return;
-    myA = std::make_unique<PlainExpression>(random, depth - 1);
+    myA = std::make_unique<PlainExpression>(random, depth - 1, names);
     if (myRow->parts > 1)
-        myB = std::make_unique<PlainExpression>(random, depth - 1);
+        myB = std::make_unique<PlainExpression>(random, depth - 1, names);
     if (myRow->parts > 2)
-        myC = std::make_unique<PlainExpression>(random, depth - 1);
+        myC = std::make_unique<PlainExpression>(random, depth - 1, names);
 }
 
 std::string PlainExpression::text() const
 {
     if (myRow == nullptr)
-        return myNumber < 2 ? "u" : std::to_string(myNumber);
+        return myName.empty() ? std::to_string(myNumber) : myName;
     const PlainExpression *parts[] = {myA.get(), myB.get(), myC.get()};
     std::string out;
     int part = 0;
@@ -66,9 +69,9 @@ std::string PlainExpression::text() const
     return out;
 }
 
-float PlainExpression::at(float u) const
+float PlainExpression::at(const float *values) const
 {
     if (myRow == nullptr)
-        return myNumber < 2 ? u : myNumber;
-    return myRow->value(myA->at(u), myB ? myB->at(u) : 0, myC ? myC->at(u) : 0);
+        return myName.empty() ? myNumber : values[myVariable];
+    return myRow->value(myA->at(values), myB ? myB->at(values) : 0, myC ? myC->at(values) : 0);
 }

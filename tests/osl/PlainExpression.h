@@ -6,14 +6,16 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 class PlainExpression
 {
 public:
-    PlainExpression(Random &random, int depth);
+    // Of variables with these names.
+    PlainExpression(Random &random, int depth, const std::vector<std::string> &names);
 
-    std::string text() const; // as source, of u
-    float at(float u) const;  // its value
+    std::string text() const;            // as source
+    float at(const float *values) const; // its value, where the variables have these
 
 private:
     struct Row;
@@ -21,5 +23,7 @@ private:
 
     const Row *myRow;
     float myNumber = 0;
+    std::string myName; // "" for a number
+    size_t myVariable = 0;
     std::unique_ptr<PlainExpression> myA, myB, myC;
 };
