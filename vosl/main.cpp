@@ -2,8 +2,8 @@
 #include "GridRenderer.h"
 #include "Options.h"
 
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 
 namespace
 {
@@ -30,10 +30,10 @@ int printInformation(const OSL_Shader &shader)
     return OK;
 }
 
+// Of this process, so that others on the machine do not count.
 double seconds()
 {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(now).count();
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
 void run(const std::shared_ptr<const OSL_Program> &program, const Options &options)

@@ -87,23 +87,6 @@ float osl_pow(float x, float y)
     return osl_clamp(std::pow(x, y), -FLT_MAX, FLT_MAX);
 }
 
-float osl_linearStep(float low, float high, float x)
-{
-    if (low == high)
-        return osl_step(low, x);
-    return osl_clamp((x - low) / (high - low), 0, 1);
-}
-
-float osl_smoothStep(float low, float high, float x)
-{
-    if (x < low)
-        return 0;
-    if (x >= high)
-        return 1;
-    const float t = (x - low) / (high - low);
-    return (3 - 2 * t) * (t * t);
-}
-
 // The corner is a parabola, so that the slope goes evenly from 0 to the line's.
 float osl_smoothLinearStep(float low, float high, float x, float eps)
 {

@@ -126,6 +126,15 @@ inline float osl_step(float edge, float x)
 
 // 0 up to `low`, 1 from `high` on, between them a line or a Hermite curve. The
 // third form is a line with rounded corners: each reaches `eps` to both sides of its end.
-float osl_linearStep(float low, float high, float x);
-float osl_smoothStep(float low, float high, float x);
+inline float osl_linearStep(float low, float high, float x)
+{
+    const float t = osl_clamp((x - low) / (high - low), 0, 1);
+    return low == high ? osl_step(low, x) : t;
+}
+inline float osl_smoothStep(float low, float high, float x)
+{
+    const float t = (x - low) / (high - low);
+    const float curve = (3 - 2 * t) * (t * t);
+    return x < low ? 0 : x >= high ? 1 : curve;
+}
 float osl_smoothLinearStep(float low, float high, float x, float eps);

@@ -74,6 +74,54 @@ struct Lanes<int, W> {
     void set(int lane, int x) const { val[lane] = x; }
 };
 
+// What a loop over lanes makes. A result may lie where an operand lies; from here it goes
+// there in one step, so that compilers need not wonder whether they overlap.
+template <class T, int N>
+struct Made {
+    T val[static_cast<size_t>(N)];
+    void set(int lane, T x) { val[lane] = x; }
+    template <int W>
+    void store(const Lanes<T, W> &out) const
+    {
+        copy(out.val);
+    }
+    void copy(T *to) const
+    {
+        OSL_LANES
+        for (int l = 0; l < N; ++l)
+            to[l] = val[l];
+    }
+};
+
+template <int N>
+struct Made<osl_Dual, N> {
+    Made<float, N> val;
+    Made<float, N> dx;
+    Made<float, N> dy;
+    void set(int lane, const osl_Dual &x)
+    {
+        val.set(lane, x.val);
+        dx.set(lane, x.dx);
+        dy.set(lane, x.dy);
+    }
+    template <int W>
+    void store(const Lanes<osl_Dual, W> &out) const
+    {
+        val.copy(out.val);
+        dx.copy(out.dx);
+        dy.copy(out.dy);
+    }
+};
+
+template <int N, class T, int W, class F>
+inline void eachLane(const Lanes<T, W> &out, F value)
+{
+    Made<T, N> made;
+    for (int l = 0; l < N; ++l)
+        made.set(l, value(l));
+    made.store(out);
+}
+
 // out = F(a), F(a, b), F(a, b, c) by components.
 template <class F, class R, class A, int N, int W>
 struct Unary {
@@ -82,9 +130,7 @@ struct Unary {
         for (int w = 0; w < in.words; ++w) {
             const Lanes<R, W> out(memory, o[0], w);
             const Lanes<A, W> a(memory, o[1], w);
-            OSL_LANES
-            for (int l = 0; l < N; ++l)
-                out.set(l, F::apply(a.get(l)));
+            eachLane<N>(out, [&](int l) { return F::apply(a.get(l)); });
         }
     }
 };
@@ -97,9 +143,7 @@ struct Binary {
             const Lanes<R, W> out(memory, o[0], w);
             const Lanes<A, W> a(memory, o[1], w);
             const Lanes<A, W> b(memory, o[2], w);
-            OSL_LANES
-            for (int l = 0; l < N; ++l)
-                out.set(l, F::apply(a.get(l), b.get(l)));
+            eachLane<N>(out, [&](int l) { return F::apply(a.get(l), b.get(l)); });
         }
     }
 };
@@ -113,9 +157,7 @@ struct Ternary {
             const Lanes<A, W> a(memory, o[1], w);
             const Lanes<A, W> b(memory, o[2], w);
             const Lanes<A, W> c(memory, o[3], w);
-            OSL_LANES
-            for (int l = 0; l < N; ++l)
-                out.set(l, F::apply(a.get(l), b.get(l), c.get(l)));
+            eachLane<N>(out, [&](int l) { return F::apply(a.get(l), b.get(l), c.get(l)); });
         }
     }
 };
@@ -196,9 +238,7 @@ struct Gather {
         for (int w = 0; w < in.words; ++w) {
             const Lanes<T, W> out(memory, o[0], w);
             const Lanes<T, W> a(memory, o[1 + w], 0);
-            OSL_LANES
-            for (int l = 0; l < N; ++l)
-                out.set(l, a.get(l));
+            eachLane<N>(out, [&](int l) { return a.get(l); });
         }
     }
 };
@@ -213,12 +253,11 @@ struct Choice {
             const Lanes<T, W> out(memory, o[0], w);
             const Lanes<T, W> no(memory, o[1], w);
             const Lanes<T, W> yes(memory, o[2], w);
-            OSL_LANES
-            for (int l = 0; l < N; ++l) {
+            eachLane<N>(out, [&](int l) {
                 const T a = no.get(l);
                 const T b = yes.get(l);
-                out.set(l, condition.get(l) != 0 ? b : a);
-            }
+                return condition.get(l) != 0 ? b : a;
+            });
         }
     }
 };

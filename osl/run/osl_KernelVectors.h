@@ -23,6 +23,21 @@ struct VectorLanes {
     }
 };
 
+template <int N, class T, int W, class F>
+inline void eachLane(const VectorLanes<T, W> &out, F value)
+{
+    Made<T, N> x, y, z;
+    for (int l = 0; l < N; ++l) {
+        const osl_Vec3<T> v = value(l);
+        x.set(l, v.x);
+        y.set(l, v.y);
+        z.set(l, v.z);
+    }
+    x.store(out.x);
+    y.store(out.y);
+    z.store(out.z);
+}
+
 struct Dot {
     template <class T>
     static T apply(const osl_Vec3<T> &a, const osl_Vec3<T> &b)
@@ -72,9 +87,7 @@ struct VectorToNumber {
     {
         const Lanes<T, W> out(memory, o[0], 0);
         const VectorLanes<T, W> a(memory, o[1]);
-        OSL_LANES
-        for (int l = 0; l < N; ++l)
-            out.set(l, F::apply(a.get(l)));
+        eachLane<N>(out, [&](int l) { return F::apply(a.get(l)); });
     }
 };
 template <class F, class T, int N, int W>
@@ -84,9 +97,7 @@ struct VectorsToNumber {
         const Lanes<T, W> out(memory, o[0], 0);
         const VectorLanes<T, W> a(memory, o[1]);
         const VectorLanes<T, W> b(memory, o[2]);
-        OSL_LANES
-        for (int l = 0; l < N; ++l)
-            out.set(l, F::apply(a.get(l), b.get(l)));
+        eachLane<N>(out, [&](int l) { return F::apply(a.get(l), b.get(l)); });
     }
 };
 template <class F, class T, int N, int W>
@@ -95,9 +106,7 @@ struct VectorToVector {
     {
         const VectorLanes<T, W> out(memory, o[0]);
         const VectorLanes<T, W> a(memory, o[1]);
-        OSL_LANES
-        for (int l = 0; l < N; ++l)
-            out.set(l, F::apply(a.get(l)));
+        eachLane<N>(out, [&](int l) { return F::apply(a.get(l)); });
     }
 };
 template <class F, class T, int N, int W>
@@ -107,9 +116,7 @@ struct VectorsToVector {
         const VectorLanes<T, W> out(memory, o[0]);
         const VectorLanes<T, W> a(memory, o[1]);
         const VectorLanes<T, W> b(memory, o[2]);
-        OSL_LANES
-        for (int l = 0; l < N; ++l)
-            out.set(l, F::apply(a.get(l), b.get(l)));
+        eachLane<N>(out, [&](int l) { return F::apply(a.get(l), b.get(l)); });
     }
 };
 
@@ -123,9 +130,9 @@ struct Derivative {
         for (int w = 0; w < in.words; ++w) {
             const Lanes<float, W> out(memory, o[0], w);
             const Lanes<osl_Dual, W> a(memory, o[1], w);
-            OSL_LANES
-            for (int l = 0; l < N; ++l)
-                out.set(l, WHICH == 0 ? a.dx[l] : WHICH == 1 ? a.dy[l] : 0.0f);
+            eachLane<N>(out, [&](int l) {
+                return WHICH == 0 ? a.dx[l] : WHICH == 1 ? a.dy[l] : 0.0f;
+            });
         }
     }
 };
@@ -137,9 +144,8 @@ struct FilterWidth {
         for (int w = 0; w < in.words; ++w) {
             const Lanes<float, W> out(memory, o[0], w);
             const Lanes<osl_Dual, W> a(memory, o[1], w);
-            OSL_LANES
-            for (int l = 0; l < N; ++l)
-                out.set(l, std::sqrt(a.dx[l] * a.dx[l] + a.dy[l] * a.dy[l]));
+            eachLane<N>(out,
+                        [&](int l) { return std::sqrt(a.dx[l] * a.dx[l] + a.dy[l] * a.dy[l]); });
         }
     }
 };

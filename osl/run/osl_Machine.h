@@ -260,8 +260,8 @@ private:
     std::unordered_map<std::string, std::pair<std::shared_ptr<const osl_Texture>, std::string>>
         myTextures;
     std::unique_ptr<osl_Dictionaries> myDictionaries; // null until one is asked
-    std::vector<std::vector<Event>> myEvents;     // of each lane
-    std::vector<std::vector<Message>> myMessages; // likewise
+    std::vector<std::vector<Event>> myEvents;         // of each lane
+    std::vector<std::vector<Message>> myMessages;     // likewise
     std::unordered_set<std::string> myReported;
     size_t myOutputBytes = 0;
     std::deque<OSL_Output> myOutputs;

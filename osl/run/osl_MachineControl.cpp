@@ -1,6 +1,8 @@
 // The way through the code.
 #include "osl/run/osl_Machine.h"
 
+#include <emmintrin.h>
+
 // Returns the next instruction; -1 at the end.
 int osl_Machine::control(In in, int at)
 {
@@ -52,10 +54,15 @@ int osl_Machine::control(In in, int at)
 osl_Machine::Mask osl_Machine::lanesOf(const osl_Operand &condition) const
 {
     const int *value = myMemory + static_cast<std::ptrdiff_t>(condition.at) * myWidth;
-    Mask lanes = 0;
-    for (int lane = 0; lane < myWidth; ++lane)
-        lanes |= static_cast<Mask>(value[lane] != 0) << lane;
-    return lanes;
+    if (myWidth == 1)
+        return value[0] != 0 ? 1 : 0;
+    Mask zeros = 0;
+    for (int lane = 0; lane < myWidth; lane += 4) {
+        const __m128i four = _mm_loadu_si128(reinterpret_cast<const __m128i *>(value + lane));
+        const __m128i areZero = _mm_cmpeq_epi32(four, _mm_setzero_si128());
+        zeros |= static_cast<Mask>(_mm_movemask_ps(_mm_castsi128_ps(areZero))) << lane;
+    }
+    return ~zeros;
 }
 
 int osl_Machine::doIf(In in, int at)
