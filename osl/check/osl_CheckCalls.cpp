@@ -220,7 +220,12 @@ int osl_Checker::argumentScore(const osl_Function &function, Node *args)
 
 bool osl_Checker::isSameSignature(const osl_Function &a, const osl_Function &b)
 {
-    return a.parameters.size() == b.parameters.size() && a.tail == b.tail &&
+    return a.tail == b.tail && haveSameParameters(a, b);
+}
+
+bool osl_Checker::haveSameParameters(const osl_Function &a, const osl_Function &b)
+{
+    return a.parameters.size() == b.parameters.size() &&
            std::equal(a.parameters.begin(), a.parameters.end(), b.parameters.begin(),
                       [](const auto &l, const auto &r) { return l.type == r.type; });
 }

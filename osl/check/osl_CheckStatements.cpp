@@ -175,7 +175,7 @@ void osl_Checker::defineEarlier(osl_Function *function)
 {
     for (osl_Function *earlier = function->next; earlier != nullptr; earlier = earlier->next) {
         if (earlier->node != nullptr && earlier->node->b == nullptr &&
-            isSameSignature(*earlier, *function) && earlier->result == function->result)
+            haveSameParameters(*earlier, *function) && earlier->result == function->result)
             earlier->definition = function;
     }
 }

@@ -101,6 +101,7 @@ private:
     osl_Function *best(Node *node, std::vector<Candidate> &found);
     static int argumentScore(const osl_Function &function, Node *args);
     static int typeScore(const osl_Type &to, const osl_Type &from);
+    static bool haveSameParameters(const osl_Function &a, const osl_Function &b);
     static bool isSameSignature(const osl_Function &a, const osl_Function &b);
     std::string describe(const osl_Function &function) const;
     static std::string argumentList(const Node *args);

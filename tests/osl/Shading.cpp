@@ -5,8 +5,8 @@
 bool RecordingShading::spaceToCommon(std::string_view space, int, osl_Matrix &matrix)
 {
     matrix = osl_Matrix::diagonal(1);
-    matrix.m[3][0] = 1;
-    return space == "shifted";
+    matrix.m[3][0] = space == "shifted" ? 1 : 0;
+    return space == "shifted" || space == "object";
 }
 
 bool RecordingShading::attribute(std::string_view, std::string_view name, int, OSL_Value &value)

@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-// Remembers what shaders print. Knows the space "shifted" (by 1 along x), the attribute
+// Remembers what shaders print. Knows the spaces "shifted" (by 1 along x) and
+// "object" (not moved), the attribute
 // "answer" (42) and the interpolated float "s" (u).
 class RecordingShading : public OSL_Renderer
 {
