@@ -11,6 +11,8 @@
 class Random
 {
 public:
+    explicit Random(unsigned seed = chosenSeed()) : mySeed(seed) {}
+
     unsigned seed() const { return mySeed; }
     size_t below(size_t limit)
     {
@@ -38,6 +40,6 @@ private:
         return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : 1u;
     }
 
-    const unsigned mySeed = chosenSeed();
+    const unsigned mySeed;
     std::mt19937 myBits{mySeed};
 };
