@@ -93,7 +93,9 @@ int osl_Dictionaries::Data::answer(const Document &document, pugi::xml_node from
     if (!query || query.return_type() != pugi::xpath_type_node_set)
         return INVALID;
     int first = NOT_FOUND;
-    for (const pugi::xpath_node &found : query.evaluate_node_set(from)) {
+    pugi::xpath_node_set matches = query.evaluate_node_set(from);
+    matches.sort();
+    for (const pugi::xpath_node &found : matches) {
         if (found.node().empty() || nodes.size() >= MAX_NODES)
             continue;
         const int number = static_cast<int>(nodes.size());

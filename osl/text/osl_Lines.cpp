@@ -15,6 +15,34 @@
 namespace
 {
 constexpr size_t MAX_TOTAL_BYTES = size_t(64) << 20;
+
+// Whether a comment is open behind a line.
+bool endsInComment(std::string_view line, bool isInComment)
+{
+    size_t at = 0;
+    bool isQuoted = false;
+    if (!isInComment && line.find("/*") == std::string_view::npos)
+        return false;
+    while (at < line.size()) {
+        const std::string_view two = line.substr(at, 2);
+        if (isInComment) {
+            const size_t close = line.find("*/", at);
+            if (close == std::string_view::npos)
+                return true;
+            isInComment = false;
+            at = close + 2;
+        } else if (!isQuoted && two == "//") {
+            return false;
+        } else if (!isQuoted && two == "/*") {
+            isInComment = true;
+            at += 2;
+        } else {
+            isQuoted = isQuoted != (line[at] == '"');
+            at += line[at] == '\\' ? 2U : 1U;
+        }
+    }
+    return isInComment;
+}
 } // namespace
 
 // The text of one file, in memory.
@@ -39,6 +67,7 @@ private:
     bool isGood = false;
     bool isInDirective = false; // that goes on in the next line
     bool isInComment = false;   // of a directive
+    bool isInBlock = false;     // a comment that other lines have opened
 };
 
 class osl_Lines::Manager : public CPP_Manager
@@ -93,7 +122,9 @@ bool osl_Lines::Stream::readLine(UT_ScratchBuffer &line)
     const std::string_view text(myText.data() + myNext, end - myNext);
     myNext = newline + 1;
     const size_t first = text.find_first_not_of(" \t");
-    if (!isInDirective && (first == std::string_view::npos || text[first] != '#')) {
+    const bool isDirective = first != std::string_view::npos && text[first] == '#' && !isInBlock;
+    if (!isInDirective && !isDirective) {
+        isInBlock = endsInComment(text, isInBlock);
         line.append(text.data(), static_cast<int>(text.size()));
         return true;
     }

@@ -59,6 +59,7 @@ TEST(Preprocessor, LeavesOutWhatIsNotTaken)
          "#ifdef NO // a\n#define X 2\n#else /* b */\n#define X 1\n#endif // c", "1"},
         {"comments over lines", "#define X 1 /* one\n two */", "1"},
         {"comments that end inside a directive", "#define X (0 + \\\n /* one\n two */ 1)", "1"},
+        {"directives inside comments", "#define X 1\n/*\n#define X 2 /* a\n b */", "1"},
         {"blanks around the sign", "  #  define X 1", "1"},
         {"line ends of other systems", "#define X \\\r\n 1\r\n", "1"},
     };
