@@ -298,9 +298,11 @@ osl_Function *osl_Checker::best(Node *node, std::vector<Candidate> &found)
     }
     if (equals.size() == 1)
         return equals[0].function;
-    const bool isOurs = std::none_of(equals.begin(), equals.end(), [](const Candidate &candidate) {
-        return candidate.function->node != nullptr;
-    });
+    const bool isOurs =
+        std::all_of(equals.begin(), equals.end(), [this](const Candidate &candidate) {
+            const Node *declaration = candidate.function->node;
+            return declaration == nullptr || declaration->place.file == myPreludeFile;
+        });
     std::stable_sort(equals.begin(), equals.end(), [](const Candidate &a, const Candidate &b) {
         return rankOf(a.function->result) < rankOf(b.function->result);
     });
