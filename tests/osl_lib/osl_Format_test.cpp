@@ -62,15 +62,26 @@ TEST(Format, ChangesConversionsThatDoNotSuit)
     EXPECT_EQ("<5>", formatted("%d", {five, half}));
 }
 
-TEST(Format, TellsWhatItWants)
+TEST(Format, TellsWhatSuits)
 {
-    const osl_Format format("%d %% %5.2f %s %X %c");
-    ASSERT_EQ(5, format.conversions());
-    const osl_FormatArg::Type wanted[] = {osl_FormatArg::INT, osl_FormatArg::FLOAT,
-                                          osl_FormatArg::STRING, osl_FormatArg::INT,
-                                          osl_FormatArg::INT};
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(wanted[i], format.wants(i)) << i;
+    const struct {
+        const char *format;
+        bool suitsInt, suitsFloat, suitsText;
+    } rows[] = {{"%d", true, false, false},    {"%X", true, false, false},
+                {"%5.2f", false, true, false}, {"%g", false, true, false},
+                {"%s", false, false, true},    {"%p", false, true, false},
+                {"%m", false, true, false},    {"%c", true, true, false}};
+    for (const auto &row : rows) {
+        const osl_Format format(row.format);
+        ASSERT_EQ(1, format.conversions()) << row.format;
+        EXPECT_EQ(row.suitsInt, format.suits(0, osl_FormatArg::INT)) << row.format;
+        EXPECT_EQ(row.suitsFloat, format.suits(0, osl_FormatArg::FLOAT)) << row.format;
+        EXPECT_EQ(row.suitsText, format.suits(0, osl_FormatArg::STRING)) << row.format;
+    }
+    EXPECT_EQ(3, osl_Format("%d %% % x %s").conversions());
+    EXPECT_EQ("<0.500000 0.500000 A>",
+              formatted("%p %c %c", {osl_FormatArg(&HALF, 1), osl_FormatArg(&HALF, 1),
+                                     osl_FormatArg(&CHARACTER, 1)}));
 }
 
 TEST(Format, BoundsWhatItWrites)
