@@ -63,8 +63,8 @@ const char *takeDefinition(cpp_MacroTable &macros, bool strips, const char *line
     const char *name = defined(line, end);
     if (name == nullptr)
         return nullptr;
-    const char *stop = simpleLineEnd(name, end);
-    const char *body = nameEnd(name, stop);
+    const char *body = nameEnd(name, end);
+    const char *stop = simpleLineEnd(body, end);
     if (stop == end || (body < stop && !isSpace(*body)))
         return nullptr;
     const char *behind = stop + 1;

@@ -1,6 +1,6 @@
 #include "CPP/cpp_Runs.h"
 
-#include "CPP/cpp_Text.h"
+#include "CPP/cpp_Classes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -34,7 +34,7 @@ bool stopsKept(char c, char next)
 const char *firstStop(cpp_RunKind kind, const char *from, const char *end)
 {
     if (kind == cpp_RunKind::DROPPED)
-        return std::find_if(from, end, stopsDropped);
+        return std::find_if(from, end, [](char c) { return stopsDropped(c); });
     while (from < end && !stopsKept(*from, from + 1 < end ? from[1] : '\n'))
         ++from;
     return from;
@@ -174,7 +174,7 @@ const char *nameEnd(const char *from, const char *end)
             return from + __builtin_ctz(stops);
     }
 #endif
-    return std::find_if_not(from, end, isNameCharacter);
+    return findOther(CPP_NAME, from, end);
 }
 
 int countLines(const char *from, const char *end)
