@@ -2,10 +2,12 @@
 
 #include "CPP/CPP_Stream.h"
 #include "CPP/cpp_Comments.h"
+#include "CPP/cpp_Condition.h"
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
 #include "CPP/cpp_QuietLines.h"
+#include "CPP/cpp_SkippedLines.h"
 #include "CPP/cpp_SmallFiles.h"
 #include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
@@ -26,6 +28,9 @@ const char *const SEVERITIES[] = {"error", "warning"};
 
 // Characters from which on a line is not copied without need.
 constexpr int LONG_LINE = 1 << 20;
+
+// Skipped lines that are answered at once, or nearly so.
+constexpr int MOST_EMPTY_LINES = 1 << 16;
 
 bool isStandardInput(const char *path)
 {
@@ -290,6 +295,8 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     const bool isDropped = hasFlag(IN_BLOCK_COMMENT) || file->isSkipping();
     if (isDropped && hasFlag(OLD_STYLE_INCLUDE)) // which warns even there
         return false;
+    if (isDropped && takeSkipped(*file, text, length))
+        return true;
     int lines;
     text = file->takeRun(isDropped ? cpp_RunKind::DROPPED : cpp_RunKind::KEPT, length, lines);
     if (text == nullptr)
@@ -302,14 +309,68 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     return true;
 }
 
+// Lines that are skipped, with what they do to the open conditionals.
+bool CPP_Manager::takeSkipped(CPP_File &file, const char *&text, int &length)
+{
+    if (hasFlag(IN_BLOCK_COMMENT) || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
+        return false;
+    int available, lines = 0;
+    while (lines < MOST_EMPTY_LINES && file.isSkipping()) {
+        const char *start = file.peek(available);
+        if (start == nullptr)
+            break;
+        const char *end =
+            *start == '#' ? start : runEnd(cpp_RunKind::DROPPED, start, start + available);
+        cpp_SkippedLine line;
+        if (end == start) {
+            line = readSkippedLine(stripsSlashes(), start, start + available);
+            end = line.end;
+            if (line.kind == cpp_SkippedLine::UNKNOWN || !takeSkippedElif(file, line))
+                break;
+        }
+        const int count = line.isOneLine ? 1 : countLines(start, end);
+        lines += count;
+        file.skip(static_cast<int>(end - start), 1); // the one that counts for a directive
+        if (line.kind == cpp_SkippedLine::OPENS)
+            file.pushCondition(CPP_File::DONE);
+        else if (line.kind == cpp_SkippedLine::ELSE)
+            file.elseCondition();
+        else if (line.kind == cpp_SkippedLine::CLOSES)
+            file.popCondition();
+        file.skip(0, count - 1);
+    }
+    text = emptyLines(lines);
+    length = lines;
+    sawSpecialStream = sawSpecialStream || file.isSpecial();
+    return lines > 0;
+}
+
+// False when there is something to tell about the condition of a line.
+bool CPP_Manager::takeSkippedElif(CPP_File &file, const cpp_SkippedLine &line)
+{
+    if (line.kind != cpp_SkippedLine::ELIF)
+        return true;
+    myCondition = line.condition;
+    cpp_ConditionFault fault;
+    const int value = evaluateCondition(myMacros, myCondition.c_str(), &fault);
+    if (value < 0 || fault.oddMacro != nullptr)
+        return false;
+    file.elifCondition(value);
+    return true;
+}
+
+bool CPP_Manager::stripsSlashes() const
+{
+    return hasFlag(STRIP_COMMENTS) && !hasFlag(KEEP_SLASH_COMMENTS);
+}
+
 bool CPP_Manager::takeQuiet(CPP_File &file, const char *&text, int &length)
 {
     int available;
     const char *start = file.peek(available);
     if (start == nullptr || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
         return false;
-    const bool strips = hasFlag(STRIP_COMMENTS) && !hasFlag(KEEP_SLASH_COMMENTS);
-    const char *end = takeQuietLines(myMacros, strips, start, start + available);
+    const char *end = takeQuietLines(myMacros, stripsSlashes(), start, start + available);
     if (end == start)
         return false;
     length = countLines(start, end);
@@ -377,8 +438,8 @@ void CPP_Manager::processLine(UT_ScratchBuffer &out)
 {
     replaceAll(myLine.buffer(), myLine.length(), '\r', ' ');
     const bool strips = hasFlag(STRIP_COMMENTS);
-    const bool isOpen = stripComments(myLine, strips && !hasFlag(KEEP_SLASH_COMMENTS),
-                                      strips && hasFlag(HASH_COMMENTS), hasFlag(IN_BLOCK_COMMENT));
+    const bool isOpen = stripComments(myLine, stripsSlashes(), strips && hasFlag(HASH_COMMENTS),
+                                      hasFlag(IN_BLOCK_COMMENT));
     if (isOpen && !hasFlag(IN_BLOCK_COMMENT))
         noteComment();
     setFlag(IN_BLOCK_COMMENT, isOpen);

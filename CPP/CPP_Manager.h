@@ -42,6 +42,7 @@ class UT_IStream;
 class cpp_Expander;
 class cpp_SmallFiles;
 struct cpp_ConditionFault;
+struct cpp_SkippedLine;
 
 class CPP_Manager
 {
@@ -188,7 +189,10 @@ private:
 
     // emit
     bool takeRun(const char *&text, int &length);
+    bool takeSkipped(CPP_File &file, const char *&text, int &length);
+    bool takeSkippedElif(CPP_File &file, const cpp_SkippedLine &line);
     bool takeQuiet(CPP_File &file, const char *&text, int &length);
+    bool stripsSlashes() const;
     const char *emptyLines(int lines);
     void processLine(UT_ScratchBuffer &out);
     bool processIfDirective(const char *first, UT_ScratchBuffer &out);
@@ -264,6 +268,7 @@ private:
     bool isLineLent = false;   // to the caller, who has given us another buffer
     UT_ScratchBuffer myOutput; // for callers who bring no buffer
     UT_ScratchBuffer myEmptyLines;
+    std::string myCondition; // of a skipped line
 
     CPP_Listener myListener;
     const char *myPlace = nullptr; // in myLine, for what is reported next

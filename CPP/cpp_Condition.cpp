@@ -105,7 +105,7 @@ public:
         if (!takeName(name))
             return fail("this is no number, name or operator");
         for (const Function &function : FUNCTIONS) {
-            if (name == function.name)
+            if (name[0] == function.name[0] && name == function.name)
                 return (this->*function.take)(value) || fail(function.form);
         }
         if (*skipSpace(myText) == '(')

@@ -25,21 +25,6 @@ const char *blockEnd(const char *from, const char *end)
     return slash < end ? slash + 1 : nullptr;
 }
 
-// Behind the line on which the comment ends that a slash starts; null when it is none, or
-// when anything else than white space follows it, or when lines may be joined.
-const char *skipComment(const char *slash, const char *end)
-{
-    if (end - slash < 2 || (slash[1] != '/' && slash[1] != '*'))
-        return nullptr;
-    const char *behind = slash[1] == '*' ? blockEnd(slash, end) : slash;
-    if (behind == nullptr)
-        return nullptr;
-    const char *newline = find('\n', behind, end);
-    const bool isWhole = slash[1] == '/' || skipBlanks(behind, newline) == newline;
-    const bool mayJoin = find('\\', slash, newline) != newline;
-    return newline != end && isWhole && !mayJoin ? newline + 1 : nullptr;
-}
-
 // The name that a definition begins with, null when the line is none.
 const char *defined(const char *line, const char *end)
 {
@@ -87,6 +72,24 @@ const char *takeComment(const char *line, const char *end)
     return first < end && *first == '/' ? skipComment(first, end) : nullptr;
 }
 } // namespace
+
+bool startsComment(const char *slash, const char *end)
+{
+    return end - slash >= 2 && (slash[1] == '/' || slash[1] == '*');
+}
+
+const char *skipComment(const char *slash, const char *end)
+{
+    if (!startsComment(slash, end))
+        return nullptr;
+    const char *behind = slash[1] == '*' ? blockEnd(slash, end) : slash;
+    if (behind == nullptr)
+        return nullptr;
+    const char *newline = find('\n', behind, end);
+    const bool isWhole = slash[1] == '/' || skipBlanks(behind, newline) == newline;
+    const bool mayJoin = find('\\', slash, newline) != newline;
+    return newline != end && isWhole && !mayJoin ? newline + 1 : nullptr;
+}
 
 const char *takeQuietLines(cpp_MacroTable &macros, bool strips, const char *from, const char *end)
 {
