@@ -479,7 +479,7 @@ bool CPP_Manager::isOldInclude(const char *text) const
         return false;
     for (const char *word : {"include", "sinclude"}) {
         const size_t length = std::strlen(word);
-        if (std::strncmp(text, word, length) == 0 && isSpace(text[length]))
+        if (std::strncmp(text, word, length) == 0 && UTisSpace(text[length]))
             return true;
     }
     return false;

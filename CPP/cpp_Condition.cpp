@@ -98,7 +98,7 @@ public:
 
     bool take(int32_t &value)
     {
-        if (isDigit(*myText) || *myText == '-')
+        if (UTisDigit(*myText) || *myText == '-')
             return takeNumber(value);
         std::string_view name;
         const char *start = myText;
@@ -138,7 +138,7 @@ private:
         const bool isHex = myText[0] == '0' && myText[1] == 'x';
         std::string digits = isHex ? "0x" : "";
         myText += digits.size();
-        for (; isHex ? std::isxdigit(static_cast<unsigned char>(*myText)) != 0 : isDigit(*myText);
+        for (; isHex ? std::isxdigit(static_cast<unsigned char>(*myText)) != 0 : UTisDigit(*myText);
              ++myText)
             digits += *myText;
         value = parseNumber(digits, 0);
@@ -150,13 +150,13 @@ private:
     bool takeShortDecimal(int32_t &value)
     {
         constexpr int MOST_DIGITS = 9;
-        if (*myText == '0' && isDigit(myText[1]))
+        if (*myText == '0' && UTisDigit(myText[1]))
             return false;
         const char *digit = myText;
         value = 0;
-        for (; isDigit(*digit) && digit - myText < MOST_DIGITS; ++digit)
+        for (; UTisDigit(*digit) && digit - myText < MOST_DIGITS; ++digit)
             value = value * 10 + (*digit - '0');
-        if (isDigit(*digit) || *digit == 'x' || digit == myText)
+        if (UTisDigit(*digit) || *digit == 'x' || digit == myText)
             return false;
         myText = digit;
         return true;
@@ -165,12 +165,13 @@ private:
     // What follows would be another operand.
     bool endsNumber()
     {
-        return !isNameCharacter(*myText) || fail("a number has no suffix, and is decimal or 0x...");
+        return !UTisNameCharacter(*myText) ||
+               fail("a number has no suffix, and is decimal or 0x...");
     }
 
     bool takeName(std::string_view &name)
     {
-        if (!isNameStart(*myText))
+        if (!UTisNameStart(*myText))
             return false;
         const auto length = static_cast<size_t>(skipName(myText) - myText);
         name = {myText, std::min(length, MAX_NAME)};
@@ -183,12 +184,12 @@ private:
     {
         text.clear();
         const bool isQuoted = *from == '"';
-        if (!isQuoted && !isNameStart(*from))
+        if (!isQuoted && !UTisNameStart(*from))
             return false;
         from += isQuoted ? 1 : 0;
         for (; *from != '\0' && text.size() < MAX_NAME; ++from) {
             const bool ends = isQuoted ? *from == '"' && (text.empty() || text.back() != '\\')
-                                       : !isNameCharacter(*from);
+                                       : !UTisNameCharacter(*from);
             if (ends)
                 break;
             text += *from;
@@ -395,7 +396,7 @@ private:
 
 const Operator *findOperator(const char *text)
 {
-    if (text[0] == '-' && isDigit(text[1]))
+    if (text[0] == '-' && UTisDigit(text[1]))
         return nullptr;
     for (size_t i = FIRST_ROWS[static_cast<unsigned char>(*text)]; i < std::size(OPERATORS); ++i) {
         const Operator &op = OPERATORS[i];

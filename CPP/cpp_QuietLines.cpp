@@ -35,7 +35,7 @@ const char *defined(const char *line, const char *end)
     const char *name = line + START;
     while (name < end && (*name == ' ' || *name == '\t'))
         ++name;
-    return name > line + START && name < end && isNameStart(*name) ? name : nullptr;
+    return name > line + START && name < end && UTisNameStart(*name) ? name : nullptr;
 }
 
 bool hasQuote(const char *from, const char *end)
@@ -50,7 +50,7 @@ const char *takeDefinition(cpp_MacroTable &macros, bool strips, const char *line
         return nullptr;
     const char *body = nameEnd(name, end);
     const char *stop = simpleLineEnd(body, end);
-    if (stop == end || (body < stop && !isSpace(*body)))
+    if (stop == end || (body < stop && !UTisSpace(*body)))
         return nullptr;
     const char *behind = stop + 1;
     if (*stop == '/' && strips && !hasQuote(body, stop))

@@ -135,7 +135,7 @@ void CPP_Manager::warnDefinition(const char *definition)
         return;
     const char *name = skipSpace(definition);
     const char *parameters = name;
-    while (isNameCharacter(*parameters))
+    while (UTisNameCharacter(*parameters))
         ++parameters;
     if (*parameters != '(')
         return;
@@ -146,7 +146,7 @@ void CPP_Manager::warnDefinition(const char *definition)
         warn(CPP_VARIADIC,
              messageAt(variadic, "a macro takes as many arguments as it has parameters"));
     const char *paste = std::strstr(parameters, "##");
-    if (paste != nullptr && (isSpace(paste[-1]) || isSpace(paste[2])))
+    if (paste != nullptr && (UTisSpace(paste[-1]) || UTisSpace(paste[2])))
         warn(CPP_SPACED_PASTE, messageAt(paste, "## joins words only without blanks around it"));
 }
 

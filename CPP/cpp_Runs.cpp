@@ -28,7 +28,7 @@ bool stopsKept(char c, char next)
     if (isBlank(c))
         return next == '\n';
     const bool isControl = c >= '\0' && c < ' ' && c != '\n';
-    return isControl || isNameStart(c) || stopsDropped(c) || c == '"' || c == '\'';
+    return isControl || UTisNameStart(c) || stopsDropped(c) || c == '"' || c == '\'';
 }
 
 const char *firstStop(cpp_RunKind kind, const char *from, const char *end)

@@ -70,7 +70,7 @@ cpp_SkippedLine readSkippedLine(bool strips, const char *from, const char *end)
         const char *word = skipTabs(text + 1, end);
         text = nameEnd(word, end);
         kind = kindOf({word, static_cast<size_t>(text - word)});
-        if (kind == cpp_SkippedLine::UNKNOWN || text == end || !isSpace(*text))
+        if (kind == cpp_SkippedLine::UNKNOWN || text == end || !UTisSpace(*text))
             return line;
     }
     const char *stop = lineEnd(strips, text, end, line.end);

@@ -20,7 +20,7 @@ bool startsWith(std::string_view text, std::string_view prefix)
 
 bool isEmptyLine(std::string_view line)
 {
-    return std::all_of(line.begin(), line.end(), isSpace);
+    return std::all_of(line.begin(), line.end(), UTisSpace);
 }
 
 // Whether a line may stand inside a guard: no conditional, nor what might be one
@@ -57,11 +57,11 @@ std::string guardOf(std::string_view text)
     while (!text.empty() && isPlainLine(line))
         line = takeLine(text);
     if (!startsWith(first, OPENING) || !startsWith(line, "#endif") || !isEmptyLine(text) ||
-        (line.size() > 6 && !isSpace(line[6])))
+        (line.size() > 6 && !UTisSpace(line[6])))
         return {};
     std::string_view name = first.substr(OPENING.size());
-    const auto *end = std::find_if_not(name.begin(), name.end(), isNameCharacter);
-    const bool isWholeWord = end == name.end() || isSpace(*end);
+    const auto *end = std::find_if_not(name.begin(), name.end(), UTisNameCharacter);
+    const bool isWholeWord = end == name.end() || UTisSpace(*end);
     return isWholeWord ? std::string(name.begin(), end) : std::string();
 }
 

@@ -1,10 +1,10 @@
 #include "UT/UT_SymbolTable.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_Memory.h"
 #include "UT/UT_SmallObjectPool.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cinttypes>
 #include <cstdlib>
 #include <cstring>
@@ -56,10 +56,6 @@ double entriesAt(int tableSize, float loadFactor)
     return static_cast<double>(static_cast<float>(tableSize)) * static_cast<double>(loadFactor);
 }
 
-bool isDigit(char c)
-{
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
 } // namespace
 
 // A name as the lookups need it, with its hash,
@@ -364,13 +360,13 @@ char *UT_SymbolTable::makeUniqueName(const char *base) const
 {
     const char *const text = base != nullptr ? base : "";
     size_t length = std::strlen(text);
-    while (length > 0 && isDigit(text[length - 1]))
+    while (length > 0 && UTisDigit(text[length - 1]))
         --length;
 
     uint64_t counter = 1;
     visitAll([&](const Entry &entry) {
         const char *const key = entry.myName;
-        if (std::strncmp(key, text, length) == 0 && isDigit(key[length])) {
+        if (std::strncmp(key, text, length) == 0 && UTisDigit(key[length])) {
             const uint64_t number = std::strtoull(key + length, nullptr, 10);
             // A number beyond all counters does not move this one.
             if (counter <= number && number != UINT64_MAX)
