@@ -202,7 +202,8 @@ bool CPP_Manager::pushPath(const char *path)
     CPP_Stream *stream = file->getStream();
     const bool isFile = *path != '\0' && !isStandardInput(path);
     // Old-style includes are reported even in skipped text.
-    mySmallFiles->heedGuards(!hasFlag(OLD_STYLE_INCLUDE));
+    mySmallFiles->heedGuards(!hasFlag(OLD_STYLE_INCLUDE) && !hasFlag(HASH_COMMENTS) &&
+                             !hasFlag(IN_BLOCK_COMMENT) && stripsSlashes());
     if (isFile)
         static_cast<void>(stream->open(path)); // whether it is open now, counts
     else if (*path != '\0')

@@ -34,9 +34,9 @@ cpp_SkippedLine::Kind kindOf(std::string_view word)
     return cpp_SkippedLine::UNKNOWN;
 }
 
-const char *skipTabs(const char *from, const char *end)
+const char *skipInLine(const char *from, const char *end)
 {
-    while (from < end && (*from == ' ' || *from == '\t'))
+    while (from < end && UTisSpace(*from) && *from != '\n')
         ++from;
     return from;
 }
@@ -52,6 +52,8 @@ const char *lineEnd(bool strips, const char *from, const char *end, const char *
     behind = stop + 1;
     if (*stop == '/')
         behind = findOf(CPP_QUOTE, from, stop) == stop ? skipComment(stop, end) : nullptr;
+    else if (*stop == '\r' && behind < end && *behind == '\n')
+        ++behind;
     else if (*stop != '\n')
         return nullptr;
     return behind != nullptr ? stop : nullptr;
@@ -61,13 +63,13 @@ const char *lineEnd(bool strips, const char *from, const char *end, const char *
 cpp_SkippedLine readSkippedLine(bool strips, const char *from, const char *end)
 {
     cpp_SkippedLine line;
-    const char *text = skipTabs(from, end);
+    const char *text = skipInLine(from, end);
     if (text == end)
         return line;
     const bool isDirective = *text == '#';
     cpp_SkippedLine::Kind kind = cpp_SkippedLine::TEXT;
     if (isDirective) {
-        const char *word = skipTabs(text + 1, end);
+        const char *word = skipInLine(text + 1, end);
         text = nameEnd(word, end);
         kind = kindOf({word, static_cast<size_t>(text - word)});
         if (kind == cpp_SkippedLine::UNKNOWN || text == end || !UTisSpace(*text))
@@ -77,7 +79,7 @@ cpp_SkippedLine readSkippedLine(bool strips, const char *from, const char *end)
     if (stop == nullptr)
         return line;
     line.kind = kind;
-    line.isOneLine = *stop == '\n';
+    line.isOneLine = *stop != '/';
     line.condition = {text, static_cast<size_t>(stop - text)};
     return line;
 }
