@@ -10,16 +10,15 @@
 #include "CPP/cpp_SkippedLines.h"
 #include "CPP/cpp_SmallFiles.h"
 #include "CPP/cpp_Text.h"
-#include "UT/UT_FileUtil.h"
 #include "UT/UT_IStream.h"
 #include "UT/UT_Memory.h"
 
+#include <cerrno>
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 namespace
 {
@@ -46,13 +45,9 @@ UT_IStream *standardInput()
 } // namespace
 
 CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
-    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(myMacros)),
-      mySmallFiles(new cpp_SmallFiles(myMacros))
+    : myIncludePath(pathId, caretSubst), myRecursionLimit(cpp_Expander::DEFAULT_LIMIT),
+      myExpander(new cpp_Expander(myMacros)), mySmallFiles(new cpp_SmallFiles(myMacros))
 {
-    const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
-    myIncludePath.reset(UT_PathSearch::getNewInstance(known));
-    if (caretSubst != nullptr)
-        myIncludePath->reconfigure(nullptr, -1, caretSubst, -1);
     defineBuiltins();
 }
 
@@ -94,26 +89,13 @@ const char *CPP_Manager::getCurrentFileName() const
 
 // ---- Input ---------------------------------------------------------------
 
-void CPP_Manager::addIncludePath(const char *dir)
-{
-    myIncludePath->addDirectory(dir);
-    myFoundPaths.clear();
-}
-
-void CPP_Manager::addIncludePathList(const char *pathList)
-{
-    const UT_PathSearch list(pathList, -1, "", UT_VELDRIN_PATH);
-    const UT_StringList &dirs = list.getDirs();
-    for (int i = 0; i < dirs.entries(); ++i)
-        addIncludePath(dirs(i));
-}
-
 bool CPP_Manager::openFile(const char *name, bool useSearchPath)
 {
     if (isStandardInput(name))
         return pushPath(name);
-    UT_String path;
-    return resolveName(name, useSearchPath, path) && pushPath(path);
+    bool isAngled;
+    const UT_String wanted = bareName(name, isAngled);
+    return useSearchPath ? findAndPush(wanted, isAngled) : pushPath(wanted);
 }
 
 bool CPP_Manager::openStream(UT_IStream *is, const char *name)
@@ -123,68 +105,43 @@ bool CPP_Manager::openStream(UT_IStream *is, const char *name)
     return pushFile(file, name);
 }
 
-bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &path)
+// Without its quotes or angle brackets.
+UT_String CPP_Manager::bareName(const char *name, bool &isAngled) const
 {
     name = skipSpace(name);
-    const bool isAngled = *name == '<';
+    isAngled = *name == '<';
     size_t length = std::strlen(name);
     if (*name == '"' || isAngled)
         length = std::strcspn(++name, isAngled ? ">" : "\"");
     else if (hasFlag(OLD_STYLE_INCLUDE))
         length = std::strcspn(name, " \t\n\v\f\r");
-    const UT_String wanted(name, true, static_cast<int>(length));
-
-    if (!useSearchPath) {
-        path.assignCopy(wanted);
-        return true;
-    }
-    if (!wanted.isNonEmpty())
-        return false;
-    const std::string key = lookupKey(wanted, isAngled);
-    const auto known = myFoundPaths.find(key);
-    if (known != myFoundPaths.end())
-        path.assignCopy(known->second.c_str());
-    else if (findFile(wanted, isAngled, path))
-        myFoundPaths.emplace(key, path.text());
-    return true;
+    return UT_String(name, true, static_cast<int>(length));
 }
 
-// What a look-up depends on: names come again and again, and most of them are asked for in
-// several folders in vain.
-std::string CPP_Manager::lookupKey(const char *name, bool isAngled) const
+// False, and errno is 0, also for a name that was looked for in vain before.
+bool CPP_Manager::findAndPush(const UT_String &name, bool isAngled)
+{
+    const char *folder = nearFolder(isAngled);
+    UT_String path;
+    const bool isFound = name.isNonEmpty() && myIncludePath.find(name, folder, path);
+    errno = 0;
+    if (!isFound)
+        return false;
+    if (pushPath(path))
+        return true;
+    if (errno == ENOENT || errno == ENOTDIR)
+        myIncludePath.forget(name, folder);
+    return false;
+}
+
+// Where a quoted name is looked for first; null for none.
+const char *CPP_Manager::nearFolder(bool isAngled) const
 {
     const CPP_File *file = isAngled ? nullptr : currentFile();
     if (file == nullptr)
-        return std::string("<") + name;
+        return nullptr;
     const char *directory = file->getDirectory();
-    return (directory != nullptr ? std::string("/") + directory : "") + "\"" + name;
-}
-
-// False when it is nowhere; it is then tried as it stands.
-bool CPP_Manager::findFile(const char *name, bool isAngled, UT_String &path) const
-{
-    if (UTisExplicitPath(name) && access(name, R_OK) == 0) {
-        path.assignCopy(name);
-        return true;
-    }
-    if (!isAngled && findNearCurrentFile(name, path))
-        return true;
-    const bool isFound = myIncludePath->findFile(path, name, UT_PathSearch::KEEP_NAME);
-    path.makeOwned();
-    return isFound;
-}
-
-bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
-{
-    const CPP_File *file = currentFile();
-    if (file == nullptr)
-        return false;
-    const char *directory = file->getDirectory();
-    path.clear();
-    if (directory != nullptr && std::strcmp(directory, ".") != 0)
-        (path += directory) += "/";
-    path += name;
-    return access(path, R_OK) == 0;
+    return directory != nullptr ? directory : ".";
 }
 
 bool CPP_Manager::isOnce(const char *path) const

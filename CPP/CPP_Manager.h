@@ -25,8 +25,8 @@
 
 #include "CPP/CPP_File.h"
 #include "CPP/CPP_Message.h"
+#include "CPP/cpp_IncludePath.h"
 #include "CPP/cpp_MacroTable.h"
-#include "UT/UT_PathSearch.h"
 #include "UT/UT_PtrArray.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
@@ -35,7 +35,6 @@
 
 #include <memory>
 #include <string>
-#include <unordered_map>
 
 class CPP_Stream;
 class UT_IStream;
@@ -90,15 +89,16 @@ public:
     // output stays as it is.
     int parseOptions(int argc, char *argv[]);
 
-    void addIncludePath(const char *dir);
-    void addIncludePathList(const char *pathList); // the existing folders of a pattern
+    void addIncludePath(const char *dir) { myIncludePath.add(dir); }
+    // The existing folders of a pattern.
+    void addIncludePathList(const char *pathList) { myIncludePath.addAll(pathList); }
 
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
     // `useSearchPath` an explicit name is taken when it can be read; any other is
-    // looked for beside the current file, then along the include path; where it was found
-    // it is taken from again in this manager's time. False when there is no such file;
-    // nothing is reported.
+    // looked for beside the current file, then along the include path; where it was found,
+    // or that it was nowhere, holds in this manager's time. False when there is no such
+    // file; nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
 
     // The same from a stream that stays the caller's and outlives the reading.
@@ -236,10 +236,9 @@ private:
     void warnCondition(const cpp_ConditionFault &fault);
 
     // input
-    bool resolveName(const char *name, bool useSearchPath, UT_String &path);
-    bool findFile(const char *name, bool isAngled, UT_String &path) const;
-    bool findNearCurrentFile(const char *name, UT_String &path) const;
-    std::string lookupKey(const char *name, bool isAngled) const;
+    UT_String bareName(const char *name, bool &isAngled) const;
+    const char *nearFolder(bool isAngled) const;
+    bool findAndPush(const UT_String &name, bool isAngled);
     bool pushPath(const char *path);
     bool isOnce(const char *path) const;
     bool pushFile(CPP_File *file, const char *path);
@@ -247,10 +246,9 @@ private:
 
     bool applyOption(char letter, const char *value);
 
-    std::unique_ptr<UT_PathSearch> myIncludePath;
-    std::unordered_map<std::string, std::string> myFoundPaths; // by lookupKey()
-    UT_ScratchBuffer myPendingText;                            // the next output line, held back
-    UT_PtrArray<CPP_File *> myFiles;                           // the innermost last
+    cpp_IncludePath myIncludePath;
+    UT_ScratchBuffer myPendingText;  // the next output line, held back
+    UT_PtrArray<CPP_File *> myFiles; // the innermost last
     UT_StringList myOpenedFiles;
     UT_SymbolTable myOpenedNames; // the same, to find them; without values
     cpp_MacroTable myMacros;

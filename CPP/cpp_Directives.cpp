@@ -184,10 +184,10 @@ bool CPP_Manager::include(const Directive &directive, UT_String &name)
     } else {
         name.assignCopy(directive.argument);
     }
-    UT_String path;
-    errno = 0;
+    bool isAngled;
+    const UT_String wanted = bareName(name, isAngled);
     const bool isTooDeep = myFiles.entries() >= MAX_INCLUDE_DEPTH;
-    if (!isTooDeep && resolveName(name, true, path) && pushPath(path))
+    if (!isTooDeep && findAndPush(wanted, isAngled))
         return true;
     if (!isTooDeep && errno != EMFILE) // the user may allow fewer descriptors
         return false;
