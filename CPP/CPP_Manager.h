@@ -127,7 +127,7 @@ public:
 
     // Has what goes wrong told as well, when it happens: places and reasons that the
     // output's diagnostics leave out, and warnings that it does not have. The output stays
-    // as it is.
+    // as it is. What parseOptions() has to tell comes to a listener that was set before.
     void setListener(CPP_Listener listener);
 
     // ---- Macros --------------------------------------------------------

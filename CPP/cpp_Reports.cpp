@@ -17,6 +17,7 @@ const CPP_WarningRow CPP_WARNINGS[] = {
     {"variadic", "... and __VA_ARGS__ are names like others"},
     {"missing-blank", "#if(X) and #include<X> are no directives"},
     {"macro-value", "a macro in #if that is no decimal number"},
+    {"option-name", "an option takes another one for its name"},
 };
 static_assert(std::size(CPP_WARNINGS) == CPP_NUM_WARNINGS, "each warning has a name");
 
@@ -43,6 +44,16 @@ bool lacksBlank(const std::string &word, std::string &meant)
     return false;
 }
 } // namespace
+
+CPP_Message CPP_optionNameMessage(const std::string &option, const std::string &name)
+{
+    CPP_Message message;
+    message.isError = false;
+    message.name = CPP_WARNINGS[CPP_OPTION_NAME].name;
+    message.file = "command line";
+    message.text = option + " takes '" + name + "' for a name";
+    return message;
+}
 
 void CPP_Manager::setListener(CPP_Listener listener)
 {
