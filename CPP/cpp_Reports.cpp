@@ -86,7 +86,9 @@ void CPP_Manager::reportDirective(Severity severity, const char *message)
 {
     if (!myListener)
         return;
-    CPP_Message report = messageAt(myPlace, withoutNewline(message) + myDetail);
+    std::string text = withoutNewline(message);
+    text.erase(text.find_last_not_of(" \t") + 1); // what stood behind a name
+    CPP_Message report = messageAt(myPlace, text + myDetail);
     report.hint = myHint;
     myDetail = myHint = "";
     if (severity == WARNING)
