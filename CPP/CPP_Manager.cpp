@@ -2,22 +2,23 @@
 
 #include "CPP/CPP_Stream.h"
 #include "CPP/cpp_Comments.h"
+#include "CPP/cpp_Condition.h"
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
 #include "CPP/cpp_QuietLines.h"
+#include "CPP/cpp_SkippedLines.h"
 #include "CPP/cpp_SmallFiles.h"
 #include "CPP/cpp_Text.h"
-#include "UT/UT_FileUtil.h"
 #include "UT/UT_IStream.h"
 #include "UT/UT_Memory.h"
 
+#include <cerrno>
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 namespace
 {
@@ -26,6 +27,9 @@ const char *const SEVERITIES[] = {"error", "warning"};
 
 // Characters from which on a line is not copied without need.
 constexpr int LONG_LINE = 1 << 20;
+
+// Skipped lines that are answered at once, or nearly so.
+constexpr int MOST_EMPTY_LINES = 1 << 16;
 
 bool isStandardInput(const char *path)
 {
@@ -41,13 +45,9 @@ UT_IStream *standardInput()
 } // namespace
 
 CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
-    : myRecursionLimit(cpp_Expander::DEFAULT_LIMIT), myExpander(new cpp_Expander(myMacros)),
-      mySmallFiles(new cpp_SmallFiles(myMacros))
+    : myIncludePath(pathId, caretSubst), myRecursionLimit(cpp_Expander::DEFAULT_LIMIT),
+      myExpander(new cpp_Expander(myMacros)), mySmallFiles(new cpp_SmallFiles(myMacros))
 {
-    const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
-    myIncludePath.reset(UT_PathSearch::getNewInstance(known));
-    if (caretSubst != nullptr)
-        myIncludePath->reconfigure(nullptr, -1, caretSubst, -1);
     defineBuiltins();
 }
 
@@ -89,26 +89,13 @@ const char *CPP_Manager::getCurrentFileName() const
 
 // ---- Input ---------------------------------------------------------------
 
-void CPP_Manager::addIncludePath(const char *dir)
-{
-    myIncludePath->addDirectory(dir);
-    myFoundPaths.clear();
-}
-
-void CPP_Manager::addIncludePathList(const char *pathList)
-{
-    const UT_PathSearch list(pathList, -1, "", UT_VELDRIN_PATH);
-    const UT_StringList &dirs = list.getDirs();
-    for (int i = 0; i < dirs.entries(); ++i)
-        addIncludePath(dirs(i));
-}
-
 bool CPP_Manager::openFile(const char *name, bool useSearchPath)
 {
     if (isStandardInput(name))
         return pushPath(name);
-    UT_String path;
-    return resolveName(name, useSearchPath, path) && pushPath(path);
+    bool isAngled;
+    const UT_String wanted = bareName(name, isAngled);
+    return useSearchPath ? findAndPush(wanted, isAngled) : pushPath(wanted);
 }
 
 bool CPP_Manager::openStream(UT_IStream *is, const char *name)
@@ -118,68 +105,43 @@ bool CPP_Manager::openStream(UT_IStream *is, const char *name)
     return pushFile(file, name);
 }
 
-bool CPP_Manager::resolveName(const char *name, bool useSearchPath, UT_String &path)
+// Without its quotes or angle brackets.
+UT_String CPP_Manager::bareName(const char *name, bool &isAngled) const
 {
     name = skipSpace(name);
-    const bool isAngled = *name == '<';
+    isAngled = *name == '<';
     size_t length = std::strlen(name);
     if (*name == '"' || isAngled)
         length = std::strcspn(++name, isAngled ? ">" : "\"");
     else if (hasFlag(OLD_STYLE_INCLUDE))
         length = std::strcspn(name, " \t\n\v\f\r");
-    const UT_String wanted(name, true, static_cast<int>(length));
-
-    if (!useSearchPath) {
-        path.assignCopy(wanted);
-        return true;
-    }
-    if (!wanted.isNonEmpty())
-        return false;
-    const std::string key = lookupKey(wanted, isAngled);
-    const auto known = myFoundPaths.find(key);
-    if (known != myFoundPaths.end())
-        path.assignCopy(known->second.c_str());
-    else if (findFile(wanted, isAngled, path))
-        myFoundPaths.emplace(key, path.text());
-    return true;
+    return UT_String(name, true, static_cast<int>(length));
 }
 
-// What a look-up depends on: names come again and again, and most of them are asked for in
-// several folders in vain.
-std::string CPP_Manager::lookupKey(const char *name, bool isAngled) const
+// False, and errno is 0, also for a name that was looked for in vain before.
+bool CPP_Manager::findAndPush(const UT_String &name, bool isAngled)
+{
+    const char *folder = nearFolder(isAngled);
+    UT_String path;
+    const bool isFound = name.isNonEmpty() && myIncludePath.find(name, folder, path);
+    errno = 0;
+    if (!isFound)
+        return false;
+    if (pushPath(path))
+        return true;
+    if (errno == ENOENT || errno == ENOTDIR)
+        myIncludePath.forget(name, folder);
+    return false;
+}
+
+// Where a quoted name is looked for first; null for none.
+const char *CPP_Manager::nearFolder(bool isAngled) const
 {
     const CPP_File *file = isAngled ? nullptr : currentFile();
     if (file == nullptr)
-        return std::string("<") + name;
+        return nullptr;
     const char *directory = file->getDirectory();
-    return (directory != nullptr ? std::string("/") + directory : "") + "\"" + name;
-}
-
-// False when it is nowhere; it is then tried as it stands.
-bool CPP_Manager::findFile(const char *name, bool isAngled, UT_String &path) const
-{
-    if (UTisExplicitPath(name) && access(name, R_OK) == 0) {
-        path.assignCopy(name);
-        return true;
-    }
-    if (!isAngled && findNearCurrentFile(name, path))
-        return true;
-    const bool isFound = myIncludePath->findFile(path, name, UT_PathSearch::KEEP_NAME);
-    path.makeOwned();
-    return isFound;
-}
-
-bool CPP_Manager::findNearCurrentFile(const char *name, UT_String &path) const
-{
-    const CPP_File *file = currentFile();
-    if (file == nullptr)
-        return false;
-    const char *directory = file->getDirectory();
-    path.clear();
-    if (directory != nullptr && std::strcmp(directory, ".") != 0)
-        (path += directory) += "/";
-    path += name;
-    return access(path, R_OK) == 0;
+    return directory != nullptr ? directory : ".";
 }
 
 bool CPP_Manager::isOnce(const char *path) const
@@ -197,7 +159,8 @@ bool CPP_Manager::pushPath(const char *path)
     CPP_Stream *stream = file->getStream();
     const bool isFile = *path != '\0' && !isStandardInput(path);
     // Old-style includes are reported even in skipped text.
-    mySmallFiles->heedGuards(!hasFlag(OLD_STYLE_INCLUDE));
+    mySmallFiles->heedGuards(!hasFlag(OLD_STYLE_INCLUDE) && !hasFlag(HASH_COMMENTS) &&
+                             !hasFlag(IN_BLOCK_COMMENT) && stripsSlashes());
     if (isFile)
         static_cast<void>(stream->open(path)); // whether it is open now, counts
     else if (*path != '\0')
@@ -290,6 +253,8 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     const bool isDropped = hasFlag(IN_BLOCK_COMMENT) || file->isSkipping();
     if (isDropped && hasFlag(OLD_STYLE_INCLUDE)) // which warns even there
         return false;
+    if (isDropped && takeSkipped(*file, text, length))
+        return true;
     int lines;
     text = file->takeRun(isDropped ? cpp_RunKind::DROPPED : cpp_RunKind::KEPT, length, lines);
     if (text == nullptr)
@@ -302,14 +267,68 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     return true;
 }
 
+// Lines that are skipped, with what they do to the open conditionals.
+bool CPP_Manager::takeSkipped(CPP_File &file, const char *&text, int &length)
+{
+    if (hasFlag(IN_BLOCK_COMMENT) || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
+        return false;
+    int available, lines = 0;
+    while (lines < MOST_EMPTY_LINES && file.isSkipping()) {
+        const char *start = file.peek(available);
+        if (start == nullptr)
+            break;
+        const char *end =
+            *start == '#' ? start : runEnd(cpp_RunKind::DROPPED, start, start + available);
+        cpp_SkippedLine line;
+        if (end == start) {
+            line = readSkippedLine(stripsSlashes(), start, start + available);
+            end = line.end;
+            if (line.kind == cpp_SkippedLine::UNKNOWN || !takeSkippedElif(file, line))
+                break;
+        }
+        const int count = line.isOneLine ? 1 : countLines(start, end);
+        lines += count;
+        file.skip(static_cast<int>(end - start), 1); // the one that counts for a directive
+        if (line.kind == cpp_SkippedLine::OPENS)
+            file.pushCondition(CPP_File::DONE);
+        else if (line.kind == cpp_SkippedLine::ELSE)
+            file.elseCondition();
+        else if (line.kind == cpp_SkippedLine::CLOSES)
+            file.popCondition();
+        file.skip(0, count - 1);
+    }
+    text = emptyLines(lines);
+    length = lines;
+    sawSpecialStream = sawSpecialStream || file.isSpecial();
+    return lines > 0;
+}
+
+// False when there is something to tell about the condition of a line.
+bool CPP_Manager::takeSkippedElif(CPP_File &file, const cpp_SkippedLine &line)
+{
+    if (line.kind != cpp_SkippedLine::ELIF)
+        return true;
+    myCondition = line.condition;
+    cpp_ConditionFault fault;
+    const int value = evaluateCondition(myMacros, myCondition.c_str(), &fault);
+    if (value < 0 || fault.oddMacro != nullptr)
+        return false;
+    file.elifCondition(value);
+    return true;
+}
+
+bool CPP_Manager::stripsSlashes() const
+{
+    return hasFlag(STRIP_COMMENTS) && !hasFlag(KEEP_SLASH_COMMENTS);
+}
+
 bool CPP_Manager::takeQuiet(CPP_File &file, const char *&text, int &length)
 {
     int available;
     const char *start = file.peek(available);
     if (start == nullptr || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
         return false;
-    const bool strips = hasFlag(STRIP_COMMENTS) && !hasFlag(KEEP_SLASH_COMMENTS);
-    const char *end = takeQuietLines(myMacros, strips, start, start + available);
+    const char *end = takeQuietLines(myMacros, stripsSlashes(), start, start + available);
     if (end == start)
         return false;
     length = countLines(start, end);
@@ -377,8 +396,8 @@ void CPP_Manager::processLine(UT_ScratchBuffer &out)
 {
     replaceAll(myLine.buffer(), myLine.length(), '\r', ' ');
     const bool strips = hasFlag(STRIP_COMMENTS);
-    const bool isOpen = stripComments(myLine, strips && !hasFlag(KEEP_SLASH_COMMENTS),
-                                      strips && hasFlag(HASH_COMMENTS), hasFlag(IN_BLOCK_COMMENT));
+    const bool isOpen = stripComments(myLine, stripsSlashes(), strips && hasFlag(HASH_COMMENTS),
+                                      hasFlag(IN_BLOCK_COMMENT));
     if (isOpen && !hasFlag(IN_BLOCK_COMMENT))
         noteComment();
     setFlag(IN_BLOCK_COMMENT, isOpen);
@@ -418,7 +437,7 @@ bool CPP_Manager::isOldInclude(const char *text) const
         return false;
     for (const char *word : {"include", "sinclude"}) {
         const size_t length = std::strlen(word);
-        if (std::strncmp(text, word, length) == 0 && isSpace(text[length]))
+        if (std::strncmp(text, word, length) == 0 && UTisSpace(text[length]))
             return true;
     }
     return false;

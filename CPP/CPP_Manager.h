@@ -25,8 +25,8 @@
 
 #include "CPP/CPP_File.h"
 #include "CPP/CPP_Message.h"
+#include "CPP/cpp_IncludePath.h"
 #include "CPP/cpp_MacroTable.h"
-#include "UT/UT_PathSearch.h"
 #include "UT/UT_PtrArray.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
@@ -35,13 +35,13 @@
 
 #include <memory>
 #include <string>
-#include <unordered_map>
 
 class CPP_Stream;
 class UT_IStream;
 class cpp_Expander;
 class cpp_SmallFiles;
 struct cpp_ConditionFault;
+struct cpp_SkippedLine;
 
 class CPP_Manager
 {
@@ -89,15 +89,16 @@ public:
     // output stays as it is.
     int parseOptions(int argc, char *argv[]);
 
-    void addIncludePath(const char *dir);
-    void addIncludePathList(const char *pathList); // the existing folders of a pattern
+    void addIncludePath(const char *dir) { myIncludePath.add(dir); }
+    // The existing folders of a pattern.
+    void addIncludePathList(const char *pathList) { myIncludePath.addAll(pathList); }
 
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
     // `useSearchPath` an explicit name is taken when it can be read; any other is
-    // looked for beside the current file, then along the include path; where it was found
-    // it is taken from again in this manager's time. False when there is no such file;
-    // nothing is reported.
+    // looked for beside the current file, then along the include path; where it was found,
+    // or that it was nowhere, holds in this manager's time. False when there is no such
+    // file; nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
 
     // The same from a stream that stays the caller's and outlives the reading.
@@ -126,7 +127,7 @@ public:
 
     // Has what goes wrong told as well, when it happens: places and reasons that the
     // output's diagnostics leave out, and warnings that it does not have. The output stays
-    // as it is.
+    // as it is. What parseOptions() has to tell comes to a listener that was set before.
     void setListener(CPP_Listener listener);
 
     // ---- Macros --------------------------------------------------------
@@ -188,7 +189,10 @@ private:
 
     // emit
     bool takeRun(const char *&text, int &length);
+    bool takeSkipped(CPP_File &file, const char *&text, int &length);
+    bool takeSkippedElif(CPP_File &file, const cpp_SkippedLine &line);
     bool takeQuiet(CPP_File &file, const char *&text, int &length);
+    bool stripsSlashes() const;
     const char *emptyLines(int lines);
     void processLine(UT_ScratchBuffer &out);
     bool processIfDirective(const char *first, UT_ScratchBuffer &out);
@@ -232,10 +236,9 @@ private:
     void warnCondition(const cpp_ConditionFault &fault);
 
     // input
-    bool resolveName(const char *name, bool useSearchPath, UT_String &path);
-    bool findFile(const char *name, bool isAngled, UT_String &path) const;
-    bool findNearCurrentFile(const char *name, UT_String &path) const;
-    std::string lookupKey(const char *name, bool isAngled) const;
+    UT_String bareName(const char *name, bool &isAngled) const;
+    const char *nearFolder(bool isAngled) const;
+    bool findAndPush(const UT_String &name, bool isAngled);
     bool pushPath(const char *path);
     bool isOnce(const char *path) const;
     bool pushFile(CPP_File *file, const char *path);
@@ -243,10 +246,9 @@ private:
 
     bool applyOption(char letter, const char *value);
 
-    std::unique_ptr<UT_PathSearch> myIncludePath;
-    std::unordered_map<std::string, std::string> myFoundPaths; // by lookupKey()
-    UT_ScratchBuffer myPendingText;                            // the next output line, held back
-    UT_PtrArray<CPP_File *> myFiles;                           // the innermost last
+    cpp_IncludePath myIncludePath;
+    UT_ScratchBuffer myPendingText;  // the next output line, held back
+    UT_PtrArray<CPP_File *> myFiles; // the innermost last
     UT_StringList myOpenedFiles;
     UT_SymbolTable myOpenedNames; // the same, to find them; without values
     cpp_MacroTable myMacros;
@@ -264,6 +266,7 @@ private:
     bool isLineLent = false;   // to the caller, who has given us another buffer
     UT_ScratchBuffer myOutput; // for callers who bring no buffer
     UT_ScratchBuffer myEmptyLines;
+    std::string myCondition; // of a skipped line
 
     CPP_Listener myListener;
     const char *myPlace = nullptr; // in myLine, for what is reported next

@@ -29,9 +29,13 @@ enum CPP_Warning {
     CPP_VARIADIC,
     CPP_MISSING_BLANK,
     CPP_MACRO_VALUE,
+    CPP_OPTION_NAME,
     CPP_NUM_WARNINGS
 };
 extern const struct CPP_WarningRow {
     const char *name;
     const char *what;
 } CPP_WARNINGS[CPP_NUM_WARNINGS];
+
+// The warning that an option's value looks like another option.
+CPP_Message CPP_optionNameMessage(const std::string &option, const std::string &name);

@@ -27,11 +27,11 @@ constexpr std::array<unsigned char, 256> cpp_makeClasses()
         const char here = static_cast<char>(c);
         const bool inList = here == '(' || here == ')' || here == ',' || here == '\n';
         const bool isQuote = here == '"' || here == '\'';
-        const unsigned all = (isNameStart(here) ? CPP_NAME_START : 0u) |
-                             (isSpace(here) ? CPP_SPACE : 0u) | (isDigit(here) ? CPP_DIGIT : 0u) |
-                             (inList ? CPP_LIST : 0u) | (isQuote ? CPP_QUOTE : 0u) |
-                             (here == '\\' ? CPP_BACKSLASH : 0u) | (here == '/' ? CPP_SLASH : 0u) |
-                             (here == '#' ? CPP_HASH : 0u);
+        const unsigned all = (UTisNameStart(here) ? CPP_NAME_START : 0u) |
+                             (UTisSpace(here) ? CPP_SPACE : 0u) |
+                             (UTisDigit(here) ? CPP_DIGIT : 0u) | (inList ? CPP_LIST : 0u) |
+                             (isQuote ? CPP_QUOTE : 0u) | (here == '\\' ? CPP_BACKSLASH : 0u) |
+                             (here == '/' ? CPP_SLASH : 0u) | (here == '#' ? CPP_HASH : 0u);
         classes[c] = static_cast<unsigned char>(all);
     }
     return classes;

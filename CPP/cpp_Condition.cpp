@@ -5,11 +5,13 @@
 #include "UT/UT_String.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -21,7 +23,7 @@ constexpr size_t MAX_NAME = 1024;
 
 // ---- Operators -----------------------------------------------------------
 
-int32_t wrap(int64_t value)
+constexpr int32_t wrap(int64_t value)
 {
     return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(value)));
 }
@@ -37,29 +39,42 @@ struct Operator {
     Apply apply;
 };
 
-// The first row that the text starts with is the token.
-const Operator OPERATORS[] = {
+// The first row that the text starts with is the token. Those of one character stand
+// together.
+constexpr Operator OPERATORS[] = {
     {"&&", 7, INFIX, [](int64_t a, int64_t b) -> int32_t { return a != 0 && b != 0; }},
+    {"&", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a & b); }},
     {"||", 7, INFIX, [](int64_t a, int64_t b) -> int32_t { return a != 0 || b != 0; }},
+    {"|", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a | b); }},
     {"==", 5, INFIX, [](int64_t a, int64_t b) -> int32_t { return a == b; }},
     {"!=", 5, INFIX, [](int64_t a, int64_t b) -> int32_t { return a != b; }},
+    {"!", 1, UNARY, [](int64_t, int64_t b) -> int32_t { return b == 0; }},
     {"<=", 4, INFIX, [](int64_t a, int64_t b) -> int32_t { return a <= b; }},
-    {">=", 4, INFIX, [](int64_t a, int64_t b) -> int32_t { return a >= b; }},
-    {"&", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a & b); }},
-    {"|", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a | b); }},
-    {"^", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a ^ b); }},
     {"<", 4, INFIX, [](int64_t a, int64_t b) -> int32_t { return a < b; }},
+    {">=", 4, INFIX, [](int64_t a, int64_t b) -> int32_t { return a >= b; }},
     {">", 4, INFIX, [](int64_t a, int64_t b) -> int32_t { return a > b; }},
+    {"^", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a ^ b); }},
     {"+", 3, INFIX, [](int64_t a, int64_t b) { return wrap(a + b); }},
     {"-", 3, INFIX, [](int64_t a, int64_t b) { return wrap(a - b); }},
     {"*", 2, INFIX, [](int64_t a, int64_t b) { return wrap(a * b); }},
     {"/", 2, INFIX, [](int64_t a, int64_t b) { return b == 0 ? 1000 : wrap(a / b); }},
     {"%", 2, INFIX, [](int64_t a, int64_t b) { return b == 0 ? 0 : wrap(a % b); }},
-    {"!", 1, UNARY, [](int64_t, int64_t b) -> int32_t { return b == 0; }},
     {"~", 1, UNARY, [](int64_t, int64_t b) { return wrap(~b & 0xFFFF); }},
     {"(", 9, OPEN, [](int64_t, int64_t) -> int32_t { return 0; }},
     {")", 0, CLOSE, nullptr},
 };
+
+// The row that a character may begin, by the character; the number of rows for others.
+constexpr std::array<unsigned char, 256> firstRows()
+{
+    std::array<unsigned char, 256> rows{};
+    for (unsigned char &row : rows)
+        row = std::size(OPERATORS);
+    for (size_t i = std::size(OPERATORS); i-- > 0;)
+        rows[static_cast<unsigned char>(OPERATORS[i].text[0])] = static_cast<unsigned char>(i);
+    return rows;
+}
+constexpr std::array<unsigned char, 256> FIRST_ROWS = firstRows();
 
 // A long that is as wide as on a 32-bit machine.
 int32_t parseNumber(const std::string &digits, int base)
@@ -83,14 +98,14 @@ public:
 
     bool take(int32_t &value)
     {
-        if (isDigit(*myText) || *myText == '-')
+        if (UTisDigit(*myText) || *myText == '-')
             return takeNumber(value);
-        std::string name;
+        std::string_view name;
         const char *start = myText;
         if (!takeName(name))
             return fail("this is no number, name or operator");
         for (const Function &function : FUNCTIONS) {
-            if (name == function.name)
+            if (name[0] == function.name[0] && name == function.name)
                 return (this->*function.take)(value) || fail(function.form);
         }
         if (*skipSpace(myText) == '(')
@@ -100,7 +115,7 @@ public:
 
 private:
     struct Function {
-        const char *name;
+        std::string_view name;
         bool (OperandReader::*take)(int32_t &value);
         const char *form; // for the message when it is written otherwise
     };
@@ -116,23 +131,50 @@ private:
     {
         const bool isNegative = *myText == '-';
         myText += isNegative ? 1 : 0;
+        if (takeShortDecimal(value)) {
+            value = isNegative ? -value : value;
+            return endsNumber();
+        }
         const bool isHex = myText[0] == '0' && myText[1] == 'x';
         std::string digits = isHex ? "0x" : "";
         myText += digits.size();
-        for (; isHex ? std::isxdigit(static_cast<unsigned char>(*myText)) != 0 : isDigit(*myText);
+        for (; isHex ? std::isxdigit(static_cast<unsigned char>(*myText)) != 0 : UTisDigit(*myText);
              ++myText)
             digits += *myText;
         value = parseNumber(digits, 0);
         value = isNegative ? wrap(-int64_t{value}) : value;
-        // What follows would be another operand.
-        return !isNameCharacter(*myText) || fail("a number has no suffix, and is decimal or 0x...");
+        return endsNumber();
     }
 
-    bool takeName(std::string &name)
+    // What most numbers are: one that is surely no octal and not too large.
+    bool takeShortDecimal(int32_t &value)
     {
-        if (!isNameStart(*myText))
+        constexpr int MOST_DIGITS = 9;
+        if (*myText == '0' && UTisDigit(myText[1]))
             return false;
-        name.assign(myText, std::min(skipName(myText), myText + MAX_NAME));
+        const char *digit = myText;
+        value = 0;
+        for (; UTisDigit(*digit) && digit - myText < MOST_DIGITS; ++digit)
+            value = value * 10 + (*digit - '0');
+        if (UTisDigit(*digit) || *digit == 'x' || digit == myText)
+            return false;
+        myText = digit;
+        return true;
+    }
+
+    // What follows would be another operand.
+    bool endsNumber()
+    {
+        return !UTisNameCharacter(*myText) ||
+               fail("a number has no suffix, and is decimal or 0x...");
+    }
+
+    bool takeName(std::string_view &name)
+    {
+        if (!UTisNameStart(*myText))
+            return false;
+        const auto length = static_cast<size_t>(skipName(myText) - myText);
+        name = {myText, std::min(length, MAX_NAME)};
         myText += name.size();
         return true;
     }
@@ -142,12 +184,12 @@ private:
     {
         text.clear();
         const bool isQuoted = *from == '"';
-        if (!isQuoted && !isNameStart(*from))
+        if (!isQuoted && !UTisNameStart(*from))
             return false;
         from += isQuoted ? 1 : 0;
         for (; *from != '\0' && text.size() < MAX_NAME; ++from) {
             const bool ends = isQuoted ? *from == '"' && (text.empty() || text.back() != '\\')
-                                       : !isNameCharacter(*from);
+                                       : !UTisNameCharacter(*from);
             if (ends)
                 break;
             text += *from;
@@ -177,7 +219,7 @@ private:
 
     bool takeDefined(int32_t &value)
     {
-        std::string name;
+        std::string_view name;
         if (!takeSign('(') || !takeName(name) || !takeSign(')'))
             return false;
         value = myMacros.holds(name);
@@ -186,10 +228,10 @@ private:
 
     bool takeEnvironment(int32_t &value)
     {
-        std::string name;
+        std::string_view name;
         if (!takeSign('(') || !takeName(name) || !takeSign(')'))
             return false;
-        value = std::getenv(name.c_str()) != nullptr;
+        value = std::getenv(std::string(name).c_str()) != nullptr;
         return true;
     }
 
@@ -218,7 +260,7 @@ private:
         return true;
     }
 
-    bool valueOfMacro(const std::string &name, const char *start, int32_t &value)
+    bool valueOfMacro(std::string_view name, const char *start, int32_t &value)
     {
         value = 0;
         const cpp_Macro *macro = myMacros.find(name);
@@ -247,23 +289,50 @@ const OperandReader::Function OperandReader::FUNCTIONS[4] = {
 
 // ---- Evaluation ----------------------------------------------------------
 
+// The usual few without memory of their own.
+template <class T>
+class Stack
+{
+public:
+    bool isEmpty() const { return myCount == 0; }
+    size_t size() const { return myCount; }
+    T &top() { return myCount <= FEW ? myFew[myCount - 1] : myMore.back(); }
+    void push(T value)
+    {
+        if (myCount < FEW)
+            myFew[myCount] = value;
+        else
+            myMore.push_back(value);
+        ++myCount;
+    }
+    T pop()
+    {
+        const T value = top();
+        if (myCount > FEW)
+            myMore.pop_back();
+        --myCount;
+        return value;
+    }
+
+private:
+    static constexpr size_t FEW = 8;
+
+    T myFew[FEW];
+    std::vector<T> myMore;
+    size_t myCount = 0;
+};
+
 // Operands and operators wait on two stacks until an operator that binds less
 // tightly comes (the shunting-yard method). Each take function gives false at a
 // syntax error.
 class Evaluator
 {
 public:
-    Evaluator()
-    {
-        myValues.reserve(USUAL_DEPTH);
-        myOperators.reserve(USUAL_DEPTH);
-    }
-
     bool takeOperand(int32_t value)
     {
         if (!expectsOperand)
             return false;
-        myValues.push_back(value);
+        myValues.push(value);
         expectsOperand = false;
         return true;
     }
@@ -277,37 +346,37 @@ public:
         if (op.kind == CLOSE)
             return closeGroup();
         if (op.kind == UNARY)
-            myValues.push_back(0); // in place of a left operand
-        while (op.kind == INFIX && !myOperators.empty() &&
-               myOperators.back()->precedence <= op.precedence) {
+            myValues.push(0); // in place of a left operand
+        while (op.kind == INFIX && !myOperators.isEmpty() &&
+               myOperators.top()->precedence <= op.precedence) {
             if (!applyTop())
                 return false;
         }
-        myOperators.push_back(&op);
+        myOperators.push(&op);
         expectsOperand = true;
         return true;
     }
 
     bool finish(bool &value)
     {
-        while (!myOperators.empty()) {
+        while (!myOperators.isEmpty()) {
             if (!applyTop())
                 return false;
         }
-        value = !myValues.empty() && myValues.back() != 0;
+        value = !myValues.isEmpty() && myValues.top() != 0;
         return true;
     }
 
 private:
     bool closeGroup()
     {
-        while (!myOperators.empty() && myOperators.back()->kind != OPEN) {
+        while (!myOperators.isEmpty() && myOperators.top()->kind != OPEN) {
             if (!applyTop())
                 return false;
         }
-        if (myOperators.empty())
+        if (myOperators.isEmpty())
             return false;
-        myOperators.pop_back();
+        myOperators.pop();
         return true;
     }
 
@@ -315,28 +384,25 @@ private:
     {
         if (myValues.size() < 2)
             return false;
-        const int32_t right = myValues.back();
-        myValues.pop_back();
-        myValues.back() = myOperators.back()->apply(myValues.back(), right);
-        myOperators.pop_back();
+        const int32_t right = myValues.pop();
+        myValues.top() = myOperators.pop()->apply(myValues.top(), right);
         return true;
     }
 
-    static constexpr size_t USUAL_DEPTH = 8;
-
-    std::vector<int32_t> myValues;
-    std::vector<const Operator *> myOperators;
+    Stack<int32_t> myValues;
+    Stack<const Operator *> myOperators;
     bool expectsOperand = true;
 };
 
 const Operator *findOperator(const char *text)
 {
-    if (isNameCharacter(*text))
+    if (text[0] == '-' && UTisDigit(text[1]))
         return nullptr;
-    if (text[0] == '-' && isDigit(text[1]))
-        return nullptr;
-    for (const Operator &op : OPERATORS) {
-        if (text[0] == op.text[0] && (op.text.size() == 1 || text[1] == op.text[1]))
+    for (size_t i = FIRST_ROWS[static_cast<unsigned char>(*text)]; i < std::size(OPERATORS); ++i) {
+        const Operator &op = OPERATORS[i];
+        if (text[0] != op.text[0])
+            return nullptr;
+        if (op.text.size() == 1 || text[1] == op.text[1])
             return &op;
     }
     return nullptr;

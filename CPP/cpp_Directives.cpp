@@ -26,7 +26,7 @@ constexpr unsigned MAX_INCLUDE_DEPTH = 200;
 std::string_view firstWord(const char *text, size_t most)
 {
     size_t length = 0;
-    while (length < most && text[length] != '\0' && !isSpace(text[length]))
+    while (length < most && text[length] != '\0' && !UTisSpace(text[length]))
         ++length;
     return {text, length};
 }
@@ -70,7 +70,7 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
 {
     result = "\n";
     const bool hashComments = hasFlag(HASH_COMMENTS);
-    if (hashComments && isSpace(*text))
+    if (hashComments && UTisSpace(*text))
         return;
     text = skipSpace(text);
     const std::string_view word = firstWord(text, MAX_WORD);
@@ -184,10 +184,10 @@ bool CPP_Manager::include(const Directive &directive, UT_String &name)
     } else {
         name.assignCopy(directive.argument);
     }
-    UT_String path;
-    errno = 0;
+    bool isAngled;
+    const UT_String wanted = bareName(name, isAngled);
     const bool isTooDeep = myFiles.entries() >= MAX_INCLUDE_DEPTH;
-    if (!isTooDeep && resolveName(name, true, path) && pushPath(path))
+    if (!isTooDeep && findAndPush(wanted, isAngled))
         return true;
     if (!isTooDeep && errno != EMFILE) // the user may allow fewer descriptors
         return false;

@@ -12,7 +12,7 @@ namespace
 // Whether a definition's name ends at the character.
 bool endsName(char c, bool commandLineForm)
 {
-    return c == '\0' || isSpace(c) || c == '(' || (commandLineForm && c == '=');
+    return c == '\0' || UTisSpace(c) || c == '(' || (commandLineForm && c == '=');
 }
 
 // Empty when it is none: not a letter or '_' first, or other than those and digits behind.
@@ -20,14 +20,14 @@ std::string_view takeName(const char *&text, bool commandLineForm)
 {
     const char *start = text;
     text = skipName(text);
-    const bool isName = isNameStart(*start) && endsName(*text, commandLineForm);
+    const bool isName = UTisNameStart(*start) && endsName(*text, commandLineForm);
     return isName ? std::string_view(start, static_cast<size_t>(text - start)) : std::string_view();
 }
 
 std::string takeParameter(const char *&text)
 {
     const char *start = text;
-    while (*text != '\0' && !isSpace(*text) && *text != ',' && *text != ')')
+    while (*text != '\0' && !UTisSpace(*text) && *text != ',' && *text != ')')
         ++text;
     return std::string(start, text);
 }
@@ -95,7 +95,7 @@ const char *copyWord(const char *text, const std::string &word, size_t hashes,
 std::string compileBody(const char *text, const ParameterList &parameters)
 {
     const char *end = text + std::strcspn(text, "\n");
-    while (text < end && isSpace(*text))
+    while (text < end && UTisSpace(*text))
         ++text;
     std::string body;
     while (text < end) {
@@ -103,14 +103,14 @@ std::string compileBody(const char *text, const ParameterList &parameters)
             text = copyQuoted(text, end, body);
             continue;
         }
-        if (*text != '#' && !isNameStart(*text)) {
+        if (*text != '#' && !UTisNameStart(*text)) {
             body += *text++;
             continue;
         }
         const size_t hashes = std::strspn(text, "#");
         text += hashes;
         const char *start = text;
-        while (isNameCharacter(*text))
+        while (UTisNameCharacter(*text))
             ++text;
         text = copyWord(text, std::string(start, text), hashes, parameters, body);
     }
@@ -121,7 +121,7 @@ std::string compileBody(const char *text, const ParameterList &parameters)
 void assignTrimmed(std::string &body, const char *begin, const char *end)
 {
     const char *trimmed = end;
-    while (trimmed > begin && isSpace(trimmed[-1]))
+    while (trimmed > begin && UTisSpace(trimmed[-1]))
         --trimmed;
     body.assign(begin, trimmed);
     if (trimmed != end)
@@ -133,7 +133,7 @@ size_t skipMark(const std::string &body, size_t begin, size_t arguments, size_t 
 {
     size_t end = begin + 1;
     argument = 0;
-    while (end < body.size() && isDigit(body[end]) && argument < arguments)
+    while (end < body.size() && UTisDigit(body[end]) && argument < arguments)
         argument = argument * 10 + static_cast<size_t>(body[end++] - '0');
     const bool isMark =
         end > begin + 1 && end < body.size() && body[end] == '#' && argument < arguments;
@@ -254,10 +254,10 @@ private:
             myBody[begin] == '#' ? skipMark(myBody, begin, myParameters.size(), argument) : begin;
         const bool isClosed = !isQuoted || myBody.compare(end, 1, "\"") == 0;
         const bool isPlain = end == begin + markOf(argument).size() && isClosed &&
-                             !(end < myBody.size() && isDigit(myBody[end]));
+                             !(end < myBody.size() && UTisDigit(myBody[end]));
         if (!isPlain || lastIs([](char c) { return c == '#'; }))
             return false;
-        if (isBehindName || (!isQuoted && lastIs([](char c) { return isNameCharacter(c); })))
+        if (isBehindName || (!isQuoted && lastIs([](char c) { return UTisNameCharacter(c); })))
             myText += "##";
         (myText += isQuoted ? "#" : "") += myParameters[argument];
         myNext = end + (isQuoted ? 1 : 0);
@@ -269,7 +269,7 @@ private:
     void takeText()
     {
         const char *const here = myBody.data() + myNext;
-        if (isBehindName && (isNameCharacter(*here) || *here == '#'))
+        if (isBehindName && (UTisNameCharacter(*here) || *here == '#'))
             myText += "##";
         isBehindName = false;
         const char *const end = myBody.data() + myBody.size();

@@ -87,7 +87,7 @@ void cpp_MacroTable::undefine(const char *text)
 {
     const char *begin = skipSpace(text);
     const char *end = begin;
-    while (*end != '\0' && !isSpace(*end))
+    while (*end != '\0' && !UTisSpace(*end))
         ++end;
     const auto length = std::min(static_cast<size_t>(end - begin), MAX_UNDEFINED_NAME);
     const std::string name(begin, length);
@@ -102,7 +102,7 @@ void cpp_MacroTable::list(UT_StringList &lines)
     std::vector<std::string> found;
     const auto collect = [](void **value, const char *name, void *data) {
         const auto *macro = static_cast<const cpp_Macro *>(*value);
-        if (macro->myBuiltin == cpp_Macro::NONE && isNameStart(*name))
+        if (macro->myBuiltin == cpp_Macro::NONE && UTisNameStart(*name))
             static_cast<std::vector<std::string> *>(data)->push_back(macro->toDefinition());
         return 1;
     };

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -32,6 +33,12 @@ const struct {
     {"__DATE__", cpp_Macro::DATE},
     {"__TIME__", cpp_Macro::TIME},
 };
+
+// A number may begin with a sign.
+bool takesName(int letter)
+{
+    return letter == 'U' || letter == 'D' || letter == 'I';
+}
 
 // A scan that stops inside a word would be gone on with by the next one.
 void finishScan(int argc, char *argv[])
@@ -96,8 +103,14 @@ int CPP_Manager::parseOptions(int argc, char *argv[])
     optind = 1;
     int letter;
     bool isGood = true;
-    while (isGood && (letter = getopt(argc, argv, OPTION_LETTERS)) != -1)
+    // Nothing is told about the definitions themselves.
+    CPP_Listener listener = std::exchange(myListener, nullptr);
+    while (isGood && (letter = getopt(argc, argv, OPTION_LETTERS)) != -1) {
+        if (listener && takesName(letter) && *optarg == '-')
+            listener(CPP_optionNameMessage({'-', static_cast<char>(letter)}, optarg));
         isGood = applyOption(static_cast<char>(letter), optarg);
+    }
+    myListener = std::move(listener);
     const int firstOperand = isGood ? optind : 0;
     finishScan(argc, argv);
     optind = callersIndex;

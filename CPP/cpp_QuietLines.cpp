@@ -25,21 +25,6 @@ const char *blockEnd(const char *from, const char *end)
     return slash < end ? slash + 1 : nullptr;
 }
 
-// Behind the line on which the comment ends that a slash starts; null when it is none, or
-// when anything else than white space follows it, or when lines may be joined.
-const char *skipComment(const char *slash, const char *end)
-{
-    if (end - slash < 2 || (slash[1] != '/' && slash[1] != '*'))
-        return nullptr;
-    const char *behind = slash[1] == '*' ? blockEnd(slash, end) : slash;
-    if (behind == nullptr)
-        return nullptr;
-    const char *newline = find('\n', behind, end);
-    const bool isWhole = slash[1] == '/' || skipBlanks(behind, newline) == newline;
-    const bool mayJoin = find('\\', slash, newline) != newline;
-    return newline != end && isWhole && !mayJoin ? newline + 1 : nullptr;
-}
-
 // The name that a definition begins with, null when the line is none.
 const char *defined(const char *line, const char *end)
 {
@@ -50,7 +35,7 @@ const char *defined(const char *line, const char *end)
     const char *name = line + START;
     while (name < end && (*name == ' ' || *name == '\t'))
         ++name;
-    return name > line + START && name < end && isNameStart(*name) ? name : nullptr;
+    return name > line + START && name < end && UTisNameStart(*name) ? name : nullptr;
 }
 
 bool hasQuote(const char *from, const char *end)
@@ -63,9 +48,9 @@ const char *takeDefinition(cpp_MacroTable &macros, bool strips, const char *line
     const char *name = defined(line, end);
     if (name == nullptr)
         return nullptr;
-    const char *stop = simpleLineEnd(name, end);
-    const char *body = nameEnd(name, stop);
-    if (stop == end || (body < stop && !isSpace(*body)))
+    const char *body = nameEnd(name, end);
+    const char *stop = simpleLineEnd(body, end);
+    if (stop == end || (body < stop && !UTisSpace(*body)))
         return nullptr;
     const char *behind = stop + 1;
     if (*stop == '/' && strips && !hasQuote(body, stop))
@@ -87,6 +72,24 @@ const char *takeComment(const char *line, const char *end)
     return first < end && *first == '/' ? skipComment(first, end) : nullptr;
 }
 } // namespace
+
+bool startsComment(const char *slash, const char *end)
+{
+    return end - slash >= 2 && (slash[1] == '/' || slash[1] == '*');
+}
+
+const char *skipComment(const char *slash, const char *end)
+{
+    if (!startsComment(slash, end))
+        return nullptr;
+    const char *behind = slash[1] == '*' ? blockEnd(slash, end) : slash;
+    if (behind == nullptr)
+        return nullptr;
+    const char *newline = find('\n', behind, end);
+    const bool isWhole = slash[1] == '/' || skipBlanks(behind, newline) == newline;
+    const bool mayJoin = find('\\', slash, newline) != newline;
+    return newline != end && isWhole && !mayJoin ? newline + 1 : nullptr;
+}
 
 const char *takeQuietLines(cpp_MacroTable &macros, bool strips, const char *from, const char *end)
 {

@@ -17,6 +17,7 @@ const CPP_WarningRow CPP_WARNINGS[] = {
     {"variadic", "... and __VA_ARGS__ are names like others"},
     {"missing-blank", "#if(X) and #include<X> are no directives"},
     {"macro-value", "a macro in #if that is no decimal number"},
+    {"option-name", "an option takes another one for its name"},
 };
 static_assert(std::size(CPP_WARNINGS) == CPP_NUM_WARNINGS, "each warning has a name");
 
@@ -43,6 +44,16 @@ bool lacksBlank(const std::string &word, std::string &meant)
     return false;
 }
 } // namespace
+
+CPP_Message CPP_optionNameMessage(const std::string &option, const std::string &name)
+{
+    CPP_Message message;
+    message.isError = false;
+    message.name = CPP_WARNINGS[CPP_OPTION_NAME].name;
+    message.file = "command line";
+    message.text = option + " takes '" + name + "' for a name";
+    return message;
+}
 
 void CPP_Manager::setListener(CPP_Listener listener)
 {
@@ -75,7 +86,9 @@ void CPP_Manager::reportDirective(Severity severity, const char *message)
 {
     if (!myListener)
         return;
-    CPP_Message report = messageAt(myPlace, withoutNewline(message) + myDetail);
+    std::string text = withoutNewline(message);
+    text.erase(text.find_last_not_of(" \t") + 1); // what stood behind a name
+    CPP_Message report = messageAt(myPlace, text + myDetail);
     report.hint = myHint;
     myDetail = myHint = "";
     if (severity == WARNING)
@@ -135,7 +148,7 @@ void CPP_Manager::warnDefinition(const char *definition)
         return;
     const char *name = skipSpace(definition);
     const char *parameters = name;
-    while (isNameCharacter(*parameters))
+    while (UTisNameCharacter(*parameters))
         ++parameters;
     if (*parameters != '(')
         return;
@@ -146,7 +159,7 @@ void CPP_Manager::warnDefinition(const char *definition)
         warn(CPP_VARIADIC,
              messageAt(variadic, "a macro takes as many arguments as it has parameters"));
     const char *paste = std::strstr(parameters, "##");
-    if (paste != nullptr && (isSpace(paste[-1]) || isSpace(paste[2])))
+    if (paste != nullptr && (UTisSpace(paste[-1]) || UTisSpace(paste[2])))
         warn(CPP_SPACED_PASTE, messageAt(paste, "## joins words only without blanks around it"));
 }
 

@@ -1,6 +1,6 @@
 #include "CPP/cpp_Runs.h"
 
-#include "CPP/cpp_Text.h"
+#include "CPP/cpp_Classes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,13 +28,13 @@ bool stopsKept(char c, char next)
     if (isBlank(c))
         return next == '\n';
     const bool isControl = c >= '\0' && c < ' ' && c != '\n';
-    return isControl || isNameStart(c) || stopsDropped(c) || c == '"' || c == '\'';
+    return isControl || UTisNameStart(c) || stopsDropped(c) || c == '"' || c == '\'';
 }
 
 const char *firstStop(cpp_RunKind kind, const char *from, const char *end)
 {
     if (kind == cpp_RunKind::DROPPED)
-        return std::find_if(from, end, stopsDropped);
+        return std::find_if(from, end, [](char c) { return stopsDropped(c); });
     while (from < end && !stopsKept(*from, from + 1 < end ? from[1] : '\n'))
         ++from;
     return from;
@@ -174,7 +174,7 @@ const char *nameEnd(const char *from, const char *end)
             return from + __builtin_ctz(stops);
     }
 #endif
-    return std::find_if_not(from, end, isNameCharacter);
+    return findOther(CPP_NAME, from, end);
 }
 
 int countLines(const char *from, const char *end)

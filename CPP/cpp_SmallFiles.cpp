@@ -1,15 +1,14 @@
 #include "CPP/cpp_SmallFiles.h"
 
+#include "CPP/cpp_Classes.h"
 #include "CPP/cpp_MacroTable.h"
+#include "CPP/cpp_QuietLines.h"
 #include "CPP/cpp_Runs.h"
-#include "CPP/cpp_Text.h"
+#include "CPP/cpp_SkippedLines.h"
 
-#include <algorithm>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-using namespace std::string_view_literals;
 
 namespace
 {
@@ -18,51 +17,59 @@ bool startsWith(std::string_view text, std::string_view prefix)
     return text.substr(0, prefix.size()) == prefix;
 }
 
-bool isEmptyLine(std::string_view line)
+// Behind white space and comments with lines of their own.
+const char *skipNothing(const char *from, const char *end)
 {
-    return std::all_of(line.begin(), line.end(), isSpace);
+    for (;;) {
+        from = findOther(CPP_SPACE, from, end);
+        const char *behind = from < end && *from == '/' ? skipComment(from, end) : nullptr;
+        if (behind == nullptr)
+            return from;
+        from = behind;
+    }
 }
 
-// Whether a line may stand inside a guard: no conditional, nor what might be one
-// under some option.
-bool isPlainLine(std::string_view line)
+// The guard that begins at `from`, which goes behind its line; empty when none does.
+std::string takeGuard(const char *&from, const char *end)
 {
-    const size_t hash = line.find('#');
-    if (hash == line.npos || !isEmptyLine(line.substr(0, hash)))
-        return true;
-    for (const char *word : {"#define ", "#undef ", "#include ", "#line ", "#pragma "})
-        if (startsWith(line, word))
-            return true;
-    return false;
+    const cpp_SkippedLine line = readSkippedLine(true, from, end);
+    if (!startsWith({from, static_cast<size_t>(end - from)}, "#ifndef ") ||
+        line.kind == cpp_SkippedLine::UNKNOWN)
+        return {};
+    const std::string_view condition = line.condition;
+    const char *name = findOther(CPP_SPACE, condition.begin(), condition.end());
+    const char *behind = nameEnd(name, condition.end());
+    const bool isWholeWord = behind == condition.end() || UTisSpace(*behind);
+    from = line.end;
+    return isWholeWord ? std::string(name, behind) : std::string();
 }
 
-std::string_view takeLine(std::string_view &text)
+// Behind the line that closes the guard; null when its text has another branch, or anything
+// that a stage would act on though it is skipped.
+const char *skipGuarded(const char *from, const char *end)
 {
-    const size_t length = std::min(text.find('\n'), text.size());
-    const std::string_view line = text.substr(0, length);
-    text.remove_prefix(std::min(length + 1, text.size()));
-    return line;
+    for (int depth = 1; depth > 0;) {
+        from = runEnd(cpp_RunKind::DROPPED, from, end);
+        const cpp_SkippedLine line = readSkippedLine(true, from, end);
+        const bool isBranch = line.kind == cpp_SkippedLine::ELSE && depth == 1;
+        if (isBranch || line.kind == cpp_SkippedLine::UNKNOWN || line.kind == cpp_SkippedLine::ELIF)
+            return nullptr;
+        depth += (line.kind == cpp_SkippedLine::OPENS) - (line.kind == cpp_SkippedLine::CLOSES);
+        from = line.end;
+    }
+    return from;
 }
 
 // The guard's name; empty when there is none.
-std::string guardOf(std::string_view text)
+std::string guardOf(const std::string &text)
 {
-    constexpr std::string_view OPENING = "#ifndef ";
-    // A block comment may be open in front of the file; a NUL is read as a blank.
-    for (const std::string_view sign : {"\\"sv, "/*"sv, "*/"sv, "\0"sv})
-        if (text.find(sign) != text.npos)
-            return {};
-    const std::string_view first = takeLine(text);
-    std::string_view line = takeLine(text);
-    while (!text.empty() && isPlainLine(line))
-        line = takeLine(text);
-    if (!startsWith(first, OPENING) || !startsWith(line, "#endif") || !isEmptyLine(text) ||
-        (line.size() > 6 && !isSpace(line[6])))
-        return {};
-    std::string_view name = first.substr(OPENING.size());
-    const auto *end = std::find_if_not(name.begin(), name.end(), isNameCharacter);
-    const bool isWholeWord = end == name.end() || isSpace(*end);
-    return isWholeWord ? std::string(name.begin(), end) : std::string();
+    const char *const end = text.data() + text.size();
+    const char *at = skipNothing(text.data(), end);
+    std::string name = takeGuard(at, end);
+    if (name.empty())
+        return name;
+    at = skipGuarded(at, end);
+    return at != nullptr && skipNothing(at, end) == end ? name : std::string();
 }
 
 bool readWhole(const char *path, std::string &text)

@@ -1,9 +1,8 @@
 // The texts of short files, each read once: include files come again and again.
 //
-// A guard is an #ifndef around all of a file's text, so that a file whose guard is
-// defined has nothing but empty lines to give. Only plain guards are recognised: "#"
-// and the word at the start of their lines, no other conditional, sign of a block
-// comment, backslash or NUL inside.
+// A guard is an #ifndef around all of a file but comments, so that a file whose guard is
+// defined has nothing but empty lines to give. Only plain ones are recognised: no #elif and
+// no #else of their own, no backslash, nothing that would be told though it is skipped.
 //
 // What changes in a file after it was read is not seen. All texts together stay
 // within a fixed size; when that is used up, no more are kept.
@@ -31,12 +30,12 @@ public:
     std::string_view take(const char *path);
 
     // Whether guards count (they do at first): they must not where skipped text can have an
-    // effect.
+    // effect, and where comments are other ones than those of slashes.
     void heedGuards(bool on) { heedsGuards = on; }
 
 private:
-    static constexpr size_t MAX_FILE = 32768;
-    static constexpr size_t MAX_TOTAL = 4 << 20;
+    static constexpr size_t MAX_FILE = 256 << 10;
+    static constexpr size_t MAX_TOTAL = 8 << 20;
 
     struct File;
 

@@ -1,33 +1,14 @@
-// Characters and bytes, as every stage sees them: ASCII, whatever the locale.
+// What every stage does with texts that end at their NUL.
 #pragma once
 
+#include "UT/UT_Character.h"
+
 #include <cstring>
-
-// C's isspace: blank, tab, newline, vertical tab, form feed, carriage return.
-constexpr bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-constexpr bool isNameStart(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-}
-
-constexpr bool isNameCharacter(char c)
-{
-    return isNameStart(c) || isDigit(c);
-}
 
 // The first place at or behind `text` that is no white space; its NUL at the latest.
 inline const char *skipSpace(const char *text)
 {
-    while (isSpace(*text))
+    while (UTisSpace(*text))
         ++text;
     return text;
 }

@@ -1,10 +1,10 @@
 #include "UT/UT_Error.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_WordList.h"
 #include "UT/ut_ErrorCatalogue.h"
 
-#include <cctype>
 #include <climits>
 #include <cstring>
 
@@ -40,7 +40,7 @@ void addPrefixes(UT_String &entry, const char *prefix)
 int parseNumber(const char *&p)
 {
     int value = 0;
-    for (; std::isdigit(static_cast<unsigned char>(*p)); ++p)
+    for (; UTisDigit(*p); ++p)
         value = value < 10000 ? value * 10 + (*p - '0') : value;
     return value;
 }

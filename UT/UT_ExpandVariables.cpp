@@ -1,5 +1,6 @@
 #include "UT/UT_ExpandVariables.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_EnvControl.h"
 #include "UT/UT_Environment.h"
 #include "UT/UT_ScratchBuffer.h"
@@ -7,7 +8,6 @@
 #include "UT/ut_Users.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -21,21 +21,6 @@ constexpr char NONE = '\0'; // as the previous character
 const char *lookUpEnvironment(const char *name, void *)
 {
     return UTgetenv(name);
-}
-
-bool isAlnum(char c)
-{
-    return std::isalnum(static_cast<unsigned char>(c)) != 0;
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isNameChar(char c)
-{
-    return isAlnum(c) || c == '_';
 }
 
 // The width in a frame reference such as F4, -1 for any other name.
@@ -56,10 +41,10 @@ void appendRepeated(UT_ScratchBuffer &out, char c, int count)
 void appendPadded(UT_ScratchBuffer &out, const char *value, int width)
 {
     const int missing = width > 0 ? width - static_cast<int>(std::strlen(value)) : 0;
-    const bool isSigned = (*value == '-' || *value == '+') && isDigit(value[1]);
+    const bool isSigned = (*value == '-' || *value == '+') && UTisDigit(value[1]);
     if (isSigned)
         out.append(*value++);
-    appendRepeated(out, isSigned || isDigit(*value) ? '0' : ' ', missing);
+    appendRepeated(out, isSigned || UTisDigit(*value) ? '0' : ' ', missing);
     out.append(value);
 }
 
@@ -211,15 +196,14 @@ bool ut_VariableExpander::takeComment(char c)
 
 bool ut_VariableExpander::isTildeActive() const
 {
-    return (isTildeExpanded || isNested()) &&
-           (myPrev == NONE || std::isspace(static_cast<unsigned char>(myPrev)) != 0);
+    return (isTildeExpanded || isNested()) && (myPrev == NONE || UTisSpace(myPrev));
 }
 
 void ut_VariableExpander::takeReference()
 {
     if (peek() == '{')
         openBraces();
-    else if (isNameChar(peek()))
+    else if (UTisNameCharacter(peek()))
         takePlainReference();
     else
         copy(1);
@@ -230,7 +214,7 @@ void ut_VariableExpander::takeReference()
 void ut_VariableExpander::takePlainReference()
 {
     int stop = myPos + 1;
-    while (isNameChar(myIn[stop]))
+    while (UTisNameCharacter(myIn[stop]))
         stop++;
     const UT_String name(myIn + myPos + 1, true, stop - myPos - 1);
     UT_String modifiers;
@@ -268,7 +252,7 @@ void ut_VariableExpander::takeHome()
 {
     const int start = myPos;
     int stop = start + 1;
-    while (isAlnum(myIn[stop]))
+    while (UTisAlphanumeric(myIn[stop]))
         stop++;
     UT_String home;
     const UT_String user(myIn + start + 1, true, stop - start - 1);

@@ -1,41 +1,16 @@
 #include "UT/UT_IStreamBuf.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_Memory.h"
 #include "UT/UT_ScratchBuffer.h"
-#include "UT/ut_FilePtrStreamBuf.h"
-#include "UT/ut_FileStreamBuf.h"
-#include "UT/ut_GZipStreamBuf.h"
-#include "UT/ut_MemoryStreamBuf.h"
-#include "UT/ut_NullStreamBuf.h"
-#include "UT/ut_RangeStreamBuf.h"
-#include "UT/ut_StdinStreamBuf.h"
-#include "UT/ut_StreamStreamBuf.h"
-#include "UT/ut_ZLibStreamBuf.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
-#include <unistd.h>
 
 namespace
 {
-
-bool stdinLineMode = false;
-
-// The classes of <cctype> are asked for bytes: a negative char is undefined there.
-bool isSpace(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-bool isDigit(char c)
-{
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
-
 // Tells, byte by byte, how far a text may still be a decimal number.
 struct NumberForm {
     bool fits(char c)
@@ -54,7 +29,7 @@ struct NumberForm {
             mySawExponent = mySignFits = true;
             return exponentFits;
         }
-        return isDigit(c);
+        return UTisDigit(c);
     }
 
     bool isFloating() const { return mySawPoint || mySawExponent; }
@@ -72,74 +47,6 @@ const char *findByte(const char *from, const char *end, int byte)
 }
 
 } // namespace
-
-// ---- Factories ---------------------------------------------------------------
-
-UT_IStreamBuf *UT_IStreamBuf::openFile(const char *path)
-{
-    return new ut_FilePtrStreamBuf(path);
-}
-
-UT_IStreamBuf *UT_IStreamBuf::wrapFile(FILE *fp)
-{
-    return fp == stdin ? sharedStdin() : new ut_FileStreamBuf(fp);
-}
-
-UT_IStreamBuf *UT_IStreamBuf::wrapStream(std::istream &is)
-{
-    return &is == &std::cin ? sharedStdin() : new ut_StreamStreamBuf(is);
-}
-
-UT_IStreamBuf *UT_IStreamBuf::wrapMemory(const char *data, int size)
-{
-    return new ut_MemoryStreamBuf(data, size);
-}
-
-UT_IStreamBuf *UT_IStreamBuf::makeRange(UT_IStreamBuf &inner, int64_t start, int64_t length)
-{
-    return new ut_RangeStreamBuf(inner, start, length);
-}
-
-UT_IStreamBuf *UT_IStreamBuf::makeEmpty()
-{
-    return new ut_NullStreamBuf;
-}
-
-// Whether init() liked the data is left to the first read, where a reader looks for
-// errors anyway.
-UT_IStreamBuf *UT_IStreamBuf::makeZLib(UT_IStreamBuf &inner)
-{
-    auto *source = new ut_ZLibStreamBuf(inner);
-    source->init();
-    return source;
-}
-
-UT_IStreamBuf *UT_IStreamBuf::makeGZip(UT_IStreamBuf &inner)
-{
-    auto *source = new ut_GZipStreamBuf(inner);
-    source->init();
-    return source;
-}
-
-void UT_IStreamBuf::setStdinLineMode(bool lineByLine)
-{
-    stdinLineMode = lineByLine;
-}
-
-UT_IStreamBuf *UT_IStreamBuf::sharedStdin()
-{
-    static UT_IStreamBuf *shared = nullptr;
-    if (!shared) {
-        // A person at a terminal expects an answer to each line.
-        if (stdinLineMode || isatty(fileno(stdin)))
-            shared = new ut_StdinStreamBuf;
-        else
-            shared = new ut_FileStreamBuf(stdin);
-        shared->addReference(); // ours, which keeps it to the end of the process
-    }
-    shared->addReference();
-    return shared;
-}
 
 // ---- Holders -------------------------------------------------------------------
 
@@ -217,7 +124,7 @@ bool UT_IStreamBuf::skipWhitespace()
 {
     while (hasNext()) {
         const char *end = myBuffer + myEnd;
-        const char *stop = std::find_if_not(myBuffer + myReadPos, end, isSpace);
+        const char *stop = std::find_if_not(myBuffer + myReadPos, end, UTisSpace);
         myReadPos = static_cast<int>(stop - myBuffer);
         if (stop != end)
             return true;
@@ -247,7 +154,7 @@ bool UT_IStreamBuf::getWord(UT_ScratchBuffer &word)
     if (!skipWhitespace())
         return false;
     takeUntil(word,
-              [](const char *from, const char *end) { return std::find_if(from, end, isSpace); });
+              [](const char *from, const char *end) { return std::find_if(from, end, UTisSpace); });
     return true;
 }
 
@@ -262,7 +169,7 @@ bool UT_IStreamBuf::getString(UT_ScratchBuffer &text)
     if (!isQuoted && !(first == '\\' && nextIs('"')))
         text.append(first);
 
-    const auto endsRun = [=](char c) { return c == '\\' || (isQuoted ? c == '"' : isSpace(c)); };
+    const auto endsRun = [=](char c) { return c == '\\' || (isQuoted ? c == '"' : UTisSpace(c)); };
     const auto scan = [=](const char *from, const char *end) {
         return std::find_if(from, end, endsRun);
     };
@@ -287,7 +194,7 @@ bool UT_IStreamBuf::getNumberToken(UT_ScratchBuffer &token, bool &isFloating)
     if (!skipWhitespace())
         return false;
     const char first = myBuffer[myReadPos];
-    if (!isDigit(first) && first != '.' && first != '+' && first != '-')
+    if (!UTisDigit(first) && first != '.' && first != '+' && first != '-')
         return getWord(token);
     // The form lives outside the scan: a number may go on in the next chunk.
     NumberForm form;

@@ -1,5 +1,6 @@
 #include "UT/UT_String.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_Memory.h"
 
 #include <cctype>
@@ -12,16 +13,6 @@
 
 namespace
 {
-bool isSpace(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 char *copyOf(const char *text, size_t length)
 {
     char *copy = static_cast<char *>(UTallocate(length + 1));
@@ -34,13 +25,12 @@ char *copyOf(const char *text, size_t length)
 bool isBoundary(char c)
 {
     const auto byte = static_cast<unsigned char>(c);
-    return std::isspace(byte) != 0 || (std::ispunct(byte) != 0 && c != '_') ||
-           std::isprint(byte) == 0;
+    return UTisSpace(c) || (std::ispunct(byte) != 0 && c != '_') || std::isprint(byte) == 0;
 }
 
 const char *skipSpaces(const char *p, bool allowed)
 {
-    while (allowed && isSpace(*p))
+    while (allowed && UTisSpace(*p))
         ++p;
     return p;
 }
@@ -52,7 +42,7 @@ const char *skipSign(const char *p)
 
 const char *skipDigits(const char *p)
 {
-    while (isDigit(*p))
+    while (UTisDigit(*p))
         ++p;
     return p;
 }

@@ -1,10 +1,10 @@
 #include "UT/UT_SymbolTable.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_Memory.h"
 #include "UT/UT_SmallObjectPool.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cinttypes>
 #include <cstdlib>
 #include <cstring>
@@ -35,6 +35,9 @@ constexpr bool ENTRY_POOL_TRACKS_PAGES = true;
 constexpr unsigned ENTRIES_PER_PAGE = 1024;
 constexpr unsigned ENTRY_POOL_MAX_SIZE = 128;
 
+// Of the ladder, for which a growing table has buckets already.
+constexpr int STEPS_AHEAD = 4;
+
 // Buckets; entries lie all over the memory, and rebuilding would wait for each.
 constexpr int FETCHED_AHEAD = 16;
 
@@ -53,10 +56,6 @@ double entriesAt(int tableSize, float loadFactor)
     return static_cast<double>(static_cast<float>(tableSize)) * static_cast<double>(loadFactor);
 }
 
-bool isDigit(char c)
-{
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
 } // namespace
 
 // A name as the lookups need it, with its hash,
@@ -109,7 +108,7 @@ UT_SymbolTable::~UT_SymbolTable()
 // REQUIRES: there are buckets
 UT_SymbolTable::Entry **UT_SymbolTable::chainOf(uint32_t hash) const
 {
-    return &myBuckets[hash % static_cast<uint32_t>(myTableSize)];
+    return &myBuckets[hash % static_cast<uint32_t>(myBucketCount)];
 }
 
 // The link to the name's entry, or to null. REQUIRES: there are buckets
@@ -121,14 +120,7 @@ UT_SymbolTable::Entry **UT_SymbolTable::locate(const Name &name) const
     return link;
 }
 
-// Where a name that is not there belongs. REQUIRES: there are buckets
-UT_SymbolTable::Entry **UT_SymbolTable::placeOf(const char *name, uint32_t length,
-                                                uint32_t hash) const
-{
-    Entry **const chain = chainOf(hash);
-    return *chain == nullptr ? chain : placeIn(chain, name, length);
-}
-
+// Where a name that is not there belongs, from the head of its chain on.
 UT_SymbolTable::Entry **UT_SymbolTable::placeIn(Entry **link, const char *name, uint32_t length)
 {
     while (*link != nullptr) {
@@ -144,12 +136,16 @@ UT_SymbolTable::Entry **UT_SymbolTable::placeIn(Entry **link, const char *name, 
 UT_SymbolTable::Entry *UT_SymbolTable::findOrInsert(const Name &name, bool &isNew)
 {
     growIfFull();
-    Entry *const old = *locate(name);
-    isNew = old == nullptr;
-    if (!isNew)
-        return old;
+    Entry **const chain = chainOf(name.myHash);
+    for (Entry *entry = *chain; entry != nullptr; entry = entry->myNext) {
+        if (name.isNameOf(*entry)) {
+            isNew = false;
+            return entry;
+        }
+    }
+    isNew = true;
     void *const block = entryPool().allocate(sizeof(Entry));
-    Entry **const link = placeOf(name.myText, name.myLength, name.myHash);
+    Entry **const link = placeIn(chain, name.myText, name.myLength);
     *link = new (block)
         Entry{nullptr, UTduplicate(name.myText, name.myLength), *link, name.myHash, name.myLength};
     ++myEntries;
@@ -231,12 +227,13 @@ void UT_SymbolTable::releaseEntry(Entry *entry)
 
 void UT_SymbolTable::clearTable()
 {
-    for (int bucket = 0; bucket < myTableSize; ++bucket)
+    for (int bucket = 0; bucket < myBucketCount; ++bucket)
         while (Entry *const entry = myBuckets[bucket]) {
             myBuckets[bucket] = entry->myNext;
             releaseEntry(entry);
         }
     std::free(std::exchange(myBuckets, nullptr));
+    myBucketCount = 0;
     myTableSize = 0;
     myEntries = 0;
 }
@@ -251,8 +248,11 @@ void UT_SymbolTable::growIfFull()
         return;
     const int *const next =
         std::upper_bound(std::begin(TABLE_SIZES), std::end(TABLE_SIZES), myTableSize);
-    if (next != std::end(TABLE_SIZES))
-        rebuild(*next);
+    if (next == std::end(TABLE_SIZES))
+        return;
+    myTableSize = *next;
+    if (myTableSize > myBucketCount)
+        rebuild(*std::min(next + STEPS_AHEAD, std::end(TABLE_SIZES) - 1));
 }
 
 void UT_SymbolTable::shrinkIfSparse()
@@ -262,27 +262,37 @@ void UT_SymbolTable::shrinkIfSparse()
     // One step only: a table that empties will come here again.
     const int *const size =
         std::lower_bound(std::begin(TABLE_SIZES), std::end(TABLE_SIZES), myTableSize);
-    if (size != std::begin(TABLE_SIZES))
-        rebuild(size[-1]);
+    if (size == std::begin(TABLE_SIZES))
+        return;
+    myTableSize = size[-1];
+    if (size + STEPS_AHEAD < std::end(TABLE_SIZES) && myBucketCount > size[STEPS_AHEAD])
+        rebuild(myTableSize);
 }
 
-// Moves every entry to its place among `tableSize` buckets.
-void UT_SymbolTable::rebuild(int tableSize)
+// For those who see the entries in order.
+void UT_SymbolTable::settle() const
 {
-    const auto count = static_cast<size_t>(tableSize);
+    if (myBucketCount != myTableSize)
+        rebuild(myTableSize);
+}
+
+// Moves every entry to its place among `bucketCount` buckets.
+void UT_SymbolTable::rebuild(int bucketCount) const
+{
+    const auto count = static_cast<size_t>(bucketCount);
     const size_t bytes = count > SIZE_MAX / sizeof(Entry *) ? SIZE_MAX : count * sizeof(Entry *);
     Entry **const oldBuckets = myBuckets;
-    const int oldSize = myTableSize;
+    const int oldCount = myBucketCount;
     myBuckets = static_cast<Entry **>(UTallocate(bytes));
-    myTableSize = tableSize;
-    std::fill_n(myBuckets, tableSize, nullptr);
+    myBucketCount = bucketCount;
+    std::fill_n(myBuckets, bucketCount, nullptr);
 
-    for (int bucket = 0; bucket < oldSize; ++bucket) {
-        if (bucket + FETCHED_AHEAD < oldSize)
+    for (int bucket = 0; bucket < oldCount; ++bucket) {
+        if (bucket + FETCHED_AHEAD < oldCount)
             __builtin_prefetch(oldBuckets[bucket + FETCHED_AHEAD]);
         while (Entry *const entry = oldBuckets[bucket]) {
             oldBuckets[bucket] = entry->myNext;
-            Entry **const link = placeOf(entry->myName, entry->myLength, entry->myHash);
+            Entry **const link = placeIn(chainOf(entry->myHash), entry->myName, entry->myLength);
             entry->myNext = *link;
             *link = entry;
         }
@@ -311,6 +321,7 @@ void UT_SymbolTable::setMinLoadFactor(float factor)
 template <class Visit>
 void UT_SymbolTable::visitAll(Visit visit) const
 {
+    settle();
     for (int bucket = 0; bucket < myTableSize; ++bucket)
         for (Entry *entry = myBuckets[bucket]; entry != nullptr;) {
             Entry *const next = entry->myNext;
@@ -349,13 +360,13 @@ char *UT_SymbolTable::makeUniqueName(const char *base) const
 {
     const char *const text = base != nullptr ? base : "";
     size_t length = std::strlen(text);
-    while (length > 0 && isDigit(text[length - 1]))
+    while (length > 0 && UTisDigit(text[length - 1]))
         --length;
 
     uint64_t counter = 1;
     visitAll([&](const Entry &entry) {
         const char *const key = entry.myName;
-        if (std::strncmp(key, text, length) == 0 && isDigit(key[length])) {
+        if (std::strncmp(key, text, length) == 0 && UTisDigit(key[length])) {
             const uint64_t number = std::strtoull(key + length, nullptr, 10);
             // A number beyond all counters does not move this one.
             if (counter <= number && number != UINT64_MAX)
@@ -387,6 +398,7 @@ int64_t UT_SymbolTable::getMemoryUsage(bool shallow) const
 
 void UT_SymbolTable::outputStats(FILE *stream) const
 {
+    settle();
     int used = 0, entries = 0, collisions = 0, shortest = 0, longest = 0;
     for (int bucket = 0; bucket < myTableSize; ++bucket) {
         int length = 0;
@@ -415,6 +427,7 @@ void UT_SymbolTable::outputStats(FILE *stream) const
 
 void UT_SymbolTable::dumpTable(FILE *stream) const
 {
+    settle();
     for (int bucket = 0; bucket < myTableSize; ++bucket) {
         if (myBuckets[bucket] == nullptr)
             continue;

@@ -4,7 +4,7 @@
 // copies nor frees what they point to, and a caller that stores objects deletes them
 // with one traversal before the table ends. A null name counts as the empty one.
 //
-//     buckets -> | 0 | 1 | ... | tableSize-1 |      a prime number of chains
+//     buckets -> | 0 | 1 | ... |                    a prime number of chains
 //                  |
 //                  v  ascending by strcmp
 //                 {value, name, next, hash, length} -> {...} -> null
@@ -17,6 +17,10 @@
 // moves one step up, whether or not the name is there; a removal that leaves
 // entries < tableSize * minimum load factor (0.1) moves one step down, never below
 // 5. All operations on one name are O(1) on average.
+//
+// There are more buckets than that while a table grows: steps are short, and each would
+// move every entry. Whoever wants to see the entries in order finds as many as there
+// should be.
 //
 // Entries do not move in memory: names and value slots that the table returns stay
 // valid until their entry is removed. One thread at a time.
@@ -112,20 +116,22 @@ private:
 
     Entry **chainOf(uint32_t hash) const;
     Entry **locate(const Name &name) const;
-    Entry **placeOf(const char *name, uint32_t length, uint32_t hash) const;
     static Entry **placeIn(Entry **chain, const char *name, uint32_t length);
     Entry *findOrInsert(const Name &name, bool &isNew);
     bool lookUp(const Name &name, void **out) const;
 
     void growIfFull();
     void shrinkIfSparse();
-    void rebuild(int tableSize);
+    void rebuild(int bucketCount) const;
+    void settle() const;
     void releaseEntry(Entry *entry);
 
     template <class Visit>
     void visitAll(Visit visit) const;
 
-    Entry **myBuckets = nullptr;
+    // How many chains hold the entries shows in nothing but their order.
+    mutable Entry **myBuckets = nullptr;
+    mutable int myBucketCount = 0; // myTableSize or more
     int myTableSize = 0;
     unsigned myEntries = 0;
     float myMaxLoadFactor = 0.75f;

@@ -1,12 +1,12 @@
 #include "UT/ut_ErrorCatalogue.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_FileUtil.h"
 #include "UT/UT_IFStream.h"
 #include "UT/UT_PathSearch.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_SymbolTable.h"
 
-#include <cctype>
 #include <cstring>
 
 namespace
@@ -97,7 +97,7 @@ void ut_ErrorCatalogue::addLine(const char *line)
     const char *p = line;
     int code = 0;
     // Stops counting, not reading, above the greatest code: no overflow.
-    for (; std::isdigit(static_cast<unsigned char>(*p)); ++p)
+    for (; UTisDigit(*p); ++p)
         code = code <= MAX_CODE ? code * 10 + (*p - '0') : code;
     if (p == line || code > MAX_CODE)
         return;

@@ -1,7 +1,8 @@
 // Editing: suffixes, replacement, paths, quotes and identifiers.
 #include "UT/UT_String.h"
 
-#include <cctype>
+#include "UT/UT_Character.h"
+
 #include <cstring>
 #include <ostream>
 
@@ -172,12 +173,12 @@ int UT_String::makeIdentifier(const char *allowed)
     makeOwned();
     int changes = 0;
     for (char *p = myData; *p != '\0'; ++p) {
-        if (std::isalnum(static_cast<unsigned char>(*p)) != 0 || *p == '_' || isAllowed(*p))
+        if (UTisNameCharacter(*p) || isAllowed(*p))
             continue;
         *p = '_';
         ++changes;
     }
-    if (std::isdigit(static_cast<unsigned char>(*myData)) != 0 || isAllowed(*myData)) {
+    if (UTisDigit(*myData) || isAllowed(*myData)) {
         assignCopy((std::string("_") + myData).c_str());
         ++changes;
     }

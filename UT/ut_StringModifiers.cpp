@@ -1,6 +1,8 @@
 // The csh-style modifiers of a variable reference, such as ":t:r".
 #include "UT/UT_String.h"
 
+#include "UT/UT_Character.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstring>
@@ -97,17 +99,16 @@ const struct {
 
 void modifyWords(std::string &text, Modify modify, const char *rest, bool all)
 {
-    const auto isSpace = [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; };
     std::string result;
-    auto p = std::find_if_not(text.begin(), text.end(), isSpace);
+    auto p = std::find_if_not(text.begin(), text.end(), UTisSpace);
     while (p != text.end()) {
-        const auto end = std::find_if(p, text.end(), isSpace);
+        const auto end = std::find_if(p, text.end(), UTisSpace);
         std::string word(p, end);
         modify(word, rest, all);
         result += word;
         if (end != text.end())
             result += ' ';
-        p = std::find_if_not(end, text.end(), isSpace);
+        p = std::find_if_not(end, text.end(), UTisSpace);
     }
     text = result;
 }
@@ -129,10 +130,6 @@ void applyOne(std::string &text, const char *modifier)
         modify(text, rest, all);
 }
 
-bool isWordCharacter(char c)
-{
-    return std::isalnum(static_cast<unsigned char>(c)) != 0;
-}
 } // namespace
 
 bool UT_String::applyModifiers(const char *modifiers)
@@ -157,13 +154,13 @@ int UT_String::modifierNameLength(const char *text)
     int slashes = 0; // how many of s/old/new/ may still come
     for (; p != nullptr && *p != '\0'; ++p) {
         if (*p == ':') {
-            if (!isWordCharacter(p[1]))
+            if (!UTisAlphanumeric(p[1]))
                 break;
             slashes = p[1] == 's' ? 3 : 0;
         } else if (*p == '/') {
             if (slashes-- <= 0)
                 break;
-        } else if (!isWordCharacter(*p) && *p != '_') {
+        } else if (!UTisAlphanumeric(*p) && *p != '_') {
             break;
         }
     }

@@ -1,6 +1,8 @@
 // Natural order of texts.
 #include "UT/UT_String.h"
 
+#include "UT/UT_Character.h"
+
 #include <cstring>
 
 namespace
@@ -13,11 +15,6 @@ struct Number {
     size_t length;
     const char *end;
 };
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 Number readNumber(const char *text)
 {
@@ -41,7 +38,7 @@ int UT_String::compareNatural(const char *a, const char *b)
     if (a == nullptr || b == nullptr)
         return (a != nullptr) - (b != nullptr);
     for (;;) {
-        if (isDigit(*a) && isDigit(*b)) {
+        if (UTisDigit(*a) && UTisDigit(*b)) {
             const Number left = readNumber(a);
             const Number right = readNumber(b);
             if (const int order = compareNumbers(left, right))

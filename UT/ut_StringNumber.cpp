@@ -1,18 +1,12 @@
 // The number at the end of a name.
 #include "UT/UT_String.h"
 
-namespace
-{
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-} // namespace
+#include "UT/UT_Character.h"
 
 const char *UT_String::findNumber() const
 {
     const char *number = myData + length();
-    while (number != myData && isDigit(number[-1]))
+    while (number != myData && UTisDigit(number[-1]))
         --number;
     return number == nullptr || *number == '\0' ? nullptr : number;
 }
@@ -34,7 +28,7 @@ void UT_String::incrementNumber()
     size_t i = name.size();
     for (; i > 0 && name[i - 1] == '9'; --i)
         name[i - 1] = '0';
-    if (i > 0 && isDigit(name[i - 1]))
+    if (i > 0 && UTisDigit(name[i - 1]))
         ++name[i - 1];
     else
         name.insert(i, 1, '1');

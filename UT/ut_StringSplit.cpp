@@ -1,19 +1,14 @@
 // Splitting a text into words and fields, in place.
 #include "UT/UT_String.h"
 
+#include "UT/UT_Character.h"
 #include "UT/UT_WordList.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 
 namespace
 {
-bool isSpace(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
 bool isQuote(char c)
 {
     return c == '"' || c == '\'';
@@ -24,7 +19,7 @@ bool isQuote(char c)
 void takeWord(const char *&read, char *&write)
 {
     char previous = '\0';
-    while (*read != '\0' && !isSpace(*read)) {
+    while (*read != '\0' && !UTisSpace(*read)) {
         const char c = *read++;
         if (!isQuote(c)) {
             *write++ = previous = c;
@@ -85,7 +80,7 @@ int UT_String::splitWords(UT_WordList &words)
     const char *read = myData;
     char *write = myData;
     for (;;) {
-        while (isSpace(*read))
+        while (UTisSpace(*read))
             ++read;
         if (*read == '\0')
             return words.getArgc();

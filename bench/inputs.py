@@ -63,6 +63,10 @@ def definitions(rng, size):
     return text_of(size, line)
 
 
+def skipped_definitions(rng, size):
+    return "#ifdef NOT_HERE\n%s#endif\n" % definitions(rng, size)
+
+
 def documented_definitions(rng, size):
     def group(i):
         note = " ".join("note%d" % rng.randrange(100) for _ in range(8))
@@ -99,6 +103,7 @@ INPUTS = {  # name: maker, size, how fast we must be, and want to be
     "comments-20MB": (comments, 20 * MB, 1, 1.2),
     "headers-2000x5": (headers, 2000, 1, 1.2),
     "definitions-20MB": (definitions, 20 * MB, 1, 1.5),
+    "skipped-defs-20MB": (skipped_definitions, 20 * MB, 1, 1.5),
     "documented-5MB": (documented_definitions, 5 * MB, 1, 1.5),
     "elifs-7MB": (elifs, 7 * MB, 0, 1),
     "searched-2000x5": (searched_headers, 2000, 1, 1.5),

@@ -22,7 +22,7 @@ PEERS = {
     "cpp": ["cpp", "-P"],
     "cpp-trad": ["cpp", "-traditional-cpp", "-P"],
     "clang": ["clang", "-E", "-P", "-x", "c"],
-    "tcc": ["tcc", "-E", "-P"],
+    "tcc": ["tcc", "-E", "-P", "-xc"],
     "mcpp": ["mcpp", "-P"],
     "ucpp": ["ucpp", "-l"],
 }

@@ -1,7 +1,7 @@
 #include "thumbmake/tm_PageData.h"
 
 #include "thumbnail/PaletteHead.h"
-#include "thumbnail/ThumbDriver.h"
+#include "thumbnail/ThumbState.h"
 
 #include <cstdint>
 #include <filesystem>

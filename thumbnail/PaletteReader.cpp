@@ -1,8 +1,9 @@
 #include "thumbnail/PaletteReader.h"
 
 #include "thumbnail/PaletteHead.h"
-#include "thumbnail/ThumbDriver.h"
+#include "thumbnail/RenderJob.h"
 #include "thumbnail/ThumbRenderer.h"
+#include "thumbnail/ThumbState.h"
 
 namespace
 {

@@ -1,8 +1,11 @@
 #include "thumbnail/thumb_Definitions.h"
 
 #include "UT/UT_Args.h"
-#include "thumbnail/ThumbDriver.h"
+#include "UT/UT_EnvControl.h"
+#include "UT/UT_PathSearch.h"
+#include "UT/UT_StringList.h"
 #include "thumbnail/ThumbRenderer.h"
+#include "thumbnail/ThumbState.h"
 
 #include <cstring>
 
@@ -95,4 +98,20 @@ bool thumb_Definitions::addShader(const ThumbRenderer &row)
     }
     reportError("Unknown shader type %s", row.myShaderType);
     return false;
+}
+
+void appendShaderPath(UT_String &define)
+{
+    if (const char *path = UT_EnvControl::instance().getString(ENV_VELDRIN_RI_SHADERPATH)) {
+        define += path;
+    } else {
+        UT_StringList found;
+        UT_PathSearch::getInstance(UT_VELDRIN_PATH).findAllFiles("ri_shaders", found);
+        define += ".:&";
+        for (int i = 0; i < found.entries(); ++i) {
+            define += ":";
+            define += found(i);
+        }
+    }
+    define += "\"";
 }

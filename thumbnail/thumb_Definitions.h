@@ -38,3 +38,7 @@ private:
     UT_String myShaderPath;
     UT_String myShader;
 };
+
+// Appends where RenderMan shaders are looked for, and a closing '"': the setting
+// VELDRIN_RI_SHADERPATH, or else ".:&" and each ri_shaders on the main search path.
+void appendShaderPath(UT_String &define);

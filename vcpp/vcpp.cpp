@@ -101,7 +101,6 @@ int preprocessFile(CPP_Manager &manager, Open open, const std::string &file,
 
 int preprocessAll(CPP_Manager &manager, vcpp_Options &options, FILE *out)
 {
-    manager.setListener([&](const CPP_Message &message) { options.messages.show(message); });
     int status = OK;
     for (const std::string &file : options.includes)
         status =
@@ -236,8 +235,12 @@ int run(vcpp_Options &options)
     std::vector<char *> words = {const_cast<char *>("vcpp")};
     for (const std::string &word : options.forManager)
         words.push_back(const_cast<char *>(word.c_str()));
+    for (const CPP_Message &warning : options.warnings)
+        options.messages.show(warning);
+    manager.setListener([&](const CPP_Message &message) { options.messages.show(message); });
     if (manager.parseOptions(static_cast<int>(words.size()), words.data()) == 0)
         return badUsage("bad option");
+    options.messages.flush();
     if (options.honoursOnce)
         manager.honourPragmaOnce();
     const int status = print(manager, options);

@@ -187,7 +187,7 @@ private:
         if (option == nullptr)
             takeLetters(word);
         else if (option->value == nullptr || takeValue(option->name, value))
-            option->handler(myScan, value);
+            apply(*option, value);
     }
 
     // Whether there is one, attached or as the next word.
@@ -198,6 +198,14 @@ private:
         if (value == nullptr)
             fail("nothing behind " + name);
         return value != nullptr;
+    }
+
+    // "-" alone is standard input or output.
+    void apply(const Option &option, const char *value)
+    {
+        if (value != nullptr && value[0] == '-' && value[1] != '\0')
+            myScan.options.warnings.push_back(CPP_optionNameMessage(option.name, value));
+        option.handler(myScan, value);
     }
 
     // A cluster of letters for the manager.

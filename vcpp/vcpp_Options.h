@@ -20,6 +20,7 @@ struct vcpp_Options {
 
     bool honoursOnce = false; // #pragma once
     vcpp_Messages messages;
+    std::vector<CPP_Message> warnings; // about the command line itself
 
     // The rule for make.
     bool hasRule = false;

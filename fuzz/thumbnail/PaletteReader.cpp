@@ -8,7 +8,7 @@
 #include "tests/support/PlainText.h"
 #include "tests/support/RecordingRenderer.h"
 #include "tests/support/ScopedVariable.h"
-#include "thumbnail/ThumbDriver.h"
+#include "thumbnail/ThumbState.h"
 
 #include <cstring>
 

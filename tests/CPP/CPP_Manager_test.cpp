@@ -1,6 +1,7 @@
 // Lines in, lines out: gathering, comments, directives, macros, options, markers and
 // include files.
 #include "CPP/CPP_Stream.h"
+#include "CPP/cpp_DefStream.h"
 #include "tests/support/Cases.h"
 #include "tests/support/Random.h"
 #include "tests/support/ScopedVariable.h"
@@ -24,43 +25,131 @@ TEST(Preprocessor, FollowsItsTables)
     std::filesystem::current_path(before);
 }
 
+// What a manager gives and says, in pieces from a file or line by line from a stream.
+static std::string given(const std::string &options, const std::string &path,
+                         const std::string *text)
+{
+    CPP_Manager manager;
+    parseOptions(manager, options);
+    const std::string nothing;
+    std::string messages;
+    manager.setListener([&](const CPP_Message &message) {
+        messages += std::to_string(message.line) + ':' + std::to_string(message.column) + ' ' +
+                    message.text + '|' + message.source + '\n';
+    });
+    UT_IStream in = streamOver(text != nullptr ? *text : nothing);
+    const bool isOpen = text != nullptr ? manager.openStream(&in, path.c_str())
+                                        : manager.openFile(path.c_str(), false);
+    return isOpen ? (text != nullptr ? allLines(manager) : allPieces(manager)) + messages : "";
+}
+
+static void expectSameInPieces(const ScratchDirectory &folder,
+                               const std::vector<std::string> &pieces)
+{
+    Random random;
+    SCOPED_TRACE(random.seed());
+    for (int i = 0; i < 400; ++i) {
+        const std::string text = random.text(pieces, 30), path = folder.write("main.in", text);
+        for (const char *options : {"", "-P", "-P -h", "-P -C", "-P -c"})
+            ASSERT_EQ(given(options, path, &text), given(options, path, nullptr)) << options << '\n'
+                                                                                  << text;
+    }
+}
+
 // A stream's lines come one by one, whatever they hold.
 TEST(Preprocessor, FilesInPiecesAreStreamsInLines)
 {
     const ScratchDirectory folder;
     folder.write("g.h", "#ifndef G\n#define G 1\n2\n#endif\n");
-    const std::vector<std::string> pieces = {"1 2\n",
-                                             "3 \\\n",
-                                             " \n",
-                                             "\n",
-                                             "4\r\n",
-                                             "x G\n",
-                                             "/*",
-                                             "*/",
-                                             " */\t\r\n",
-                                             "#define A 1",
-                                             "#define\tB  'A' ",
-                                             "#define A",
-                                             "A B\n",
-                                             "// 5\n",
-                                             "'6\n",
-                                             "#if 0\n",
-                                             "#else\n",
-                                             "#endif\n",
-                                             "#include \"g.h\"\n",
-                                             "#undef G\n"};
+    expectSameInPieces(folder, {"1 2\n",
+                                "3 \\\n",
+                                " \n",
+                                "\n",
+                                "4\r\n",
+                                "x G\n",
+                                "/*",
+                                "*/",
+                                " */\t\r\n",
+                                "#define A 1",
+                                "#define\tB  'A' ",
+                                "#define A",
+                                "A B\n",
+                                "// 5\n",
+                                "'6\n",
+                                "#if 0\n",
+                                "#else\n",
+                                "#endif\n",
+                                "#include \"g.h\"\n",
+                                "#undef G\n"});
+}
+
+// Lines that skipped text has, and some that end it.
+static const std::vector<std::string> SKIPPED = {"#if 0\n",
+                                                 "\f#endif\n",
+                                                 "\r#else\n",
+                                                 "#\v elif 1\n",
+                                                 "#if A /* b\n*/\n",
+                                                 "\t# ifdef A // b\n",
+                                                 "#ifndef A\n",
+                                                 "#elif A\n",
+                                                 "#elif A // 1\n",
+                                                 "#elif (\n",
+                                                 "#elif defined(A) && 1 > 0\n",
+                                                 "#elif A == '/'\n",
+                                                 "#elif defined(A)|| 0x10 == 16\\\n",
+                                                 "#elif E\n",
+                                                 "#else\n",
+                                                 "#else/**/\n",
+                                                 " #endif /* c */\n",
+                                                 "#endif\n",
+                                                 "#endif\\\n",
+                                                 "#endif\r\n",
+                                                 "#define A 2\n",
+                                                 "#define E\n",
+                                                 "#undef A\n",
+                                                 "#elseif\n",
+                                                 "#if(0)\n",
+                                                 "a / b # c\n",
+                                                 "a // \" c\n",
+                                                 "\"/*\" /* c\n",
+                                                 "*/ #endif\n",
+                                                 "b */\n",
+                                                 "#include <a/b>\n",
+                                                 "#pragma\n",
+                                                 "#line 7\n",
+                                                 "text\n"};
+
+TEST(Preprocessor, SkippedLinesInPiecesAreStreamsInLines)
+{
+    expectSameInPieces(ScratchDirectory(), SKIPPED);
+}
+
+// Reads each file anew, whatever its guard.
+struct ForgetfulManager : CPP_Manager {
+    CPP_Stream *newStream() override { return new cpp_DefStream; }
+};
+
+TEST(Preprocessor, GuardedFilesAreReadAnewWithTheSameResult)
+{
+    const ScratchDirectory folder;
     Random random;
     SCOPED_TRACE(random.seed());
-    for (int i = 0; i < 1000; ++i) {
-        const std::string text = random.text(pieces, 30), path = folder.write("main.in", text);
-        for (const char *options : {"", "-P", "-P -h", "-P -C"}) {
-            CPP_Manager byLines, byPieces;
-            parseOptions(byLines, options);
-            parseOptions(byPieces, options);
-            UT_IStream in = streamOver(text);
-            ASSERT_TRUE(byLines.openStream(&in, path.c_str()) &&
-                        byPieces.openFile(path.c_str(), false));
-            ASSERT_EQ(allLines(byLines), allPieces(byPieces)) << options << '\n' << text;
+    const std::string path =
+        folder.write("main.in", "#include \"g.h\"\n#include \"g.h\" /*\n*/ x\n#include \"g.h\"\n");
+    for (int i = 0; i < 400; ++i) {
+        const std::string text = random.oneOf({"", "/* c\n */\n", "\n// c\n", "x\n", "/*"}) +
+                                 "#ifndef G\n" + random.oneOf({"#define G\n", "\n"}) +
+                                 random.text(SKIPPED, 4) + "#endif" +
+                                 random.oneOf({"\n", " // G\n", "", "\n/* c */\n", "\nx\n"});
+        folder.write("g.h", text);
+        for (const char *options : {"", "-P", "-P -h", "-P -C", "-P -c"}) {
+            CPP_Manager manager;
+            ForgetfulManager forgetful;
+            parseOptions(manager, options);
+            parseOptions(forgetful, options);
+            ASSERT_TRUE(manager.openFile(path.c_str(), false) &&
+                        forgetful.openFile(path.c_str(), false));
+            ASSERT_EQ(allPieces(forgetful), allPieces(manager)) << options << '\n' << text;
         }
     }
 }

@@ -30,6 +30,15 @@ const std::vector<MiStatement> MI_STATEMENTS = {
     {"object", "trace", {"b"}},
 };
 
+const std::map<std::string, std::vector<std::string>> MI_NEEDED = {
+    {"camera", {"output", "focal", "aperture", "resolution"}},
+    {"light", {""}},
+    {"material", {""}},
+};
+
+const std::vector<std::string> MI_PICTURE_TYPES = {"rgb", "rgba"};
+const std::vector<std::string> MI_FILE_FORMATS = {"jpg", "tif", "rla", "pic", "ppm"};
+
 static const std::map<std::string, std::string> LIT = {
     {"ambience", "color"}, {"ambient", "color"}, {"diffuse", "color"},
     {"mode", "integer"},   {"lights", "lights"},
@@ -54,13 +63,15 @@ static std::map<std::string, std::string> fading(std::map<std::string, std::stri
 const std::map<std::string, MiShader> MI_BASE_SHADERS = {
     {"mib_illum_lambert", {"color", LIT}},
     {"mib_illum_phong", {"color", lit({{"specular", "color"}, {"exponent", "scalar"}})}},
-    {"mib_light_infinite", {"color", INFINITE}},
-    {"mib_light_point", {"color", fading({})}},
-    {"mib_light_spot", {"color", fading({{"cone", "scalar"}})}},
+    {"mib_light_infinite", {"color", INFINITE, "light", {"direction"}}},
+    {"mib_light_point", {"color", fading({}), "light", {"origin"}}},
+    {"mib_light_spot",
+     {"color", fading({{"cone", "scalar"}}), "light", {"origin", "direction", "spread"}}},
     {"mib_reflect", {"color", {{"input", "color"}, {"reflect", "color"}, {"notrace", "boolean"}}}},
     {"mib_refract", {"color", {{"input", "color"}, {"refract", "color"}, {"ior", "scalar"}}}},
     {"mib_transparency", {"color", {{"input", "color"}, {"transp", "color"}}}},
-    {"mib_volume", {"color", {{"color", "color"}, {"max", "scalar"}, {"lightrays", "boolean"}}}},
+    {"mib_volume",
+     {"color", {{"color", "color"}, {"max", "scalar"}, {"lightrays", "boolean"}}, "volume"}},
 };
 
 std::vector<std::string> miForms(const std::string &type)

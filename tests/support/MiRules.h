@@ -16,12 +16,21 @@ struct MiStatement {
 };
 extern const std::vector<MiStatement> MI_STATEMENTS;
 
+// Statements that a block cannot do without.
+extern const std::map<std::string, std::vector<std::string>> MI_NEEDED;
+
+// What "output" takes: a type of picture, and a format of file.
+extern const std::vector<std::string> MI_PICTURE_TYPES;
+extern const std::vector<std::string> MI_FILE_FORMATS;
+
 struct MiShader {
     std::string type;                              // of what it gives
     std::map<std::string, std::string> parameters; // name: type
+    std::string use = "";                          // "light", "volume" or any other: ""
+    std::vector<std::string> places = {};          // statements that such a light needs
 };
 extern const std::map<std::string, MiShader> MI_BASE_SHADERS;
 
 // What a value of a type is, in the letters above, in the forms that it may have. "" for
-// a type that nobody knows.
+// a type that nobody knows; a list of lights has a form of its own.
 std::vector<std::string> miForms(const std::string &type);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <set>
 
 namespace
@@ -59,19 +60,25 @@ private:
     void carryOut();
     void nest();
     void move();
+    void declare();
+    void checkChoices();
+    void checkSetting();
     void checkShader();
     void checkLight();
+    void checkHandle();
+    void checkView();
     void checkParameters(const Counts &counts);
     void checkParameter(const std::string &token, const Value &value, const Counts &counts);
     void checkShape();
-    Counts countsOfShape() const;
-    Counts countsOfMesh() const;
+    Counts countsOfShape();
+    Counts countsOfMesh();
     void checkPoints();
     std::vector<ScenePoint> corners() const;
 
     double number(size_t i) const { return myValues[i].numbers[0]; }
     const std::string &text(size_t i) const { return myValues[i].texts[0]; }
     const Value *parameter(const std::string &name) const;
+    RibType typeOf(const std::string &token) const;
 
     const std::vector<SceneToken> myTokens;
     size_t myNext = 0;
@@ -85,6 +92,7 @@ private:
     std::vector<Block> myBlocks;
     SceneMatrix myPlace = SCENE_IDENTITY; // from where we are to the camera
     std::set<std::string> mySeen;         // requests, and handles of lights
+    std::map<std::string, RibType> myDeclared;
 };
 
 void Reader::found(const std::string &what)
@@ -126,6 +134,7 @@ void Reader::readRequest()
     if (known->second.where != 'b' && (known->second.where == 'w') != isInWorld())
         found("may not stand here");
     mySeen.insert(myWord.text);
+    checkChoices();
     carryOut();
 }
 
@@ -190,6 +199,8 @@ bool Reader::takeParameters(size_t from)
         const Value &token = myValues[i];
         if (!token.isTexts || token.isArray || i + 1 == myValues.size())
             return false;
+        if (parameter(ribName(token.texts[0])) != nullptr)
+            found("a second " + token.texts[0]);
         myParameters.emplace_back(token.texts[0], myValues[i + 1]);
     }
     return true;
@@ -222,7 +233,13 @@ void Reader::carryOut()
         {"Surface", &Reader::checkShader},
         {"Atmosphere", &Reader::checkShader},
         {"Displacement", &Reader::checkShader},
+        {"Imager", &Reader::checkShader},
         {"LightSource", &Reader::checkLight},
+        {"Illuminate", &Reader::checkHandle},
+        {"Declare", &Reader::declare},
+        {"Option", &Reader::checkSetting},
+        {"Attribute", &Reader::checkSetting},
+        {"Projection", &Reader::checkView},
         {"Polygon", &Reader::checkShape},
         {"Patch", &Reader::checkShape},
         {"PatchMesh", &Reader::checkShape},
@@ -234,11 +251,48 @@ void Reader::carryOut()
     if (step != STEPS.end())
         return (this->*step->second)();
     checkParameters({});
-    if (myWord.text == "Display" && text(1) != "file" && text(1) != "framebuffer")
-        found("not every renderer has a display " + text(1));
-    if (const Value *fov = parameter("fov"))
-        myScene.fieldOfView = fov->numbers[0];
     nest();
+}
+
+void Reader::checkChoices()
+{
+    for (size_t i = 0; i < myValues.size(); ++i) {
+        const auto choices = RIB_CHOICES.find(myWord.text + ' ' + std::to_string(i));
+        if (choices == RIB_CHOICES.end())
+            continue;
+        const auto &all = choices->second;
+        if (std::find(all.begin(), all.end(), text(i)) == all.end())
+            found("not every renderer has a " + text(i));
+    }
+}
+
+void Reader::checkView()
+{
+    checkParameters({});
+    const Value *const fov = parameter("fov");
+    if (fov != nullptr && fov->numbers.size() == 1)
+        myScene.fieldOfView = fov->numbers[0];
+}
+
+void Reader::declare()
+{
+    const RibType type = ribType(text(1) + ' ' + text(0));
+    if (ribWidth(type.type) == 0)
+        return found("no type " + text(1));
+    myDeclared[text(0)] = type;
+}
+
+void Reader::checkSetting()
+{
+    checkParameters({});
+    const auto known = RIB_SETTINGS.find(myWord.text + ' ' + text(0));
+    if (known == RIB_SETTINGS.end())
+        return found("nobody knows " + text(0));
+    for (const auto &[token, value] : myParameters) {
+        const auto &all = known->second;
+        if (std::find(all.begin(), all.end(), ribName(token)) == all.end())
+            found(text(0) + " has no " + ribName(token));
+    }
 }
 
 void Reader::nest()
@@ -250,6 +304,8 @@ void Reader::nest()
         myPlace = myBlocks.back().place;
         myBlocks.pop_back();
     } else if (myWord.text.size() > 5 && myWord.text.substr(myWord.text.size() - 5) == "Begin") {
+        if (myWord.text == "FrameBegin" && !myBlocks.empty())
+            found("may not stand here");
         myBlocks.push_back({myWord.text, myPlace});
         if (myWord.text == "WorldBegin")
             myScene.camera = myPlace;
@@ -277,6 +333,8 @@ void Reader::checkShader()
         const auto &all = known->second.parameters;
         if (std::find(all.begin(), all.end(), name) == all.end())
             found(text(0) + " has no " + name);
+        else if (const std::string type = typeOf(token).type; type != ribShaderType(name))
+            found(name + " is no " + type);
     }
 }
 
@@ -288,6 +346,13 @@ void Reader::checkLight()
         found("a second " + handle);
 }
 
+void Reader::checkHandle()
+{
+    const std::string handle = "light " + std::to_string(static_cast<int>(number(0)));
+    if (mySeen.count(handle) == 0)
+        found("no " + handle);
+}
+
 void Reader::checkParameters(const Counts &counts)
 {
     for (const auto &[token, value] : myParameters)
@@ -296,15 +361,23 @@ void Reader::checkParameters(const Counts &counts)
 
 void Reader::checkParameter(const std::string &token, const Value &value, const Counts &counts)
 {
-    const RibType type = ribType(token);
+    const RibType type = typeOf(token);
     const auto width = static_cast<size_t>(ribWidth(type.type));
     if (width == 0)
         return found("nobody has declared " + token);
     if (value.isTexts != (type.type == "string"))
         return found(token + " is no " + type.type);
+    if (type.type.substr(0, 3) == "int" && !value.isIntegers)
+        return found(token + " is no integer");
     const size_t needed = width * counts.of(type.storage);
     if (value.size() != needed)
         found(token + " takes " + std::to_string(needed) + ", not " + std::to_string(value.size()));
+}
+
+RibType Reader::typeOf(const std::string &token) const
+{
+    const auto declared = myDeclared.find(token);
+    return declared != myDeclared.end() ? declared->second : ribType(token);
 }
 
 const Value *Reader::parameter(const std::string &name) const
@@ -319,13 +392,17 @@ const Value *Reader::parameter(const std::string &name) const
 void Reader::checkShape()
 {
     checkParameters(countsOfShape());
+    for (const auto &[token, value] : myParameters) {
+        if (RIB_SHAPE_PARAMETERS.count(ribName(token)) == 0)
+            found("no shape has " + token);
+    }
     const bool isQuadric = myValues.size() >= 3 && myValues[0].isNumber();
     if (!isQuadric && parameter("P") == nullptr)
         return found("no points");
     checkPoints();
 }
 
-Counts Reader::countsOfShape() const
+Counts Reader::countsOfShape()
 {
     const Value *const points = parameter("P");
     const size_t count = points != nullptr ? points->size() / 3 : 0;
@@ -337,10 +414,14 @@ Counts Reader::countsOfShape() const
 }
 
 // Of a bilinear mesh that does not close: the only ones that we write.
-Counts Reader::countsOfMesh() const
+Counts Reader::countsOfMesh()
 {
     if (text(0) != "bilinear" || text(2) != "nonperiodic" || text(4) != "nonperiodic")
         return {};
+    if (number(1) < 2 || number(3) < 2) {
+        found("too few points");
+        return {};
+    }
     const auto nu = static_cast<size_t>(number(1)), nv = static_cast<size_t>(number(3));
     return {(nu - 1) * (nv - 1), nu * nv, nu * nv};
 }
@@ -355,6 +436,8 @@ void Reader::checkPoints()
     }
     if (myWord.text == "Polygon" && !arePlanar(points))
         found("not planar");
+    else if (myWord.text == "Polygon" && !isConvex(points))
+        found("not convex");
 }
 
 // Of the box around a quadric: radius, then from and to along z.

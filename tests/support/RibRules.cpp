@@ -2,8 +2,6 @@
 
 #include "tests/support/PlainText.h"
 
-#include <set>
-
 const std::map<std::string, RibRequest> RIB_REQUESTS = {
     {"version", {"n", 'o'}},
     {"Declare", {"ss"}},
@@ -34,7 +32,6 @@ const std::map<std::string, RibRequest> RIB_REQUESTS = {
     {"Surface", {"s*"}},
     {"Displacement", {"s*"}},
     {"Atmosphere", {"s*"}},
-    {"Interior", {"s*"}},
     {"ShadingRate", {"n"}},
     {"Matte", {"i"}},
     {"Sides", {"i"}},
@@ -52,6 +49,30 @@ const std::map<std::string, RibRequest> RIB_REQUESTS = {
     {"Sphere", {"nnnn*", 'w'}},
     {"Cylinder", {"nnnn*", 'w'}},
     {"Disk", {"nnn*", 'w'}},
+};
+
+const std::map<std::string, std::vector<std::string>> RIB_CHOICES = {
+    {"Display 1", {"file", "framebuffer"}},
+    {"Display 2", {"rgb", "rgba", "rgbz", "rgbaz", "a", "z", "az"}},
+    {"Projection 0", {"perspective", "orthographic"}},
+    {"PixelFilter 0", {"box", "triangle", "catmull-rom", "gaussian", "sinc"}},
+    {"Quantize 0", {"rgba", "z"}},
+    {"Hider 0", {"hidden", "paint"}},
+    {"Orientation 0", {"outside", "inside", "lh", "rh"}},
+    {"Patch 0", {"bilinear", "bicubic"}},
+    {"PatchMesh 0", {"bilinear", "bicubic"}},
+    {"PatchMesh 2", {"periodic", "nonperiodic"}},
+    {"PatchMesh 4", {"periodic", "nonperiodic"}},
+};
+
+const std::set<std::string> RIB_SHAPE_PARAMETERS = {"P",  "Pz", "N", "Np", "Cs",
+                                                    "Os", "s",  "t", "st"};
+
+const std::map<std::string, std::vector<std::string>> RIB_SETTINGS = {
+    {"Option searchpath", {"shader", "texture", "archive"}},
+    {"Attribute displacementbound", {"sphere", "coordinatesystem"}},
+    {"Attribute light", {"shadows"}},
+    {"Attribute visibility", {"transmission"}},
 };
 
 const std::map<std::string, std::string> RIB_BLOCKS = {
@@ -79,6 +100,7 @@ const std::map<std::string, RibShader> RIB_SHADERS = {
     {"depthcue", {"Atmosphere", {"mindistance", "maxdistance", "background"}}},
     {"fog", {"Atmosphere", {"distance", "background"}}},
     {"bumpy", {"Displacement", {"Km", "texturename"}}},
+    {"background", {"Imager", {"bgcolor"}}},
 };
 
 static const std::map<std::string, RibType> DECLARED = {
@@ -90,6 +112,7 @@ static const std::map<std::string, RibType> DECLARED = {
     {"Os", {"varying", "color"}},
     {"s", {"varying", "float"}},
     {"t", {"varying", "float"}},
+    {"st", {"varying", "pair"}},
     {"fov", {"uniform", "float"}},
     {"Ka", {"uniform", "float"}},
     {"Kd", {"uniform", "float"}},
@@ -128,11 +151,19 @@ std::string ribName(const std::string &token)
     return token.substr(token.find_last_of(' ') + 1);
 }
 
+// Two of them are declared by nobody.
+std::string ribShaderType(const std::string &name)
+{
+    if (name == "Km")
+        return "float";
+    return name == "bgcolor" ? "color" : ribType(name).type;
+}
+
 int ribWidth(const std::string &type)
 {
     static const std::map<std::string, int> WIDTHS = {
-        {"float", 1}, {"integer", 1}, {"int", 1},    {"string", 1}, {"point", 3},
-        {"color", 3}, {"vector", 3},  {"normal", 3}, {"hpoint", 4}, {"matrix", 16},
+        {"float", 1}, {"integer", 1}, {"int", 1},    {"string", 1}, {"point", 3},   {"color", 3},
+        {"pair", 2},  {"vector", 3},  {"normal", 3}, {"hpoint", 4}, {"matrix", 16},
     };
     const auto known = WIDTHS.find(type);
     return known != WIDTHS.end() ? known->second : 0;

@@ -89,6 +89,21 @@ bool arePlanar(const std::vector<ScenePoint> &points)
     return size > 0;
 }
 
+bool isConvex(const std::vector<ScenePoint> &points)
+{
+    const size_t count = points.size();
+    const auto turn = [&](size_t i) {
+        const ScenePoint &at = points[(i + 1) % count];
+        return cross(minus(at, points[i]), minus(points[(i + 2) % count], at));
+    };
+    const ScenePoint first = turn(0);
+    for (size_t i = 0; i < count; ++i) {
+        if (dot(turn(i), first) <= 0)
+            return false;
+    }
+    return true;
+}
+
 ScenePixel scenePixel(const ScenePoint &seen, double tangent, int pixels)
 {
     const double scale = pixels / 2.0 / tangent / seen[2];

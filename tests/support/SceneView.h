@@ -24,6 +24,9 @@ std::vector<ScenePoint> scenePoints(const std::vector<double> &numbers);
 // Whether they lie in one plane.
 bool arePlanar(const std::vector<ScenePoint> &points);
 
+// Whether the way around them turns to the same side at each one.
+bool isConvex(const std::vector<ScenePoint> &points);
+
 // Where a picture of that many pixels shows a point of the camera's space, whose z axis
 // points away from the viewer: to the right and down, from the middle.
 struct ScenePixel {

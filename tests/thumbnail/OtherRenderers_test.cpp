@@ -220,21 +220,23 @@ TEST(OtherRenderersLevels, AreThoseOfTheStudio)
 
 TEST(StrictReaders, TellWhatIsWrong)
 {
-    expectTable(TEST_DATA "/data/scenes",
-                {{"rib",
-                  [](const char *in) {
-                      return together(readRib("Display \"x\" \"file\" \"rgb\" Translate 0 0 5 "
-                                              "WorldBegin " +
-                                              std::string(in) + " WorldEnd\n")
-                                          .findings);
-                  }},
-                 {"mi", [](const char *in) {
-                      return together(
-                          readMi("link \"base.so\" $include <base.mi> options \"o\" end options "
-                                 "material \"m\" end material instgroup \"s\" end instgroup "
-                                 "camera \"c\" focal 1 aperture 1 end camera "
-                                 "instance \"v\" \"c\" end instance " +
-                                 std::string(in) + " render \"s\" \"v\" \"o\"\n")
-                              .findings);
-                  }}});
+    expectTable(
+        TEST_DATA "/data/scenes",
+        {{"rib",
+          [](const char *in) {
+              return together(readRib("Display \"x\" \"file\" \"rgb\" Translate 0 0 5 "
+                                      "WorldBegin " +
+                                      std::string(in) + " WorldEnd\n")
+                                  .findings);
+          }},
+         {"mi", [](const char *in) {
+              return together(
+                  readMi("link \"base.so\" $include <base.mi> options \"q\" end options "
+                         "camera \"c\" output \"jpg\" \"x\" focal 1 aperture 1 resolution 9 9 "
+                         "end camera instance \"v\" \"c\" end instance "
+                         "instgroup \"s\" \"v\" end instgroup "
+                         "material \"m\" \"mib_reflect\" () end material " +
+                         std::string(in) + " render \"s\" \"v\" \"q\"\n")
+                      .findings);
+          }}});
 }

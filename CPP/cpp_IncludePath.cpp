@@ -1,0 +1,79 @@
+#include "CPP/cpp_IncludePath.h"
+
+#include "UT/UT_FileUtil.h"
+#include "UT/UT_StringList.h"
+
+#include <cstring>
+#include <unistd.h>
+
+namespace
+{
+// What a look-up depends on. No folder has the name "<".
+std::string keyOf(const char *name, const char *nearFolder)
+{
+    return std::string(nearFolder != nullptr ? nearFolder : "<") + '"' + name;
+}
+
+bool findNear(const char *folder, const char *name, UT_String &path)
+{
+    path.clear();
+    if (*folder != '\0' && std::strcmp(folder, ".") != 0)
+        (path += folder) += "/";
+    path += name;
+    return access(path, R_OK) == 0;
+}
+} // namespace
+
+cpp_IncludePath::cpp_IncludePath(int pathId, const char *caretSubst)
+{
+    const auto known = static_cast<UT_KnownPath>(pathId < 0 ? 0 : pathId);
+    myFolders.reset(UT_PathSearch::getNewInstance(known));
+    if (caretSubst != nullptr)
+        myFolders->reconfigure(nullptr, -1, caretSubst, -1);
+}
+
+void cpp_IncludePath::add(const char *dir)
+{
+    myFolders->addDirectory(dir);
+    myFound.clear();
+}
+
+void cpp_IncludePath::addAll(const char *pathList)
+{
+    const UT_PathSearch list(pathList, -1, "", UT_VELDRIN_PATH);
+    const UT_StringList &dirs = list.getDirs();
+    for (int i = 0; i < dirs.entries(); ++i)
+        add(dirs(i));
+}
+
+bool cpp_IncludePath::find(const char *name, const char *nearFolder, UT_String &path)
+{
+    const std::string key = keyOf(name, nearFolder);
+    const auto known = myFound.find(key);
+    if (known != myFound.end()) {
+        path.assignCopy(known->second.c_str());
+        return !known->second.empty();
+    }
+    if (!lookUp(name, nearFolder, path))
+        path.assignCopy(name);
+    myFound.emplace(key, path.text());
+    return true;
+}
+
+void cpp_IncludePath::forget(const char *name, const char *nearFolder)
+{
+    myFound[keyOf(name, nearFolder)] = "";
+}
+
+bool cpp_IncludePath::lookUp(const char *name, const char *nearFolder, UT_String &path) const
+{
+    if (UTisExplicitPath(name) && access(name, R_OK) == 0) {
+        path.assignCopy(name);
+        return true;
+    }
+    if (nearFolder != nullptr && findNear(nearFolder, name, path))
+        return true;
+    const bool isFound = myFolders->findFile(path, name, UT_PathSearch::KEEP_NAME);
+    path.makeOwned();
+    return isFound;
+}
