@@ -1,5 +1,7 @@
 #include "vaskel/pixels/vk_Filter.h"
 
+#include "vaskel/pixels/vk_LinearPicture.h"
+
 namespace
 {
 constexpr int NEAR_REACH = 2;           // pixels to each side, but where light wandered
@@ -17,25 +19,30 @@ vk_Vec smaller(const vk_Vec &a, const vk_Vec &b)
     return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
 }
 
-// 1 for values that agree, falling to 0 for those that errors do not explain. A
-// pixel that is further off than those around it believes its neighbours, and is
-// believed less.
-float weight(float difference, float tolerance, float own, float around, float otherOwn,
-             float otherAround)
+// 1 for values that agree, falling to 0 for those that errors do not explain.
+float weight(float difference, float tolerance, float own, float around, float otherAround)
 {
     const float error = std::max(own, around) + otherAround + LEAST_ERROR;
     const float beyond = std::max(0.0f, difference - error);
     const float left = std::max(0.0f, 1 - beyond / (tolerance * error));
-    const float trust = (around + LEAST_ERROR) / (std::max(otherOwn * .25f, around) + LEAST_ERROR);
-    return left * left * trust;
+    return left * left;
 }
 } // namespace
 
-bool vk_Filter::helps(const vk_Pixel &pixel)
-{
-    const float sure = SURE * static_cast<float>(pixel.count);
-    return vk_dot(pixel.sum.normal, pixel.sum.normal) > sure * sure;
-}
+// A layer's mean over neighbours, and what that leaves of their errors.
+struct vk_Filter::Sum {
+    vk_Colour light;
+    float weight = 0, error = 0;
+
+    void add(const vk_Colour &ofNeighbour, float w, float itsError)
+    {
+        light += ofNeighbour * w;
+        weight += w;
+        error += w * w * itsError;
+    }
+    vk_Colour mean() const { return light * (1 / weight); }
+    float remaining() const { return error / (weight * weight); }
+};
 
 vk_Filter::vk_Filter(int columns, int rows)
     : myColumns(columns), myRows(rows), myCells(static_cast<std::size_t>(columns * rows))
@@ -48,53 +55,65 @@ void vk_Filter::take(const vk_Pixel *row, int y)
         const vk_Pixel &pixel = row[x];
         Cell &now = cell(x, y);
         now.count = static_cast<float>(pixel.count);
-        now.specular = pixel.specular();
-        now.albedo = pixel.albedo();
-        now.irradiance = pixel.irradiance();
+        now.layers = pixel.layers();
+        const float sure = SURE * now.count;
+        now.smooth = vk_dot(pixel.sum.normal, pixel.sum.normal) > sure * sure;
         now.normal = vk_normalize(pixel.sum.normal);
         now.distance = pixel.sum.distance / now.count;
         now.visibility = vk_visibility(pixel.light());
-        now.own = {pixel.errorSpecular, pixel.errorIrradiance};
-        now.smooth = helps(pixel);
+        now.own = {pixel.errors.specular, pixel.errors.irradiance};
+        now.texture = pixel.errors.albedo;
         const bool isBlurred = pixel.sum.blurred > 0;
         now.reach = isBlurred ? REACH : NEAR_REACH;
         now.tolerance = isBlurred ? FAR_TOLERANCE : IRRADIANCE_TOLERANCE;
     }
 }
 
-// One pixel's error is a poor estimate, the mean of three rows of three is a fair one.
+// One pixel's error is a poor estimate, the mean of three rows of three is a fair one. Those
+// at an edge are of another kind than those beside it.
 void vk_Filter::compare(int y)
 {
     for (int x = 0; x < myColumns; ++x) {
+        Cell &here = cell(x, y);
         float count = 0;
         Errors sum;
         for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
             for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i) {
-                const Errors &own = cell(i, j).own;
-                sum.specular += own.specular;
-                sum.diffuse += own.diffuse;
+                const Cell &there = cell(i, j);
+                if (there.smooth != here.smooth)
+                    continue;
+                sum.specular += there.own.specular;
+                sum.diffuse += there.own.diffuse;
                 ++count;
             }
-        cell(x, y).around = {sum.specular / count, sum.diffuse / count};
+        here.around = {sum.specular / count, sum.diffuse / count};
     }
 }
 
+void vk_Filter::filter(int y)
+{
+    for (int x = 0; x < myColumns; ++x)
+        filter(cell(x, y), x, y);
+}
+
 // How far two pixels show the same surface.
-float vk_Filter::featureWeight(const Cell &a, const Cell &b) const
+float vk_Filter::featureWeight(const Cell &a, const Cell &b)
 {
     const float turn = 1 - TURN * (1 - vk_dot(a.normal, b.normal));
     const float step = std::abs(a.distance - b.distance) / (DEPTH * a.distance);
     return std::max(0.0f, turn) * std::max(0.0f, 1 - step);
 }
 
-vk_Colour vk_Filter::at(int x, int y) const
+// Blending of pixels takes errors away from those that do not depend on each other.
+void vk_Filter::filter(Cell &here, int x, int y) const
 {
-    const Cell &here = cell(x, y);
-    const float error = here.around.specular + here.around.diffuse;
-    if (!here.smooth || error < INVISIBLE)
-        return here.specular + here.irradiance * here.albedo;
-    vk_Colour specular, irradiance;
-    float specularWeight = 0, irradianceWeight = 0;
+    constexpr float BLENDED = vk_LinearPicture::REMAINS;
+
+    here.light = here.layers.light();
+    here.error = (here.around.sum() + here.texture) * BLENDED;
+    if (!here.smooth || here.around.sum() < INVISIBLE)
+        return;
+    Sum specular, irradiance;
     for (int j = std::max(0, y - here.reach); j <= std::min(y + here.reach, myRows - 1); ++j)
         for (int i = std::max(0, x - here.reach); i <= std::min(x + here.reach, myColumns - 1);
              ++i) {
@@ -104,18 +123,18 @@ vk_Colour vk_Filter::at(int x, int y) const
                 continue;
             // By the brighter one: a pixel that is dark by chance must not stand out.
             const vk_Vec visibility = smaller(here.visibility, there.visibility);
-            const vk_Colour shown = (there.irradiance - here.irradiance) * here.albedo;
+            const vk_Colour gleam = there.layers.specular - here.layers.specular;
+            const vk_Colour shown =
+                (there.layers.irradiance - here.layers.irradiance) * here.layers.albedo;
             const float ofSpecular =
-                feature * weight(vk_visible(there.specular - here.specular, visibility),
-                                 SPECULAR_TOLERANCE, here.own.specular, here.around.specular,
-                                 there.own.specular, there.around.specular);
+                weight(vk_visible(gleam, visibility), SPECULAR_TOLERANCE, here.own.specular,
+                       here.around.specular, there.around.specular);
             const float ofIrradiance =
-                feature * weight(vk_visible(shown, visibility), here.tolerance, here.own.diffuse,
-                                 here.around.diffuse, there.own.diffuse, there.around.diffuse);
-            specular += there.specular * ofSpecular;
-            irradiance += there.irradiance * ofIrradiance;
-            specularWeight += ofSpecular;
-            irradianceWeight += ofIrradiance;
+                weight(vk_visible(shown, visibility), here.tolerance, here.own.diffuse,
+                       here.around.diffuse, there.around.diffuse);
+            specular.add(there.layers.specular, feature * ofSpecular, there.around.specular);
+            irradiance.add(there.layers.irradiance, feature * ofIrradiance, there.around.diffuse);
         }
-    return specular * (1 / specularWeight) + irradiance * here.albedo * (1 / irradianceWeight);
+    here.light = specular.mean() + irradiance.mean() * here.layers.albedo;
+    here.error = specular.remaining() + irradiance.remaining() + here.texture * BLENDED;
 }

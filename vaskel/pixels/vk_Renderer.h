@@ -7,8 +7,8 @@
 
 #include <string>
 
-// How much work goes into a picture: samples are drawn where they help most until its
-// error, as far as they tell, is about as large as asked for. No pixel gets more than
+// How much work goes into a picture: rays are sent where they help most until its
+// error, as far as they tell, is about as large as asked for. No pixel gets more samples than
 // the scene allows, times a factor.
 struct vk_Quality {
     const char *name;
