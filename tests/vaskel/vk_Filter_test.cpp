@@ -86,6 +86,29 @@ TEST(Filter, ALonePixelThatIsFarOffDoesNotSpread)
         EXPECT_NEAR(.5f, light[static_cast<std::size_t>(6 * SIDE + x)], .03f);
 }
 
+// Random light of two samples a pixel, of which errors are hardly known: it tells no less than
+// half of the mean square that is left.
+TEST(Filter, TellsTheErrorThatItLeaves)
+{
+    constexpr float LEVEL = .5f;
+    const vk_Vec visibility = vk_visibility(vk_grey(LEVEL));
+    float told = 0, left = 0;
+    for (std::uint32_t picture = 0; picture < 32; ++picture) {
+        const vk_Filter filter = filterOf([&](int x, int y) {
+            const auto place = static_cast<std::uint32_t>(y * SIDE + x);
+            vk_Sampler sampler(vk_hash(place * 32 + picture), 0);
+            const float first = sampler.number() - .5f, second = sampler.number() - .5f;
+            return pixelOf(LEVEL + .2f * first, LEVEL + .2f * second);
+        });
+        for (int i = 0; i < SIDE * SIDE; ++i) {
+            told += filter.error(i % SIDE, i / SIDE);
+            left += vk_visible(filter.at(i % SIDE, i / SIDE) - vk_grey(LEVEL), visibility);
+        }
+    }
+    EXPECT_GT(told, .5f * left);
+    EXPECT_LT(told, 1.25f * left);
+}
+
 TEST(Filter, AnEdgeKeepsTheErrorThatBlendingLeaves)
 {
     const vk_Filter filter = filterOf([](int x, int) {

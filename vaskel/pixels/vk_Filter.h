@@ -4,6 +4,8 @@
 // A pixel's layers become means over its neighbours: those that face the same way,
 // are as far away, and differ by no more than the errors of both explain. The evenly
 // scattered layer is divided by the surface's colour first, so that texture stays as it is.
+// Two pixels are compared by themselves and by the means of those around each, as patches are:
+// weights that hang on the noise of the pixel alone would keep it.
 // After Rousselle, Manzi and Zwicker, "Robust Denoising using Feature and Color
 // Information", 2013.
 //
@@ -41,11 +43,14 @@ private:
     struct Cell {
         vk_Pixel::Layers layers;
         vk_Vec normal, visibility;
-        Errors own, around;
+        vk_Colour specularAround, irradianceAround; // means over neighbours,
+        Errors own, around;                         // errors of one pixel, also as a mean,
+        Errors ofMeans;                             // and of those means
         float texture = 0; // error that comes from the albedo, which stays as it is
-        float distance = 0, count = 0, tolerance = 0; // of the diffuse layer
+        float distance = 0, count = 0;
         int reach = 0;
-        bool smooth = false; // shows one surface, not an edge: neighbours can help
+        bool blurred = false; // the diffuse layer has no edges
+        bool smooth = false;  // shows one surface, not an edge: neighbours can help
 
         vk_Colour light; // what comes out,
         float error = 0; // and how far off that is, squared
@@ -57,6 +62,8 @@ private:
         return myCells[static_cast<std::size_t>(y * myColumns + x)];
     }
     static float featureWeight(const Cell &a, const Cell &b);
+    static float specularWeight(const Cell &a, const Cell &b);
+    static float irradianceWeight(const Cell &a, const Cell &b);
     void filter(Cell &here, int x, int y) const;
 
     int myColumns, myRows;
