@@ -117,8 +117,8 @@ def scene_of(example, folder):
     subprocess.run(["thumbrender", "-q", palette], cwd=folder, env=environment(fake), check=True)
     with open(os.path.join(folder, "scene")) as text:
         lines = text.read().splitlines()
-    return "".join(line + "\n" for line in lines if not line.startswith("picture")) + \
-        "picture p.png\n"
+    kept = [line for line in lines if not line.startswith("picture") and line != "end"]
+    return "".join(line + "\n" for line in kept + ["picture p.png", "end"])
 
 
 def unfiltered(kind, row, above):
@@ -221,8 +221,8 @@ def measure_size(_, runs, folder):
     scene, commands, sides = scene_of(DEFAULT, folder), {}, (256, 512, 1024)
     for side in sides:
         with open(os.path.join(folder, "scene%d" % side), "w") as out:
-            out.write(scene + "size %d %d\n" % (side, side))
-        commands[side] = ["vaskel", "scene%d" % side]
+            out.write(scene)
+        commands[side] = ["vaskel", "--size", str(side), "scene%d" % side]
     times = medians(commands, runs, folder)
     for side in sides:
         cost = times[side] / times[sides[0]] * (sides[0] / side) ** 2

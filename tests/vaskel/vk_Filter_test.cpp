@@ -1,5 +1,7 @@
 #include "vaskel/pixels/vk_Filter.h"
 
+#include "vaskel/pixels/vk_LinearPicture.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -24,9 +26,9 @@ vk_Pixel pixelOf(float first, float second)
     return pixel;
 }
 
-// Green of all pixels behind the filter.
+// A filter that has done its work on pixels.
 template <class Function>
-std::vector<float> filtered(const Function &pixelAt)
+vk_Filter filterOf(const Function &pixelAt)
 {
     std::vector<vk_Pixel> pixels;
     for (int i = 0; i < SIDE * SIDE; ++i)
@@ -36,6 +38,16 @@ std::vector<float> filtered(const Function &pixelAt)
         filter.take(&pixels[static_cast<std::size_t>(y * SIDE)], y);
     for (int y = 0; y < SIDE; ++y)
         filter.compare(y);
+    for (int y = 0; y < SIDE; ++y)
+        filter.filter(y);
+    return filter;
+}
+
+// Green of all pixels behind it.
+template <class Function>
+std::vector<float> filtered(const Function &pixelAt)
+{
+    const vk_Filter filter = filterOf(pixelAt);
     std::vector<float> result;
     for (int i = 0; i < SIDE * SIDE; ++i)
         result.push_back(filter.at(i % SIDE, i / SIDE).y);
@@ -72,6 +84,42 @@ TEST(Filter, ALonePixelThatIsFarOffDoesNotSpread)
     EXPECT_LT(light[6 * SIDE + 6], 1.2f); // and its neighbours take most of it back
     for (const int x : {3, 4, 8, 9})
         EXPECT_NEAR(.5f, light[static_cast<std::size_t>(6 * SIDE + x)], .03f);
+}
+
+// Random light of two samples a pixel, of which errors are hardly known: it tells no less than
+// half of the mean square that is left.
+TEST(Filter, TellsTheErrorThatItLeaves)
+{
+    constexpr float LEVEL = .5f;
+    const vk_Vec visibility = vk_visibility(vk_grey(LEVEL));
+    float told = 0, left = 0;
+    for (std::uint32_t picture = 0; picture < 32; ++picture) {
+        const vk_Filter filter = filterOf([&](int x, int y) {
+            const auto place = static_cast<std::uint32_t>(y * SIDE + x);
+            vk_Sampler sampler(vk_hash(place * 32 + picture), 0);
+            const float first = sampler.number() - .5f, second = sampler.number() - .5f;
+            return pixelOf(LEVEL + .2f * first, LEVEL + .2f * second);
+        });
+        for (int i = 0; i < SIDE * SIDE; ++i) {
+            told += filter.error(i % SIDE, i / SIDE);
+            left += vk_visible(filter.at(i % SIDE, i / SIDE) - vk_grey(LEVEL), visibility);
+        }
+    }
+    EXPECT_GT(told, .5f * left);
+    EXPECT_LT(told, 1.25f * left);
+}
+
+TEST(Filter, AnEdgeKeepsTheErrorThatBlendingLeaves)
+{
+    const vk_Filter filter = filterOf([](int x, int) {
+        vk_Pixel pixel = pixelOf(.5f, .7f);
+        if (x == 6) // faces two ways
+            pixel.sum.normal = {};
+        return pixel;
+    });
+    const float own = pixelOf(.5f, .7f).errors.irradiance;
+    EXPECT_NEAR(own * vk_LinearPicture::REMAINS, filter.error(6, 6), own * .01f);
+    EXPECT_LT(filter.error(3, 6), own * .2f);
 }
 
 TEST(Pixel, ASampleThatIsNoNumberIsCountedAndAddsNothing)

@@ -10,6 +10,8 @@ struct vk_RayCounts {
     std::uint64_t scattered = 0; // from a surface, along a path
     std::uint64_t shadow = 0;    // to a light
 
+    std::uint64_t sum() const { return camera + scattered + shadow; }
+
     vk_RayCounts &operator+=(const vk_RayCounts &other)
     {
         camera += other.camera;

@@ -1,10 +1,16 @@
-// Takes noise out of finished pixels without touching what is there to be seen.
+// Takes noise out of finished pixels without touching what is there to be seen, and tells
+// how much of it is left.
 //
 // A pixel's layers become means over its neighbours: those that face the same way,
 // are as far away, and differ by no more than the errors of both explain. The evenly
 // scattered layer is divided by the surface's colour first, so that texture stays as it is.
+// Two pixels are compared by themselves and by the means of those around each, as patches are:
+// weights that hang on the noise of the pixel alone would keep it.
 // After Rousselle, Manzi and Zwicker, "Robust Denoising using Feature and Color
 // Information", 2013.
+//
+// What is left of the error of a pixel is propagated through its own means: with weights w
+// and errors v of the neighbours it is sum(w^2 v) / sum(w)^2.
 #pragma once
 
 #include "vaskel/pixels/vk_Pixel.h"
@@ -18,33 +24,47 @@ public:
 
     vk_Filter(int columns, int rows);
 
-    // Each for one row, in any order and on any thread: first all rows of pixels
-    // are taken, then errors are compared with those of other rows, then at() serves.
+    // Each for one row, in any order and on any thread, but for all rows before the next:
+    // takes in pixels, compares their errors with those of other rows, filters. From then on
+    // at() is the light of a pixel and error() about its squared error, on the scale of the
+    // file. All three may be done again when pixels got more samples.
     void take(const vk_Pixel *row, int y);
     void compare(int y);
-    vk_Colour at(int x, int y) const;
-
-    // Whether neighbours can help a pixel: it shows one surface, not an edge.
-    static bool helps(const vk_Pixel &pixel);
+    void filter(int y);
+    const vk_Colour &at(int x, int y) const { return cell(x, y).light; }
+    float error(int x, int y) const { return cell(x, y).error; }
 
 private:
     struct Errors {
         float specular = 0, diffuse = 0;
+
+        float sum() const { return specular + diffuse; }
     };
     struct Cell {
-        vk_Colour specular, irradiance, albedo;
+        vk_Pixel::Layers layers;
         vk_Vec normal, visibility;
-        Errors own, around;
-        float distance = 0, count = 0, tolerance = 0; // of the diffuse layer
+        vk_Colour specularAround, irradianceAround; // means over neighbours,
+        Errors own, around;                         // errors of one pixel, also as a mean,
+        Errors ofMeans;                             // and of those means
+        float texture = 0; // error that comes from the albedo, which stays as it is
+        float distance = 0, count = 0;
         int reach = 0;
-        bool smooth = false;
+        bool blurred = false; // the diffuse layer has no edges
+        bool smooth = false;  // shows one surface, not an edge: neighbours can help
+
+        vk_Colour light; // what comes out,
+        float error = 0; // and how far off that is, squared
     };
+    struct Sum;
     Cell &cell(int x, int y) { return myCells[static_cast<std::size_t>(y * myColumns + x)]; }
     const Cell &cell(int x, int y) const
     {
         return myCells[static_cast<std::size_t>(y * myColumns + x)];
     }
-    float featureWeight(const Cell &a, const Cell &b) const;
+    static float featureWeight(const Cell &a, const Cell &b);
+    static float specularWeight(const Cell &a, const Cell &b);
+    static float irradianceWeight(const Cell &a, const Cell &b);
+    void filter(Cell &here, int x, int y) const;
 
     int myColumns, myRows;
     std::vector<Cell> myCells;

@@ -4,12 +4,11 @@
 
 namespace
 {
-// A square has a variance of 1/12, and this weight to either side one of 2/12.
-constexpr float SIDE = 1.0f / 12;
+constexpr float SIDE = vk_LinearPicture::SIDE, MIDDLE = vk_LinearPicture::MIDDLE;
 
 vk_Colour blend(const vk_Colour &before, const vk_Colour &middle, const vk_Colour &after)
 {
-    return middle * (1 - 2 * SIDE) + (before + after) * SIDE;
+    return middle * MIDDLE + (before + after) * SIDE;
 }
 } // namespace
 

@@ -13,32 +13,39 @@ void vk_Pixel::add(const vk_View &view)
     sum.normal += view.normal;
     sum.distance += view.distance;
     sum.blurred += view.blurred;
+    sum.cost += view.cost;
 }
 
-vk_Colour vk_Pixel::irradiance() const
+vk_Pixel::Layers vk_Pixel::layers() const
 {
+    // Where no light was scattered, nothing arrived for it.
     const auto part = [](float light, float albedo) { return albedo > 0 ? light / albedo : 0; };
-    return {part(sum.diffuse.x, sum.albedo.x), part(sum.diffuse.y, sum.albedo.y),
-            part(sum.diffuse.z, sum.albedo.z)};
+    return {sum.specular * share(),
+            {part(sum.diffuse.x, sum.albedo.x), part(sum.diffuse.y, sum.albedo.y),
+             part(sum.diffuse.z, sum.albedo.z)},
+            sum.albedo * share()};
 }
 
+// A difference of two halves is one draw of a random number. Of two estimates the mean is
+// better: the one before, as if further samples had told nothing new, is `left` of it.
 void vk_Pixel::estimate()
 {
-    if (count == estimatedCount)
-        return;
-    const vk_Vec visibility = vk_visibility(light());
-    const vk_View before = estimated;
-    // The error that is left: for half of the samples as large as what they moved.
-    const float share = estimatedCount > 0 ? static_cast<float>(estimatedCount) /
-                                                 static_cast<float>(count - estimatedCount)
-                                           : 1;
-    estimatedCount = count;
-    estimated.specular = specular();
-    estimated.diffuse = irradiance();
-    estimated.albedo = albedo();
-    errorSpecular = share * vk_visible(estimated.specular - before.specular, visibility);
-    errorIrradiance =
-        share * vk_visible((estimated.diffuse - before.diffuse) * estimated.albedo, visibility);
-    errorAlbedo =
-        share * vk_visible((estimated.albedo - before.albedo) * estimated.diffuse, visibility);
+    const Layers now = layers();
+    if (myFirstCount > 0) {
+        const auto first = static_cast<float>(myFirstCount), all = static_cast<float>(count);
+        const float share = first / (all - first); // halves need not be as large
+        const float left = first / all;
+        const vk_Vec visibility = vk_visibility(light());
+        const auto estimated = [&](const vk_Colour &moved, float before) {
+            const float error = share * vk_visible(moved, visibility);
+            return myIsEstimated ? .5f * (error + left * before) : error;
+        };
+        errors = {
+            estimated(now.specular - myFirstHalf.specular, errors.specular),
+            estimated((now.irradiance - myFirstHalf.irradiance) * now.albedo, errors.irradiance),
+            estimated((now.albedo - myFirstHalf.albedo) * now.irradiance, errors.albedo)};
+        myIsEstimated = true;
+    }
+    myFirstHalf = now;
+    myFirstCount = count;
 }

@@ -3,34 +3,42 @@
 
 #include "vaskel/trace/vk_PathTracer.h"
 
-// Errors are squared and on about the scale of the file, on which a level x of light
-// shows as its square root.
 struct vk_Pixel {
+    // What the filter takes means of.
+    struct Layers {
+        vk_Colour specular, irradiance, albedo;
+
+        vk_Colour light() const { return specular + irradiance * albedo; }
+    };
+
+    // Squared, and on about the scale of the file, on which a level x of light shows as
+    // its square root.
+    struct Errors {
+        float specular = 0;   // of the specular layer's mean,
+        float irradiance = 0; // of what arrived to be scattered evenly,
+        float albedo = 0;     // and of the colour that it met
+    };
+
     vk_View sum;
-    vk_View estimated;         // means when errors were estimated last
-    float errorSpecular = 0;   // of the specular layer's mean, estimated,
-    float errorIrradiance = 0; // of what arrived to be scattered evenly,
-    float errorAlbedo = 0;     // and of the colour that it met
+    Errors errors; // estimated
     int count = 0;
-    float variance = 0; // what one sample would leave of the error; 0: not estimated yet
     bool converged = false;
     bool bad = false; // had a sample that was no number
 
     void add(const vk_View &view);
 
     vk_Colour light() const { return sum.light() * share(); }
-    vk_Colour specular() const { return sum.specular * share(); }
-    vk_Colour albedo() const { return sum.albedo * share(); }
+    Layers layers() const;
 
-    // What arrived for each part of the albedo; 0 where there is none.
-    vk_Colour irradiance() const;
-
-    // Estimates the errors: how far the second half of the samples moved a mean is
-    // about how far off it still is.
+    // Estimates the errors from two halves of the samples, as one would from two pictures
+    // of half of the samples each: how far the second half moved a mean is about how far
+    // off it still is.
     void estimate();
 
 private:
-    int estimatedCount = 0; // samples then
+    Layers myFirstHalf; // means then
+    int myFirstCount = 0;
+    bool myIsEstimated = false;
 
     float share() const { return 1 / static_cast<float>(count); }
 };

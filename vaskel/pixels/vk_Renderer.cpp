@@ -1,6 +1,7 @@
 #include "vaskel/pixels/vk_Renderer.h"
 
 #include "UT/UT_EnvControl.h"
+#include "vaskel/pixels/vk_Allocation.h"
 #include "vaskel/pixels/vk_Filter.h"
 #include "vaskel/pixels/vk_LinearPicture.h"
 #include "vaskel/pixels/vk_Tile.h"
@@ -10,6 +11,7 @@
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
+#include <atomic>
 #include <mutex>
 #include <new>
 
@@ -38,6 +40,7 @@ public:
 private:
     void drawBand(int top, int bottom)
     {
+        myBandRows = bottom - top;
         vk_Band band;
         band.top = std::max(0, top - MARGIN);
         band.columns = myColumns;
@@ -49,100 +52,105 @@ private:
         for (int i = 0; i < across * tiles(band.rows); ++i)
             parts.emplace_back(myCanvas, band, i % across * vk_Tile::SIDE,
                                i / across * vk_Tile::SIDE);
-        const int count = static_cast<int>(parts.size());
-        const auto part = [&](int i) -> vk_Tile & { return parts[static_cast<std::size_t>(i)]; };
-        FirstLook look;
-        tbb::parallel_for(0, count, [&](int i) { startTile(part(i), look); });
-        const float samples = mySettings.quality->rays / look.raysOfSample();
-        const float limit = look.variances.limit(myCanvas.target(), samples,
-                                                 myCanvas.leastSamples(), myCanvas.mostSamples());
-        tbb::parallel_for(0, count, [&](int i) { finishTile(part(i), limit); });
-        develop(band, top, bottom);
+        vk_Filter filter(band.columns, band.rows);
+        drawTiles(parts);
+        while (myCanvas.filters() && choosePixels(band, filter))
+            drawTiles(parts);
+        for (const vk_Tile &tile : parts)
+            add(tile);
+        develop(band, filter, top, bottom);
+        myRowsDone = bottom;
+        myDrawn = myForecast = 0;
+        showProgress();
     }
 
     static int tiles(int pixels) { return (pixels + vk_Tile::SIDE - 1) / vk_Tile::SIDE; }
 
-    // What the least samples of all tiles tell.
-    struct FirstLook {
-        vk_Variances variances;
-        vk_RayCounts rays;
-
-        float raysOfSample() const
-        {
-            const std::uint64_t all = rays.camera + rays.scattered + rays.shadow;
-            return static_cast<float>(all) / static_cast<float>(rays.camera);
-        }
-    };
-
-    void startTile(vk_Tile &tile, FirstLook &look)
+    void drawTiles(std::vector<vk_Tile> &tiles)
     {
-        vk_myRays = {};
-        tile.start();
-        const vk_Variances own = tile.variances();
-        const std::lock_guard<std::mutex> lock(myMutex);
-        look.variances += own;
-        look.rays += vk_myRays;
-        if (mySettings.stats != nullptr)
-            mySettings.stats->rays += vk_myRays;
+        tbb::parallel_for(std::size_t{0}, tiles.size(), [&](std::size_t i) {
+            vk_myRays = {};
+            tiles[i].draw();
+            const std::lock_guard<std::mutex> lock(myMutex);
+            if (mySettings.stats != nullptr)
+                mySettings.stats->rays += vk_myRays;
+            myDrawn += static_cast<double>(vk_myRays.sum());
+            showProgress();
+        });
     }
-    void finishTile(vk_Tile &tile, float limit)
+    // By the rays that a band is thought to take, as soon as that is known.
+    void showProgress()
     {
-        vk_myRays = {};
-        tile.go(limit);
-        const std::lock_guard<std::mutex> lock(myMutex);
-        if (mySettings.stats != nullptr)
-            add(tile, *mySettings.stats);
-        // The rows that two bands draw make the sum a little more than the whole.
-        myDone += tile.pixels();
-        const auto percent = static_cast<int>(100 * myDone / myColumns / myRows);
-        const int shown = std::min(percent, 100);
-        if (mySettings.progress != nullptr && shown > myPercent)
-            mySettings.progress(shown);
-        myPercent = shown;
-    }
-    static void add(const vk_Tile &tile, vk_Stats &stats)
-    {
-        stats.rays += vk_myRays;
-        stats.pixels += static_cast<std::uint64_t>(tile.pixels());
-        stats.samples += tile.samples();
-        stats.badPixels += tile.badPixels();
+        const double ofBand = myForecast > 0 ? std::min(1.0, myDrawn / myForecast) : 0;
+        const auto percent = static_cast<int>(100 * (myRowsDone + ofBand * myBandRows) / myRows);
+        if (mySettings.progress != nullptr && percent > myPercent)
+            mySettings.progress(percent);
+        myPercent = std::max(myPercent, percent);
     }
 
-    void develop(vk_Band &band, int top, int bottom)
+    // Filters what is there, and tells which pixels have converged. False when all have.
+    bool choosePixels(vk_Band &band, vk_Filter &filter)
+    {
+        const auto each = [&](auto &&row) { tbb::parallel_for(0, band.rows, row); };
+        each([&](int y) { filter.take(&band.at(0, y), y); });
+        each([&](int y) { filter.compare(y); });
+        each([&](int y) { filter.filter(y); });
+        const float limit = limitFor(band, filter);
+        std::atomic<bool> more = false;
+        each([&](int y) {
+            for (int x = 0; x < band.columns; ++x) {
+                vk_Pixel &now = band.at(x, y);
+                now.converged = now.converged || now.count >= myCanvas.mostSamples() ||
+                                filter.error(x, y) < limit * now.sum.cost;
+                if (!now.converged)
+                    more = true;
+            }
+        });
+        return more;
+    }
+    float limitFor(vk_Band &band, const vk_Filter &filter)
+    {
+        vk_Allocation allocation;
+        for (int y = 0; y < band.rows; ++y)
+            for (int x = 0; x < band.columns; ++x) {
+                const vk_Pixel &now = band.at(x, y);
+                allocation.add(filter.error(x, y), now.sum.cost, now.converged);
+            }
+        const vk_Quality &quality = *mySettings.quality;
+        const float limit = allocation.limit(quality.error * quality.error, quality.rays);
+        myDrawn = allocation.rays();
+        myForecast = allocation.rays(limit);
+        return limit;
+    }
+    void add(const vk_Tile &tile)
+    {
+        if (mySettings.stats == nullptr)
+            return;
+        mySettings.stats->pixels += static_cast<std::uint64_t>(tile.pixels());
+        mySettings.stats->samples += tile.samples();
+        mySettings.stats->badPixels += tile.badPixels();
+    }
+
+    // Fixed samples are taken as they are.
+    void develop(vk_Band &band, const vk_Filter &filter, int top, int bottom)
     {
         vk_LinearPicture light(band.columns, band.rows);
-        collect(band, light);
+        tbb::parallel_for(0, band.rows, [&](int y) {
+            for (int x = 0; x < band.columns; ++x)
+                light.at(x, y) = myCanvas.filters() ? filter.at(x, y) : band.at(x, y).light();
+        });
         tbb::parallel_for(top - band.top, bottom - band.top, [&](int y) {
             for (int x = 0; x < band.columns; ++x)
                 myCanvas.develop(light.blended(x, y), x, band.top + y);
         });
     }
 
-    // Fixed samples are taken as they are.
-    void collect(vk_Band &band, vk_LinearPicture &light)
-    {
-        const auto each = [&](auto &&row) { tbb::parallel_for(0, band.rows, row); };
-        if (!myCanvas.filters()) {
-            each([&](int y) {
-                for (int x = 0; x < band.columns; ++x)
-                    light.at(x, y) = band.at(x, y).light();
-            });
-            return;
-        }
-        vk_Filter filter(band.columns, band.rows);
-        each([&](int y) { filter.take(&band.at(0, y), y); });
-        each([&](int y) { filter.compare(y); });
-        each([&](int y) {
-            for (int x = 0; x < band.columns; ++x)
-                light.at(x, y) = filter.at(x, y);
-        });
-    }
-
     const vk_Canvas myCanvas;
     const vk_RenderSettings &mySettings;
     int myColumns, myRows;
-    std::mutex myMutex; // guards the rest
-    std::int64_t myDone = 0;
+    std::mutex myMutex;                 // guards the rest
+    double myDrawn = 0, myForecast = 0; // rays of this band
+    int myBandRows = 0, myRowsDone = 0;
     int myPercent = -1;
 };
 

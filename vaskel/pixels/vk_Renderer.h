@@ -7,8 +7,8 @@
 
 #include <string>
 
-// How much work goes into a picture: samples are drawn where they help most until its
-// error, as far as they tell, is about as large as asked for. No pixel gets more than
+// How much work goes into a picture: rays are sent where they help most until its
+// error, as far as they tell, is about as large as asked for. No pixel gets more samples than
 // the scene allows, times a factor.
 struct vk_Quality {
     const char *name;
@@ -19,7 +19,7 @@ struct vk_Quality {
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
     {"draft", .25f, .011f, 23, false},
-    {"default", 1, .0054f, 90, false},
+    {"default", 1, .006f, 78, false},
     {"final", 8, .0017f, 1550, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];

@@ -1,123 +1,10 @@
 #include "vaskel/pixels/vk_Tile.h"
 
-#include "vaskel/pixels/vk_Filter.h"
-
 #include <cmath>
 
 namespace
 {
-constexpr int FIRST_SAMPLES = 2; // a pixel; every further pass doubles them
-
-// Shares of errors that the filter and the blending leave, as they were found over the
-// examples. At an edge of a shape the filter cannot help.
-constexpr float REMAINS_EDGE = .65f;
-constexpr float REMAINS_TEXTURE = .27f;
-constexpr float REMAINS_GROUND = .019f;
-constexpr float REMAINS_WANDERING = .0115f;
-
-// On a surface that turns away, neighbours help less, and differ without an error. Its
-// straightness is the length of the mean of its normals around a pixel.
-constexpr float FLAT = .9995f; // at least
-constexpr float CURVED = .98f; // at least, and bent below
-constexpr float REMAINS_CURVED = .11f;
-constexpr float REMAINS_BENT = .4f;
-
-// Where pixels differ by more than their errors, more is left.
-struct Remainder {
-    float least, most;
-    float onset, slope; // of structure
-};
-constexpr Remainder SPECULAR = {.05f, .7f, .9f, .3f};
-constexpr Remainder IRRADIANCE = {.02f, 1.3f, 1.2f, .45f};
-
-float remainsOf(const Remainder &remainder, float structure)
-{
-    return std::clamp(remainder.slope * (structure - remainder.onset), remainder.least,
-                      remainder.most);
-}
-
-float remainsOfIrradiance(const vk_Pixel &pixel, float structure, float straightness)
-{
-    if (pixel.sum.blurred >= static_cast<float>(pixel.count))
-        return REMAINS_WANDERING;
-    if (pixel.sum.blurred > 0)
-        return REMAINS_GROUND;
-    if (straightness < CURVED)
-        return REMAINS_BENT;
-    return straightness < FLAT ? REMAINS_CURVED : remainsOf(IRRADIANCE, structure);
-}
-
-// A surface needs no more than the first samples when its error is this part of the
-// one aimed at.
-constexpr float EARLY = .25f;
-
-// How much of an estimate is that of the passes before: one that is low by chance must
-// not end a pixel's samples.
-constexpr float BEFORE = .6f;
-
-// How much the mean error of a tile's diffuse layer counts for each pixel: few samples
-// find bright things that are small only here and there.
-constexpr float RARE = .2f;
-
-// One layer of pixels beside each other.
-struct Layer {
-    vk_Colour sum, squares;
-    float errors = 0;
-    int count = 0;
-
-    void add(const vk_Colour &light, float error)
-    {
-        sum += light;
-        squares += light * light;
-        errors += error;
-        ++count;
-    }
-    // How much they differ: about 1 when it is their errors, more when there is something
-    // to be seen.
-    float structure(const vk_Vec &visibility) const
-    {
-        if (errors <= 0 || count < 2)
-            return 0;
-        const auto n = static_cast<float>(count);
-        const vk_Colour variance = (squares - sum * sum * (1 / n)) * (1 / (n - 1));
-        return vk_dot(variance, visibility) * (1.0f / 3) * n / errors;
-    }
-};
-
-// A pixel and those beside it.
-struct Around {
-    Layer specular, diffuse; // where the filter helps
-    vk_Vec normals;          // summed over samples,
-    int samples = 0;         // of those
-    float rest = 0;          // of errors other than those of the layers
-    int count = 0;
-
-    void add(const vk_Pixel &pixel)
-    {
-        ++count;
-        if (!vk_Filter::helps(pixel)) {
-            rest +=
-                REMAINS_EDGE * (pixel.errorSpecular + pixel.errorIrradiance + pixel.errorAlbedo);
-            return;
-        }
-        rest += REMAINS_TEXTURE * pixel.errorAlbedo;
-        specular.add(pixel.estimated.specular, pixel.errorSpecular);
-        diffuse.add(pixel.estimated.diffuse, pixel.errorIrradiance);
-        normals += pixel.sum.normal;
-        samples += pixel.count;
-    }
-    // Near 1 where all face the same way.
-    float straightness() const
-    {
-        return vk_length(normals) / static_cast<float>(std::max(1, samples));
-    }
-};
-
-// Whether any sample met something.
-bool showsSurface(const vk_Pixel &pixel)
-{
-    return pixel.sum.distance < vk_View::NOWHERE * static_cast<float>(pixel.count);
-}
+constexpr int FIRST_SAMPLES = 2; // the least that have two halves
 } // namespace
 
 vk_Lens::vk_Lens(const vk_Scene &scene)
@@ -137,9 +24,7 @@ vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
     : myScene(scene), myTracer(scene, world), myLens(scene), myFilm(film),
       myGain(std::exp2(scene.exposure)), myFilters(settings.samples <= 0)
 {
-    const vk_Quality &quality = *settings.quality;
-    const float most = static_cast<float>(scene.samples) * quality.samples;
-    myTarget = quality.error * quality.error;
+    const float most = static_cast<float>(scene.samples) * settings.quality->samples;
     myMostSamples = std::clamp(static_cast<int>(most), 1, vk_Scene::MOST_SAMPLES);
     myFirstSamples = std::min(FIRST_SAMPLES, myMostSamples);
     if (settings.samples > 0)
@@ -186,51 +71,19 @@ void vk_Tile::each(Function function) const
             function(myBand.at(myLeft + x, myTop + y), x, y);
 }
 
-void vk_Tile::start()
+void vk_Tile::draw()
 {
-    const int count = myCanvas.firstSamples();
-    pass(count);
-    if (count == myCanvas.mostSamples())
-        return;
-    estimate();
-    each([&](vk_Pixel &now, int x, int y) {
-        now.converged = myErrors[y][x] < (showsSurface(now) ? EARLY : 1) * myCanvas.target();
+    // Two halves: the second tells how far off the first was.
+    if (myBand.at(myLeft, myTop).count == 0 && myCanvas.filters())
+        drawUpTo([&](const vk_Pixel &) { return myCanvas.firstSamples() / 2; });
+    drawUpTo([&](const vk_Pixel &now) {
+        return std::clamp(2 * now.count, myCanvas.firstSamples(), myCanvas.mostSamples());
     });
-    pass(myCanvas.leastSamples());
-}
-
-void vk_Tile::go(float limit)
-{
-    int count = myCanvas.leastSamples();
-    while (count < myCanvas.mostSamples()) {
-        settle(limit);
-        count = std::min(2 * count, myCanvas.mostSamples());
-        if (!pass(count))
-            return;
-    }
-}
-
-// Pixels that had converged before count as if they had had as many samples as the others.
-vk_Variances vk_Tile::variances()
-{
-    vk_Variances variances;
-    estimate();
-    each([&](const vk_Pixel &, int x, int y) {
-        variances.add(myErrors[y][x] * static_cast<float>(myCanvas.leastSamples()));
-    });
-    return variances;
-}
-
-// Draws samples of all pixels that need them, until each has so many. Two halves: the
-// second tells how far off the first was. False when all pixels are converged.
-bool vk_Tile::pass(int count)
-{
-    const bool drew = sample(std::max(1, count / 2));
-    return sample(count) || drew;
 }
 
 // The paths of a tile are followed together.
-bool vk_Tile::sample(int count)
+template <class Function>
+void vk_Tile::drawUpTo(Function count)
 {
     struct Sample {
         vk_Pixel *pixel;
@@ -238,7 +91,7 @@ bool vk_Tile::sample(int count)
     };
     std::vector<Sample> samples;
     each([&](vk_Pixel &now, int x, int y) {
-        for (int i = now.count; !now.converged && i < count; ++i)
+        for (int i = now.count; !now.converged && i < count(now); ++i)
             samples.push_back({&now, myLeft + x, myBand.top + myTop + y, i});
     });
     std::vector<vk_View> views;
@@ -260,48 +113,6 @@ bool vk_Tile::sample(int count)
         if (!now.converged)
             now.estimate();
     });
-    return !samples.empty();
-}
-
-void vk_Tile::settle(float limit)
-{
-    estimate();
-    each([&](vk_Pixel &now, int x, int y) {
-        if (now.converged)
-            return;
-        const auto count = static_cast<float>(now.count);
-        const float variance = myErrors[y][x] * count;
-        now.variance = now.variance > 0 ? variance + BEFORE * (now.variance - variance) : variance;
-        now.converged = now.variance < limit * count * count;
-    });
-}
-
-void vk_Tile::estimate()
-{
-    float rare = 0;
-    each([&](const vk_Pixel &now, int x, int y) {
-        const Remaining remaining = remainingAround(now, x, y);
-        myErrors[y][x] = remaining.rest + remaining.diffuse;
-        rare += remaining.diffuse;
-    });
-    rare *= RARE / static_cast<float>(pixels());
-    each([&](const vk_Pixel &, int x, int y) { myErrors[y][x] = std::max(rare, myErrors[y][x]); });
-}
-
-vk_Tile::Remaining vk_Tile::remainingAround(const vk_Pixel &now, int x, int y) const
-{
-    Around around;
-    for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
-        for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i)
-            around.add(myBand.at(myLeft + i, myTop + j));
-    const vk_Vec visibility = vk_visibility(now.light());
-    const vk_Colour &albedo = now.estimated.albedo;
-    const float structure = around.diffuse.structure(visibility * albedo * albedo);
-    const float ofSpecular = remainsOf(SPECULAR, around.specular.structure(visibility));
-    const float ofIrradiance = remainsOfIrradiance(now, structure, around.straightness());
-    const float share = 1 / static_cast<float>(around.count);
-    return {share * (around.rest + ofSpecular * around.specular.errors),
-            share * ofIrradiance * around.diffuse.errors};
 }
 
 std::uint64_t vk_Tile::samples() const

@@ -3,7 +3,8 @@
 
 #include "vaskel/pixels/vk_Pixel.h"
 #include "vaskel/pixels/vk_Renderer.h"
-#include "vaskel/pixels/vk_Variances.h"
+
+#include <vector>
 
 // Rays through a picture's points.
 class vk_Lens
@@ -41,10 +42,8 @@ public:
     // Writes a finished pixel to the film.
     void develop(const vk_Colour &light, int x, int y) const;
 
-    int firstSamples() const { return myFirstSamples; }
-    int leastSamples() const { return std::min(2 * myFirstSamples, myMostSamples); }
+    int firstSamples() const { return myFirstSamples; } // of every pixel
     int mostSamples() const { return myMostSamples; }
-    float target() const { return myTarget; } // squared error that is aimed at
     bool filters() const { return myFilters; }
 
 private:
@@ -53,7 +52,6 @@ private:
     vk_Lens myLens;
     vk_Film &myFilm;
     float myGain;
-    float myTarget;
     bool myFilters;
     int myMostSamples, myFirstSamples;
 };
@@ -67,13 +65,7 @@ struct vk_Band {
     vk_Pixel &at(int x, int y) { return pixels[static_cast<std::size_t>(y * columns + x)]; }
 };
 
-// A square of pixels. start() draws the least samples of all, and fewer where hardly
-// any error is left; go() doubles those of the pixels that have not converged yet, pass by
-// pass. A sample is best spent where it takes most off the squared error of the
-// picture: a pixel has converged when its own, divided by its samples, is below a limit that
-// all pixels of the band share. One pixel's error is a poor estimate; the mean over its
-// neighbours in the tile is a fair one. Tiles know nothing of each other, so their order
-// does not matter.
+// A square of pixels. Tiles know nothing of each other, so their order does not matter.
 class vk_Tile
 {
 public:
@@ -82,31 +74,22 @@ public:
 
     // Keeps references to both; left and top are in the band.
     vk_Tile(const vk_Canvas &canvas, vk_Band &band, int left, int top);
-    void start();
-    void go(float limit);
 
-    // After start().
-    vk_Variances variances();
+    // Draws the first samples of all pixels, and later as many again as they have of those
+    // that have not converged. Errors are then estimated.
+    void draw();
 
+    int pixels() const { return myColumns * myRows; }
     std::uint64_t samples() const;
     std::uint64_t badPixels() const;
-    int pixels() const { return myColumns * myRows; }
 
 private:
-    // Errors that the filter leaves, of the diffuse layer and of all else.
-    struct Remaining {
-        float rest = 0, diffuse = 0;
-    };
     template <class Function>
     void each(Function function) const;
-    bool pass(int count);
-    bool sample(int count);
-    void estimate();
-    void settle(float limit);
-    Remaining remainingAround(const vk_Pixel &pixel, int x, int y) const;
+    template <class Function>
+    void drawUpTo(Function count);
 
     const vk_Canvas &myCanvas;
     vk_Band &myBand;
-    float myErrors[SIDE][SIDE] = {}; // squared, means over neighbours
     int myLeft, myTop, myColumns, myRows;
 };

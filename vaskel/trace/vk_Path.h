@@ -16,6 +16,7 @@ struct vk_View {
     vk_Vec normal;      // of that surface; to the viewer where there is none
     float distance = 0;
     float blurred = 0; // how far the diffuse layer is without edges: 1 for subsurface scattering
+    float cost = 0;    // rays that it took
 
     vk_Colour light() const { return specular + diffuse; }
 };

@@ -31,6 +31,20 @@ vk_Colour meanOf(const vk_EnvironmentShader &environment)
     return sum * (1.0f / COUNT);
 }
 
+// Counts the rays of this thread for a view, while it lives.
+class Meter
+{
+public:
+    explicit Meter(vk_View &view) : myView(view), myBegin(vk_myRays.sum()) {}
+    ~Meter() { myView.cost += static_cast<float>(vk_myRays.sum() - myBegin); }
+    Meter(const Meter &) = delete;
+    Meter &operator=(const Meter &) = delete;
+
+private:
+    vk_View &myView;
+    std::uint64_t myBegin;
+};
+
 // Whether all that a surface shows is so blurred that it is filtered as a diffuse layer.
 bool blursAll(const vk_Material &material)
 {
@@ -139,14 +153,17 @@ void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
     while (!paths.empty()) {
         wave.clear();
         for (vk_Path &path : paths) {
+            const Meter meter(path.view());
             vk_Hit hit;
             if (arrive(path, hit))
                 wave.add(path, hit);
         }
         wave.shade();
         paths.clear();
-        for (std::size_t i = 0; i < wave.size(); ++i)
+        for (std::size_t i = 0; i < wave.size(); ++i) {
+            const Meter meter(wave.path(i).view());
             leave(wave.vertex(i), wave.path(i), paths);
+        }
     }
 }
 

@@ -1,0 +1,57 @@
+#include "vaskel/pixels/vk_Allocation.h"
+
+#include <algorithm>
+#include <cmath>
+
+int vk_Allocation::stepOf(float quotient)
+{
+    const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);
+    const auto step = static_cast<int>(std::floor(STEPS * std::log2(std::max(quotient, least))));
+    return std::clamp(step, LOWEST, HIGHEST);
+}
+
+void vk_Allocation::add(float error, float rays, bool isFixed)
+{
+    ++myPixels;
+    Share &share = isFixed ? myFixed : myShares[stepOf(error / rays) - LOWEST];
+    share.error += static_cast<double>(error);
+    share.rays += static_cast<double>(rays);
+}
+
+// Twice the samples leave a quarter of the quotient.
+vk_Allocation::Share vk_Allocation::forecast(int limit) const
+{
+    constexpr int DOUBLING = 2 * STEPS;
+
+    Share sum = myFixed;
+    for (int i = 0; i <= HIGHEST - LOWEST; ++i) {
+        const int above = i + LOWEST - limit;
+        const int doublings = above < 0 ? 0 : above / DOUBLING + 1;
+        sum.error += std::ldexp(myShares[i].error, -doublings);
+        sum.rays += std::ldexp(myShares[i].rays, doublings);
+    }
+    return sum;
+}
+
+float vk_Allocation::limit(float target, float raysOfPixel) const
+{
+    const double most = static_cast<double>(target) * static_cast<double>(myPixels);
+    const double budget = static_cast<double>(raysOfPixel) * static_cast<double>(myPixels);
+    int low = LOWEST, high = HIGHEST + 1;
+    while (high - low > 1) {
+        const int middle = (low + high) / 2;
+        const Share then = forecast(middle);
+        (then.error > most && then.rays < budget ? high : low) = middle;
+    }
+    return std::exp2(static_cast<float>(low) / STEPS);
+}
+
+double vk_Allocation::rays() const
+{
+    return forecast(HIGHEST + 1).rays;
+}
+
+double vk_Allocation::rays(float limit) const
+{
+    return forecast(stepOf(limit)).rays;
+}
