@@ -48,7 +48,7 @@ static void expectSameInPieces(const ScratchDirectory &folder,
 {
     Random random;
     SCOPED_TRACE(random.seed());
-    for (int i = 0; i < 400; ++i) {
+    for (int i = 0; i < 200; ++i) {
         const std::string text = random.text(pieces, 30), path = folder.write("main.in", text);
         for (const char *options : {"", "-P", "-P -h", "-P -C", "-P -c"})
             ASSERT_EQ(given(options, path, &text), given(options, path, nullptr)) << options << '\n'
@@ -136,7 +136,7 @@ TEST(Preprocessor, GuardedFilesAreReadAnewWithTheSameResult)
     SCOPED_TRACE(random.seed());
     const std::string path =
         folder.write("main.in", "#include \"g.h\"\n#include \"g.h\" /*\n*/ x\n#include \"g.h\"\n");
-    for (int i = 0; i < 400; ++i) {
+    for (int i = 0; i < 200; ++i) {
         const std::string text = random.oneOf({"", "/* c\n */\n", "\n// c\n", "x\n", "/*"}) +
                                  "#ifndef G\n" + random.oneOf({"#define G\n", "\n"}) +
                                  random.text(SKIPPED, 4) + "#endif" +
