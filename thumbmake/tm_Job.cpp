@@ -5,8 +5,8 @@
 #include "UT/UT_Process.h"
 #include "thumbmake/tm_Text.h"
 #include "thumbnail/PaletteHead.h"
-#include "thumbnail/ThumbDriver.h"
 #include "thumbnail/ThumbRenderer.h"
+#include "thumbnail/ThumbState.h"
 
 #include <algorithm>
 #include <cerrno>
