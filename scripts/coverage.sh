@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs all tests and prints, for each folder, how much of its code they reached.
-# With files as arguments (UT/UT_String.cpp), shows their lines with counts instead.
+# With files as arguments (UT/text/UT_String.cpp), shows their lines with counts instead.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

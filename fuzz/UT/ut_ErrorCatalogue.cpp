@@ -1,5 +1,5 @@
 // Any bytes are a catalogue with the messages that its plain reading gives.
-#include "UT/ut_ErrorCatalogue.h"
+#include "UT/errors/ut_ErrorCatalogue.h"
 
 #include "fuzz/fuzz.h"
 #include "tests/support/PlainReader.h"

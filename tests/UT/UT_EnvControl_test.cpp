@@ -1,7 +1,7 @@
 #include "UT/UT_EnvControl.h"
 
 #include "UT/UT_TempDir.h"
-#include "UT/ut_EnvDefaults.h"
+#include "UT/settings/ut_EnvDefaults.h"
 #include "tests/support/Cases.h"
 #include "tests/support/FreshProcess.h"
 #include "tests/support/ScopedVariable.h"

@@ -1,4 +1,4 @@
-#include "UT/ut_Users.h"
+#include "UT/settings/ut_Users.h"
 
 #include "UT/UT_String.h"
 

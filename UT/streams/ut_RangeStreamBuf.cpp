@@ -1,4 +1,4 @@
-#include "UT/ut_RangeStreamBuf.h"
+#include "UT/streams/ut_RangeStreamBuf.h"
 
 #include <algorithm>
 #include <cerrno>

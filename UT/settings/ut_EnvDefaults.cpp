@@ -1,10 +1,10 @@
-#include "UT/ut_EnvDefaults.h"
+#include "UT/settings/ut_EnvDefaults.h"
 
 #include "UT/UT_Memory.h"
 #include "UT/UT_String.h"
 #include "UT/UT_TempDir.h"
-#include "UT/ut_EnvTables.h"
-#include "UT/ut_Users.h"
+#include "UT/settings/ut_EnvTables.h"
+#include "UT/settings/ut_Users.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "UT/ut_StreamStreamBuf.h"
+#include "UT/streams/ut_StreamStreamBuf.h"
 
 #include <cerrno>
 #include <istream>

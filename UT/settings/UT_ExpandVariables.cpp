@@ -5,7 +5,7 @@
 #include "UT/UT_Environment.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
-#include "UT/ut_Users.h"
+#include "UT/settings/ut_Users.h"
 
 #include <algorithm>
 #include <cstdlib>

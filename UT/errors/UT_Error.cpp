@@ -3,7 +3,7 @@
 #include "UT/UT_Character.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_WordList.h"
-#include "UT/ut_ErrorCatalogue.h"
+#include "UT/errors/ut_ErrorCatalogue.h"
 
 #include <climits>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "UT/ut_EnvTables.h"
+#include "UT/settings/ut_EnvTables.h"
 
 constexpr ut_ToggleRow ut_theToggles[] = {
 #define UT_TOGGLE(name, standard, oldName) {ENV_##name, #name, standard, oldName},

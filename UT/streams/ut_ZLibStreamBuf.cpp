@@ -1,4 +1,4 @@
-#include "UT/ut_ZLibStreamBuf.h"
+#include "UT/streams/ut_ZLibStreamBuf.h"
 
 #include <algorithm>
 

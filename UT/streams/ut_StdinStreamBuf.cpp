@@ -1,6 +1,6 @@
-#include "UT/ut_StdinStreamBuf.h"
+#include "UT/streams/ut_StdinStreamBuf.h"
 
-#include "UT/ut_FileOps.h"
+#include "UT/files/ut_FileOps.h"
 
 int ut_StdinStreamBuf::read(void *dst, int n)
 {

@@ -1,4 +1,4 @@
-#include "UT/ut_GZipStreamBuf.h"
+#include "UT/streams/ut_GZipStreamBuf.h"
 
 #include <algorithm>
 

@@ -7,7 +7,7 @@
 // is not read.
 #pragma once
 
-#include "UT/ut_ZLibStreamBuf.h"
+#include "UT/streams/ut_ZLibStreamBuf.h"
 
 class ut_GZipStreamBuf : public ut_ZLibStreamBuf
 {

@@ -1,4 +1,4 @@
-#include "UT/ut_FileOps.h"
+#include "UT/files/ut_FileOps.h"
 
 #include <cerrno>
 #include <sys/types.h>

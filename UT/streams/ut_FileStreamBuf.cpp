@@ -1,6 +1,6 @@
-#include "UT/ut_FileStreamBuf.h"
+#include "UT/streams/ut_FileStreamBuf.h"
 
-#include "UT/ut_FileOps.h"
+#include "UT/files/ut_FileOps.h"
 
 ut_FileStreamBuf::ut_FileStreamBuf(FILE *fp) : myFile(fp)
 {

@@ -1,7 +1,7 @@
 // A source over a file of its own, opened by name.
 #pragma once
 
-#include "UT/ut_FileStreamBuf.h"
+#include "UT/streams/ut_FileStreamBuf.h"
 
 class ut_FilePtrStreamBuf : public ut_FileStreamBuf
 {

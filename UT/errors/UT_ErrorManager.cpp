@@ -1,7 +1,7 @@
 #include "UT/UT_ErrorManager.h"
 
 #include "UT/UT_RefArray.h"
-#include "UT/ut_ErrorLog.h"
+#include "UT/errors/ut_ErrorLog.h"
 
 #include <algorithm>
 #include <cerrno>

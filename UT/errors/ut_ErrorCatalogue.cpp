@@ -1,4 +1,4 @@
-#include "UT/ut_ErrorCatalogue.h"
+#include "UT/errors/ut_ErrorCatalogue.h"
 
 #include "UT/UT_Character.h"
 #include "UT/UT_FileUtil.h"

@@ -3,7 +3,7 @@
 #include "UT/UT_Memory.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
-#include "UT/ut_NumberText.h"
+#include "UT/text/ut_NumberText.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,15 +1,15 @@
 // What sources of bytes there are: the one place that knows them all.
 #include "UT/UT_IStreamBuf.h"
 
-#include "UT/ut_FilePtrStreamBuf.h"
-#include "UT/ut_FileStreamBuf.h"
-#include "UT/ut_GZipStreamBuf.h"
-#include "UT/ut_MemoryStreamBuf.h"
-#include "UT/ut_NullStreamBuf.h"
-#include "UT/ut_RangeStreamBuf.h"
-#include "UT/ut_StdinStreamBuf.h"
-#include "UT/ut_StreamStreamBuf.h"
-#include "UT/ut_ZLibStreamBuf.h"
+#include "UT/streams/ut_FilePtrStreamBuf.h"
+#include "UT/streams/ut_FileStreamBuf.h"
+#include "UT/streams/ut_GZipStreamBuf.h"
+#include "UT/streams/ut_MemoryStreamBuf.h"
+#include "UT/streams/ut_NullStreamBuf.h"
+#include "UT/streams/ut_RangeStreamBuf.h"
+#include "UT/streams/ut_StdinStreamBuf.h"
+#include "UT/streams/ut_StreamStreamBuf.h"
+#include "UT/streams/ut_ZLibStreamBuf.h"
 
 #include <iostream>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "UT/ut_NumberText.h"
+#include "UT/text/ut_NumberText.h"
 
 #include <algorithm>
 #include <cmath>

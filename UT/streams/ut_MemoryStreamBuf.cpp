@@ -1,4 +1,4 @@
-#include "UT/ut_MemoryStreamBuf.h"
+#include "UT/streams/ut_MemoryStreamBuf.h"
 
 #include <algorithm>
 #include <cerrno>

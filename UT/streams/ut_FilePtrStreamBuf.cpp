@@ -1,4 +1,4 @@
-#include "UT/ut_FilePtrStreamBuf.h"
+#include "UT/streams/ut_FilePtrStreamBuf.h"
 
 ut_FilePtrStreamBuf::ut_FilePtrStreamBuf(const char *path)
     // "e": programs started while it is open do not inherit it.

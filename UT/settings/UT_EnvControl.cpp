@@ -4,8 +4,8 @@
 #include "UT/UT_Memory.h"
 #include "UT/UT_String.h"
 #include "UT/UT_TempDir.h"
-#include "UT/ut_EnvDefaults.h"
-#include "UT/ut_EnvTables.h"
+#include "UT/settings/ut_EnvDefaults.h"
+#include "UT/settings/ut_EnvTables.h"
 
 #include <cstdio>
 #include <cstdlib>

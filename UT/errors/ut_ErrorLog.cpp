@@ -1,4 +1,4 @@
-#include "UT/ut_ErrorLog.h"
+#include "UT/errors/ut_ErrorLog.h"
 
 #include "UT/UT_EnvControl.h"
 #include "UT/UT_Error.h"
