@@ -31,6 +31,28 @@ int printInformation(const OSL_Shader &shader)
 }
 
 // Of this process, so that others on the machine do not count.
+// A value that does not fit is left out, with a warning: scripts give many shaders the same.
+std::vector<OSL_Binding> fitting(const OSL_Shader &shader, const std::vector<OSL_Binding> &bindings)
+{
+    std::vector<OSL_Binding> fit;
+    for (const OSL_Binding &binding : bindings) {
+        const OSL_Parameter *const parameter = shader.findParameter(binding.first);
+        OSL_Value value = binding.second;
+        if (parameter == nullptr)
+            std::fprintf(stderr, "WARNING: attempting to set nonexistent parameter: %s\n",
+                         binding.first.c_str());
+        else if (!value.convertTo(parameter->type))
+            std::fprintf(stderr,
+                         "WARNING: attempting to set parameter with wrong type: %s (expected "
+                         "'%s', received '%s')\n",
+                         binding.first.c_str(), parameter->type.name().c_str(),
+                         binding.second.type.name().c_str());
+        else
+            fit.push_back(binding);
+    }
+    return fit;
+}
+
 double seconds()
 {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
@@ -72,7 +94,7 @@ int main(int argc, char *argv[])
         return FAILED;
     if (options.wantsInformation)
         return printInformation(shader);
-    const auto program = shader.link(options.bindings);
+    const auto program = shader.link(fitting(shader, options.bindings));
     if (program == nullptr) {
         std::fprintf(stderr, "%s", shader.messages().c_str());
         return FAILED;

@@ -367,6 +367,20 @@ osl_Type osl_Checker::checkCall(Node *node, const osl_Type &wanted)
     return node->function->result;
 }
 
+// What a function writes, it writes in place: nothing is converted.
+void osl_Checker::checkOutput(const Node *call, const Node *arg, const osl_Type &wanted, int number)
+{
+    const osl_Type &got = arg->type;
+    const bool isSame = got.base == wanted.base || (got.isTripleBased() && wanted.isTripleBased());
+    if ((isSame && got.isClosure == wanted.isClosure) || got.isUnknown())
+        return;
+    const std::string name = arg->kind == Node::VAR ? " " + std::string(arg->name) : "";
+    error(TYPES, call->place,
+          "Cannot pass '" + got.name() + name + "' as argument " + std::to_string(number) + " to " +
+              std::string(call->name) + "\n\tbecause it is an output parameter that must be a " +
+              wanted.name());
+}
+
 // What follows from the choice of a function.
 void osl_Checker::finishCall(Node *node)
 {
@@ -374,9 +388,13 @@ void osl_Checker::finishCall(Node *node)
     if (myFunction != nullptr && function.node != nullptr)
         myFunction->callees.push_back(&function);
     Node *arg = node->a;
+    int number = 0;
     for (const osl_Function::Parameter &parameter : function.parameters) {
         if (arg == nullptr)
             break;
+        ++number;
+        if (parameter.isOutput && function.builtin == nullptr)
+            checkOutput(node, arg, parameter.type, number);
         if (arg->kind == Node::COMPOUND)
             resolveCompound(arg, parameter.type, "");
         else if (parameter.isOutput &&

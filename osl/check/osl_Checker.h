@@ -105,6 +105,7 @@ private:
     static bool isSameSignature(const osl_Function &a, const osl_Function &b);
     std::string describe(const osl_Function &function) const;
     static std::string argumentList(const Node *args);
+    void checkOutput(const Node *call, const Node *arg, const osl_Type &wanted, int number);
     void finishCall(Node *node);
     void checkFormat(Node *node, int formatArgument);
 

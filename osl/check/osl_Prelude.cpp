@@ -34,7 +34,9 @@ const struct {
                 "  float b = (c * (g + c) - 1) / (c * (g - c) + 1);"
                 "  kr = 0.5 * a * a * (1 + b * b);"
                 "  kt = (1 - kr) * eta * eta;"
-                "  t = refract(i, n, eta); }"},
+                "  t = refract(i, n, eta); }"
+                "void fresnel(vector i, normal n, float eta, output float kr, output float kt) {"
+                "  vector r, t; fresnel(i, n, eta, kr, kt, r, t); }"},
     {"rotate", "point rotate(point q, float angle, vector axis) {"
                "  vector w = normalize(axis); float c = cos(angle), s = sin(angle);"
                "  vector v = vector(q);"

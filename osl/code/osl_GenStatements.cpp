@@ -184,6 +184,12 @@ void osl_Generator::genUserdata(const osl_Ref &ref, const std::string &name)
     last().text = myRegisters.handle(name);
 }
 
+// What a number becomes that fills an array.
+static osl_Type filling(const osl_Type &number, const osl_Type &array)
+{
+    return number.isInt() && array.isFloatBased() ? osl_Type(osl_Type::FLOAT) : number;
+}
+
 void osl_Generator::genParameter(const Node *node)
 {
     const std::string name(node->name);
@@ -194,10 +200,9 @@ void osl_Generator::genParameter(const Node *node)
                     ? genCompound(node->a, type)
                     : gen(node->a);
         value = bindFields(value, name);
-        // "float a = 1" is as known as "float a = 1.0".
-        if (!value.isStruct() && !type.isStruct() && !type.isClosure && !type.isArray() &&
-            !value.type.isArray())
-            value = convert(value, type);
+        // "float a = 1" is as known as "float a = 1.0"; one number fills an array.
+        if (!value.isStruct() && !type.isStruct() && !type.isClosure && !value.type.isArray())
+            value = convert(value, type.isArray() ? filling(value.type, type) : type);
     }
     if (type.array == osl_Type::UNSIZED)
         type.array = std::max(value.type.array, 1);

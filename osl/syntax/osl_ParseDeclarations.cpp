@@ -7,6 +7,8 @@ namespace
 {
 const char *const SHADER_KINDS[] = {"shader", "surface", "displacement", "volume", "light"};
 
+const char *const KEYWORDS[] = {"break", "closure", "continue", "do",     "else",   "for",
+                                "if",    "output",  "public",   "return", "struct", "while"};
 const char *const RESERVED[] = {
     "bool",   "case",     "catch",   "char",      "class",   "const",  "delete",  "default",
     "double", "enum",     "extern",  "false",     "friend",  "goto",   "inline",  "long",
@@ -71,11 +73,16 @@ std::string_view osl_Parser::expectName()
 }
 
 // The first failure counts; nothing is read behind it.
-void osl_Parser::fail(std::string_view what)
+void osl_Parser::failWith(const std::string &message)
 {
     if (!isBroken)
-        myMessages.error(token().place, "Syntax error: " + std::string(what));
+        myMessages.error(token().place, message);
     isBroken = true;
+}
+
+void osl_Parser::fail(std::string_view what)
+{
+    failWith("Syntax error: " + std::string(what));
 }
 
 osl_Node *osl_Parser::make(osl_Node::Kind kind)
@@ -161,11 +168,20 @@ osl_Type osl_Parser::parseType()
         type.base = osl_Type::STRUCT;
         type.record = found->second;
     }
-    if (type.isUnknown())
+    if (type.isUnknown() && isUnknownStructAhead())
+        failWith("Unknown struct name: " + std::string(word));
+    else if (type.isUnknown())
         fail("syntax error");
     ++myNext;
     type.isClosure = isClosure;
     return type;
+}
+
+// "Name name" where the first is no type: a forgotten header, mostly.
+bool osl_Parser::isUnknownStructAhead() const
+{
+    return token().kind == osl_Token::NAME && !isTypeAhead() && !isOneOf(KEYWORDS, token().text) &&
+           !isOneOf(RESERVED, token().text) && token(1).kind == osl_Token::NAME;
 }
 
 // [3], [], or nothing.
@@ -200,9 +216,7 @@ void osl_Parser::parseStruct()
     record.name = node->name;
     osl_Node **last = &node->a;
     while (!isBroken && !accept("}")) {
-        const osl_Type type = isTypeAhead() ? parseType() : osl_Type();
-        if (type.isUnknown())
-            fail("syntax error");
+        const osl_Type type = parseType();
         do {
             osl_Node *field = make(osl_Node::VARIABLE);
             field->name = expectName();
@@ -387,7 +401,7 @@ osl_Node *osl_Parser::parseStatementInside()
         parseStruct();
         return nullptr;
     }
-    if (isDeclarationAhead())
+    if (isDeclarationAhead() || isUnknownStructAhead())
         return parseDeclaration();
     osl_Node *node = parseComma();
     expect(";");

@@ -28,6 +28,8 @@ private:
     bool expect(const char *punct);
     std::string_view expectName();
     void fail(std::string_view what);
+    void failWith(const std::string &message); // and not of syntax
+    bool isUnknownStructAhead() const;
     osl_Node *make(osl_Node::Kind kind);
     osl_Node *finish(osl_Node *node); // with its depth
     template <class Parse>

@@ -30,6 +30,11 @@ TEST(Compiler, NamesWhatIsWrong)
         {"break outside", "shader t() { break; }", "t.osl:1: error: Cannot 'break' here.\n"},
         {"recursion", "float f(float a) { return a > 0 ? f(a - 1) : 0.0; } shader t() { f(1); }",
          "t.osl:1: error: function 'f' calls itself\n"},
+        {"an output of another type",
+         "void f(output float a) { a = 1; } shader t() { int i; f(i); f(P[0]); }",
+         "t.osl:1: error: Cannot pass 'int i' as argument 1 to f\n"
+         "\tbecause it is an output parameter that must be a float\n"},
+        {"an unknown type", "shader t() { Foo x; }", "t.osl:1: error: Unknown struct name: Foo\n"},
         {"a reserved word", "shader t() { int class = 1; }",
          "t.osl:1: error: 'class' is a reserved word\n"},
         {"formats", "shader t() { printf(\"%d\", 1.5); }",

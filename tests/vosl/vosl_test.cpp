@@ -43,7 +43,12 @@ TEST_F(Vosl, TakesParameters)
     EXPECT_EQ("0 1 2 x 3 3 3 1|", run(source, "-param c 2.0 -param c 3.0"));
     EXPECT_EQ("0 1 2 x 1 2 3 1|", run(source, "-param:type=color c 1,2,3"));
     EXPECT_EQ("0 1 2 x 0.5 0.5 0.5 4 5|", run(source, "-param:type=float[2] l 4,5"));
-    EXPECT_EQ("1 |the shader has no parameter 'nothing'\n", run(source, "-param nothing 1"));
+    EXPECT_EQ("0 1 2 x 0.5 0.5 0.5 1|WARNING: attempting to set nonexistent parameter: no\n",
+              run(source, "-param no 1"));
+    EXPECT_EQ("0 1 2 x 0.5 0.5 0.5 1|WARNING: attempting to set parameter with wrong type: i "
+              "(expected 'int', received 'string')\n",
+              run(source, "-param i y"));
+    EXPECT_EQ("0 2 2|", run("shader t(float a[2] = 2) { printf(\"%g\", a); }", ""));
 }
 
 TEST_F(Vosl, DefinesAndIncludes)
