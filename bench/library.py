@@ -2,7 +2,7 @@
 """Times thumbmake on libraries of palettes in nested folders.
 
     cmake --build --preset release
-    bench/library.py [--palettes N] [--large N]
+    bench/library.py [--palettes N] [--large N] [--quality Q]
 
 The library is made of the examples, each copied as often as it takes for N palettes (300);
 folders hold twenty. Printed are, with what they must be:
@@ -142,7 +142,9 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--palettes", type=int, default=300, help="0: without them")
     parser.add_argument("--large", type=int, default=10000, help="0: without them")
+    parser.add_argument("--quality", default="default", help="of the pictures: draft saves minutes")
     options = parser.parse_args()
+    ENVIRONMENT["VELDRIN_VASKEL_OPTIONS"] = "--quality " + options.quality
     os.makedirs(PLACE, exist_ok=True)
     if options.palettes:
         small_library(options.palettes)
