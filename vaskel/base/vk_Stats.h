@@ -20,6 +20,7 @@ struct vk_RayCounts {
         return *this;
     }
 };
+// Not for statistics alone: what a pixel costs decides about its samples.
 inline thread_local vk_RayCounts vk_myRays;
 
 struct vk_Stats {

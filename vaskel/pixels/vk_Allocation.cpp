@@ -41,7 +41,10 @@ float vk_Allocation::limit(float target, float raysOfPixel) const
     while (high - low > 1) {
         const int middle = (low + high) / 2;
         const Share then = forecast(middle);
-        (then.error > most && then.rays < budget ? high : low) = middle;
+        if (then.error > most && then.rays < budget)
+            high = middle;
+        else
+            low = middle;
     }
     return std::exp2(static_cast<float>(low) / STEPS);
 }

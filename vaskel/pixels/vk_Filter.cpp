@@ -12,7 +12,7 @@ constexpr float PIXEL_TOLERANCE = 8;    // how many errors apart two pixels may 
 constexpr float SPECULAR_TOLERANCE = 3; // means around them
 constexpr float IRRADIANCE_TOLERANCE = 6;
 constexpr float BLURRED_TOLERANCE = 200; // where light wandered
-constexpr float INVISIBLE = 1.5e-6f;     // a third of a step of the file
+constexpr float INVISIBLE = 1.5e-6f;     // the square of a third of a step of the file
 constexpr float LEAST_ERROR = 1e-8f;
 
 vk_Vec smaller(const vk_Vec &a, const vk_Vec &b)

@@ -3,6 +3,7 @@
 void vk_Pixel::add(const vk_View &view)
 {
     ++count;
+    sum.cost += view.cost; // also of a bad sample: it was paid for
     if (!vk_isFinite(view.light())) {
         bad = true;
         return;
@@ -13,7 +14,6 @@ void vk_Pixel::add(const vk_View &view)
     sum.normal += view.normal;
     sum.distance += view.distance;
     sum.blurred += view.blurred;
-    sum.cost += view.cost;
 }
 
 vk_Pixel::Layers vk_Pixel::layers() const
@@ -26,19 +26,20 @@ vk_Pixel::Layers vk_Pixel::layers() const
             sum.albedo * share()};
 }
 
-// A difference of two halves is one draw of a random number. Of two estimates the mean is
-// better: the one before, as if further samples had told nothing new, is `left` of it.
+// The mean of all n samples moves away from that of the first f, and the square of that is
+// one draw of Var(mean_f) - Var(mean_n) = Var(mean_n) (n - f) / f. Of two draws the mean is
+// better: the one before has fallen to f / n since.
 void vk_Pixel::estimate()
 {
     const Layers now = layers();
     if (myFirstCount > 0) {
         const auto first = static_cast<float>(myFirstCount), all = static_cast<float>(count);
-        const float share = first / (all - first); // halves need not be as large
-        const float left = first / all;
+        const float ofMean = first / (all - first);
+        const float fallen = first / all;
         const vk_Vec visibility = vk_visibility(light());
         const auto estimated = [&](const vk_Colour &moved, float before) {
-            const float error = share * vk_visible(moved, visibility);
-            return myIsEstimated ? .5f * (error + left * before) : error;
+            const float error = ofMean * vk_visible(moved, visibility);
+            return myIsEstimated ? .5f * (error + fallen * before) : error;
         };
         errors = {
             estimated(now.specular - myFirstHalf.specular, errors.specular),

@@ -72,15 +72,6 @@ vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec
         share(split);
 }
 
-float vk_Bsdf::lobe() const
-{
-    constexpr float WIDE = 4; // widths of the distribution of facets
-
-    if (myMaterial.isClear() || myShare[COAT] + myShare[BOUNDARY] <= 0)
-        return 1;
-    return WIDE * vk_alpha(myShare[COAT] > 0 ? myMaterial.coatRough : myMaterial.rough);
-}
-
 vk_Vec vk_Bsdf::mirror() const
 {
     return myTop.toWorld({-myOut.x, -myOut.y, myOut.z});
@@ -236,9 +227,9 @@ vk_Scattered vk_Bsdf::evaluateGlass(const vk_Vec &in, float &density) const
     // Facets per direction: of those that reflect, and of those that refract,
     // (17) of Walter.
     const float bend = outH + myEta * inH;
-    const float variance =
+    const float jacobian = // times outH, which cancels that of the density
         reflects ? .25f : myEta * myEta * outH * -inH / std::max(bend * bend, 1e-12f);
-    const float facets = myFacets.density(h) * variance;
+    const float facets = myFacets.density(h) * jacobian;
     const vk_Vec above = {in.x, in.y, std::abs(in.z)};
     density = facets * myFacets.visible(myOut) / myOut.z * (myRounds == 2 ? 1 : share);
     const float passed = 4 * facets * myFacets.shared(above, myOut) * above.z * share;

@@ -41,9 +41,6 @@ public:
     // How many samples are to be drawn: 2 when it is split and has two parts.
     int rounds() const { return myRounds; }
 
-    // How wide around mirror() the sharpest part sends most of its light, in radians;
-    // at least 1 when there is none that mirrors.
-    float lobe() const;
     vk_Vec mirror() const;
 
     // About the highest density that evaluate() gives.

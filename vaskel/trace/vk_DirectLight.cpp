@@ -141,20 +141,22 @@ vk_NextEvent vk_DirectLight::atVertex(const vk_Bsdf &bsdf, int samples,
     next.samples = samples;
     if (mySeesThrough && !bsdf.isGlass())
         next.peakPdf = bsdf.peakPdf();
+    // Where rough glass is left, its vertex in front has counted what shadows leave, when
+    // there was one; the camera has not.
     next.left = before.left;
-    next.isBehindGlass = before.isDimmed;
-    next.isDimmed = true;
+    next.shadowIsCounted = before.glassDims;
+    next.glassDims = true;
     return next;
 }
 
 vk_NextEvent vk_DirectLight::throughGlass(vk_NextEvent next, float distance) const
 {
     next.distance += distance;
-    if (next.isDimmed) {
-        const vk_Colour counted = next.isBehindGlass ? vk_Colour{} : myShadow.left;
+    if (next.glassDims) {
+        const vk_Colour counted = next.shadowIsCounted ? vk_Colour{} : myShadow.left;
         next.left = next.left * (vk_grey(1) - counted) * myShadow.filter;
     }
-    next.isBehindGlass = true;
+    next.shadowIsCounted = true;
     return next;
 }
 
@@ -164,7 +166,7 @@ vk_Scattered vk_DirectLight::scattered(const vk_Hit &hit, const vk_Bsdf &bsdf,
 {
     const std::size_t count = samplesOf(vertex.samples);
     const float offset = count < myScene.lights.size() ? sampler.number() : 0;
-    const vk_Colour left = vertex.isBehindGlass ? vk_Colour{} : myShadow.left;
+    const vk_Colour left = vertex.shadowIsCounted ? vk_Colour{} : myShadow.left;
     vk_Scattered sum;
     for (std::size_t i = 0; i < count; ++i) {
         const Choice choice = choose(i, vertex.samples, offset);
@@ -179,9 +181,9 @@ vk_Scattered vk_DirectLight::scattered(const vk_Hit &hit, const vk_Bsdf &bsdf,
         const bool refracts = !isWide && vk_isSpecular(pdfs.bsdf);
         const vk_Onwards onwards = refracts ? VK_REFRACTED : VK_STRAIGHT;
         const float ofOpen = vk_misWeights(VK_NOTHING, onwards, pdfs).sample;
-        const bool isCounted = arrival.between == VK_OTHER_SHAPES && vertex.isBehindGlass;
+        const bool wasCountedInFront = arrival.between == VK_OTHER_SHAPES && vertex.shadowIsCounted;
         const float ofThrough =
-            isCounted ? 0 : vk_misWeights(arrival.between, onwards, pdfs).sample;
+            wasCountedInFront ? 0 : vk_misWeights(arrival.between, onwards, pdfs).sample;
         const vk_Colour light = vertex.left * (arrival.open * ofOpen + arrival.through * ofThrough);
         sum.specular += scattering.specular * light * (1 / pdfs.light);
         sum.diffuse += scattering.diffuse * light * (1 / pdfs.light);
@@ -192,7 +194,7 @@ vk_Scattered vk_DirectLight::scattered(const vk_Hit &hit, const vk_Bsdf &bsdf,
 vk_Colour vk_DirectLight::met(const vk_Vec &origin, const vk_Vec &direction, float distance,
                               const vk_NextEvent &next) const
 {
-    const vk_Colour whenHidden = next.isBehindGlass ? vk_Colour{} : myShadow.left;
+    const vk_Colour whenHidden = next.shadowIsCounted ? vk_Colour{} : myShadow.left;
     vk_Colour sum;
     for (const auto &light : myScene.lights) {
         const vk_LightSample seen = light->hit(origin, direction);

@@ -27,7 +27,9 @@ struct vk_MisPdfs {
     float peak = 0; // the highest of the BSDF; 0 where none is known
 };
 
-// The table. `ray` of rough glass is 0 on both sides: light is sampled there anew.
+// The table. A row comes to 1, but that of rough glass where the ray is refracted: there
+// light is sampled anew where it leaves. A ray that looks straight through asks as if nothing
+// were between, so the first three rows of its column are the same.
 //
 //   between        ray looks straight through     ray is refracted
 //   nothing        balance heuristic              balance heuristic
@@ -37,7 +39,8 @@ struct vk_MisPdfs {
 vk_MisWeights vk_misWeights(vk_Between between, vk_Onwards onwards, const vk_MisPdfs &pdfs);
 
 // Whether a BSDF that draws a direction with this pdf scatters it like a mirror rather than
-// like a matte surface. Such rays are refracted by glass.
+// like a matte surface, whose pdf is 1 / pi at most: three times that. Such rays are refracted by
+// glass.
 constexpr bool vk_isSpecular(float pdf)
 {
     return pdf >= 1;
@@ -51,9 +54,10 @@ struct vk_NextEvent {
     float peakPdf = 0;          // of the BSDF (see vk_MisPdfs)
     float distance = 0;         // from the vertex to where the ray begins now
     vk_Colour left = {1, 1, 1}; // share of a light that counts where it is met
-    bool isDimmed = false;      // glass dims lights as its shadow does; not for the camera
-    bool isBehindGlass = false; // what shadows leave of a light was counted in front of it
-    bool isRefracted = false;   // is no longer straight
+    bool glassDims = false;     // glass that it crosses will dim lights as its shadow does; not so
+                                // for the camera's rays and those that begin inside glass
+    bool shadowIsCounted = false; // what shadows leave of a light was counted in front of glass
+    bool isRefracted = false;     // is no longer straight
 
     vk_Onwards onwards() const { return isRefracted ? VK_REFRACTED : VK_STRAIGHT; }
 };

@@ -23,6 +23,8 @@ vk_Colour shareOf(const vk_Colour &part, const vk_Colour &whole)
 void vk_Path::add(const vk_Colour &radiance)
 {
     vk_Colour arrived = myThroughput * radiance;
+    // What the first wide vertex finds is kept quiet by MIS. In the scene's units, whatever
+    // its exposure.
     if (myIsWide && myBounces > 1)
         arrived = clamped(arrived, FIREFLY);
     myView->specular += arrived * mySpecularShare;
@@ -53,8 +55,8 @@ void vk_Path::reflect(const vk_Hit &hit)
     ++myBounces;
     myNextEvent = {};
     myNextEvent.bsdfPdf = 1; // whatever it is, as there are no samples
-    myNextEvent.isDimmed = !hit.inside;
-    myNextEvent.isBehindGlass = hit.inside;
+    myNextEvent.glassDims = !hit.inside;
+    myNextEvent.shadowIsCounted = hit.inside;
 }
 
 bool vk_Path::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &direction,
@@ -94,8 +96,8 @@ void vk_Path::setNextEvent(const vk_Hit &hit, const vk_Bsdf &bsdf, float pdf, bo
         myNextEvent.isRefracted = myNextEvent.samples > 0;
     } else {
         myNextEvent = {};
-        myNextEvent.isDimmed = !isInside;
-        myNextEvent.isBehindGlass = isInside;
+        myNextEvent.glassDims = !isInside;
+        myNextEvent.shadowIsCounted = isInside;
     }
     if (!myNextEvent.isRefracted)
         myNextEvent.bsdfPdf = pdf;

@@ -34,7 +34,6 @@ public:
 
     const vk_Vec &origin() const { return myOrigin; }
     const vk_Vec &direction() const { return myDirection; } // unit
-    const vk_Colour &throughput() const { return myThroughput; }
     const vk_NextEvent &nextEvent() const { return myNextEvent; }
     vk_Sampler &sampler() { return mySampler; }
     vk_View &view() { return *myView; }
@@ -78,7 +77,7 @@ public:
 
     // A path that counts little ends by chance; one that lives on counts the more for it.
     // The guess of the radiance that it would find takes noise out of that, and does not
-    // change the mean.
+    // change the mean, but where add() cuts it as a firefly.
     [[nodiscard]] bool survivesRoulette(const vk_Colour &guess);
 
     // Another path that begins with all that befell this one, and draws numbers of its own.

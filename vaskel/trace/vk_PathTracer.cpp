@@ -9,7 +9,9 @@ namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
 constexpr int MOST_BOUNCES = 64;   // a guard: roulette ends nearly all paths before
-constexpr int LIGHT_SAMPLES = 4;   // at a vertex; one where paths count little
+constexpr int LIGHT_SAMPLES = 4;   // at a vertex, each of another light; one where paths
+                                   // count little
+constexpr int MOST_SPLITS = 2;     // of a path in two at smooth glass; then by chance
 constexpr float FADE_NEAR = 4;     // the floor fades between these
 constexpr float FADE_FAR = 18;     // distances from the origin
 constexpr float REGULAR = .6f;     // least roughness behind a vertex that scattered widely
@@ -218,7 +220,7 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, std::vector<vk_Pa
     const vk_Vec out = -path.direction();
     const vk_Vec &normal = vk_dot(hit.normal, out) > 0 ? hit.normal : hit.facet;
     const vk_Vec along = material.brushed > 0 ? myWorld.along(hit) : vk_Vec{};
-    const bool splits = material.isSmoothGlass() ? path.dielectricBounces() < 2 && !path.isWide()
+    const bool splits = material.isSmoothGlass() ? path.dielectricBounces() < MOST_SPLITS
                                                  : path.isCameraRay() && !material.isClear();
     const vk_Bsdf bsdf(material, normal, out, splits, along, hit.inside);
     scatter(hit, bsdf, path, onwards);

@@ -173,7 +173,7 @@ bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) cons
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
 {
     constexpr float FOREVER = std::numeric_limits<float>::infinity();
-    constexpr float TOUCHING = 5e-5f; // more than vk_Hit::start() moves rays
+    constexpr float TOUCHING = 5e-5f; // more than vk_Hit::start() moves rays nearby
 
     distance = FOREVER;
     if (myScene.floor == nullptr || direction.y == 0)
