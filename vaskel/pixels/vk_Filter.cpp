@@ -28,7 +28,9 @@ struct Pair {
     // 1 for values that agree, falling to 0 for those that errors do not explain.
     float weight(float tolerance, const vk_Vec &visibility) const
     {
-        const float beyond = std::max(0.0f, vk_visible(difference, visibility) - error);
+        const float beyond = vk_visible(difference, visibility) - error;
+        if (beyond <= 0)
+            return 1;
         const float left = std::max(0.0f, 1 - beyond / (tolerance * (error + LEAST_ERROR)));
         return left * left;
     }
@@ -60,6 +62,9 @@ void vk_Filter::take(const vk_Pixel *row, int y)
     for (int x = 0; x < myColumns; ++x) {
         const vk_Pixel &pixel = row[x];
         Cell &now = cell(x, y);
+        now.converged = pixel.converged;
+        if (now.converged && now.count > 0)
+            continue; // as it was
         now.count = static_cast<float>(pixel.count);
         now.layers = pixel.layers();
         const float sure = SURE * now.count;
@@ -99,6 +104,13 @@ void vk_Filter::compare(int y)
         here.irradianceAround = irradiance * (1 / count);
         here.ofMeans = {here.around.specular / count, here.around.diffuse / count};
     }
+}
+
+void vk_Filter::estimate(int y)
+{
+    for (int x = 0; x < myColumns; ++x)
+        if (!cell(x, y).converged)
+            filter(cell(x, y), x, y);
 }
 
 void vk_Filter::filter(int y)
@@ -149,6 +161,8 @@ void vk_Filter::filter(Cell &here, int x, int y) const
     here.error = (here.around.sum() + here.texture) * BLENDED;
     if (!here.smooth || here.around.sum() < INVISIBLE)
         return;
+    // A layer without error stays as it is.
+    const bool gleams = here.around.specular > 0, isLit = here.around.diffuse > 0;
     Sum specular, irradiance;
     for (int j = std::max(0, y - here.reach); j <= std::min(y + here.reach, myRows - 1); ++j)
         for (int i = std::max(0, x - here.reach); i <= std::min(x + here.reach, myColumns - 1);
@@ -157,8 +171,9 @@ void vk_Filter::filter(Cell &here, int x, int y) const
             const float feature = there.smooth ? featureWeight(here, there) * there.count : 0;
             if (feature <= 0)
                 continue;
-            const float ofSpecular = specularWeight(here, there);
-            const float ofIrradiance = irradianceWeight(here, there);
+            const float itself = &there == &here ? 1 : 0;
+            const float ofSpecular = gleams ? specularWeight(here, there) : itself;
+            const float ofIrradiance = isLit ? irradianceWeight(here, there) : itself;
             specular.add(there.layers.specular, feature * ofSpecular, there.around.specular);
             irradiance.add(there.layers.irradiance, feature * ofIrradiance, there.around.diffuse);
         }

@@ -25,12 +25,16 @@ public:
     vk_Filter(int columns, int rows);
 
     // Each for one row, in any order and on any thread, but for all rows before the next:
-    // takes in pixels, compares their errors with those of other rows, filters. From then on
-    // at() is the light of a pixel and error() about its squared error, on the scale of the
-    // file. All three may be done again when pixels got more samples.
+    // takes in pixels, compares their errors with those of other rows, and tells how far off
+    // those are that have not converged; may be done again when these got more samples.
     void take(const vk_Pixel *row, int y);
     void compare(int y);
+    void estimate(int y);
+    // Filters all pixels of a row.
     void filter(int y);
+
+    // The light of a pixel, and about its squared error on the scale of the file, as they
+    // came out of the last of the two.
     const vk_Colour &at(int x, int y) const { return cell(x, y).light; }
     float error(int x, int y) const { return cell(x, y).error; }
 
@@ -50,7 +54,8 @@ private:
         float distance = 0, count = 0;
         int reach = 0;
         bool blurred = false; // the diffuse layer has no edges
-        bool smooth = false;  // shows one surface, not an edge: neighbours can help
+        bool converged = false;
+        bool smooth = false; // shows one surface, not an edge: neighbours can help
 
         vk_Colour light; // what comes out,
         float error = 0; // and how far off that is, squared

@@ -88,13 +88,13 @@ private:
         myPercent = std::max(myPercent, percent);
     }
 
-    // Filters what is there, and tells which pixels have converged. False when all have.
+    // Tells which pixels have converged. False when all have.
     bool choosePixels(vk_Band &band, vk_Filter &filter)
     {
         const auto each = [&](auto &&row) { tbb::parallel_for(0, band.rows, row); };
         each([&](int y) { filter.take(&band.at(0, y), y); });
         each([&](int y) { filter.compare(y); });
-        each([&](int y) { filter.filter(y); });
+        each([&](int y) { filter.estimate(y); });
         const float limit = limitFor(band, filter);
         std::atomic<bool> more = false;
         each([&](int y) {
@@ -132,10 +132,12 @@ private:
     }
 
     // Fixed samples are taken as they are.
-    void develop(vk_Band &band, const vk_Filter &filter, int top, int bottom)
+    void develop(vk_Band &band, vk_Filter &filter, int top, int bottom)
     {
         vk_LinearPicture light(band.columns, band.rows);
         tbb::parallel_for(0, band.rows, [&](int y) {
+            if (myCanvas.filters())
+                filter.filter(y);
             for (int x = 0; x < band.columns; ++x)
                 light.at(x, y) = myCanvas.filters() ? filter.at(x, y) : band.at(x, y).light();
         });
