@@ -27,9 +27,10 @@ struct Library : ScratchDirectory {
             "set -o pipefail; exec 2>&1\nmake() { thumbmake -q --size 8 --quality draft "
             "\"$@\"; }\nlook() { thumbmake -n --size 8 --quality draft \"$@\"; }\n"
             "slow() { mkdir bin; printf '#!/bin/sh\\nscene=$(cat)\\ncase $scene in *deep*) touch "
-            "runs; exec sleep 99;; esac\\necho \"$scene\" | %s/vaskel\\n' ${PATH%%:*} >bin/vaskel; "
+            "runs; exec sleep 99;; esac\\necho \"$scene\" | \"%s/vaskel\"\\n' \"${PATH%%:*}\" "
+            ">bin/vaskel; "
             "chmod +x bin/vaskel; set -m; PATH=$PWD/bin:$PATH thumbmake --size 8 --quality draft "
-            "-j1 my* >said 2>&1 & until [ -e runs ]; do sleep .01; done; }\n"
+            "-j1 my* >said 2>&1 & until [ -e runs ] || ! kill -0 $!; do sleep .01; done; }\n"
             "stop() { kill -$1 -- -$!; set +m; wait $! 2>wait; tail -n 1 said; rm -r bin my*/bad*; "
             "}\n" +
                 lines,
