@@ -302,6 +302,8 @@ void osl_Generator::genVariable(const Node *node)
     if (node->a != nullptr) {
         const bool isSpread = type.isArray() && !value.type.isArray();
         assign(isSpread ? element(made, myRegisters.intConstant(0), "") : made, value);
+    } else if (type.base == osl_Type::STRING || (type.isClosure && !type.isStruct())) {
+        assign(made, zero(type)); // what other values left in its place is no handle
     }
     myVariables[node->symbol] = std::move(made);
 }

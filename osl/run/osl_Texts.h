@@ -12,7 +12,12 @@ class osl_Texts
 public:
     explicit osl_Texts(const std::vector<std::string> &constants);
 
-    std::string_view operator[](int handle) const { return myTexts[static_cast<size_t>(handle)]; }
+    // Empty for what is no handle: in a struct that nobody filled may be anything.
+    std::string_view operator[](int handle) const
+    {
+        const auto at = static_cast<size_t>(handle);
+        return at < myTexts.size() ? std::string_view(myTexts[at]) : std::string_view();
+    }
 
     // The same text has the same handle. -1 when there are too many of them.
     int handle(std::string_view text);

@@ -36,6 +36,10 @@ TEST(Language, Expressions)
         {"and stops early", "int i = 0; if (u > 2 && (i = 1)) {} printf(\"%d\", i);", "0"},
         {"texts in conditions", "string s = \"\"; if (!s && \"a\") printf(\"ok\");", "ok"},
         {"hexadecimal, exponent", "printf(\"%d %g\", 0xff, 1.5e-3);", "255 0.0015"},
+        {"a text that nobody has set is empty",
+         "string s; color c; int n = (int)(u - 1.5); while (n > 0) { dict_value(n, \"c\", c); "
+         "dict_value(n, \"\", s); n = dict_next(n); } printf(\"%g %s|\", c, s);",
+         "0 0 0 |"},
         {"literals side by side", "printf(\"%s\", \"a\" \"b\");", "ab"},
     };
     check(cases);
