@@ -2,6 +2,8 @@
 
 namespace
 {
+constexpr int MOST_OVERLOADS = 500; // of a name
+
 const struct {
     const char *name;
     osl_Type type;
@@ -152,6 +154,8 @@ void osl_Checker::checkInitialiser(Node *node)
 
 void osl_Checker::warnRedefinition(const osl_Function &function, const osl_Function *earlier)
 {
+    if (isFull(TYPES)) // nobody would read it, and there may be thousands
+        return;
     std::string places;
     for (; earlier != nullptr && earlier->scope == function.scope; earlier = earlier->next) {
         const bool isSame =
@@ -195,6 +199,14 @@ void osl_Checker::declareFunction(Node *node)
     function->node = node;
     function->scope = mySymbols.scope();
     function->next = isFunction ? symbol->functions : nullptr;
+    if (function->next != nullptr)
+        function->overloads += function->next->overloads;
+    if (function->overloads > MOST_OVERLOADS) { // each is held against all others
+        error(NAMES, node->place,
+              "too many functions are called '" + std::string(node->name) + "'");
+        function->next = nullptr;
+        function->overloads = 1;
+    }
     for (const Node *formal = node->a; formal != nullptr; formal = formal->next)
         function->parameters.push_back({formal->type, formal->isOutput, false});
     if (node->b != nullptr) {

@@ -33,6 +33,7 @@ struct osl_Function {
     const osl_Builtin *builtin = nullptr; // of ours
     const osl_ClosureRow *closure = nullptr;
     osl_Function *next = nullptr;       // of the same name, declared earlier
+    int overloads = 1;                  // of that name so far
     osl_Function *definition = nullptr; // where this is only a declaration
 
     bool hasReturn = false;
