@@ -45,7 +45,8 @@ osl_Ref osl_Generator::gen(const Node *node)
         return myKnownValue;
     if (isOver())
         return zero(node->type.isUnknown() ? osl_Type(osl_Type::INT) : node->type);
-    isTooLarge = isTooLarge || ++myDepth > MAX_DEPTH;
+    ++myDepth;
+    isTooLarge = isTooLarge || myDepth > MAX_DEPTH;
     const osl_Ref ref = genInside(node);
     --myDepth;
     myPlace = node->place;

@@ -4,6 +4,15 @@
 
 #include <algorithm>
 
+namespace
+{
+// What a number becomes that fills an array.
+osl_Type filling(const osl_Type &number, const osl_Type &array)
+{
+    return number.isInt() && array.isFloatBased() ? osl_Type(osl_Type::FLOAT) : number;
+}
+} // namespace
+
 osl_Generator::osl_Generator(const osl_Tree &tree, const osl_Messages &messages,
                              const std::vector<OSL_Binding> &bindings)
     : myTree(tree), myMessages(messages), myBindings(bindings)
@@ -184,12 +193,6 @@ void osl_Generator::genUserdata(const osl_Ref &ref, const std::string &name)
     last().text = myRegisters.handle(name);
 }
 
-// What a number becomes that fills an array.
-static osl_Type filling(const osl_Type &number, const osl_Type &array)
-{
-    return number.isInt() && array.isFloatBased() ? osl_Type(osl_Type::FLOAT) : number;
-}
-
 void osl_Generator::genParameter(const Node *node)
 {
     const std::string name(node->name);
@@ -239,7 +242,8 @@ void osl_Generator::name(const osl_Ref &ref)
 
 void osl_Generator::genList(const Node *list)
 {
-    isTooLarge = isTooLarge || ++myDepth > MAX_DEPTH;
+    ++myDepth;
+    isTooLarge = isTooLarge || myDepth > MAX_DEPTH;
     for (; list != nullptr && !isOver(); list = list->next)
         genStatement(list);
     --myDepth;
