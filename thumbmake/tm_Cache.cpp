@@ -1,6 +1,7 @@
 #include "thumbmake/tm_Cache.h"
 
 #include "UT/UT_Environment.h"
+#include "thumbmake/tm_Text.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -37,6 +38,10 @@ bool tm_Cache::open()
     myFolder = cacheFolder();
     if (myFolder.empty()) {
         myError = "expected an absolute path in XDG_CACHE_HOME or HOME";
+        return false;
+    }
+    if (tm_hasControl(myFolder)) {
+        myError = "a control character in the cache's name: " + myFolder;
         return false;
     }
     std::error_code code;

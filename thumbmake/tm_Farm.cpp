@@ -74,8 +74,8 @@ const Engine ENGINES[] = {
      "        args: [\"--chunk\", \"{{Task.Param.Part}}/{tasks}\", \"{list}\"]\n",
      "", ""},
     // GNU parallel on machines without an engine; add --sshlogin for others than this one.
-    {"parallel", "seq {tasks} | parallel \"{thumbmake}\" --chunk \"{}/{tasks}\" \"{list}\"\n", "",
-     ""},
+    {"parallel", "seq {tasks} | parallel -q \"{thumbmake}\" --chunk \"{}/{tasks}\" \"{list}\"\n",
+     "", ""},
 };
 
 const Engine *findEngine(const std::string &name)
@@ -200,6 +200,9 @@ int tm_makeChunk(const tm_Options &options)
     std::string text, recipeText;
     if (!tm_readFile(options.inputs[0], text))
         return fail("cannot read " + options.inputs[0] + ": " + std::strerror(errno));
+    if (text.empty() || text.back() != '\n')
+        return fail(options.inputs[0] + " is not whole");
+    text.pop_back();
     const std::vector<std::string> lines = tm_split(text, '\n');
     tm_Recipe recipe;
     if (!tm_readFile(lines[0], recipeText) || !tm_parseRecipe(recipeText, recipe))
@@ -212,7 +215,7 @@ int tm_makeChunk(const tm_Options &options)
     for (size_t i = static_cast<size_t>(options.chunk); i < lines.size(); i += parts) {
         tm_Item item;
         if (!parseItem(lines[i], item))
-            continue; // what is behind the last newline
+            return fail("no list for --chunk: " + options.inputs[0]);
         const tm_Result result = tm_makeFarmPicture(item, recipe, lines[0]);
         if (result.isGood)
             continue;

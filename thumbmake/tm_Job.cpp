@@ -17,6 +17,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -35,6 +36,13 @@ Identity identify(const std::string &path)
 {
     struct stat info = {};
     return lstat(path.c_str(), &info) == 0 ? Identity(info) : Identity();
+}
+
+// Of the file behind a link.
+Identity identifySource(const std::string &path)
+{
+    struct stat info = {};
+    return stat(path.c_str(), &info) == 0 ? Identity(info) : Identity();
 }
 
 bool isSameTime(const timespec &a, const timespec &b)
@@ -120,16 +128,18 @@ public:
         std::error_code ignored; // what comes next tells
         fs::create_directories(fs::path(myItem.stamp).parent_path(), ignored);
         fs::create_directories(fs::path(myItem.picture).parent_path(), ignored);
-        std::string depfile = myItem.stamp + ".rule-XXXXXX"; // a farm's task may run twice
-        const int made = mkstemp(depfile.data());
-        if (made < 0)
-            return {false, "cannot write " + depfile + ": " + std::strerror(errno)};
-        close(made);
+        // In memory, so that nothing is left of it when we are killed.
+        const int rule = memfd_create("rule", MFD_CLOEXEC);
+        if (rule < 0)
+            return {false, std::string("cannot take a note: ") + std::strerror(errno)};
+        const std::string depfile =
+            "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(rule);
         setEnvironment(depfile);
         const Identity before = identify(myItem.picture);
         const std::optional<std::string> said = runAndListen(command());
         const int code = errno;
         const bool hasRule = readRule(depfile);
+        close(rule);
         if (!said)
             return {false, "cannot start thumbrender: " + std::string(std::strerror(code))};
         const std::string line = firstLine(*said);
@@ -153,10 +163,8 @@ private:
     // True for a palette that cannot be read, too: thumbrender says why.
     bool isForVaskel() const
     {
-        const auto &words = myRecipe.thumbrender;
-        const auto option = std::find(words.begin(), words.end(), "-r");
-        theRendererName = option != words.end()
-                              ? (option + 1)->c_str()
+        theRendererName = !myRecipe.renderer.empty()
+                              ? myRecipe.renderer.c_str()
                               : UT_EnvControl::instance().getString(ENV_VELDRIN_THUMB_RENDER);
         PaletteHead head;
         UT_String error;
@@ -171,6 +179,8 @@ private:
     {
         std::vector<std::string> words = {tm_findProgram("thumbrender")};
         words.insert(words.end(), myRecipe.thumbrender.begin(), myRecipe.thumbrender.end());
+        if (!myRecipe.renderer.empty())
+            words.insert(words.end(), {"-r", myRecipe.renderer});
         words.insert(words.end(), {"--", myItem.palette});
         return words;
     }
@@ -205,8 +215,6 @@ private:
             begin = end + 1;
         }
         myRule += '\n';
-        std::error_code ignored;
-        fs::remove(depfile, ignored);
         return isThere;
     }
 
@@ -259,11 +267,11 @@ std::string farmRule(const tm_Item &item, const std::string &recipeName)
     if (!picture)
         return "";
     for (const std::string &file : filesOf(rule)) {
-        const Identity source = identify(file);
+        const Identity source = identifySource(file);
         if (!file.empty() && (!source || isOlder(*picture, *source)))
             return "";
     }
-    const Identity palette = identify(item.palette);
+    const Identity palette = identifySource(item.palette);
     return palette && !isOlder(*picture, *palette) ? rule : "";
 }
 

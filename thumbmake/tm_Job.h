@@ -6,7 +6,7 @@
 // Beside an item's stamp lie
 //
 //     STAMP          for ninja; as old as the picture is known to be good
-//     STAMP.d        what the picture was made of, a rule for make, until ninja has read it
+//     STAMP.d        what the picture was made of, a rule for make that ninja reads
 //     STAMP.failed   why there is no good picture, while there is none
 //     STAMP.farm     a farm made the picture: the recipe's name, then the rule
 #pragma once

@@ -21,6 +21,9 @@ namespace
 {
 const char *const MANIFEST = "/build.ninja";
 
+// In front of names in ninja's lines: it would drop a blank that one begins with.
+constexpr char TITLE = '>';
+
 // Ninja stays in the caller's folder: settings may hold relative paths.
 std::string rule(const std::string &cache, const std::string &recipeFile)
 {
@@ -34,8 +37,8 @@ std::string rule(const std::string &cache, const std::string &recipeFile)
            tm_quoteForNinja(tm_quoteForShell(tm_findProgram("thumbmake")) + " --job " +
                             tm_quoteForShell(recipeFile)) +
            " $in $out $picture $name $state\n"
+           // Not in ninja's own log of these, which forgets what is not asked for now.
            "  depfile = $out.d\n"
-           "  deps = gcc\n"
            "  description = $title\n";
 }
 
@@ -53,16 +56,17 @@ std::string edge(const tm_Item &item)
     return "build " + tm_ninjaPath(item.stamp) + ": picture " + tm_ninjaPath(item.palette) +
            "\n  picture = " + tm_quoteForNinja(tm_quoteForShell(item.picture)) +
            "\n  name = " + tm_quoteForNinja(tm_quoteForShell(item.name)) +
-           "\n  state = " + stateOf(item.palette) + "\n  title = " + tm_quoteForNinja(item.name) +
-           "\n";
+           "\n  state = " + stateOf(item.palette) +
+           "\n  title = " + tm_quoteForNinja(TITLE + item.name) + "\n";
 }
 
-// A picture that somebody removed, or that is not as new as its palette, is to be made
-// whatever ninja's stamp says.
+// A picture that somebody removed or put something else in place of, or that is not as new
+// as its palette, is to be made whatever ninja's stamp says.
 bool isStale(const tm_Item &item)
 {
     struct stat picture = {}, palette = {};
-    return lstat(item.picture.c_str(), &picture) != 0 ||
+    return lstat(item.picture.c_str(), &picture) != 0 || !S_ISREG(picture.st_mode) ||
+           picture.st_size == 0 ||
            (stat(item.palette.c_str(), &palette) == 0 &&
             picture.st_mtim.tv_sec < palette.st_mtim.tv_sec);
 }
@@ -146,13 +150,16 @@ bool startsWith(const std::string &text, const char *prefix)
     return text.compare(0, std::strlen(prefix), prefix) == 0;
 }
 
-// "[3/17] NAME": how far it is.
+// "[3/17] >NAME": how far it is.
 bool parseStatus(const std::string &line, long &done, long &all, std::string &name)
 {
     int length = 0;
     if (std::sscanf(line.c_str(), "[%ld/%ld] %n", &done, &all, &length) != 2 || length == 0)
         return false;
-    name = line.substr(static_cast<size_t>(length));
+    const auto title = static_cast<size_t>(length);
+    if (title >= line.size() || line[title] != TITLE)
+        return false;
+    name = line.substr(title + 1);
     return true;
 }
 

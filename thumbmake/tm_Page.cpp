@@ -25,7 +25,7 @@ bool isOursOrAbsent(const std::string &file)
 {
     struct stat there = {};
     if (lstat(file.c_str(), &there) != 0)
-        return true;
+        return errno == ENOENT;
     if (!S_ISREG(there.st_mode))
         return false;
     std::string beginning(strlen(tm_PAGE_MARK), '\0');
@@ -36,7 +36,7 @@ bool isOursOrAbsent(const std::string &file)
 
 bool replace(const std::string &target, const std::string &text)
 {
-    UT_SafeFile file(target);
+    UT_SafeFile file(target, UT_SafeFile::REPLACE_LINKS);
     std::FILE *const out = file.open();
     if (out == nullptr)
         return false;

@@ -21,8 +21,14 @@ const char *const TEMPLATES[] = {"shop/palette/shadeball.ifd", "shop/palette/sha
                                  "shop/palette/shadeball.mi",  "shop/palette/shadeball.inc",
                                  "shop/palette/site.rib",      "shop/palette/site.mi"};
 // Those that choose the renderer or where it looks; templates stand for the rest.
-const char *const SETTINGS[] = {"VELDRIN_THUMB_RENDER", "VELDRIN_RI_SHADERPATH",
-                                "VELDRIN_VASKEL_OPTIONS", "VELDRIN_PATH", "VDX"};
+const char *const SETTINGS[] = {"VELDRIN_THUMB_RENDER",
+                                "VELDRIN_RI_SHADERPATH",
+                                "VELDRIN_ZEL_PATH",
+                                "VELDRIN_VASKEL_OPTIONS",
+                                "VELDRIN_PATH",
+                                "VDX",
+                                "VIP",
+                                "VSITE"};
 
 std::string ownFolder()
 {
@@ -54,7 +60,7 @@ std::vector<std::string> ownLibraries()
 }
 
 // A line of the text: a letter for the field, a blank, the word.
-constexpr char THUMBRENDER = 'T', VASKEL = 'V', OUTPUT = 'O', FINGERPRINT = 'F';
+constexpr char THUMBRENDER = 'T', RENDERER = 'R', VASKEL = 'V', OUTPUT = 'O', FINGERPRINT = 'F';
 } // namespace
 
 std::string tm_fingerprint()
@@ -95,7 +101,7 @@ tm_Recipe tm_makeRecipe(const tm_Options &options)
             words.insert(words.end(), {option, std::move(value)});
     };
     add(recipe.thumbrender, "-g", options.geometry);
-    add(recipe.thumbrender, "-r", options.renderer);
+    recipe.renderer = options.renderer;
     if (!options.hasBackground)
         recipe.thumbrender.push_back("-b");
     if (!options.hasShadows)
@@ -116,6 +122,8 @@ std::string tm_recipeText(const tm_Recipe &recipe)
     };
     for (const std::string &word : recipe.thumbrender)
         line(THUMBRENDER, word);
+    if (!recipe.renderer.empty())
+        line(RENDERER, recipe.renderer);
     for (const std::string &word : recipe.vaskel)
         line(VASKEL, word);
     if (recipe.hasOutput)
@@ -131,6 +139,9 @@ bool tm_parseRecipe(const std::string &text, tm_Recipe &recipe)
         switch (line.empty() ? '\n' : line[0]) {
         case THUMBRENDER:
             recipe.thumbrender.push_back(word);
+            break;
+        case RENDERER:
+            recipe.renderer = word;
             break;
         case VASKEL:
             recipe.vaskel.push_back(word);

@@ -7,7 +7,8 @@
 struct tm_Options;
 
 struct tm_Recipe {
-    std::vector<std::string> thumbrender; // its options
+    std::vector<std::string> thumbrender; // its options but for -r
+    std::string renderer;                 // the name behind -r; empty: none
     std::vector<std::string> vaskel;      // its options but for -o
     bool hasOutput = false;               // pictures do not lie beside the palettes
 
