@@ -3,10 +3,11 @@
 // What is written goes into a file without a name in the target's folder (Linux's O_TMPFILE),
 // which takes the target's place when all is well (POSIX rename) and is gone when it is not,
 // however the process ends. Where the file system has no such files it has a name beside the
-// target, and whoever dies by a signal may leave it.
+// target that nobody can guess, and whoever dies by a signal may leave it.
 //
 // The file gets the permissions of a new one, or the read, write and execute bits of a
-// regular file of the same owner that it replaces; never more than those.
+// regular file of the same owner that it replaces; never more than those. Lists of access
+// (ACLs) do not go on: a file with one is replaced by a new file.
 #pragma once
 
 #include <cstdio>
@@ -16,8 +17,9 @@ class UT_SafeFile
 {
 public:
     enum Links {
-        // As commands do that are told a file: the file behind a link is replaced. What is no
-        // regular file (a pipe, anything in /dev or /proc) is written as it is.
+        // As commands do that are told a file: the file behind a link is replaced, or made
+        // where the link leads. What is no regular file (a pipe, anything in /dev or /proc)
+        // is written as it is.
         FOLLOW_LINKS,
         // Where others may have laid a link: it is replaced itself, its target is not
         // touched. Whatever else is no regular file stays, and that is an error.
@@ -51,7 +53,6 @@ public:
 
 private:
     bool fail(const char *what);
-    FILE *openAsItIs();
     FILE *openNew();
     int openBeside();
     bool nameFile(int file);

@@ -4,34 +4,52 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace
 {
+constexpr mode_t NEW_FILE = 0666; // less what the umask or the folder's default takes away
 constexpr mode_t GROUP_SHIFT = 3; // from the bits of others to those of the group
-
-mode_t newFileMode()
-{
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
-}
+constexpr int MOST_NAMES = 100;   // tried, when somebody has laid files of these names
 
 std::string folderOf(const std::string &target)
 {
-    return target.substr(0, target.rfind('/') + 1); // npos + 1 is 0
+    const std::string folder = target.substr(0, target.rfind('/') + 1); // npos + 1 is 0
+    return folder.empty() ? "./" : folder;
 }
 
-// Up to 200 bytes of the name: with what is around it, 255 are allowed.
-std::string nameBeside(const std::string &target, const std::string &end)
+// One that nobody can guess. Up to 200 bytes of the target's: with what is around it, 255
+// are allowed.
+std::string nameBeside(const std::string &target)
 {
-    const std::string folder = folderOf(target);
-    return folder + "." + target.substr(folder.size(), 200) + "-" + end;
+    std::uint64_t number = 0;
+    static_cast<void>(!getrandom(&number, sizeof number, 0)); // then it is taken, at worst
+    char end[24];
+    std::snprintf(end, sizeof end, "-%016llx", static_cast<unsigned long long>(number));
+    const std::size_t begin = target.rfind('/') + 1;
+    return target.substr(0, begin) + "." + target.substr(begin, 200) + end;
+}
+
+// Calls make(NAME) until a name is not taken; empty, and errno, when it fails otherwise.
+template <class Make>
+std::string makeBeside(const std::string &target, Make make)
+{
+    for (int i = 0; i < MOST_NAMES; ++i) {
+        const std::string name = nameBeside(target);
+        if (make(name.c_str()))
+            return name;
+        if (errno != EEXIST)
+            break;
+    }
+    return "";
 }
 
 // What lies there may stand for a stream that somebody else writes to as well.
@@ -47,13 +65,17 @@ bool look(const std::string &name, struct stat &there)
     return lstat(name.c_str(), &there) == 0 || errno == ENOENT;
 }
 
+// The group's bits of a file with a list of its own tell the most that anybody has.
+bool hasAccessList(const std::string &name)
+{
+    return lgetxattr(name.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
+}
+
 // `made` is what the new file is by itself. The old file's bits were given to its owner and
 // to its group: another owner's mean nothing here, and another group gets no more than
 // everybody.
 mode_t permissions(const struct stat &old, const struct stat &made)
 {
-    if (!S_ISREG(old.st_mode) || old.st_uid != made.st_uid)
-        return newFileMode();
     const mode_t bits = old.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
     if (old.st_gid == made.st_gid)
         return bits;
@@ -64,8 +86,20 @@ mode_t permissions(const struct stat &old, const struct stat &made)
 bool givePermissions(int file, const std::string &target)
 {
     struct stat old, made;
-    return look(target, old) && fstat(file, &made) == 0 &&
-           fchmod(file, permissions(old, made)) == 0;
+    if (!look(target, old) || fstat(file, &made) != 0)
+        return false;
+    const bool isOwn = S_ISREG(old.st_mode) && old.st_uid == made.st_uid;
+    return !isOwn || hasAccessList(target) || fchmod(file, permissions(old, made)) == 0;
+}
+
+// In a folder such as /tmp only the owners of a file and of the folder may replace it.
+bool isForOthersToReplace(const std::string &folder, const struct stat &there)
+{
+    struct stat around;
+    const uid_t self = geteuid();
+    return self != 0 && there.st_mode != 0 && there.st_uid != self &&
+           stat(folder.c_str(), &around) == 0 && (around.st_mode & S_ISVTX) != 0 &&
+           around.st_uid != self;
 }
 } // namespace
 
@@ -85,31 +119,29 @@ void UT_SafeFile::removeTemporary()
 
 int UT_SafeFile::openBeside()
 {
-    const std::string folder = folderOf(myTarget);
-    const int nameless = ::open(folder.empty() ? "." : folder.c_str(),
-                                O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    // A file without a name gets one by way of /proc.
+    const bool isNamedLater = access("/proc/self/fd", X_OK) == 0;
+    const int nameless = isNamedLater ? ::open(folderOf(myTarget).c_str(),
+                                               O_TMPFILE | O_WRONLY | O_CLOEXEC, NEW_FILE)
+                                      : -1;
     if (nameless >= 0)
         return nameless;
-    std::string name = nameBeside(myTarget, "XXXXXX");
-    const int file = mkstemp(name.data());
-    if (file >= 0)
-        myTemporary = name;
+    int file = -1;
+    myTemporary = makeBeside(myTarget, [&file](const char *name) {
+        file = ::open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, NEW_FILE);
+        return file >= 0;
+    });
     return file;
 }
 
-// Gives a file without a name one beside the target; what a dead process of our number left
-// there goes.
+// Gives a file without a name one beside the target.
 bool UT_SafeFile::nameFile(int file)
 {
-    const std::string name = nameBeside(myTarget, std::to_string(getpid()));
     const std::string open = "/proc/self/fd/" + std::to_string(file);
-    const auto link = [&] {
-        return linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
-    };
-    if (!link() && (errno != EEXIST || unlink(name.c_str()) != 0 || !link()))
-        return false;
-    myTemporary = name;
-    return true;
+    myTemporary = makeBeside(myTarget, [&open](const char *name) {
+        return linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+    });
+    return !myTemporary.empty();
 }
 
 bool UT_SafeFile::fail(const char *what)
@@ -131,13 +163,12 @@ bool UT_SafeFile::isWritable()
         return false;
     }
     const std::string folder = folderOf(myTarget);
-    const char *const place = folder.empty() ? "." : folder.c_str();
-    return faccessat(AT_FDCWD, place, W_OK | X_OK, AT_EACCESS) == 0 || fail("cannot write");
-}
-
-FILE *UT_SafeFile::openAsItIs()
-{
-    return myStream = std::fopen(myTarget.c_str(), "we");
+    if (isForOthersToReplace(folder, there)) {
+        errno = EPERM;
+        return fail("cannot replace");
+    }
+    return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ||
+           fail("cannot write");
 }
 
 FILE *UT_SafeFile::openNew()
@@ -162,13 +193,14 @@ FILE *UT_SafeFile::open()
             fail("cannot write");
         return myStream;
     }
-    struct stat there = {};
+    struct stat there = {}, link = {};
     const bool exists = stat(myTarget.c_str(), &there) == 0;
+    const bool isDangling = !exists && lstat(myTarget.c_str(), &link) == 0;
     // Who may not write the file shall not replace it either.
     const bool mayWrite = !exists || access(myTarget.c_str(), W_OK) == 0;
     char resolved[PATH_MAX];
-    if (isDevice(myTarget) || (exists && !S_ISREG(there.st_mode))) {
-        openAsItIs();
+    if (isDevice(myTarget) || isDangling || (exists && !S_ISREG(there.st_mode))) {
+        myStream = std::fopen(myTarget.c_str(), "we");
     } else if (mayWrite) {
         if (exists && realpath(myTarget.c_str(), resolved) != nullptr)
             myTarget = resolved;

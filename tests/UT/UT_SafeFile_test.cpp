@@ -72,6 +72,8 @@ TEST(SafeFile, FollowsLinksWhereThatIsWanted)
     EXPECT_EQ("120777", behindLink("ln -s other p.jpg"));
     EXPECT_EQ("100640", behindLink("echo >p.jpg; chmod 640 p.jpg"));
     EXPECT_EQ("cannot write: Is a directory", behindLink("mkdir p.jpg"));
+    EXPECT_EQ("120777", behindLink("ln -s none p.jpg")) << "made where the link leads";
+    EXPECT_EQ("cannot write: Too many levels of symbolic links", behindLink("ln -s p.jpg p.jpg"));
     umask(mask);
 }
 
@@ -86,4 +88,21 @@ TEST(SafeFile, WithoutCommitLeavesTheOldFileAndNothingElse)
     EXPECT_EQ("before", fileContents(folder.path("p")));
     const auto files = std::filesystem::directory_iterator(folder.path());
     EXPECT_EQ(1, std::distance(begin(files), end(files)));
+}
+
+TEST(SafeFile, TellsEarlyOfWhatOthersOwnInASharedFolder)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "others' files are laid out by root only";
+    const ScratchDirectory folder;
+    folder.write("p", "of root");
+    ASSERT_EQ(0, chmod(folder.path().c_str(), 01777));
+    ASSERT_EQ(0, seteuid(65534));
+    UT_SafeFile theirs(folder.path("p"), UT_SafeFile::REPLACE_LINKS);
+    UT_SafeFile own(folder.path("q"), UT_SafeFile::REPLACE_LINKS);
+    const bool mayReplace = theirs.isWritable(), mayMake = own.isWritable();
+    ASSERT_EQ(0, seteuid(0));
+    EXPECT_FALSE(mayReplace);
+    EXPECT_EQ("cannot replace: Operation not permitted", theirs.error());
+    EXPECT_TRUE(mayMake);
 }
