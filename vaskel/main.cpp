@@ -84,6 +84,13 @@ void setTimer(const vk_Options &options)
     setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
+// What is finished in time is kept: a limit must not speak of a picture that is there.
+void stopTimer()
+{
+    const itimerval never = {};
+    setitimer(ITIMER_REAL, &never, nullptr);
+}
+
 // Prints to standard output; a full device or a closed pipe is a failure.
 int print(const std::string &text)
 {
@@ -125,6 +132,7 @@ void applyOptions(const vk_Options &options, vk_Scene &scene)
 
 bool write(const std::vector<std::uint8_t> &bytes, UT_SafeFile &file)
 {
+    stopTimer();
     const UT_SignalPause pause; // where even a file that is being written has a name
     std::FILE *const out = file.open();
     if (out == nullptr)

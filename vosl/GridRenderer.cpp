@@ -1,5 +1,7 @@
 #include "GridRenderer.h"
 
+#include "Output.h"
+
 #include "osl/lib/osl_CameraSpaces.h"
 #include "osl/lib/osl_TextFile.h"
 
@@ -186,8 +188,7 @@ void GridRenderer::message(Severity severity, std::string_view text)
         line += '\n';
     if (!myShown.insert(line).second)
         return;
-    std::fflush(stdout);
-    std::fputs(line.c_str(), stderr);
+    writeError(line);
 }
 
 void GridRenderer::appendToFile(std::string_view file, std::string_view text)

@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 
@@ -15,8 +16,11 @@ const char Options::USAGE[] =
     "  -D name[=value]    Define a macro\n"
     "  --info             Print type, parameters, defaults and metadata\n"
     "  --time             Print how fast it was\n"
-    "  --help             Print this text and end\n"
-    "Status: 0; 1 for a shader that does not compile; 2 for bad usage.\n";
+    "  -h, --help         Print this text and end\n"
+    "  --version          Print the version and end\n"
+    "A shader is a program of yours here: its fprintf() writes to the files that it names.\n"
+    "Status: 0; 1 for a shader that does not compile, is stopped or cannot print; 2 for bad\n"
+    "usage.\n";
 
 namespace
 {
@@ -31,6 +35,13 @@ bool isNumber(const std::string &text, bool &isInt)
     isInt = *end == '\0';
     std::strtof(text.c_str(), &end);
     return *end == '\0';
+}
+
+bool parseSide(const std::string &text, int &side)
+{
+    const char *const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, side);
+    return read.ec == std::errc() && read.ptr == end && side > 0 && side <= MAX_SIDE;
 }
 
 std::vector<std::string> splitAt(const std::string &text, char separator)
@@ -98,10 +109,8 @@ std::string Options::takeGrid(int argc, char *argv[], int &at)
 {
     if (at + 2 >= argc)
         return "-g needs two numbers";
-    width = std::atoi(argv[at + 1]);
-    height = std::atoi(argv[at + 2]);
+    const bool isGood = parseSide(argv[at + 1], width) && parseSide(argv[at + 2], height);
     at += 2;
-    const bool isGood = width > 0 && height > 0 && width <= MAX_SIDE && height <= MAX_SIDE;
     return isGood ? "" : "a grid has 1 to 16384 points in each direction";
 }
 
@@ -138,9 +147,11 @@ std::string Options::parse(int argc, char *argv[])
             wantsInformation = true;
         else if (word == "--time")
             wantsTime = true;
-        else if (word == "--help")
+        else if (word == "--help" || word == "-h")
             wantsHelp = true;
-        else if (word.compare(0, 6, "-param") == 0)
+        else if (word == "--version")
+            wantsVersion = true;
+        else if (word == "-param" || word.compare(0, 7, "-param:") == 0)
             problem = takeParameter(argc, argv, at);
         else if (word.compare(0, 2, "-I") == 0 && word.size() > 2)
             compile.includePaths.push_back(word.substr(2));
@@ -157,5 +168,5 @@ std::string Options::parse(int argc, char *argv[])
         if (!problem.empty())
             return problem;
     }
-    return wantsHelp || !file.empty() ? "" : "no file";
+    return wantsHelp || wantsVersion || !file.empty() ? "" : "no file";
 }

@@ -15,6 +15,7 @@ struct Options {
     bool wantsInformation = false;
     bool wantsTime = false;
     bool wantsHelp = false;
+    bool wantsVersion = false;
     std::string file;
     OSL_CompileOptions compile;
     std::vector<OSL_Binding> bindings;

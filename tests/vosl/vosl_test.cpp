@@ -99,7 +99,13 @@ TEST_F(Vosl, SaysWhatIsWrong)
     EXPECT_EQ("0 |ERROR: Shader error [t]: once\n",
               run("shader t() { error(\"once\"); error(\"once\"); }", "-g 4 4"));
     EXPECT_EQ("2 ", run("shader t() {}", "--nonsense").substr(0, 2));
-    EXPECT_EQ("2 ", run("shader t() {}", "-g 0 1").substr(0, 2));
+    for (const char *arguments : {"-g 0 1", "-g 3x 4", "-parametrize a b"})
+        EXPECT_EQ("2 ", run("shader t() {}", arguments).substr(0, 2)) << arguments;
+    EXPECT_EQ("1 |vosl: cannot write: No space left on device\n",
+              run("shader t() { printf(\"a\"); }", ">/dev/full"));
+    EXPECT_EQ("0 |WARNING: Shader warning [t]: a?[1m\n",
+              run("shader t() { warning(\"a\\033[1m\"); }", ""));
+    EXPECT_EQ("1 ", run("shader t() { while (1) P += 1; }", "").substr(0, 2)) << "is stopped";
 }
 
 TEST_F(Vosl, WritesFiles)
