@@ -130,7 +130,7 @@ bool CPP_Manager::findAndPush(const UT_String &name, bool isAngled)
     if (pushPath(path))
         return true;
     if (errno == ENOENT || errno == ENOTDIR)
-        myIncludePath.forget(name, folder);
+        myIncludePath.noteMissing(name, folder);
     return false;
 }
 
@@ -296,6 +296,8 @@ bool CPP_Manager::takeSkipped(CPP_File &file, const char *&text, int &length)
         else if (line.kind == cpp_SkippedLine::CLOSES)
             file.popCondition();
         file.skip(0, count - 1);
+        if (end == start + available) // more may be long in coming
+            break;
     }
     text = emptyLines(lines);
     length = lines;

@@ -96,8 +96,8 @@ public:
     // Opens the outermost input; "stdin" and "stdin.zel" are standard input.
     // Quotes or angle brackets around the name are taken off. With
     // `useSearchPath` an explicit name is taken when it can be read; any other is
-    // looked for beside the current file, then along the include path; where it was found,
-    // or that it was nowhere, holds in this manager's time. False when there is no such
+    // looked for beside the current file, then along the include path, once in this
+    // manager's time: files that come or go later are not noticed. False when there is no such
     // file; nothing is reported.
     [[nodiscard]] bool openFile(const char *name, bool useSearchPath);
 
@@ -170,6 +170,7 @@ public:
 protected:
     // What the expression of an #if or #elif is worth: 1 true, 0 false, -1 a syntax
     // error. For the callers of keepMacros(), whose conditions may be another language's.
+    // REQUIRES of an override: keepMacros(), without which skipped conditions are not asked
     virtual int conditionValue(const char *text);
 
 private:

@@ -39,8 +39,8 @@ struct Operator {
     Apply apply;
 };
 
-// The first row that the text starts with is the token. Those of one character stand
-// together.
+// The first row that the text starts with is the token. Rows that begin with the same
+// character stand together, longer ones first.
 constexpr Operator OPERATORS[] = {
     {"&&", 7, INFIX, [](int64_t a, int64_t b) -> int32_t { return a != 0 && b != 0; }},
     {"&", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a & b); }},

@@ -16,7 +16,6 @@
 namespace
 {
 constexpr size_t MAX_WORD = 31;
-constexpr size_t MAX_TESTED_NAME = 4096;
 
 // Each open include file holds a descriptor, and a file that includes itself
 // twice would never end.
@@ -104,7 +103,7 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
 
 bool CPP_Manager::namesMacro(const char *text) const
 {
-    const std::string_view name = firstWord(text, MAX_TESTED_NAME);
+    const std::string_view name = firstWord(text, CPP_MOST_TESTED);
     return myMacros.holds(name);
 }
 

@@ -8,16 +8,17 @@
 
 namespace
 {
-// What a look-up depends on. No folder has the name "<".
+// What a look-up depends on.
 std::string keyOf(const char *name, const char *nearFolder)
 {
-    return std::string(nearFolder != nullptr ? nearFolder : "<") + '"' + name;
+    return nearFolder != nullptr ? std::string("/") + nearFolder + '"' + name
+                                 : std::string("<") + name;
 }
 
 bool findNear(const char *folder, const char *name, UT_String &path)
 {
     path.clear();
-    if (*folder != '\0' && std::strcmp(folder, ".") != 0)
+    if (std::strcmp(folder, ".") != 0)
         (path += folder) += "/";
     path += name;
     return access(path, R_OK) == 0;
@@ -60,7 +61,7 @@ bool cpp_IncludePath::find(const char *name, const char *nearFolder, UT_String &
     return true;
 }
 
-void cpp_IncludePath::forget(const char *name, const char *nearFolder)
+void cpp_IncludePath::noteMissing(const char *name, const char *nearFolder)
 {
     myFound[keyOf(name, nearFolder)] = "";
 }

@@ -24,14 +24,14 @@ public:
     void addAll(const char *pathList); // the existing folders of a pattern
 
     // The path that a name leads to: an explicit one that can be read is taken as it is,
-    // any other looked for in `nearFolder` (null means none, "" the one we are in), then
+    // any other looked for in `nearFolder` (null means none, "" the root), then
     // along the folders. A name that is nowhere is its own path, which may be tried. False
     // when that was tried in vain.
     // REQUIRES: the name is not empty
     [[nodiscard]] bool find(const char *name, const char *nearFolder, UT_String &path);
 
-    // That the path which find() gave for these led to no file.
-    void forget(const char *name, const char *nearFolder);
+    // Notes that the path which find() gave for these led to no file.
+    void noteMissing(const char *name, const char *nearFolder);
 
 private:
     bool lookUp(const char *name, const char *nearFolder, UT_String &path) const;

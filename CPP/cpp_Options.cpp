@@ -106,7 +106,7 @@ int CPP_Manager::parseOptions(int argc, char *argv[])
     // Nothing is told about the definitions themselves.
     CPP_Listener listener = std::exchange(myListener, nullptr);
     while (isGood && (letter = getopt(argc, argv, OPTION_LETTERS)) != -1) {
-        if (listener && takesName(letter) && *optarg == '-')
+        if (listener && takesName(letter) && *optarg == '-' && optarg[1] != '\0')
             listener(CPP_optionNameMessage({'-', static_cast<char>(letter)}, optarg));
         isGood = applyOption(static_cast<char>(letter), optarg);
     }

@@ -5,6 +5,7 @@
 #include "CPP/cpp_QuietLines.h"
 #include "CPP/cpp_Runs.h"
 #include "CPP/cpp_SkippedLines.h"
+#include "CPP/cpp_Text.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -41,7 +42,9 @@ std::string takeGuard(const char *&from, const char *end)
     const char *behind = nameEnd(name, condition.end());
     const bool isWholeWord = behind == condition.end() || UTisSpace(*behind);
     from = line.end;
-    return isWholeWord ? std::string(name, behind) : std::string();
+    const bool isTested =
+        isWholeWord && static_cast<size_t>(behind - name) <= CPP_MOST_TESTED; // else it is cut
+    return isTested ? std::string(name, behind) : std::string();
 }
 
 // Behind the line that closes the guard; null when its text has another branch, or anything

@@ -88,8 +88,11 @@ bool givePermissions(int file, const std::string &target)
     struct stat old, made;
     if (!look(target, old) || fstat(file, &made) != 0)
         return false;
-    const bool isOwn = S_ISREG(old.st_mode) && old.st_uid == made.st_uid;
-    return !isOwn || hasAccessList(target) || fchmod(file, permissions(old, made)) == 0;
+    if (!S_ISREG(old.st_mode) || old.st_uid != made.st_uid || hasAccessList(target))
+        return true;
+    // Some file systems know no such bits; more than the old ones is a failure.
+    const mode_t bits = permissions(old, made);
+    return fchmod(file, bits) == 0 || (made.st_mode & ~bits & (S_IRWXU | S_IRWXG | S_IRWXO)) == 0;
 }
 
 // In a folder such as /tmp only the owners of a file and of the folder may replace it.

@@ -21,6 +21,7 @@ TEST(IncludePath, LooksBesideTheIncludingFileThenAlongItsFolders)
     for (const char *file : {"near/a", "first/a", "first/b", "second/a", "second/b", "second/c"})
         folder.write(file, "");
     const std::string nearby = folder.path("near");
+    const std::string fromRoot = folder.path("near/a").substr(1);
     cpp_IncludePath path(-1);
     path.add(folder.path("first").c_str());
     path.addAll((folder.path("second") + ';' + folder.path("third")).c_str());
@@ -28,10 +29,9 @@ TEST(IncludePath, LooksBesideTheIncludingFileThenAlongItsFolders)
         const char *name, *nearFolder;
         std::string file;
     } cases[] = {
-        {"a", nearby.c_str(), "near/a"},
-        {"a", nullptr, "first/a"},
-        {"b", nearby.c_str(), "first/b"},
-        {"c", ".", "second/c"},
+        {"a", nearby.c_str(), "near/a"},  {"a", nullptr, "first/a"},
+        {"b", nearby.c_str(), "first/b"}, {"c", ".", "second/c"},
+        {fromRoot.c_str(), "", "near/a"}, // beside a file in the root
     };
     for (const auto &c : cases)
         EXPECT_EQ(folder.path(c.file), found(path, c.name, c.nearFolder)) << c.name;
@@ -48,7 +48,7 @@ TEST(IncludePath, RemembersWhereNamesLedUntilFoldersAreAdded)
     path.add(folder.path("one").c_str());
     const std::string first = found(path, "a", nullptr), nearby = folder.path("near");
     EXPECT_EQ("b", found(path, "b", nullptr));
-    path.forget("b", nullptr);
+    path.noteMissing("b", nullptr);
     std::filesystem::remove(first);
     for (const char *file : {"one/b", "near/a", "near/b"})
         folder.write(file, "");
