@@ -38,18 +38,20 @@ std::string nameBeside(const std::string &target)
     return target.substr(0, begin) + "." + target.substr(begin, 200) + end;
 }
 
-// Calls make(NAME) until a name is not taken; empty, and errno, when it fails otherwise.
+// Calls make(NAME) until a name is not taken. False and an empty name, and errno, when it
+// fails otherwise. No memory is taken behind make(): one that runs out would leave the file.
 template <class Make>
-std::string makeBeside(const std::string &target, Make make)
+bool makeBeside(const std::string &target, std::string &name, Make make)
 {
     for (int i = 0; i < MOST_NAMES; ++i) {
-        const std::string name = nameBeside(target);
+        name = nameBeside(target);
         if (make(name.c_str()))
-            return name;
+            return true;
         if (errno != EEXIST)
             break;
     }
-    return "";
+    name.clear();
+    return false;
 }
 
 // What lies there may stand for a stream that somebody else writes to as well.
@@ -130,10 +132,10 @@ int UT_SafeFile::openBeside()
     if (nameless >= 0)
         return nameless;
     int file = -1;
-    myTemporary = makeBeside(myTarget, [&file](const char *name) {
+    static_cast<void>(makeBeside(myTarget, myTemporary, [&file](const char *name) {
         file = ::open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, NEW_FILE);
         return file >= 0;
-    });
+    }));
     return file;
 }
 
@@ -141,10 +143,9 @@ int UT_SafeFile::openBeside()
 bool UT_SafeFile::nameFile(int file)
 {
     const std::string open = "/proc/self/fd/" + std::to_string(file);
-    myTemporary = makeBeside(myTarget, [&open](const char *name) {
+    return makeBeside(myTarget, myTemporary, [&open](const char *name) {
         return linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
     });
-    return !myTemporary.empty();
 }
 
 bool UT_SafeFile::fail(const char *what)
