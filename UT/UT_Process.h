@@ -21,7 +21,7 @@ void UTstartProgram();
 [[noreturn]] void UTdieWithoutMemory();
 
 // Replaces what could steer a terminal or forge a message's lines by '?': control
-// characters other than the tab; in UTF-8 also those of ISO 6429's second set, other line
-// ends and what turns the direction of writing. For text from outside that goes into a
-// message.
+// characters other than the tab, also those of ISO 6429's second set, as UTF-8 or as a byte;
+// other line ends, and what turns the direction of writing. For text from outside that goes
+// into a message.
 void UTmakePrintable(char *text, size_t length);

@@ -1,5 +1,6 @@
 // Keeps this thread's signals back as long as it lives, for moments in which a process must
 // not die by one. SIGKILL does not wait (POSIX pthread_sigmask).
+// REQUIRES: no other thread that takes signals; it would still get them.
 #pragma once
 
 #include <csignal>

@@ -1,9 +1,11 @@
 #include "UT/UT_Process.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <string_view>
 
@@ -43,23 +45,44 @@ void findHome()
     setenv("HOME", user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "", 1);
 }
 
-// How many bytes at `text` are not to be shown.
-size_t unprintable(std::string_view text)
+// What UTF-8 (RFC 3629) has at the beginning of a text: how many bytes, and its code. A byte
+// that begins no sequence counts as the code that it is in Latin-1.
+struct Character {
+    size_t length;
+    unsigned code;
+};
+
+Character firstCharacter(std::string_view text)
 {
-    const auto byte = [text](size_t i) {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
+    const auto byte = [text](size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned first = byte(0);
+    const size_t length = first < 0xc2 || first > 0xf4 ? 1
+                          : first < 0xe0               ? 2
+                          : first < 0xf0               ? 3
+                                                       : 4;
+    if (length == 1 || length > text.size())
+        return {1, first};
+    unsigned code = first & (0x7fU >> length);
+    for (size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xc0) != 0x80)
+            return {1, first};
+        code = code << 6 | (byte(i) & 0x3f);
+    }
+    return {length, code};
+}
+
+bool isPrintable(unsigned code)
+{
+    static constexpr struct {
+        unsigned first, last;
+    } HIDDEN[] = {
+        {0, 0x08},        {0x0a, 0x1f},     {0x7f, 0x9f},     // control characters
+        {0x061c, 0x061c}, {0x200e, 0x200f}, {0x202a, 0x202e}, // direction of writing
+        {0x2066, 0x2069}, {0x2028, 0x2029},                   // line ends
     };
-    if ((byte(0) < ' ' && byte(0) != '\t') || byte(0) == 0x7f)
-        return 1;
-    if (byte(0) == 0xc2 && byte(1) >= 0x80 && byte(1) <= 0x9f)
-        return 2; // U+0080 to U+009F
-    if (byte(0) != 0xe2)
-        return 0;
-    // U+200E, U+200F, U+2028 to U+202E, U+2066 to U+2069
-    const int code = (byte(1) - 0x80) * 64 + byte(2) - 0x80;
-    const bool isHidden = code == 0x0e || code == 0x0f || (code >= 0x28 && code <= 0x2e) ||
-                          (code >= 0x66 && code <= 0x69);
-    return isHidden ? 3 : 0;
+    return std::none_of(std::begin(HIDDEN), std::end(HIDDEN), [code](const auto &range) {
+        return code >= range.first && code <= range.last;
+    });
 }
 } // namespace
 
@@ -83,8 +106,10 @@ void UTdieWithoutMemory()
 
 void UTmakePrintable(char *text, size_t length)
 {
-    for (size_t i = 0; i < length; ++i) {
-        const size_t count = unprintable({text + i, length - i});
-        std::memset(text + i, '?', count);
+    for (size_t i = 0; i < length;) {
+        const Character character = firstCharacter({text + i, length - i});
+        if (!isPrintable(character.code))
+            std::memset(text + i, '?', character.length);
+        i += character.length;
     }
 }
