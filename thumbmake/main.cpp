@@ -25,18 +25,6 @@ namespace
 {
 enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
 
-int fail(const std::string &message, Status status = FAILED)
-{
-    std::fprintf(stderr, "thumbmake: error: %s\n", tm_printable(message).c_str());
-    return status;
-}
-
-int print(const std::string &text)
-{
-    const bool good = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
-    return good ? OK : fail(std::string("cannot write: ") + std::strerror(errno));
-}
-
 // What is said goes to ninja behind tabs, which tells it from the rest of its lines.
 int runJob(const std::vector<std::string> &words)
 {
@@ -44,10 +32,12 @@ int runJob(const std::vector<std::string> &words)
     close_range(STDERR_FILENO + 1, ~0U, 0);
     tm_Recipe recipe;
     std::string text;
-    if (words.size() != 6 || !tm_readFile(words[0], text) || !tm_parseRecipe(text, recipe))
-        return fail("--job is for ninja");
+    if (words.size() != 6)
+        return tm_fail("--job is for ninja");
     const tm_Item item = {words[4], words[1], words[3], words[2]};
-    const tm_Result result = tm_makePicture(item, recipe, words[0]);
+    const bool hasRecipe = tm_readFile(words[0], text) && tm_parseRecipe(text, recipe);
+    const tm_Result result = hasRecipe ? tm_makePicture(item, recipe, words[0])
+                                       : tm_Result{false, "cannot read " + words[0]};
     for (const std::string &line : tm_split(result.said, '\n'))
         if (!line.empty())
             std::printf("\t%s: %s\n", item.name.c_str(), line.c_str());
@@ -71,17 +61,18 @@ public:
         std::error_code gone; // every relative path needs it, the jobs' shells too
         const std::string here = std::filesystem::current_path(gone);
         if (gone)
-            return fail("the working folder: " + gone.message());
+            return tm_fail("the working folder: " + gone.message());
         if (!myCache.open())
-            return fail(myCache.error());
+            return tm_fail(myCache.error());
         myLibrary = tm_findPalettes(myOptions, here, myCache.folder());
-        for (const std::string &problem : myLibrary.problems)
-            std::fprintf(stderr, "%s\n", problem.c_str());
+        say(myLibrary.problems);
+        if (!myOptions.isQuiet)
+            say(myLibrary.warnings);
         const std::string recipe = tm_recipeText(tm_makeRecipe(myOptions));
         myRecipeFile = myCache.folder() + "/recipes/" + tm_hex(tm_hash(recipe));
         if (!tm_writeFile(myRecipeFile, recipe) ||
             !tm_writeGraph(myCache.folder(), myRecipeFile, myLibrary, myOptions))
-            return fail("cannot write to " + myCache.folder() + ": " + std::strerror(errno));
+            return tm_fail("cannot write to " + myCache.folder() + ": " + std::strerror(errno));
         shareProcessors(myOptions, myLibrary.items.size());
         const int status = myOptions.isDryRun         ? ask()
                            : myOptions.submit.empty() ? make()
@@ -90,6 +81,12 @@ public:
     }
 
 private:
+    static void say(const std::vector<std::string> &lines)
+    {
+        for (const std::string &line : lines)
+            std::fprintf(stderr, "%s\n", line.c_str());
+    }
+
     bool hasProblems() const { return !myLibrary.problems.empty(); }
 
     int ask()
@@ -97,7 +94,7 @@ private:
         std::vector<std::string> names;
         const tm_Outcome outcome = tm_askNinja(myCache.folder(), names);
         if (!outcome.error.empty())
-            return fail("ninja: " + outcome.error);
+            return tm_fail("ninja: " + outcome.error);
         if (myOptions.isForced) {
             names.clear();
             for (const tm_Item &item : myLibrary.items)
@@ -110,7 +107,7 @@ private:
         const auto all = static_cast<long>(myLibrary.items.size());
         const auto count = static_cast<long>(names.size());
         const int status =
-            print(tm_grouped(count) + " to make, " + tm_grouped(all - count) + " up to date\n");
+            tm_print(tm_grouped(count) + " to make, " + tm_grouped(all - count) + " up to date\n");
         return hasProblems() ? FAILED : status;
     }
 
@@ -118,7 +115,7 @@ private:
     {
         const tm_Outcome outcome = tm_runNinja(myCache.folder(), myOptions);
         if (!outcome.error.empty())
-            return fail("ninja: " + outcome.error);
+            return tm_fail("ninja: " + outcome.error);
         const auto failed = static_cast<long>(outcome.failures.size() + myLibrary.problems.size());
         if (myOptions.deletesOnError)
             deletePictures();
@@ -130,14 +127,14 @@ private:
         const std::string summary = tm_grouped(outcome.made) + " made, " + tm_grouped(failed) +
                                     " failed, " + tm_grouped(rest) +
                                     (isWhole ? " up to date\n" : " up to date or not begun\n");
-        const int status = myOptions.isQuiet ? static_cast<int>(OK) : print(summary);
+        const int status = myOptions.isQuiet ? static_cast<int>(OK) : tm_print(summary);
         return failed > 0 || outcome.wasInterrupted ? static_cast<int>(FAILED) : status;
     }
 
     void deletePictures() const
     {
         for (const tm_Item &item : myLibrary.items)
-            if (!tm_failure(item).empty())
+            if (!tm_failure(item).empty() && tm_isOutdated(item))
                 unlink(item.picture.c_str());
     }
 
@@ -146,7 +143,7 @@ private:
         std::vector<std::string> names;
         const tm_Outcome outcome = tm_askNinja(myCache.folder(), names);
         if (!outcome.error.empty())
-            return fail("ninja: " + outcome.error);
+            return tm_fail("ninja: " + outcome.error);
         const std::set<std::string> wanted(names.begin(), names.end());
         std::vector<tm_Item> items;
         for (const tm_Item &item : myLibrary.items)
@@ -154,7 +151,10 @@ private:
                 items.push_back(item);
         std::string list;
         if (!tm_writeList(myCache.folder(), myRecipeFile, items, list))
-            return fail("cannot write " + list + ": " + std::strerror(errno));
+            return tm_fail("cannot write " + list + ": " + std::strerror(errno));
+        if (items.empty() && !myOptions.isQuiet && !myOptions.waits)
+            std::fprintf(stderr, "nothing to submit, %s up to date\n",
+                         tm_grouped(static_cast<long>(myLibrary.items.size())).c_str());
         const int status = items.empty() ? OK : tm_submit(myOptions, list, items.size());
         if (status == OK && myOptions.waits)
             return make();
@@ -169,7 +169,7 @@ private:
         for (const tm_Item &item : myLibrary.items)
             entries.push_back({item.palette, item.picture, tm_failure(item)});
         std::string error;
-        return tm_writePage(myOptions.page, entries, error) ? OK : fail(error);
+        return tm_writePage(myOptions.page, entries, error) ? OK : tm_fail(error);
     }
 
     const tm_Options &myOptions;
@@ -189,12 +189,13 @@ int main(int argc, char *argv[])
     tm_Options options;
     std::string error;
     if (!tm_parseOptions(words, options, error)) {
-        return fail(error + " (thumbmake --help tells more)", BAD_USAGE);
+        static_cast<void>(tm_fail(error + " (thumbmake --help tells more)"));
+        return BAD_USAGE;
     }
     if (options.wantsHelp)
-        return print(tm_usage());
+        return tm_print(tm_usage());
     if (options.wantsVersion)
-        return print("thumbmake 1.0\n");
+        return tm_print("thumbmake 1.0\n");
     if (options.jobs == 0)
         options.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     return options.chunk > 0 ? tm_makeChunk(options) : Make(options).run();

@@ -117,12 +117,6 @@ std::string jobText(const Engine &engine, const std::string &list, size_t tasks)
     return text;
 }
 
-int fail(const std::string &message)
-{
-    std::fprintf(stderr, "thumbmake: error: %s\n", tm_printable(message).c_str());
-    return 1;
-}
-
 // Slurm's messages pass through. With --wait its status is that of the worst task, which
 // says no more than that something is left to do here.
 int runSbatch(const tm_Options &options, const std::string &folder, const std::string &script)
@@ -135,7 +129,7 @@ int runSbatch(const tm_Options &options, const std::string &folder, const std::s
     const pid_t child = fork();
     if (child == 0) {
         execvp(words[0], const_cast<char *const *>(words.data()));
-        std::fprintf(stderr, "thumbmake: error: cannot start sbatch: %s\n", std::strerror(errno));
+        tm_fail(std::string("cannot start sbatch: ") + std::strerror(errno));
         _exit(127);
     }
     int status = 0;
@@ -183,15 +177,13 @@ int tm_submit(const tm_Options &options, const std::string &list, size_t picture
 {
     const Engine &engine = *findEngine(options.submit);
     if (!isPlain(list) || !isPlain(tm_findProgram("thumbmake")))
-        return fail("a path that no engine's form can hold: " + list);
+        return tm_fail("a path that no engine's form can hold: " + list);
     const std::string text = jobText(engine, list, taskCount(pictures));
     if (options.submit != "slurm")
-        return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0
-                   ? 0
-                   : fail(std::string("cannot write: ") + std::strerror(errno));
+        return tm_print(text);
     const std::string folder = list.substr(0, list.rfind('/'));
     if (!tm_writeFile(folder + "/job.sh", text))
-        return fail("cannot write " + folder + "/job.sh: " + std::strerror(errno));
+        return tm_fail("cannot write " + folder + "/job.sh: " + std::strerror(errno));
     return runSbatch(options, folder, folder + "/job.sh");
 }
 
@@ -199,23 +191,23 @@ int tm_makeChunk(const tm_Options &options)
 {
     std::string text, recipeText;
     if (!tm_readFile(options.inputs[0], text))
-        return fail("cannot read " + options.inputs[0] + ": " + std::strerror(errno));
+        return tm_fail("cannot read " + options.inputs[0] + ": " + std::strerror(errno));
     if (text.empty() || text.back() != '\n')
-        return fail(options.inputs[0] + " is not whole");
+        return tm_fail(options.inputs[0] + " is not whole");
     text.pop_back();
     const std::vector<std::string> lines = tm_split(text, '\n');
     tm_Recipe recipe;
     if (!tm_readFile(lines[0], recipeText) || !tm_parseRecipe(recipeText, recipe))
-        return fail("no recipe for " + options.inputs[0]);
+        return tm_fail("no recipe for " + options.inputs[0]);
     if (tm_fingerprint() != recipe.fingerprint)
-        return fail("programs, templates or settings here are not those that wrote " +
-                    options.inputs[0]);
+        return tm_fail("programs, templates or settings here are not those that wrote " +
+                       options.inputs[0]);
     int status = 0;
     const auto parts = static_cast<size_t>(options.chunkCount);
     for (size_t i = static_cast<size_t>(options.chunk); i < lines.size(); i += parts) {
         tm_Item item;
         if (!parseItem(lines[i], item))
-            return fail("no list for --chunk: " + options.inputs[0]);
+            return tm_fail("no list for --chunk: " + options.inputs[0]);
         const tm_Result result = tm_makeFarmPicture(item, recipe, lines[0]);
         if (result.isGood)
             continue;

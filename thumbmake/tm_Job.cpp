@@ -189,7 +189,7 @@ private:
     {
         static const char *const own = std::getenv("VELDRIN_VASKEL_OPTIONS");
         static const std::string first = own != nullptr ? own : "";
-        std::string options = first;
+        std::string options = first + "\n";
         for (const std::string &word : myRecipe.vaskel)
             options += " " + tm_quoteForVaskel(word);
         if (myRecipe.hasOutput)
@@ -204,27 +204,8 @@ private:
     {
         std::string text;
         static_cast<void>(tm_readFile(depfile, text));
-        bool isThere = false;
-        myRule = UTquoteForMake(myItem.stamp) + ":";
-        for (size_t begin = 0; begin < text.size();) {
-            const size_t end = endOfRule(text, begin), colon = text.find(": ", begin);
-            if (colon < end) {
-                myRule += text.substr(colon + 1, end - colon - 1);
-                isThere = true;
-            }
-            begin = end + 1;
-        }
-        myRule += '\n';
-        return isThere;
-    }
-
-    // The newline that no backslash takes away.
-    static size_t endOfRule(const std::string &text, size_t begin)
-    {
-        size_t end = text.find('\n', begin);
-        while (end != text.npos && end > begin && text[end - 1] == '\\')
-            end = text.find('\n', end + 1);
-        return std::min(end, text.size());
+        myRule = UTmakeRule(UTquoteForMake(myItem.stamp), UTfilesOfMakeRules(text));
+        return !text.empty();
     }
 
     const tm_Item &myItem;
@@ -238,20 +219,14 @@ bool isOlder(const struct stat &a, const struct stat &b)
                                                 : a.st_mtim.tv_nsec < b.st_mtim.tv_nsec;
 }
 
-// The files that a rule names, as UTmakeRule() quoted them.
-std::vector<std::string> filesOf(const std::string &rule)
+// There is a picture, and all files are there and not newer.
+bool isNewest(const tm_Item &item, const std::vector<std::string> &files)
 {
-    std::vector<std::string> files(1);
-    for (size_t i = rule.find(": ") + 1; i < rule.size(); ++i) {
-        const char c = rule[i], next = i + 1 < rule.size() ? rule[i + 1] : '\n';
-        if (c == ' ' || c == '\n')
-            files.emplace_back();
-        else if ((c == '\\' && (next == ' ' || next == '#')) || (c == '$' && next == '$'))
-            files.back() += rule[++i];
-        else if (c != '\\' || next != '\n')
-            files.back() += c;
-    }
-    return files;
+    const Identity picture = identify(item.picture);
+    return picture && std::all_of(files.begin(), files.end(), [&](const std::string &file) {
+               const Identity source = identifySource(file);
+               return source && !isOlder(*picture, *source);
+           });
 }
 
 // The rule that a farm left for a picture made with this recipe, when neither the palette
@@ -262,17 +237,36 @@ std::string farmRule(const tm_Item &item, const std::string &recipeName)
     if (!tm_readFile(item.stamp + ".farm", text) ||
         text.compare(0, recipeName.size() + 1, recipeName + "\n") != 0)
         return "";
-    const Identity picture = identify(item.picture);
     const std::string rule = text.substr(recipeName.size() + 1);
-    if (!picture)
-        return "";
-    for (const std::string &file : filesOf(rule)) {
-        const Identity source = identifySource(file);
-        if (!file.empty() && (!source || isOlder(*picture, *source)))
-            return "";
+    std::vector<std::string> files = UTfilesOfMakeRules(rule);
+    files.push_back(item.palette);
+    return isNewest(item, files) ? rule : "";
+}
+
+// What ninja reads in a rule; it stops at quotes and other signs that shells know.
+bool isForNinja(const std::string &file)
+{
+    return std::all_of(file.begin(), file.end(), [](char c) {
+        return (c & 0x80) != 0 || std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+               std::strchr("+,/_.~()}{%=@[]!- #$", c) != nullptr;
+    });
+}
+
+// The rule for ninja; a link in the cache stands for a file whose name it cannot read.
+std::string ruleForNinja(const tm_Item &item, const std::string &rule)
+{
+    const fs::path names = fs::path(item.stamp).parent_path() / ".." / ".." / "names";
+    std::vector<std::string> files = UTfilesOfMakeRules(rule);
+    for (std::string &file : files) {
+        if (isForNinja(file))
+            continue;
+        std::error_code ignored; // of one that is there; a missing one makes the picture again
+        fs::create_directories(names.lexically_normal(), ignored);
+        const std::string name = (names / tm_hex(tm_hash(file))).lexically_normal();
+        fs::create_symlink(fs::absolute(file), name, ignored);
+        file = name;
     }
-    const Identity palette = identifySource(item.palette);
-    return palette && !isOlder(*picture, *palette) ? rule : "";
+    return UTmakeRule(UTquoteForMake(item.stamp), files);
 }
 
 tm_Result concludeFailure(const tm_Item &item, tm_Result result)
@@ -298,7 +292,7 @@ tm_Result tm_makePicture(const tm_Item &item, const tm_Recipe &recipe,
     std::error_code ignored;
     fs::remove(item.stamp + ".failed", ignored);
     fs::remove(item.stamp + ".farm", ignored);
-    if (!tm_writeFile(item.stamp + ".d", rule) || !tm_writeFile(item.stamp, ""))
+    if (!tm_writeFile(item.stamp + ".d", ruleForNinja(item, rule)) || !tm_writeFile(item.stamp, ""))
         return {false, "cannot write " + item.stamp + ": " + std::strerror(errno)};
     return result;
 }
@@ -317,6 +311,15 @@ tm_Result tm_makeFarmPicture(const tm_Item &item, const tm_Recipe &recipe,
     if (!tm_writeFile(item.stamp + ".farm", recipeName + "\n" + job.rule()))
         return {false, "cannot write " + item.stamp + ".farm: " + std::strerror(errno)};
     return result;
+}
+
+bool tm_isOutdated(const tm_Item &item)
+{
+    std::string rule; // none: nothing more is known
+    static_cast<void>(!tm_readFile(item.stamp + ".d", rule));
+    std::vector<std::string> files = UTfilesOfMakeRules(rule);
+    files.push_back(item.palette);
+    return !isNewest(item, files);
 }
 
 std::string tm_failure(const tm_Item &item)

@@ -1,13 +1,17 @@
 #include "thumbmake/tm_Library.h"
 
-#include "UT/UT_Process.h"
 #include "thumbmake/tm_Options.h"
 #include "thumbmake/tm_Text.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <set>
 #include <system_error>
+
+#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
@@ -19,6 +23,17 @@ bool isPalette(const std::string &name)
 {
     return name.size() > SUFFIX.size() &&
            name.compare(name.size() - SUFFIX.size(), SUFFIX.size(), SUFFIX) == 0;
+}
+
+// A folder that ".." leaves may be a link; only the file system knows what lies above it.
+bool leavesFolders(const fs::path &path)
+{
+    return std::find(path.begin(), path.end(), "..") != path.end();
+}
+
+fs::path shortened(const fs::path &path)
+{
+    return leavesFolders(path) ? path : path.lexically_normal();
 }
 
 class Search
@@ -35,14 +50,24 @@ public:
         std::error_code error;
         const fs::file_status status = fs::status(input, error);
         if (fs::is_directory(status))
-            takeFolder(input, myHere / input);
+            takeFolder(input, absolute(input));
         else if (fs::exists(status))
-            takePalette(input, myHere / input, fs::path(input).filename());
+            takePalette(input, absolute(fs::path(input).parent_path()) / fs::path(input).filename(),
+                        fs::path(input).filename());
         else
             report(input, error ? error.message() : "no such file or folder");
     }
 
 private:
+    // Of a folder that is there.
+    fs::path absolute(const fs::path &folder) const
+    {
+        const fs::path path = myHere / folder;
+        std::error_code error;
+        const fs::path real = leavesFolders(path) ? fs::canonical(path, error) : fs::path();
+        return real.empty() ? path.lexically_normal() : real;
+    }
+
     // Folder by folder, without recursion however deep they lie.
     void takeFolder(const std::string &input, const fs::path &top)
     {
@@ -66,7 +91,9 @@ private:
              entry.increment(error)) {
             const std::string name = entry->path().filename();
             std::error_code ignored;
-            if (entry->is_directory(ignored) && !entry->is_symlink(ignored) && name[0] != '.')
+            if (name[0] == '.') // also what editors lay beside a palette
+                continue;
+            if (entry->is_directory(ignored) && !entry->is_symlink(ignored))
                 folders.push_back(below / name);
             else if (isPalette(name) && !entry->is_directory(ignored))
                 palettes.push_back(below / name);
@@ -82,16 +109,20 @@ private:
     void takePalette(const fs::path &name, const fs::path &palette, const fs::path &mirrored)
     {
         tm_Item item;
-        item.name = name.lexically_normal();
-        item.palette = palette.lexically_normal();
+        item.name = shortened(name);
+        item.palette = palette;
         if (tm_hasControl(item.palette) || tm_hasControl(myOptions.output))
             return report(item.name, "a control character in the name");
-        std::error_code error;
-        if (!fs::exists(palette, error)) // a link; ninja would stop at it
-            return report(item.name, error ? error.message() : "a link that leads nowhere");
+        struct stat info = {};
+        if (stat(palette.c_str(), &info) != 0) // a link; ninja would stop at it
+            return report(item.name, errno == ENOENT ? "a link that leads nowhere"
+                                                     : std::strerror(errno));
+        if (info.st_mtime > myNow)
+            myLibrary.warnings.push_back(tm_printable(item.name) +
+                                         ": dated in the future, so made again each time");
         item.picture = pictureOf(item.palette);
         if (!myOptions.output.empty())
-            item.picture = (myHere / myOptions.output / pictureOf(mirrored)).lexically_normal();
+            item.picture = absolute(myOptions.output) / pictureOf(mirrored);
         if (!myPictures.insert(item.picture).second)
             return myPalettes.count(item.palette) != 0
                        ? void()
@@ -109,15 +140,15 @@ private:
         return palette.substr(0, length) + "." + myOptions.format;
     }
 
-    void report(std::string name, const std::string &why)
+    void report(const std::string &name, const std::string &why)
     {
-        UTmakePrintable(name.data(), name.size());
-        myLibrary.problems.push_back(name + ": " + why);
+        myLibrary.problems.push_back(tm_printable(name) + ": " + why);
     }
 
     const tm_Options &myOptions;
     const fs::path myHere;
     const std::string &myCache;
+    const time_t myNow = time(nullptr);
     tm_Library &myLibrary;
     std::set<std::string> myPictures, myPalettes;
 };

@@ -17,6 +17,7 @@ struct tm_Item {
 struct tm_Library {
     std::vector<tm_Item> items;        // by their names, folder by folder
     std::vector<std::string> problems; // "NAME: why": what was found and cannot be made
+    std::vector<std::string> warnings; // likewise, of what will be made
 };
 
 // Looks at the inputs: files as they are, in folders all that ends in .palette, at any

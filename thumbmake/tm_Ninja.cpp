@@ -126,6 +126,7 @@ private:
         close(ends[0]);
         close(ends[1]);
         signal(SIGINT, SIG_DFL);
+        unsetenv("CLICOLOR_FORCE"); // its lines are read here
         setenv("NINJA_STATUS", "[%f/%t] ", 1);
         const std::string manifest = cache + MANIFEST;
         std::vector<const char *> words = {"ninja", "-f", manifest.c_str()};

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <initializer_list>
+#include <string_view>
 
 namespace
 {
@@ -40,6 +42,34 @@ bool take(tm_Options &options, const std::string &value, std::string &)
     return parseNumber(value, LEAST, MOST, options.*NUMBER);
 }
 
+using Words = std::initializer_list<std::string_view>;
+
+// thumbrender looks at a word's beginning only, and takes any other for its default.
+bool begins(Words words, const std::string &value)
+{
+    return !value.empty() && std::any_of(words.begin(), words.end(), [&](std::string_view word) {
+        return word.substr(0, value.size()) == value;
+    });
+}
+
+bool takeShape(tm_Options &options, const std::string &value, std::string &)
+{
+    options.geometry = value;
+    return begins({"sphere", "grid", "cylinder", "teapot"}, value);
+}
+
+bool takeRenderer(tm_Options &options, const std::string &value, std::string &)
+{
+    options.renderer = value;
+    return begins({"vaskel", "prman", "entropy", "rdc", "render", "mi"}, value);
+}
+
+bool takeQuality(tm_Options &options, const std::string &value, std::string &)
+{
+    options.quality = value;
+    return value == "draft" || value == "default" || value == "final";
+}
+
 bool takeFormat(tm_Options &options, const std::string &value, std::string &)
 {
     options.format = value;
@@ -61,14 +91,14 @@ bool takeChunk(tm_Options &options, const std::string &value, std::string &)
 }
 
 constexpr UT_Option<tm_Options> ROWS[] = {
-    {"-g", nullptr, "TYPE", take<&tm_Options::geometry>, "shape: sphere, grid, cylinder or teapot"},
+    {"-g", nullptr, "TYPE", takeShape, "shape: sphere, grid, cylinder or teapot"},
     {"-b", nullptr, nullptr, set<&tm_Options::hasBackground, false>, "no background"},
     {"-s", nullptr, nullptr, set<&tm_Options::hasShadows, false>, "no shadows"},
-    {"-r", nullptr, "RENDERER", take<&tm_Options::renderer>, "as for thumbrender"},
+    {"-r", nullptr, "RENDERER", takeRenderer, "vaskel, prman, entropy, rdc or mi"},
     {"--size", nullptr, "N", take<&tm_Options::size, 1, LARGEST_SIZE>,
      "pixels of the longer side (vaskel)"},
     {"--format", nullptr, "F", takeFormat, "jpg or png (vaskel)"},
-    {"--quality", nullptr, "Q", take<&tm_Options::quality>, "draft, default or final (vaskel)"},
+    {"--quality", nullptr, "Q", takeQuality, "draft, default or final (vaskel)"},
     {"-o", nullptr, "FOLDER", take<&tm_Options::output>,
      "put pictures there, in folders as the palettes' (vaskel)"},
     {"-j", nullptr, "N", take<&tm_Options::jobs, 1, MOST_JOBS>,
@@ -78,12 +108,12 @@ constexpr UT_Option<tm_Options> ROWS[] = {
     {"-n", nullptr, nullptr, set<&tm_Options::isDryRun, true>, "only say what would be made"},
     {"--force", nullptr, nullptr, set<&tm_Options::isForced, true>, "make all pictures again"},
     {"--delete-on-error", nullptr, nullptr, set<&tm_Options::deletesOnError, true>,
-     "remove the old picture of a palette that fails"},
+     "remove a picture that is older than its palette or its shader when that fails"},
     {"-q", nullptr, nullptr, set<&tm_Options::isQuiet, true>, "say nothing but failures"},
     {"-v", nullptr, nullptr, set<&tm_Options::isVerbose, true>,
      "a line for each picture, on a terminal too"},
     {"--page", nullptr, "FOLDER", take<&tm_Options::page>,
-     "then write FOLDER/index.html, which shows the pictures"},
+     "then, with -n too, write FOLDER/index.html, which shows the pictures"},
     {"--submit", nullptr, "ENGINE", takeEngine, "have a farm make them (see below)"},
     {"--wait", nullptr, nullptr, set<&tm_Options::waits, true>,
      "with --submit slurm: wait for the end and say what became of all"},
@@ -104,6 +134,8 @@ const char *complaint(const tm_Options &options)
         return "--chunk expected one list";
     if (options.waits && options.submit != "slurm")
         return "--wait goes with --submit slurm";
+    if (!options.submit.empty() && !options.page.empty() && !options.waits)
+        return "--page needs the pictures: with --submit it goes with --wait";
     return nullptr;
 }
 } // namespace

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 
 #include <fcntl.h>
@@ -60,6 +61,18 @@ std::string tm_printable(std::string text)
 {
     UTmakePrintable(text.data(), text.size());
     return text;
+}
+
+int tm_fail(const std::string &message)
+{
+    std::fprintf(stderr, "thumbmake: error: %s\n", tm_printable(message).c_str());
+    return 1;
+}
+
+int tm_print(const std::string &text)
+{
+    const bool isGood = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+    return isGood ? 0 : tm_fail(std::string("cannot write: ") + std::strerror(errno));
 }
 
 std::string tm_grouped(long number)

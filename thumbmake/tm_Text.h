@@ -22,6 +22,12 @@ bool tm_hasControl(std::string_view text);
 // For people's eyes: UTmakePrintable() on a copy.
 std::string tm_printable(std::string text);
 
+// "thumbmake: error: MESSAGE" on standard error, printable; returns 1, a program's status.
+int tm_fail(const std::string &message);
+
+// Writes to standard output now; 0, or tm_fail() with the reason.
+int tm_print(const std::string &text);
+
 // 1234567 as "1,234,567"; 64 bits as 16 hexadecimal digits.
 std::string tm_grouped(long number);
 std::string tm_hex(std::uint64_t number);

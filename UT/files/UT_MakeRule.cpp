@@ -2,12 +2,33 @@
 
 #include "UT/UT_Environment.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 namespace
 {
 constexpr size_t LINE_LENGTH = 72;
+
+// A word up to a blank or the line's end at `at`.
+std::string takeWord(std::string_view text, size_t &at)
+{
+    std::string word;
+    for (; at < text.size(); ++at) {
+        const size_t run = std::min(text.find_first_not_of('\\', at), text.size()) - at;
+        at += run;
+        const char next = at < text.size() ? text[at] : '\n';
+        const bool isBlank = next == ' ' || next == '\t';
+        word.append(isBlank ? run / 2 : next == '\n' || next == '#' ? run - run % 2 : run, '\\');
+        if (next == '\n' || (isBlank && run % 2 == 0))
+            break;
+        if (text.substr(at, 2) == "$$")
+            ++at;
+        word += next;
+    }
+    return word;
 }
+} // namespace
 
 // In front of a blank make halves the backslashes, elsewhere it keeps them.
 std::string UTquoteForMake(const std::string &name)
@@ -41,6 +62,22 @@ std::string UTmakeRule(const std::string &targets, const std::vector<std::string
         column += 1 + name.size();
     }
     return rule + '\n';
+}
+
+std::vector<std::string> UTfilesOfMakeRules(const std::string &text)
+{
+    std::vector<std::string> files;
+    bool isTarget = true;
+    for (size_t at = 0; at < text.size(); ++at) {
+        const std::string word = takeWord(text, at);
+        if (isTarget)
+            isTarget = word.empty() || word.back() != ':';
+        else if (!word.empty())
+            files.push_back(word);
+        if (at < text.size() && text[at] == '\n' && (at == 0 || text[at - 1] != '\\'))
+            isTarget = true;
+    }
+    return files;
 }
 
 bool UTaddPictureRule(const std::string &picture, const std::vector<std::string> &files,
