@@ -7,6 +7,7 @@
 #include "vaskel/scene/vk_Line.h"
 
 #include <algorithm>
+#include <sstream>
 
 namespace
 {
@@ -97,16 +98,30 @@ constexpr UT_Option<vk_Options> ROWS[] = {
 constexpr UT_OptionTable<vk_Options> OPTIONS = ROWS;
 
 // Only options: the scene is the caller's.
-bool takeEnvironment(vk_Options &options, std::string &error)
+bool takeWords(const vk_Words &words, vk_Options &options, std::string &error)
 {
-    const char *const text = UTgetenv(VARIABLE);
-    vk_Words words;
-    bool good = text == nullptr || vk_splitLine(text, words, error);
+    bool good = true;
     for (std::size_t i = 0; good && i < words.size(); ++i) {
         good = OPTIONS.isOption(words[i]) && OPTIONS.take(words, i, options, error);
         if (!good && error.empty())
             error = "expected options, found " + vk_quoted(words[i]);
     }
+    return good;
+}
+
+// Line by line: a comment or an open quote in somebody's own text ends with its line and
+// cannot swallow what a program adds.
+bool takeEnvironment(vk_Options &options, std::string &error)
+{
+    const char *const variable = UTgetenv(VARIABLE);
+    vk_Words words, line;
+    std::istringstream text(variable != nullptr ? variable : "");
+    bool good = true;
+    for (std::string part; good && std::getline(text, part);) {
+        good = vk_splitLine(part, line, error);
+        words.insert(words.end(), line.begin(), line.end());
+    }
+    good = good && takeWords(words, options, error);
     if (!good)
         error = std::string(VARIABLE) + ": " + error;
     return good;

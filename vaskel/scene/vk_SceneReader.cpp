@@ -274,13 +274,19 @@ bool vk_SceneReader::doPicture()
     // the later name.
     const bool isFirst = myScene->picture.empty();
     myScene->picture = name;
-    return isFirst || wrong("picture expected only once in a scene");
+    if (!isFirst)
+        return wrong("picture expected only once in a scene");
+    return keepComment("picture " + name.substr(name.rfind('/') + 1)); // npos + 1 is 0
 }
 
 bool vk_SceneReader::doComment()
 {
     const std::size_t start = myLine.find_first_not_of(" \t", myLine.find("comment") + 7);
-    std::string text = start == std::string::npos ? "" : myLine.substr(start);
+    return keepComment(start == std::string::npos ? "" : myLine.substr(start));
+}
+
+bool vk_SceneReader::keepComment(std::string text)
+{
     if (myScene->comment.size() + text.size() >= VK_LONGEST_COMMENT)
         return wrong("comment expected texts of at most " + std::to_string(VK_LONGEST_COMMENT) +
                      " bytes together");

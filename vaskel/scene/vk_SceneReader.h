@@ -77,6 +77,7 @@ private:
     void loadShaders();
 
     bool doPicture();
+    bool keepComment(std::string text);
     bool doComment();
     bool doSize();
     bool doSamples();
