@@ -190,8 +190,9 @@ def zsh(name, help_text, args):
 def fish(name, help_text, args):
     lines = [f"# fish completion for {name}"]
     for spelling, entry in spellings(help_text):
-        kind = "-l" if spelling.startswith("--") else "-s"
-        line = f"complete -c {name} {kind} {spelling.lstrip('-')} -d {quoted(entry.summary)}"
+        name_of_option = spelling.lstrip("-")
+        kind = "-l" if spelling.startswith("--") else "-s" if len(name_of_option) == 1 else "-o"
+        line = f"complete -c {name} {kind} {name_of_option} -d {quoted(entry.summary)}"
         if entry.words:
             line += f" -x -a {quoted(' '.join(entry.words))}"
         elif entry.value:

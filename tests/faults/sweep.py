@@ -4,6 +4,7 @@ import concurrent.futures
 import errno
 import itertools
 import os
+import re
 import signal
 import threading
 
@@ -11,7 +12,7 @@ from place import Place
 
 # What is hindered in each kind of call; the errors are those that fit.
 CALLS = {
-    "open": "EACCES EMFILE ENOMEM EINTR EIO ENOSPC ENOENT", "read": "EIO EINTR",
+    "open": "EACCES EMFILE ENOMEM EINTR EIO ENOSPC ENOENT EOPNOTSUPP", "read": "EIO EINTR",
     "write": "EIO ENOSPC EINTR EPIPE", "close": "EIO EINTR", "rename": "EIO ENOSPC EACCES",
     "link": "EIO ENOSPC EPERM", "unlink": "EIO EACCES", "stat": "EIO EACCES",
     "access": "EIO EACCES", "mmap": "ENOMEM", "brk": "ENOMEM", "mprotect": "ENOMEM",
@@ -29,7 +30,12 @@ SIGNALS = "INT TERM HUP QUIT PIPE ALRM USR1 USR2 XCPU XFSZ ABRT SEGV"
 # draw what is left; others may.
 INCOMPLETE = b"Unable to include"
 
-# A command whose `program` is hindered; `picture` is what it makes, None for its output.
+# What one machine of a farm does, with the list that the asking one wrote.
+CHUNK = ('thumbmake --submit parallel x.palette >/dev/null && '
+         'thumbmake --chunk 1/1 "$XDG_CACHE_HOME"/veldrin/thumbmake/lists/*/list')
+
+# A command whose `program` is hindered; `picture` is what it makes (names between blanks),
+# None for its output.
 Job = collections.namedtuple("Job", "name program command picture stdin tiny")
 JOBS = [
     Job("vcpp", "vcpp", ["vcpp", "-DX=1", "main.in"], None, None, False),
@@ -43,6 +49,9 @@ JOBS = [
     Job("vaskel", "vaskel", ["vaskel", "scene"], "x.jpg", None, False),
     Job("vaskel -", "vaskel", ["vaskel", "-"], "x.jpg", "scene", False),
     Job("thumbmake", "thumbmake", ["thumbmake", "x.palette"], "x.jpg", None, False),
+    Job("thumbmake --page", "thumbmake", ["thumbmake", "--page", ".", "x.palette"],
+        "x.jpg index.html", None, False),
+    Job("thumbmake --chunk", "thumbmake", ["sh", "-c", CHUNK], "x.jpg", None, False),
 ]
 TABLE = "%-27s %-9s %6d %5d  %s"
 MOST_SHOWN = 20 # wrong places of a row
@@ -79,14 +88,21 @@ class Sweep:
         self.place = Place(folder, programs, tiny=job.tiny)
         run = self.execute(None)
         self.output = run.out
-        self.picture = job.picture and self.place.snapshot()["work/" + job.picture]
-        if run.status != 0 or run.err or self.place.changes(self.own()) or (
-                job.picture and self.picture == self.place.before["work/" + job.picture]):
+        self.pictures = self.made()
+        if run.status != 0 or run.err or self.place.changes(self.own()) or any(
+                content == self.place.before.get(name)
+                for name, content in self.pictures.items()):
             raise SystemExit("%s does not work unhindered: %s" % (job.name, run))
         self.place.reset()
 
     def own(self):
-        return ("work/" + self.job.picture,) if self.job.picture else ()
+        return ["work/" + name for name in (self.job.picture or "").split()]
+
+    def made(self):
+        """The files that the job makes; a page tells when its pictures were made."""
+        after = self.place.snapshot()
+        return {name: re.sub(r"\d{6,}", "N", str(after.get(name))) if name.endswith(".html")
+                else after.get(name) for name in self.own()}
 
     def execute(self, fault):
         options = {}
@@ -99,7 +115,7 @@ class Sweep:
     def is_right(self, run):
         """All is there that an unhindered run gives."""
         if self.job.picture:
-            return self.place.snapshot().get("work/" + self.job.picture) == self.picture
+            return self.made() == self.pictures
         return run.out == self.output
 
     def judge(self, run, fault):
