@@ -86,10 +86,11 @@ bool constantOf(const osl_Node *node, OSL_Value &value)
                 part.floats.push_back(static_cast<float>(part.ints[0]));
                 part.ints.clear();
             }
-            const bool isSpread = node->type.isTripleBased() && part.floats.size() == 1 &&
-                                  (isList ? node->type.isArray() : count == 1);
-            if (isSpread)
-                part.floats.assign(3, part.floats[0]);
+            const bool isSingle = isList ? node->type.isArray() : count == 1;
+            if (isSingle && node->type.isFloatBased() && part.floats.size() == 1) {
+                part.type = osl_Type::FLOAT;
+                static_cast<void>(part.convertTo(node->type.element())); // a number always fits
+            }
             value.ints.insert(value.ints.end(), part.ints.begin(), part.ints.end());
             value.floats.insert(value.floats.end(), part.floats.begin(), part.floats.end());
             value.strings.insert(value.strings.end(), part.strings.begin(), part.strings.end());
@@ -101,8 +102,26 @@ bool constantOf(const osl_Node *node, OSL_Value &value)
     }
 }
 
+template <class T>
+void repeat(std::vector<T> &items, int times)
+{
+    const std::vector<T> once = items;
+    for (int i = 1; i < times; ++i)
+        items.insert(items.end(), once.begin(), once.end());
+}
+
 bool valueOf(const osl_Node *node, const osl_Type &type, OSL_Value &value)
 {
+    const bool isFilled = type.isArray() && node != nullptr && node->kind != osl_Node::COMPOUND;
+    if (isFilled && !node->type.isArray()) { // by one value
+        if (!valueOf(node, type.element(), value))
+            return false;
+        value.type = type.arrayOf(std::max(type.array, 1));
+        repeat(value.ints, type.array);
+        repeat(value.floats, type.array);
+        repeat(value.strings, type.array);
+        return true;
+    }
     if (node == nullptr || type.isStruct() || type.isClosure || !constantOf(node, value))
         return false;
     const size_t numbers = value.ints.size() + value.floats.size() + value.strings.size();

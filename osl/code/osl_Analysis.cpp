@@ -6,6 +6,7 @@
 // grow until nothing changes. Registers whose time of use does not meet share a place.
 #include "osl/code/osl_Generator.h"
 
+#include "osl/code/osl_Masks.h"
 #include "osl/code/osl_OpClass.h"
 #include "osl/lib/osl_Noise.h"
 
@@ -53,6 +54,7 @@ private:
 
     osl_Made &myMade;
     osl_Registers &myRegisters;
+    std::unique_ptr<osl_Masks> myMasks;
     std::unique_ptr<osl_Code> myCode = std::make_unique<osl_Code>();
 };
 
@@ -154,8 +156,8 @@ bool Analysis::spreadVarying()
         for (int k = 0; k < results; ++k) {
             if (arguments[k] < 0 || rootOf(arguments[k]).isVarying)
                 continue;
-            const bool isPartial =
-                rootOf(arguments[k]).kind != osl_Registers::TEMPORARY && isVaryingRegion(region);
+            const bool isPartial = rootOf(arguments[k]).kind != osl_Registers::TEMPORARY &&
+                                   (k == 0 ? myMasks->isNeeded(i) : isVaryingRegion(region));
             if (rootOf(arguments[k]).kind != osl_Registers::CONSTANT &&
                 (isPartial || readsVarying(in)))
                 isChanged = rootOf(arguments[k]).isVarying = true;
@@ -215,8 +217,8 @@ void Analysis::flag()
         else
             in.isUniform = hasResult && !rootOf(arguments[0]).isVarying && !readsVarying(in);
         in.hasDerivatives = hasResult && rootOf(arguments[0]).hasDerivatives;
-        in.isMasked = hasResult && isVaryingRegion(myMade.regions[i]) &&
-                      rootOf(arguments[0]).kind != osl_Registers::TEMPORARY;
+        in.isMasked = hasResult && rootOf(arguments[0]).kind != osl_Registers::TEMPORARY &&
+                      myMasks->isNeeded(i);
         // A varying register that is written from uniform ones still has all lanes.
         if (hasResult && rootOf(arguments[0]).isVarying)
             in.isUniform = false;
@@ -373,13 +375,14 @@ osl_Operand Analysis::operandOf(int reg) const
 
 std::unique_ptr<osl_Code> Analysis::run()
 {
+    findUses();
+    myMasks = std::make_unique<osl_Masks>(myMade, myRegisters);
     markSources();
     while (spreadVarying()) {
     }
     while (spreadDerivatives()) {
     }
     flag();
-    findUses();
     extendOverLoops();
     place();
     for (int &reg : myMade.globals) {

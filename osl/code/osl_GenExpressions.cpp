@@ -366,7 +366,31 @@ osl_Ref osl_Generator::genOperator(const Node *node, const osl_Ref &l, const osl
     if (row.isComparison)
         type = osl_Type::INT;
     // A single number stands for three; what is computed has the larger size.
+    if (row.floats == OSL_ADD || row.floats == OSL_SUB)
+        return value(type, emitSum(row.floats, type, left.reg, right.reg));
     return value(type, emit(row.floats, type, {left.reg, right.reg}));
+}
+
+// Whether the last instruction made this product, and nobody else reads it.
+bool osl_Generator::isNewProduct(int reg, int words) const
+{
+    if (myMade.instructions.empty() || !isFresh(reg) || myRegisters[reg].words != words)
+        return false;
+    const osl_Instruction &maker = myMade.instructions.back();
+    return maker.op == OSL_MUL && myMade.arguments[static_cast<size_t>(maker.first)] == reg;
+}
+
+// A sum or difference; with a product in it, all in one instruction.
+int osl_Generator::emitSum(osl_Op op, const osl_Type &type, int left, int right)
+{
+    const bool isRight = isNewProduct(right, type.components());
+    if (!isRight && !isNewProduct(left, type.components()))
+        return emit(op, type, {left, right});
+    const int *factors = &myMade.arguments[static_cast<size_t>(last().first) + 1];
+    const std::vector<int> arguments{factors[0], factors[1], isRight ? left : right};
+    myMade.instructions.pop_back();
+    const osl_Op with = op == OSL_ADD ? OSL_MULADD : isRight ? OSL_SUBMUL : OSL_MULSUB;
+    return emit(with, type, arguments);
 }
 
 osl_Ref osl_Generator::genMatrixOperator(int punct, osl_Ref left, osl_Ref right)

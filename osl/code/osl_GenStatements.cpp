@@ -4,15 +4,6 @@
 
 #include <algorithm>
 
-namespace
-{
-// What a number becomes that fills an array.
-osl_Type filling(const osl_Type &number, const osl_Type &array)
-{
-    return number.isInt() && array.isFloatBased() ? osl_Type(osl_Type::FLOAT) : number;
-}
-} // namespace
-
 osl_Generator::osl_Generator(const osl_Tree &tree, const osl_Messages &messages,
                              const std::vector<OSL_Binding> &bindings)
     : myTree(tree), myMessages(messages), myBindings(bindings)
@@ -203,9 +194,11 @@ void osl_Generator::genParameter(const Node *node)
                     ? genCompound(node->a, type)
                     : gen(node->a);
         value = bindFields(value, name);
-        // "float a = 1" is as known as "float a = 1.0"; one number fills an array.
-        if (!value.isStruct() && !type.isStruct() && !type.isClosure && !value.type.isArray())
-            value = convert(value, type.isArray() ? filling(value.type, type) : type);
+        // "float a = 1" is as known as "float a = 1.0"; one value fills an array.
+        const bool isSingle =
+            !value.isStruct() && !type.isStruct() && !type.isClosure && !value.type.isArray();
+        if (isSingle)
+            value = type.isArray() ? filled(value, type) : convert(value, type);
     }
     if (type.array == osl_Type::UNSIZED)
         type.array = std::max(value.type.array, 1);
@@ -327,53 +320,63 @@ void osl_Generator::genIf(const Node *node)
     genStatement(node->b);
     closeRegion();
     const int middle = here();
-    emitInto(OSL_ELSE, -1, {condition});
-    openRegion(osl_Region::BRANCH, condition);
-    if (node->c != nullptr)
+    if (node->c != nullptr) {
+        emitInto(OSL_ELSE, -1, {condition});
+        openRegion(osl_Region::BRANCH, condition);
         genStatement(node->c);
-    closeRegion();
+        closeRegion();
+    }
     emitInto(OSL_ENDIF, -1, {condition});
     if (isOver())
         return;
+    // To the ENDIF itself where there is nothing else.
     myMade.instructions[static_cast<size_t>(start)].target = middle;
     myMade.instructions[static_cast<size_t>(middle)].target = here() - 1;
 }
 
-// LOOP, [test, LOOP_TEST], body, LOOP_STEP (where `continue` goes on), step, LOOP_END
+// LOOP, body, [LOOP_STEP (where `continue` goes on)], step, [test, LOOP_TEST], LOOP_END.
+// LOOP goes to the test where that comes first, LOOP_TEST back to the body.
 void osl_Generator::genLoop(const Node *node)
 {
     genList(node->a);
     emitInto(OSL_LOOP, -1, {});
     const int start = here() - 1;
     openRegion(osl_Region::LOOP, -1);
-    const int region = myRegion;
-    const auto test = [&] {
-        const int condition = truth(gen(node->b));
-        myMade.tree[static_cast<size_t>(region)].condition = condition;
-        emitInto(OSL_LOOP_TEST, -1, {condition});
-        return here() - 1;
-    };
-    int tested = -1;
-    if (node->punct != Node::DO && node->b != nullptr)
-        tested = test();
     genStatement(node->d);
     const int step = here();
-    emitInto(OSL_LOOP_STEP, -1, {});
+    if (isLeftWithin(start)) // else all come to the end of the body
+        emitInto(OSL_LOOP_STEP, -1, {});
     if (node->c != nullptr)
         genEffect(node->c);
-    if (node->punct == Node::DO && node->b != nullptr)
-        tested = test();
+    const int test = here();
+    if (node->b != nullptr) {
+        const int condition = truth(gen(node->b));
+        myMade.tree[static_cast<size_t>(myRegion)].condition = condition;
+        emitInto(OSL_LOOP_TEST, -1, {condition});
+        last().target = start + 1;
+    }
     emitInto(OSL_LOOP_END, -1, {});
     const int end = here() - 1;
+    last().target = start + 1;
     closeRegion();
     if (isOver())
         return;
-    myMade.instructions[static_cast<size_t>(end)].target = start + 1;
-    myMade.instructions[static_cast<size_t>(step)].target = end;
+    const bool isTestedFirst = node->punct != Node::DO && node->b != nullptr;
+    myMade.instructions[static_cast<size_t>(start)].target = isTestedFirst ? test : start + 1;
+    if (myMade.instructions[static_cast<size_t>(step)].op == OSL_LOOP_STEP)
+        myMade.instructions[static_cast<size_t>(step)].target = end;
     aim(OSL_BREAK, start, step);
     aim(OSL_CONTINUE, start, step);
-    if (tested >= 0)
-        myMade.instructions[static_cast<size_t>(tested)].target = end;
+}
+
+// Whether points may leave the stretch of code from `start` on before its end.
+bool osl_Generator::isLeftWithin(int start) const
+{
+    return std::any_of(myMade.instructions.begin() + start, myMade.instructions.end(),
+                       [](const osl_Instruction &in) {
+                           return in.op == OSL_BREAK || in.op == OSL_CONTINUE ||
+                                  in.op == OSL_RETURN || in.op == OSL_EXIT;
+                       });
 }
 
 // Sets the targets of an operation from `start` on; inner ones have theirs already.

@@ -216,3 +216,23 @@ osl_Ref osl_Generator::zero(const osl_Type &type)
     }
     return ref;
 }
+
+// An array whose elements all have one value.
+osl_Ref osl_Generator::filled(const osl_Ref &from, const osl_Type &array)
+{
+    const osl_Type type = array.arrayOf(std::max(array.array, 1));
+    const osl_Ref item = convert(from, type.element());
+    const int words = type.components();
+    if (!myRegisters.isConstant(item.reg) || type.array > MAX_WORDS / words) {
+        osl_Ref made = variable(type, osl_Registers::VARIABLE);
+        for (int i = 0; i < type.array && !isOver(); ++i)
+            assign(element(made, myRegisters.intConstant(i), ""), item);
+        return made;
+    }
+    std::vector<int> all;
+    for (int i = 0; i < type.array; ++i) {
+        const int *data = myRegisters.data(item.reg);
+        all.insert(all.end(), data, data + words);
+    }
+    return value(type, myRegisters.constant(type, all));
+}

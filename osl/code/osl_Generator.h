@@ -105,6 +105,7 @@ private:
     void copy(int to, int from);
     bool retarget(int to, int from);
     osl_Ref zero(const osl_Type &type);
+    osl_Ref filled(const osl_Ref &value, const osl_Type &array);
     bool isFresh(int reg) const;
     void name(const osl_Ref &ref); // what is fresh in it becomes a variable
 
@@ -121,6 +122,8 @@ private:
     osl_Ref genStep(const Node *node, bool isPrefix);
     osl_Ref genBinary(const Node *node);
     osl_Ref genOperator(const Node *node, const osl_Ref &left, const osl_Ref &right);
+    int emitSum(osl_Op op, const osl_Type &type, int left, int right);
+    bool isNewProduct(int reg, int words) const;
     osl_Ref genMatrixOperator(int punct, osl_Ref left, osl_Ref right);
     osl_Ref genClosureOperator(int punct, osl_Ref left, osl_Ref right);
     osl_Ref genLogical(const Node *node);
@@ -152,6 +155,7 @@ private:
     int openRegion(osl_Region::Kind kind, int condition);
     void closeRegion();
     void aim(osl_Op op, int start, int target);
+    bool isLeftWithin(int start) const;
     osl_Instruction &last() { return myMade.instructions.back(); }
     int here() const { return static_cast<int>(myMade.instructions.size()); }
     bool isOver() const;

@@ -8,7 +8,7 @@
 inline bool osl_isByComponent(osl_Op op)
 {
     return op == OSL_COPY || op == OSL_COPYI || (op >= OSL_ADDI && op <= OSL_ORI) ||
-           (op >= OSL_ADD && op <= OSL_NEG) || (op >= OSL_RADIANS && op <= OSL_SMOOTHSTEP) ||
+           (op >= OSL_ADD && op <= OSL_SUBMUL) || (op >= OSL_RADIANS && op <= OSL_SMOOTHSTEP) ||
            (op >= OSL_ERF && op <= OSL_ERFC);
 }
 

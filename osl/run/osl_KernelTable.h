@@ -139,6 +139,9 @@ private:
         binary<Mul>(OSL_MUL);
         binary<Div>(OSL_DIV);
         unary<Neg>(OSL_NEG);
+        ternary<MulAdd>(OSL_MULADD);
+        ternary<MulSub>(OSL_MULSUB);
+        ternary<SubMul>(OSL_SUBMUL);
         set.plain[OSL_EQ] = &Comparison<Eq, false, N, W>::run;
         set.plain[OSL_NE] = &Comparison<Ne, true, N, W>::run;
         order<Lt>(OSL_LT);

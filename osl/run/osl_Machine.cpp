@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 const osl_Machine::ActRow osl_Machine::ACTS[] = {
     {OSL_ELEMENT, &osl_Machine::element},
@@ -63,7 +64,8 @@ osl_Machine::osl_Machine(std::shared_ptr<const OSL_Program> program, OSL_Rendere
       myMessages(static_cast<size_t>(width))
 {
     constexpr size_t ALIGNMENT = 64;
-    const size_t words = static_cast<size_t>(myCode.words) * static_cast<size_t>(width);
+    const size_t words =
+        static_cast<size_t>(myCode.words + 3 * MOST_BESIDE) * static_cast<size_t>(width);
     myStorage.assign(words + ALIGNMENT / sizeof(int), 0);
     void *start = myStorage.data();
     size_t room = myStorage.size() * sizeof(int);
@@ -119,11 +121,12 @@ void osl_Machine::prepare()
         }
         step.in = &in;
         step.operands = operands(in);
-        step.extraCost = (static_cast<unsigned>(in.words) >> 4) + costOf(in.op);
+        step.cost = 1 + (static_cast<unsigned>(in.words) >> 4) + costOf(in.op);
         step.isPlain =
             step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked && !in.isSpread;
         mySteps.push_back(step);
     }
+    prepareBeside();
     for (const osl_CodeOutput &from : myCode.outputs) {
         const osl_RegisterInfo &info = myCode.registers[static_cast<size_t>(from.reg)];
         OSL_Output made;
@@ -134,6 +137,22 @@ void osl_Machine::prepare()
         made.stride = myWidth;
         myOutputs.push_back(made);
         myOutputNames.emplace(from.name, &myOutputs.back());
+    }
+}
+
+// Kernels under a mask get a place beside the registers for what they make.
+void osl_Machine::prepareBeside()
+{
+    for (Step &step : mySteps) {
+        if (step.kernel == nullptr || !step.in->isMasked || step.in->words > MOST_BESIDE)
+            continue;
+        myBeside.emplace_back(step.operands, step.operands + step.in->count);
+        osl_Operand &result = myBeside.back()[0];
+        const bool hasDerivatives = result.dx != myCode.zerosAt;
+        result.at = myCode.words;
+        result.dx = hasDerivatives ? result.at + step.in->words : myCode.zerosAt;
+        result.dy = hasDerivatives ? result.dx + step.in->words : myCode.zerosAt;
+        step.beside = myBeside.back().data();
     }
 }
 
@@ -208,49 +227,59 @@ bool osl_Machine::run(const OSL_Points &points)
 
 void osl_Machine::execute()
 {
-    const int end = static_cast<int>(myCode.instructions.size());
     uint64_t done = 0;
+    uint64_t spent = 0;
     myExtraCost = 0;
     int at = 0;
-    while (at >= 0 && at < end && !isStopped) {
+    while (at >= 0 && !isStopped) {
         const Step &step = mySteps[static_cast<size_t>(at)];
         ++done;
         // Long registers count by their length, so that the time is bounded as well.
-        if (done + myExtraCost > MAX_INSTRUCTIONS)
+        spent += step.cost;
+        if (spent > MAX_INSTRUCTIONS)
             stop("takes too long: a loop without end?");
-        myExtraCost += step.extraCost;
         if (step.isPlain) {
             step.kernel(myMemory, *step.in, step.operands);
             ++at;
             continue;
         }
-        In in = *step.in;
-        if (in.op >= OSL_IF) {
-            at = control(in, at);
+        if (step.in->op >= OSL_IF) {
+            at = control(*step.in, at);
             continue;
         }
-        doStep(in, step);
+        doStep(step);
+        spent += std::exchange(myExtraCost, 0);
         ++at;
     }
     myDone += done * static_cast<uint64_t>(__builtin_popcount(myFull));
 }
 
-void osl_Machine::doStep(In in, const Step &step)
+void osl_Machine::doStep(const Step &step)
 {
-    const bool isSaved = in.isMasked && myMask != myFull;
-    if (isSaved)
+    In in = *step.in;
+    const bool isPartial = in.isMasked && myMask != myFull;
+    if (isPartial && step.beside != nullptr)
+        return doBeside(step);
+    if (isPartial)
         saveResult(in);
-    const osl_Operand *o = operands(in);
     if (step.kernel != nullptr)
-        step.kernel(myMemory, in, o);
+        step.kernel(myMemory, in, step.operands);
     else if (step.act != nullptr)
         (this->*step.act)(in);
     if (step.clearsDerivatives)
-        clearDerivatives(in);
+        clearDerivatives(step.operands[0], in.words);
     if (in.isSpread)
-        broadcast(o[0], in.words);
-    if (isSaved)
+        broadcast(step.operands[0], in.words);
+    if (isPartial)
         restoreResult(in);
+}
+
+void osl_Machine::doBeside(const Step &step)
+{
+    step.kernel(myMemory, *step.in, step.beside);
+    if (step.clearsDerivatives)
+        clearDerivatives(step.beside[0], step.in->words);
+    copyLanesOn(step.operands[0], step.beside[0], step.in->words);
 }
 
 // From the first lane to all.
@@ -265,13 +294,40 @@ void osl_Machine::broadcast(const osl_Operand &operand, int count)
     }
 }
 
-void osl_Machine::clearDerivatives(In in)
+void osl_Machine::clearDerivatives(const osl_Operand &result, int count)
 {
-    const osl_Operand &result = operands(in)[0];
     if (result.dx == myCode.zerosAt)
         return;
     for (const int at : {result.dx, result.dy})
-        std::fill_n(words(at), static_cast<size_t>(in.words) * static_cast<size_t>(myWidth), 0);
+        std::fill_n(words(at), static_cast<size_t>(count) * static_cast<size_t>(myWidth), 0);
+}
+
+const int *osl_Machine::lanesOn()
+{
+    if (myLanesOnMask != myMask) {
+        myLanesOnMask = myMask;
+        for (int lane = 0; lane < myWidth; ++lane)
+            myLanesOn[lane] = -static_cast<int>(myMask >> lane & 1);
+    }
+    return myLanesOn;
+}
+
+void osl_Machine::copyLanesOn(const osl_Operand &toOperand, const osl_Operand &fromOperand,
+                              int count)
+{
+    const int *on = lanesOn();
+    const int starts[3][2] = {{toOperand.at, fromOperand.at},
+                              {toOperand.dx, fromOperand.dx},
+                              {toOperand.dy, fromOperand.dy}};
+    const int parts = toOperand.dx != myCode.zerosAt ? 3 : 1;
+    for (int part = 0; part < parts; ++part) {
+        osl_Word *to = words(starts[part][0]);
+        const osl_Word *from = words(starts[part][1]);
+        for (int word = 0; word < count; ++word, to += myWidth, from += myWidth) {
+            for (int lane = 0; lane < myWidth; ++lane)
+                to[lane] = (from[lane] & on[lane]) | (to[lane] & ~on[lane]);
+        }
+    }
 }
 
 void osl_Machine::saveResult(In in)
@@ -291,15 +347,13 @@ void osl_Machine::restoreResult(In in)
 {
     const osl_Operand &result = operands(in)[0];
     const bool hasDerivatives = result.dx != myCode.zerosAt;
-    int keep[32];
-    for (int lane = 0; lane < myWidth; ++lane)
-        keep[lane] = -static_cast<int>(myMask >> lane & 1);
+    const int *on = lanesOn();
     const int *saved = mySaved.data();
     for (const int at : {result.at, result.dx, result.dy}) {
         osl_Word *to = words(at);
         for (int word = 0; word < in.words; ++word, to += myWidth, saved += myWidth) {
             for (int lane = 0; lane < myWidth; ++lane)
-                to[lane] = (to[lane] & keep[lane]) | (saved[lane] & ~keep[lane]);
+                to[lane] = (to[lane] & on[lane]) | (saved[lane] & ~on[lane]);
         }
         if (!hasDerivatives)
             return;

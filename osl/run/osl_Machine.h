@@ -3,7 +3,8 @@
 // A mask says which lanes are on. Conditions and loops that are the same for all
 // points jump; others take lanes away from the mask and give them back behind. Lanes
 // that left a loop, a function or the shader early are dead until that ends. Kernels
-// compute all lanes; under a mask the old values of lanes that are off are put back.
+// compute all lanes; under a mask they do so beside the registers, and the lanes that are
+// on are copied. Long results, and what acts, have the old values of the others put back.
 #pragma once
 
 #include "osl/OSL_Context.h"
@@ -48,9 +49,10 @@ private:
         Act act = nullptr;
         const osl_Instruction *in = nullptr;
         const osl_Operand *operands = nullptr;
-        unsigned extraCost = 0;         // beyond that of a short instruction
-        bool isPlain = false;           // the kernel is all there is to do
-        bool clearsDerivatives = false; // the kernel gives none
+        const osl_Operand *beside = nullptr; // the same with another result, under a mask
+        unsigned cost = 1;                   // in short instructions
+        bool isPlain = false;                // the kernel is all there is to do
+        bool clearsDerivatives = false;      // the kernel gives none
     };
 
     // An open condition, loop or call.
@@ -80,10 +82,12 @@ private:
     static constexpr uint64_t MAX_INSTRUCTIONS = 20000000;
     static constexpr size_t MAX_OUTPUT = size_t(64) << 20;
     static constexpr size_t MAX_MESSAGES = 1000; // set or asked for, at a point
+    static constexpr int MOST_BESIDE = 64;       // words
     static constexpr unsigned GABOR_COST = 4000; // instructions
 
     // ---- The run (osl_Machine.cpp, osl_MachineControl.cpp)
     void prepare();
+    void prepareBeside();
     void loadGlobals(const OSL_Points &points);
     void loadGlobal(int number, const OSL_Varying &from);
     void loadWord(int at, const float *from);
@@ -91,15 +95,18 @@ private:
     int control(In in, int at);
     int doIf(In in, int at);
     int doElse(In in, int at);
-    int doLoop(int at);
+    int doLoop(In in);
     int doLoopTest(In in, int at);
     int doLoopEnd(In in, int at);
     bool leave(Frame::Kind kind, Mask Frame::*lanes);
-    void doStep(In in, const Step &step);
+    void doStep(const Step &step);
+    void doBeside(const Step &step);
+    void copyLanesOn(const osl_Operand &to, const osl_Operand &from, int words);
     void saveResult(In in);
     void restoreResult(In in);
+    const int *lanesOn();
     void broadcast(const osl_Operand &operand, int words);
-    void clearDerivatives(In in);
+    void clearDerivatives(const osl_Operand &result, int words);
     Mask lanesOf(const osl_Operand &condition) const;
     void stop(const std::string &why);
     void sendEvents();
@@ -246,6 +253,9 @@ private:
     uint64_t myExtraCost = 0; // of the run: what took longer than an instruction
     std::vector<Frame> myFrames;
     std::vector<int> mySaved; // results under a mask
+    std::deque<std::vector<osl_Operand>> myBeside;
+    alignas(64) int myLanesOn[32] = {}; // 0 or ~0 for each lane of ...
+    Mask myLanesOnMask = 0;
     Mask myMask = 0;
     Mask myFull = 0;
     Mask myDead = 0;

@@ -18,7 +18,7 @@ int osl_Machine::control(In in, int at)
         }
         return at + 1;
     case OSL_LOOP:
-        return doLoop(at);
+        return doLoop(in);
     case OSL_LOOP_TEST:
         return doLoopTest(in, at);
     case OSL_LOOP_STEP:
@@ -85,10 +85,10 @@ int osl_Machine::doElse(In in, int at)
 }
 
 // In a loop's frame `other` holds the lanes that go round; in a call's those that came.
-int osl_Machine::doLoop(int at)
+int osl_Machine::doLoop(In in)
 {
     myFrames.push_back({Frame::LOOP, myMask, myMask});
-    return at + 1;
+    return in.target;
 }
 
 int osl_Machine::doLoopTest(In in, int at)
@@ -98,10 +98,7 @@ int osl_Machine::doLoopTest(In in, int at)
     Frame &frame = myFrames.back();
     frame.other &= yes & myMask;
     myMask = frame.other;
-    if (myMask != 0)
-        return at + 1;
-    frame.other = 0;
-    return in.target;
+    return myMask != 0 ? in.target : at + 1;
 }
 
 int osl_Machine::doLoopEnd(In in, int at)

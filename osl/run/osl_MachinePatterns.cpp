@@ -56,7 +56,7 @@ void osl_Machine::zeroResult(In in)
     const osl_Operand &result = operands(in)[0];
     for (int word = 0; word < in.words; ++word)
         std::fill_n(words(result.at + word), myWidth, 0);
-    clearDerivatives(in);
+    clearDerivatives(operands(in)[0], in.words);
 }
 
 // ---- Noise ----------------------------------------------------------------

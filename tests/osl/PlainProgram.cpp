@@ -18,7 +18,7 @@ constexpr int MOST_ROUNDS = 5;
 // Of a function: its argument and its output.
 const std::vector<std::string> FORMALS = {"x", "y"};
 
-enum Kind { ASSIGN, ELEMENT, IF, FOR, WHILE, CALL, PRINT, LEAVE, KINDS };
+enum Kind { ASSIGN, ELEMENT, IF, FOR, WHILE, CALL, PRINT, LEAVE, KINDS, LOCAL };
 
 const struct {
     const char *text;
@@ -86,14 +86,20 @@ struct PlainProgram::Run {
     Way run(const Block &block)
     {
         Way way = ON;
+        const float outer = block.empty() ? 0 : values[block[0].variable];
         for (size_t i = 0; i < block.size() && way == ON; ++i)
             way = run(block[i]);
+        if (!block.empty() && block[0].kind == LOCAL)
+            values[block[0].variable] = outer;
         return way;
     }
 
     Way run(const Statement &s)
     {
         switch (s.kind) {
+        case LOCAL:
+            set(s.variable, s.first->at(values));
+            return ON;
         case ASSIGN:
             set(s.variable,
                 ASSIGNMENTS[s.assignment].value(values[s.variable], s.first->at(values)));
@@ -160,6 +166,7 @@ PlainProgram::PlainProgram(Random &random)
     const auto make = [&random] { return std::make_unique<PlainExpression>(random, 2, FORMALS); };
     for (size_t i = 0; i < FUNCTIONS; ++i)
         myFunctions.push_back({make(), make(), make(), make()});
+    myLasting = random.below(VARIABLES + 1);
     myBody = block(random, 3, false);
 }
 
@@ -168,6 +175,10 @@ PlainProgram::~PlainProgram() = default;
 PlainProgram::Block PlainProgram::block(Random &random, int depth, bool isInLoop)
 {
     Block made;
+    if (random.below(2) == 0) {
+        made.push_back(statement(random, 0, false));
+        made.back().kind = LOCAL;
+    }
     for (size_t count = 1 + random.below(4); count > 0; --count)
         made.push_back(statement(random, depth, isInLoop));
     return made;
@@ -187,7 +198,8 @@ PlainProgram::Statement PlainProgram::statement(Random &random, int depth, bool 
     const bool isLoop = made.kind == FOR || made.kind == WHILE;
     if (isLoop || made.kind == IF) {
         made.body = block(random, depth - 1, isLoop || isInLoop);
-        made.other = block(random, depth - 1, isInLoop);
+        if (random.below(3) > 0)
+            made.other = block(random, depth - 1, isInLoop);
     }
     return made;
 }
@@ -221,14 +233,16 @@ std::string PlainProgram::textOf(const Statement &s, int depth)
     const std::string tamed = name + " = clamp(" + name + ", -100, 100);\n";
     std::string text = indented(depth);
     switch (s.kind) {
+    case LOCAL: // hides the outer one; its value may come from that
+        return text + "float o = " + first + "; float " + name + " = o; " + tamed;
     case ASSIGN:
         return text + name + " " + ASSIGNMENTS[s.assignment].text + " " + first + "; " + tamed;
     case ELEMENT:
         return text + "r[int(mod(fabs(clamp(" + first + ", -100, 100)), 4))] = clamp(" + second +
                ", -100, 100);\n";
     case IF:
-        return text + condition + textOf(s.body, depth) + indented(depth) + "else " +
-               textOf(s.other, depth);
+        return text + condition + textOf(s.body, depth) +
+               (s.other.empty() ? "" : indented(depth) + "else " + textOf(s.other, depth));
     case FOR:
     case WHILE:
         return text + loopText(s, depth);
@@ -254,8 +268,11 @@ std::string PlainProgram::text() const
                f.limit->text() + ") return " + tamed(f.early) + "    y = " + tamed(f.output) +
                "    return " + tamed(f.late) + "}\n";
     }
-    return all + "shader t() {\n    float a = 0, b = 0, c = 0, d = 0, r[4] = {0, 0, 0, 0};\n" +
-           "    " + textOf(myBody, 1) + "    printf(\"%.5g %.5g %.5g %.5g \", a, b, c, d);\n}\n";
+    all += "shader t() {\n    float a = 0, b = 0, c = 0, d = 0, r[4] = {0, 0, 0, 0};\n    " +
+           textOf(myBody, 1);
+    for (size_t i = 1; i <= myLasting; ++i)
+        all += "    printf(\"%.5g \", " + NAMES[i] + ");\n";
+    return all + "}\n";
 }
 
 std::string PlainProgram::printedAt(float u) const
@@ -263,7 +280,7 @@ std::string PlainProgram::printedAt(float u) const
     Run run{myFunctions, {u}, ""};
     if (run.run(myBody) == EXIT)
         return run.printed;
-    for (size_t i = 1; i <= VARIABLES; ++i)
+    for (size_t i = 1; i <= myLasting; ++i)
         run.print(run.values[i]);
     return run.printed;
 }

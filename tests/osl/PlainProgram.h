@@ -1,5 +1,6 @@
-// A random shader together with what it must print: variables, an array, conditions, loops
-// with break and continue, functions that return early and write their arguments, exit().
+// A random shader together with what it must print: variables, local ones, an array,
+// conditions, loops with break and continue, functions that return early and write their
+// arguments, exit().
 #pragma once
 
 #include "PlainExpression.h"
@@ -31,5 +32,6 @@ private:
     static std::string loopText(const Statement &statement, int depth);
 
     std::vector<Function> myFunctions;
+    size_t myLasting = 0; // variables that are printed at the end
     Block myBody;
 };

@@ -173,3 +173,31 @@ TEST(Arrays, AreCopiedAndFilled)
     };
     check(rows);
 }
+
+// What a shader prints of a parameter is what it tells about it.
+TEST(Arrays, AreFilledByASingleValue)
+{
+    const struct {
+        const char *parameter, *printed;
+    } rows[] = {
+        {"int a[2] = 7", "7 7"},
+        {"float a[3] = 1", "1 1 1"},
+        {"color a[2] = color(1, 2, 3)", "1 2 3 1 2 3"},
+        {"color a[2] = 0.5", "0.5 0.5 0.5 0.5 0.5 0.5"},
+        {"matrix a[2] = 2", "2 0 0 0 0 2 0 0 0 0 2 0 0 0 0 2 2 0 0 0 0 2 0 0 0 0 2 0 0 0 0 2"},
+        {"matrix a[2] = {1, 2}", "1 0 0 0 0 1 0 0 0 0 1 0 0 0 0 1 2 0 0 0 0 2 0 0 0 0 2 0 0 0 0 2"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.parameter);
+        const std::string parameter = row.parameter;
+        const std::string format = parameter[0] == 'i' ? "%d" : "%g";
+        const std::string source = "shader t(" + parameter + ") { printf(\"" + format + "\", a); }";
+        EXPECT_EQ(row.printed, shade(source).printed);
+        OSL_Shader shader;
+        ASSERT_TRUE(shader.compileText(source, "t.osl", {}));
+        EXPECT_EQ(row.printed, shade("shader t(" + parameter.substr(0, parameter.find('=')) +
+                                         " = {0}) { printf(\"" + format + "\", a); }",
+                                     1, 0, {{"a", shader.parameters()[0].value}})
+                                   .printed);
+    }
+}
