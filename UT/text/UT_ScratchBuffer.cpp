@@ -166,7 +166,9 @@ void UT_ScratchBuffer::swap(UT_ScratchBuffer &other)
 {
     const bool isInline = myBuffer == myInline;
     const bool isOtherInline = other.myBuffer == other.myInline;
-    std::swap_ranges(myInline, myInline + INLINE_BYTES, other.myInline);
+    // With the NULs behind the texts; the rest is nobody's.
+    const int used = std::max(isInline ? myLength + 1 : 0, isOtherInline ? other.myLength + 1 : 0);
+    std::swap_ranges(myInline, myInline + used, other.myInline);
     std::swap(myBuffer, other.myBuffer);
     std::swap(myAllocSize, other.myAllocSize);
     std::swap(myLength, other.myLength);

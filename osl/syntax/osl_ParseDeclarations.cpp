@@ -5,11 +5,13 @@
 
 namespace
 {
-const char *const SHADER_KINDS[] = {"shader", "surface", "displacement", "volume", "light"};
+constexpr std::string_view SHADER_KINDS[] = {"shader", "surface", "displacement", "volume",
+                                             "light"};
 
-const char *const KEYWORDS[] = {"break", "closure", "continue", "do",     "else",   "for",
-                                "if",    "output",  "public",   "return", "struct", "while"};
-const char *const RESERVED[] = {
+constexpr std::string_view KEYWORDS[] = {"break",  "closure", "continue", "do",
+                                         "else",   "for",     "if",       "output",
+                                         "public", "return",  "struct",   "while"};
+constexpr std::string_view RESERVED[] = {
     "bool",   "case",     "catch",   "char",      "class",   "const",  "delete",  "default",
     "double", "enum",     "extern",  "false",     "friend",  "goto",   "inline",  "long",
     "new",    "operator", "private", "protected", "short",   "signed", "sizeof",  "static",
@@ -17,7 +19,7 @@ const char *const RESERVED[] = {
     "union",  "unsigned", "varying", "virtual",   "volatile"};
 
 template <size_t N>
-bool isOneOf(const char *const (&words)[N], std::string_view word)
+bool isOneOf(const std::string_view (&words)[N], std::string_view word)
 {
     return std::find(words, words + N, word) != words + N;
 }
@@ -29,19 +31,6 @@ osl_Parser::osl_Parser(const std::vector<osl_Token> &tokens, osl_Tree &tree, osl
 }
 
 // ---- Tokens ---------------------------------------------------------------
-
-const osl_Token &osl_Parser::token(size_t ahead) const
-{
-    return myTokens[std::min(myNext + ahead, myTokens.size() - 1)];
-}
-
-bool osl_Parser::accept(const char *punct)
-{
-    if (isBroken || !token().is(osl_punct(punct)))
-        return false;
-    ++myNext;
-    return true;
-}
 
 bool osl_Parser::acceptWord(std::string_view word)
 {

@@ -9,18 +9,21 @@ namespace
 {
 // Binary operators from the weakest on.
 struct Operator {
-    const char *punct;
+    int punct;
     int precedence;
 };
 constexpr int LOWEST = 1;
-const Operator OPERATORS[] = {
-    {"||", 1}, {"&&", 2}, {"|", 3},  {"^", 4},  {"&", 5},  {"==", 6},
-    {"!=", 6}, {"<", 7},  {"<=", 7}, {">", 7},  {">=", 7}, {"<<", 8},
-    {">>", 8}, {"+", 9},  {"-", 9},  {"*", 10}, {"/", 10}, {"%", 10},
+constexpr Operator OPERATORS[] = {
+    {osl_punct("||"), 1}, {osl_punct("&&"), 2}, {osl_punct("|"), 3},  {osl_punct("^"), 4},
+    {osl_punct("&"), 5},  {osl_punct("=="), 6}, {osl_punct("!="), 6}, {osl_punct("<"), 7},
+    {osl_punct("<="), 7}, {osl_punct(">"), 7},  {osl_punct(">="), 7}, {osl_punct("<<"), 8},
+    {osl_punct(">>"), 8}, {osl_punct("+"), 9},  {osl_punct("-"), 9},  {osl_punct("*"), 10},
+    {osl_punct("/"), 10}, {osl_punct("%"), 10},
 };
 
-const char *const ASSIGNMENTS[] = {
-    "=", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^=", "<<=", ">>="};
+constexpr int ASSIGNMENTS[] = {osl_punct("="),  osl_punct("+="),  osl_punct("-="), osl_punct("*="),
+                               osl_punct("/="), osl_punct("%="),  osl_punct("&="), osl_punct("|="),
+                               osl_punct("^="), osl_punct("<<="), osl_punct(">>=")};
 
 const struct {
     const char *word, *punct;
@@ -40,7 +43,7 @@ int punctOf(const osl_Token &token)
 int precedenceOf(int punct)
 {
     for (const Operator &row : OPERATORS) {
-        if (osl_punct(row.punct) == punct)
+        if (row.punct == punct)
             return row.precedence;
     }
     return 0;
@@ -48,11 +51,17 @@ int precedenceOf(int punct)
 
 bool isAssignment(int punct)
 {
-    for (const char *assignment : ASSIGNMENTS) {
-        if (osl_punct(assignment) == punct)
+    for (const int assignment : ASSIGNMENTS) {
+        if (assignment == punct)
             return true;
     }
     return false;
+}
+
+bool isPostfix(int punct)
+{
+    return punct == osl_punct("[") || punct == osl_punct(".") || punct == osl_punct("++") ||
+           punct == osl_punct("--");
 }
 
 char unescape(char c)
@@ -189,7 +198,8 @@ osl_Node *osl_Parser::parsePostfix()
 {
     osl_Node *left = parsePrimary();
     while (!isBroken) {
-        if (token().is(osl_punct("[")) && token(1).is(osl_punct("["))) // metadata
+        if (!isPostfix(token().punct) ||
+            (token().is(osl_punct("[")) && token(1).is(osl_punct("[")))) // metadata
             return left;
         osl_Node *node = myTree.make(osl_Node::EMPTY, left->place);
         node->a = left;
@@ -201,10 +211,9 @@ osl_Node *osl_Parser::parsePostfix()
         } else if (accept(".")) {
             node->kind = osl_Node::FIELD;
             node->name = expectName();
-        } else if (accept("++") || accept("--")) {
-            node->kind = osl_Node::POSTFIX;
         } else {
-            return left;
+            ++myNext;
+            node->kind = osl_Node::POSTFIX;
         }
         left = finish(node);
     }

@@ -6,6 +6,7 @@
 
 #include "osl/syntax/osl_Node.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 class osl_Parser
@@ -22,8 +23,16 @@ private:
     static constexpr int MAX_TREE_DEPTH = 2000; // of a long chain a + b + c ...
 
     // Tokens
-    const osl_Token &token(size_t ahead = 0) const;
-    bool accept(const char *punct);
+    const osl_Token &token(size_t ahead = 0) const
+    {
+        return myTokens[std::min(myNext + ahead, myTokens.size() - 1)];
+    }
+    bool accept(const char *punct)
+    {
+        const bool isIt = !isBroken && token().is(osl_punct(punct));
+        myNext += isIt ? 1 : 0;
+        return isIt;
+    }
     bool acceptWord(std::string_view word);
     bool expect(const char *punct);
     std::string_view expectName();

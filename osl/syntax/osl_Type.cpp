@@ -4,8 +4,8 @@
 
 namespace
 {
-const char *const NAMES[] = {"unknown", "void",   "int",    "float",  "color", "point",
-                             "vector",  "normal", "matrix", "string", "struct"};
+constexpr std::string_view NAMES[] = {"unknown", "void",   "int",    "float",  "color", "point",
+                                      "vector",  "normal", "matrix", "string", "struct"};
 }
 
 std::string osl_Type::name() const

@@ -64,6 +64,8 @@ size_t stringLength(std::string_view text)
 size_t punctLength(std::string_view text)
 {
     for (const char *punct : PUNCTS) {
+        if (punct[0] != text[0])
+            continue;
         const size_t length = std::strlen(punct);
         if (text.substr(0, length) == punct)
             return length;
