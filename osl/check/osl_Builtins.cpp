@@ -124,7 +124,7 @@ const osl_Builtin BUILTINS[] = {
     {"pointcloud_write", OSL_POINTCLOUD, "isp."},
     // The renderer
     {"getattribute", OSL_GETATTRIBUTE, "is&? iss&? isi&? issi&?"},
-    {"setmessage", OSL_SETMESSAGE, "xs?"},
+    {"setmessage", OSL_SETMESSAGE, "xs$"},
     {"getmessage", OSL_GETMESSAGE, "is&? iss&?"},
     {"surfacearea", OSL_SURFACEAREA, "f"},
     {"backfacing", OSL_BACKFACING, "i"},
@@ -184,7 +184,7 @@ osl_Function makeOverload(const osl_Builtin &row, std::string_view letters, char
         if (isResult)
             function.result = type;
         else
-            function.parameters.push_back({type, isOutput, letter == '?'});
+            function.parameters.push_back({type, isOutput, letter == '?' || letter == '$', letter == '$'});
         isResult = isOutput = false;
     }
     return function;

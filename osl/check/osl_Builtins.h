@@ -6,7 +6,7 @@
 //   x void   i int   f float   c color   p point   v vector   n normal
 //   m matrix   s string   C closure color
 //   T        float, color, point, vector and normal by turns (V: without float)
-//   ?        any type
+//   ?        any type;  $ any but a struct
 //   [] behind a letter an array of any length, & in front an output
 //   .        at the end: pairs of a name and a value may follow
 //   *        at the end: anything may follow;  + more of the last one

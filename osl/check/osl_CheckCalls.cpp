@@ -186,7 +186,9 @@ int osl_Checker::argumentScore(const osl_Function &function, Node *args)
         if (arg == nullptr)
             return -1;
         int score = NONE;
-        if (parameter.isAny)
+        if (parameter.isNoStruct && arg->type.isStruct())
+            score = NONE;
+        else if (parameter.isAny)
             score = !parameter.type.isArray() || arg->type.isArray() ? ANY : NONE;
         else if (arg->kind == Node::COMPOUND)
             score = compoundFits(arg, parameter.type) ? CONVERTIBLE : NONE;

@@ -208,7 +208,7 @@ void osl_Checker::declareFunction(Node *node)
         function->overloads = 1;
     }
     for (const Node *formal = node->a; formal != nullptr; formal = formal->next)
-        function->parameters.push_back({formal->type, formal->isOutput, false});
+        function->parameters.push_back({formal->type, formal->isOutput, false, false});
     if (node->b != nullptr) {
         warnRedefinition(*function, function->next);
         defineEarlier(function);

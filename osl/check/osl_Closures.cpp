@@ -129,7 +129,7 @@ void osl_findClosures(std::string_view name, std::deque<osl_Function> &functions
         function.closure = &row->second;
         for (const osl_ClosureParameter &parameter : row->second.parameters) {
             if (!parameter.isKeyword)
-                function.parameters.push_back({parameter.type, false, false});
+                function.parameters.push_back({parameter.type, false, false, false});
         }
         functions.push_back(std::move(function));
     }

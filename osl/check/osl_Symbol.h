@@ -15,7 +15,8 @@ struct osl_Function {
     struct Parameter {
         osl_Type type;
         bool isOutput = false;
-        bool isAny = false; // of any type
+        bool isAny = false;      // of any type
+        bool isNoStruct = false; // but that
     };
     enum Tail : uint8_t {
         NO_MORE,

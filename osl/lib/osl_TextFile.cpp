@@ -20,7 +20,9 @@ bool osl_readText(const std::string &path, std::string &text)
         while (done < text.size() &&
                (count = read(descriptor, &text[done], text.size() - done)) > 0)
             done += static_cast<size_t>(count);
-        isGood = count >= 0;
+        // A file of the system may be unreadable and claim to be empty.
+        char more;
+        isGood = count >= 0 && read(descriptor, &more, 1) == 0;
         text.resize(done);
     }
     close(descriptor);

@@ -23,6 +23,13 @@ TEST(Compiler, NamesWhatIsWrong)
         {"arguments", "float f(float a) { return a; } shader t() { f(\"x\"); }",
          "t.osl:1: error: No matching function call to 'f (string)'\n  Candidates are:\n"
          "    t.osl:1\tfloat f (float)\n"},
+        {"a message that is a struct",
+         "struct s { float x; }; shader t() { s a; setmessage(\"a\", a); }",
+         "t.osl:1: error: No matching function call to 'setmessage (string, struct s)'\n"
+         "  Candidates are:\n    built-in\tvoid setmessage (string, <any>)\n"},
+        {"include of a file that cannot be read",
+         "#include \"/proc/self/mem\"\nshader t() { }",
+         "t.osl:1: error: Unable to include \"/proc/self/mem\"\n"},
         {"no default", "shader t(float a) {}",
          "t.osl:1: error: shader parameter 'a' MUST be initialized\n"},
         {"read-only", "float f(float a) { a = 1; return a; } shader t() { f(1); }",
