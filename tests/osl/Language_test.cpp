@@ -88,6 +88,18 @@ TEST(Language, ControlFlowDiffersFromPointToPoint)
         {"exit", "if (u == 0.5) exit(); printf(\"%g \", u);", "0 1 "},
         {"a uniform variable written in a branch",
          "int n = 7; if (u > 0.7) n = 8; printf(\"%d\", n);", "778"},
+        {"a loop in a loop, left and entered again",
+         "float x = 0; for (int i = 0; i < 2; ++i) for (int j = 0; j < 3; ++j) { "
+         "if (u * 2 < j) break; x += 1; printf(\"%g\", x); }",
+         "121234123456"},
+        {"back after continue",
+         "float x = 5; for (int i = 0; i < 4; ++i) { if (mod(u * 2 + i, 2) < 1) continue; "
+         "x += 1; printf(\"%g\", x); } printf(\" \");",
+         "67 67 67 "},
+        {"back after continue, with what was set in the first round",
+         "float x; for (int i = 0; i < 4; ++i) { if (i == 0) x = 5; "
+         "if (mod(u * 2 + i, 2) < 1) continue; x += 1; printf(\"%g\", x); } printf(\" \");",
+         "67 67 67 "},
     };
     check(cases, 3);
 }
