@@ -1,8 +1,8 @@
 #include "vcpp/vcpp_Options.h"
 
-#include "UT/UT_MakeRule.h"
-
 #include "CPP/CPP_Manager.h"
+#include "UT/UT_MakeRule.h"
+#include "UT/UT_OptionTable.h"
 #include "vcpp/vcpp_Dependencies.h"
 
 #include <cstring>
@@ -289,8 +289,7 @@ std::string vcpp_usage()
         std::string left = std::string("  ") + option.name;
         if (option.value != nullptr)
             left += std::string(" ") + option.value;
-        left.resize(19, ' ');
-        text += left + option.what + "\n";
+        text += UThelpLine(left, option.what, vcpp_Messages::HELP_COLUMN);
     }
     return text + "Warnings, all on:\n" + vcpp_Messages::list() +
            "Status: 0; 1 after an error in the text or in writing; 2 for bad usage.\n";
