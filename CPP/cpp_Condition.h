@@ -28,3 +28,8 @@ struct cpp_ConditionFault {
 // 1 true (also any other number than 0), 0 false (also a blank text), -1 syntax error.
 [[nodiscard]] int evaluateCondition(const cpp_MacroTable &macros, const char *text,
                                     cpp_ConditionFault *fault = nullptr);
+
+// Whether a condition whose value does not matter is surely an expression that there is
+// nothing to tell about. False for less common forms as well: those have to be evaluated.
+[[nodiscard]] bool isPlainCondition(const cpp_MacroTable &macros, const char *text,
+                                    const char *end);

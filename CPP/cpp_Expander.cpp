@@ -124,6 +124,7 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
     myReason = nullptr;
     myLimit = static_cast<size_t>(limit > 0 ? limit : DEFAULT_LIMIT);
     myBudget = BUDGET + BUDGET_PER_CHARACTER * static_cast<size_t>(std::min(length, MAX_COUNTED));
+    // The outermost level is the caller's text; deeper ones are replacements.
     goToLevel(0);
     level().start = level().next = text;
     level().end = text + length;
@@ -164,6 +165,7 @@ void cpp_Expander::goToLevel(size_t depth)
 
 void cpp_Expander::leaveLevel()
 {
+    // Kept memory makes the next macro cheap; a huge one must not hold it for ever.
     if (level().owned.capacity() > MAX_KEPT)
         std::string().swap(level().owned);
     goToLevel(myDepth - 1);
@@ -244,6 +246,7 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro)
         return copyBuiltin(macro);
     if (macro.myNumArgs >= 0 && !takeArguments(macro.myNumArgs))
         return fail("Invalid arguments for macro \"" + std::string(macro.myName) + "\"");
+    // A macro that stands for itself ends here: nothing else is done about it.
     if (myDepth + 1 >= myLimit)
         return fail(LIMIT_REACHED);
     const bool hasArguments = macro.myNumArgs > 0;
@@ -341,6 +344,7 @@ bool cpp_Expander::takeArguments(int count)
     if (!skipSpace(false) || *level().next != '(')
         return failList("there is no list of arguments behind it on this line");
     ++level().next;
+    // Kept from call to call for their memory, so only their texts are emptied.
     myArguments.resize(static_cast<size_t>(count));
     for (Argument &argument : myArguments)
         argument.text = {};
