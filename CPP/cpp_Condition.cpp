@@ -458,18 +458,20 @@ public:
     {
     }
 
-    bool passAll()
+    // The newline behind them; null when they do not end there as an expression.
+    const char *passAll()
     {
-        for (bool expectsOperand = true;; expectsOperand = !expectsOperand) {
-            if (expectsOperand ? !passOperand() : !passOperator())
-                return !expectsOperand && skip() && myText == myEnd && myDepth == 0;
-        }
+        bool expectsOperand = true;
+        while (expectsOperand ? passOperand() : passOperator())
+            expectsOperand = !expectsOperand;
+        return !expectsOperand && myDepth == 0 && next() == '\n' ? myText : nullptr;
     }
 
 private:
     bool skip()
     {
-        myText = findOther(CPP_SPACE, myText, myEnd);
+        while (myText < myEnd && (*myText == ' ' || *myText == '\t'))
+            ++myText;
         return true;
     }
     char next() const { return myText < myEnd ? *myText : '\0'; }
@@ -527,7 +529,8 @@ private:
     {
         while (skip() && take(')'))
             --myDepth;
-        if (myDepth < 0 || myEnd - myText < 2 || *myText == '(')
+        const bool isAtEnd = myEnd - myText < 2 || *myText == '\n';
+        if (isAtEnd || myDepth < 0 || *myText == '(')
             return false;
         const Operator *op = findOperator(myText);
         if (op == nullptr || op->kind != INFIX)
@@ -545,7 +548,7 @@ private:
 };
 } // namespace
 
-bool isPlainCondition(const cpp_MacroTable &macros, const char *text, const char *end)
+const char *plainConditionEnd(const cpp_MacroTable &macros, const char *text, const char *end)
 {
     return Passer(macros, text, end).passAll();
 }

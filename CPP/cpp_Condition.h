@@ -29,7 +29,8 @@ struct cpp_ConditionFault {
 [[nodiscard]] int evaluateCondition(const cpp_MacroTable &macros, const char *text,
                                     cpp_ConditionFault *fault = nullptr);
 
-// Whether a condition whose value does not matter is surely an expression that there is
-// nothing to tell about. False for less common forms as well: those have to be evaluated.
-[[nodiscard]] bool isPlainCondition(const cpp_MacroTable &macros, const char *text,
-                                    const char *end);
+// The newline behind the condition at the front of a text, where that is surely an expression
+// which there is nothing to tell about: enough when its value does not matter. Null for less
+// common forms as well: those have to be evaluated.
+[[nodiscard]] const char *plainConditionEnd(const cpp_MacroTable &macros, const char *text,
+                                            const char *end);

@@ -21,6 +21,28 @@ const char *skipInLine(const char *from, const char *end)
     return from;
 }
 
+// Behind the directive's word, or at the front of other text; null for the stages' lines.
+const char *readWord(const char *from, const char *end, cpp_SkippedLine &line)
+{
+    const char *text = skipInLine(from, end);
+    if (text == end || *text != '#')
+        return text < end ? text : nullptr;
+    const char *word = skipInLine(text + 1, end);
+    text = nameEnd(word, end);
+    line.directive = findDirective({word, static_cast<size_t>(text - word)});
+    return line.directive != nullptr && text < end && UTisSpace(*text) ? text : nullptr;
+}
+
+void readEnd(bool strips, const char *text, const char *end, cpp_SkippedLine &line)
+{
+    const cpp_LineEnd ending = findLineEnd(strips, text, end);
+    if (!ending)
+        return;
+    line.end = ending.behind;
+    line.isOneLine = !ending.isComment();
+    line.condition = {text, static_cast<size_t>(ending.stop - text)};
+}
+
 // Takes lines of one block of memory. They are counted late, in the file: nearly all do
 // without a number, and calls for each would cost as much as the line.
 class Skipper
@@ -67,18 +89,31 @@ private:
             pass(behind, countLines(myNext, behind));
             return true;
         }
-        const cpp_SkippedLine line = readSkippedLine(isStripping, myNext, end);
+        cpp_SkippedLine line;
+        const char *text = readWord(myNext, end, line);
+        if (text == nullptr || takeLateBranch(line, text, end))
+            return text != nullptr;
+        readEnd(isStripping, text, end, line);
         int value = 0;
-        const bool isElif = line.end != nullptr && line.is(CPP_ELIF);
-        const bool isMoot = isElif && isWithoutEffect(line.condition);
-        if (line.end == nullptr || (isElif && !isMoot && !evaluate(line.condition, value)))
+        if (line.end == nullptr || (line.is(CPP_ELIF) && !evaluate(line.condition, value)))
             return false;
         const int more = line.isOneLine ? 0 : countLines(myNext, line.end) - 1;
         pass(line.end, 1);
-        if (line.directive != nullptr && !isMoot)
+        if (line.directive != nullptr)
             apply(*line.directive, value);
         pass(line.end, more);
         return true;
+    }
+
+    // An #elif behind the branch that was taken, of which some texts have long lists.
+    bool takeLateBranch(const cpp_SkippedLine &line, const char *condition, const char *end)
+    {
+        if (!line.is(CPP_ELIF) || !myFile.isDecided())
+            return false;
+        const char *newline = plainConditionEnd(myMacros, condition, end);
+        if (newline != nullptr)
+            pass(newline + 1, 1);
+        return newline != nullptr;
     }
 
     void apply(const cpp_DirectiveWord &directive, int value)
@@ -86,12 +121,6 @@ private:
         if (directive.effect == cpp_DirectiveWord::OPENS)
             count(); // it keeps the number of its line
         myFile.applySkipped(directive, value);
-    }
-
-    // Whether an #elif comes too late, as most do in long lists, and has nothing to tell.
-    bool isWithoutEffect(std::string_view condition) const
-    {
-        return myFile.isDecided() && isPlainCondition(myMacros, condition.begin(), condition.end());
     }
 
     // Also in skipped text, where this branch may count. False when there is something to
@@ -118,22 +147,8 @@ private:
 cpp_SkippedLine readSkippedLine(bool strips, const char *from, const char *end)
 {
     cpp_SkippedLine line;
-    const char *text = skipInLine(from, end);
-    if (text == end)
-        return line;
-    if (*text == '#') {
-        const char *word = skipInLine(text + 1, end);
-        text = nameEnd(word, end);
-        line.directive = findDirective({word, static_cast<size_t>(text - word)});
-        if (line.directive == nullptr || text == end || !UTisSpace(*text))
-            return line;
-    }
-    const cpp_LineEnd ending = findLineEnd(strips, text, end);
-    if (!ending)
-        return line;
-    line.end = ending.behind;
-    line.isOneLine = !ending.isComment();
-    line.condition = {text, static_cast<size_t>(ending.stop - text)};
+    if (const char *text = readWord(from, end, line))
+        readEnd(strips, text, end, line);
     return line;
 }
 

@@ -66,7 +66,8 @@ protected:
         cpp_ConditionFault fault;
         const int value = evaluateCondition(macros, text.c_str(), &fault);
         EXPECT_EQ(myPlain.evaluate(text), value);
-        const bool isPlain = isPlainCondition(macros, text.data(), text.data() + text.size());
+        const std::string line = text + '\n';
+        const bool isPlain = plainConditionEnd(macros, line.data(), line.data() + line.size());
         EXPECT_FALSE(isPlain && (value < 0 || fault.oddMacro != nullptr));
     }
 

@@ -17,8 +17,11 @@ TEST(Condition, IsPlainInItsCommonForms)
 {
     CPP_Manager manager;
     parseOptions(manager, "-DA=1 -DE=");
-    const auto isPlain = [&manager](const std::string &text) {
-        return isPlainCondition(manager.macros(), text.data(), text.data() + text.size());
+    const auto isPlain = [&manager](std::string text) {
+        const char *const end = (text += '\n').data() + text.size();
+        const char *const newline = plainConditionEnd(manager.macros(), text.data(), end);
+        EXPECT_TRUE(newline == nullptr || newline == end - 1);
+        return newline != nullptr;
     };
     for (const char *text : {"0", " X", "defined(A) && VALUE2 > 3 ", "!defined(A )\t||((B)==10)"})
         EXPECT_TRUE(isPlain(text)) << text;
