@@ -92,24 +92,29 @@ void cpp_Expander::notePlace(const char *place)
     myLinesToPlace = myLinesTaken;
 }
 
+// Nothing where the line is gone: others of the list came behind it.
+void cpp_Expander::showPlace(Fault &fault) const
+{
+    const bool isInText = myLinesToPlace == 0;
+    if (!isInText && myLinesToPlace != myLinesTaken)
+        return;
+    const char *start = isInText ? myText : myLevels[0]->start;
+    const char *end = isInText ? myTextEnd : myLevels[0]->end;
+    fault.source.assign(start, end);
+    fault.column = static_cast<int>(myPlace - start) + 1;
+    if (myFaultDepth > 0)
+        fault.detail = " in what \"" + std::string(myPlace, findOther(CPP_NAME, myPlace, end)) +
+                       "\" stands for";
+}
+
 cpp_Expander::Fault cpp_Expander::fault() const
 {
     Fault fault;
     fault.line = myPlaceLine;
     fault.isQuote = myReason == nullptr && myMessage == MISMATCHED;
+    showPlace(fault);
     if (myReason != nullptr)
-        fault.detail = std::string(": ") + myReason;
-    const Level &outermost = *myLevels[0];
-    const bool isInText = myLinesToPlace == 0;
-    if (!isInText && myLinesToPlace != myLinesTaken) // its line is gone
-        return fault;
-    const char *start = isInText ? myText : outermost.start;
-    const char *end = isInText ? myTextEnd : outermost.end;
-    fault.source.assign(start, end);
-    fault.column = static_cast<int>(myPlace - start) + 1;
-    if (myFaultDepth > 0)
-        fault.detail += " in what \"" + std::string(myPlace, findOther(CPP_NAME, myPlace, end)) +
-                        "\" stands for";
+        fault.detail += std::string(": ") + myReason;
     return fault;
 }
 

@@ -164,8 +164,9 @@ void cpp_Reports::definition(const CPP_File &file, const char *definition) const
     if (variadic == nullptr)
         variadic = std::strstr(parameters, "__VA_ARGS__");
     if (variadic != nullptr)
-        warn(CPP_VARIADIC,
-             messageAt(&file, variadic, "a macro takes as many arguments as it has parameters"));
+        warn(CPP_VARIADIC, messageAt(&file, variadic,
+                                     "... and __VA_ARGS__ mean nothing here: a macro takes as many "
+                                     "arguments as it has parameters"));
     const char *paste = std::strstr(parameters, "##");
     if (paste != nullptr && (UTisSpace(paste[-1]) || UTisSpace(paste[2])))
         warn(CPP_SPACED_PASTE,
