@@ -130,25 +130,22 @@ const Option OPTIONS[] = {
     {"--version", nullptr, act<vcpp_Options::VERSION>, "Print the version"},
 };
 
-// The row of a word, and the value if it is attached: "-oFILE". Longer names come first.
+// The row of a word, and the value if it is attached: "-oFILE". No option that has a value
+// begins the name of another.
 const Option *findOption(const char *word, const char *&attached)
 {
-    const Option *best = nullptr;
+    attached = nullptr;
     for (const Option &option : OPTIONS) {
         if (option.name == nullptr || option.handler == nullptr)
             continue;
         const size_t length = std::strlen(option.name);
-        const bool isWhole = std::strcmp(word, option.name) == 0;
-        const bool isPrefix =
-            option.value != nullptr && std::strncmp(word, option.name, length) == 0;
-        if (isWhole || (isPrefix && (best == nullptr || length > std::strlen(best->name)))) {
-            best = &option;
-            attached = isWhole ? nullptr : word + length;
-        }
-        if (isWhole)
-            break;
+        const bool begins = std::strncmp(word, option.name, length) == 0;
+        if (!begins || (word[length] != '\0' && option.value == nullptr))
+            continue;
+        attached = word[length] != '\0' ? word + length : nullptr;
+        return &option;
     }
-    return best;
+    return nullptr;
 }
 
 // The words of a command line, in turn.
