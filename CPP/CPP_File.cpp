@@ -1,6 +1,7 @@
 #include "CPP/CPP_File.h"
 
 #include "CPP/CPP_Stream.h"
+#include "CPP/cpp_DirectiveWords.h"
 #include "CPP/cpp_Text.h"
 
 #include <cstdint>
@@ -8,6 +9,7 @@
 
 namespace
 {
+// The one at the end, which continues the line.
 bool takeBackslash(UT_ScratchBuffer &line)
 {
     const int length = line.length();
@@ -42,6 +44,7 @@ void CPP_File::release()
 void CPP_File::setPath(const char *path)
 {
     setName(path);
+    // Null and "" differ: the first is the working folder, the second the root.
     const char *slash = std::strrchr(path, '/');
     if (slash != nullptr)
         myDirectory.assignCopy(path, static_cast<int>(slash - path));
@@ -69,6 +72,7 @@ const char *CPP_File::takeRun(cpp_RunKind kind, int &length, int &lines)
     return text;
 }
 
+// While empty lines are owed they come first, and lines that follow must not overtake them.
 const char *CPP_File::peek(int &length)
 {
     return myStream == nullptr || myOwedNewlines > 0 ? nullptr : myStream->peekBuffered(length);
@@ -96,6 +100,8 @@ bool CPP_File::readLogicalLine(UT_ScratchBuffer &line)
     return true;
 }
 
+// Alone in here a line's text is whole: comments, directives and macros are looked for behind
+// the joining, so a backslash inside any of them continues it.
 bool CPP_File::joinLines(UT_ScratchBuffer &line)
 {
     if (!myStream->readLine(line))
@@ -132,6 +138,11 @@ bool CPP_File::isSkipping() const
     return hasOpenCondition() && myConditions(myConditions.entries() - 1) != TAKING;
 }
 
+bool CPP_File::isDecided() const
+{
+    return hasOpenCondition() && myConditions(myConditions.entries() - 1) >= DONE;
+}
+
 int CPP_File::openConditionLine() const
 {
     return myConditionLines(myConditionLines.entries() - 1);
@@ -156,6 +167,7 @@ void CPP_File::elifCondition(int value)
 
 void CPP_File::elseCondition()
 {
+    // A second #else skips again, however often it comes.
     if (hasOpenCondition())
         ++topCondition();
 }
@@ -166,4 +178,21 @@ void CPP_File::popCondition()
         return;
     myConditions.removeIndex(myConditions.entries() - 1);
     myConditionLines.removeIndex(myConditionLines.entries() - 1);
+}
+
+void CPP_File::applySkipped(const cpp_DirectiveWord &directive, int value)
+{
+    switch (directive.effect) {
+    case cpp_DirectiveWord::OPENS:
+        pushCondition(DONE);
+        break;
+    case cpp_DirectiveWord::BRANCHES:
+        directive.number == CPP_ELIF ? elifCondition(value) : elseCondition();
+        break;
+    case cpp_DirectiveWord::CLOSES:
+        popCondition();
+        break;
+    case cpp_DirectiveWord::NONE:
+        break;
+    }
 }

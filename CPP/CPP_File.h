@@ -14,6 +14,7 @@
 #include <memory>
 
 class CPP_Stream;
+struct cpp_DirectiveWord;
 
 class CPP_File
 {
@@ -66,12 +67,16 @@ public:
     // On an empty stack all but push do nothing.
 
     bool isSkipping() const;
+    bool isDecided() const; // skipping, and no later branch of the innermost is taken
     bool hasOpenCondition() const { return myConditions.entries() > 0; }
     int openConditionLine() const; // of the innermost; REQUIRES: there is one
     void pushCondition(int state); // DONE instead, inside skipped text
     void elifCondition(int value); // 0 false, 1 true, 2 not evaluated
     void elseCondition();
     void popCondition();
+
+    // What a directive in skipped text does to them; `value` is that of an #elif.
+    void applySkipped(const cpp_DirectiveWord &directive, int value);
 
 private:
     ~CPP_File();

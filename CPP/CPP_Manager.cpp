@@ -1,12 +1,15 @@
 #include "CPP/CPP_Manager.h"
 
 #include "CPP/CPP_Stream.h"
+#include "CPP/cpp_Classes.h"
 #include "CPP/cpp_Comments.h"
-#include "CPP/cpp_Condition.h"
 #include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/cpp_OpenedFiles.h"
+#include "CPP/cpp_OutputLines.h"
 #include "CPP/cpp_QuietLines.h"
+#include "CPP/cpp_Reports.h"
 #include "CPP/cpp_SkippedLines.h"
 #include "CPP/cpp_SmallFiles.h"
 #include "CPP/cpp_Text.h"
@@ -14,22 +17,16 @@
 #include "UT/UT_Memory.h"
 
 #include <cerrno>
-#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace
 {
-// "error", "warning", by CPP_Manager::Severity.
-const char *const SEVERITIES[] = {"error", "warning"};
-
 // Characters from which on a line is not copied without need.
 constexpr int LONG_LINE = 1 << 20;
-
-// Skipped lines that are answered at once, or nearly so.
-constexpr int MOST_EMPTY_LINES = 1 << 16;
 
 bool isStandardInput(const char *path)
 {
@@ -46,11 +43,13 @@ UT_IStream *standardInput()
 
 CPP_Manager::CPP_Manager(int pathId, const char *caretSubst)
     : myIncludePath(pathId, caretSubst), myRecursionLimit(cpp_Expander::DEFAULT_LIMIT),
-      myExpander(new cpp_Expander(myMacros)), mySmallFiles(new cpp_SmallFiles(myMacros))
+      myOpened(new cpp_OpenedFiles), myExpander(new cpp_Expander(myMacros)),
+      mySmallFiles(new cpp_SmallFiles(myMacros)), myReports(new cpp_Reports(myLine))
 {
     defineBuiltins();
 }
 
+// The innermost file first, as they would have ended.
 CPP_Manager::~CPP_Manager()
 {
     for (unsigned i = myFiles.entries(); i > 0; --i)
@@ -84,7 +83,17 @@ CPP_File *CPP_Manager::currentFile() const
 const char *CPP_Manager::getCurrentFileName() const
 {
     const CPP_File *file = currentFile();
-    return file != nullptr ? file->getName() : "<unknown>";
+    return file != nullptr ? file->getName() : CPP_NO_FILE;
+}
+
+void CPP_Manager::setListener(CPP_Listener listener)
+{
+    myReports->exchangeListener(std::move(listener));
+}
+
+const UT_StringList &CPP_Manager::getOpenedFiles() const
+{
+    return myOpened->paths();
 }
 
 // ---- Input ---------------------------------------------------------------
@@ -94,7 +103,7 @@ bool CPP_Manager::openFile(const char *name, bool useSearchPath)
     if (isStandardInput(name))
         return pushPath(name);
     bool isAngled;
-    const UT_String wanted = bareName(name, isAngled);
+    const UT_String wanted = bareIncludeName(name, hasFlag(OLD_STYLE_INCLUDE), isAngled);
     return useSearchPath ? findAndPush(wanted, isAngled) : pushPath(wanted);
 }
 
@@ -103,19 +112,6 @@ bool CPP_Manager::openStream(UT_IStream *is, const char *name)
     auto *file = new CPP_File(newStream());
     file->getStream()->setStream(is);
     return pushFile(file, name);
-}
-
-// Without its quotes or angle brackets.
-UT_String CPP_Manager::bareName(const char *name, bool &isAngled) const
-{
-    name = skipSpace(name);
-    isAngled = *name == '<';
-    size_t length = std::strlen(name);
-    if (*name == '"' || isAngled)
-        length = std::strcspn(++name, isAngled ? ">" : "\"");
-    else if (hasFlag(OLD_STYLE_INCLUDE))
-        length = std::strcspn(name, " \t\n\v\f\r");
-    return UT_String(name, true, static_cast<int>(length));
 }
 
 // False, and errno is 0, also for a name that was looked for in vain before.
@@ -144,16 +140,9 @@ const char *CPP_Manager::nearFolder(bool isAngled) const
     return directory != nullptr ? directory : ".";
 }
 
-bool CPP_Manager::isOnce(const char *path) const
-{
-    char real[PATH_MAX];
-    return myOnceFiles.entries() > 0 && realpath(path, real) != nullptr &&
-           myOnceFiles.findSymbol(real);
-}
-
 bool CPP_Manager::pushPath(const char *path)
 {
-    if (isOnce(path))
+    if (myOpened->isKept(path))
         return true;
     auto *file = new CPP_File(newStream());
     CPP_Stream *stream = file->getStream();
@@ -168,14 +157,8 @@ bool CPP_Manager::pushPath(const char *path)
     if (!pushFile(file, path))
         return false;
     if (isFile)
-        noteOpened(path);
+        myOpened->note(path);
     return true;
-}
-
-void CPP_Manager::noteOpened(const char *path)
-{
-    if (myOpenedNames.addSymbol(path, nullptr))
-        myOpenedFiles.append(path);
 }
 
 bool CPP_Manager::pushFile(CPP_File *file, const char *path)
@@ -206,6 +189,7 @@ bool CPP_Manager::getLine(UT_String &line)
 bool CPP_Manager::getLine(UT_ScratchBuffer &line)
 {
     line.clear();
+    // The caller brings the buffer back that its last line went out in.
     if (isLineLent)
         line.swap(myLine);
     isLineLent = false;
@@ -220,6 +204,7 @@ bool CPP_Manager::getLine(UT_ScratchBuffer &line)
         takePendingText(line);
         return true;
     }
+    // A file that ends gives no line unless it has something to say, so the next one is asked.
     while (currentFile() != nullptr) {
         if (currentFile()->readLogicalLine(myLine)) {
             takeSourceLine(line);
@@ -253,6 +238,7 @@ bool CPP_Manager::takeRun(const char *&text, int &length)
     const bool isDropped = hasFlag(IN_BLOCK_COMMENT) || file->isSkipping();
     if (isDropped && hasFlag(OLD_STYLE_INCLUDE)) // which warns even there
         return false;
+    // Whole conditionals first: a dropped run ends at each '#'.
     if (isDropped && takeSkipped(*file, text, length))
         return true;
     int lines;
@@ -272,51 +258,10 @@ bool CPP_Manager::takeSkipped(CPP_File &file, const char *&text, int &length)
 {
     if (hasFlag(IN_BLOCK_COMMENT) || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
         return false;
-    int available, lines = 0;
-    while (lines < MOST_EMPTY_LINES && file.isSkipping()) {
-        const char *start = file.peek(available);
-        if (start == nullptr)
-            break;
-        const char *end =
-            *start == '#' ? start : runEnd(cpp_RunKind::DROPPED, start, start + available);
-        cpp_SkippedLine line;
-        if (end == start) {
-            line = readSkippedLine(stripsSlashes(), start, start + available);
-            end = line.end;
-            if (line.kind == cpp_SkippedLine::UNKNOWN || !takeSkippedElif(file, line))
-                break;
-        }
-        const int count = line.isOneLine ? 1 : countLines(start, end);
-        lines += count;
-        file.skip(static_cast<int>(end - start), 1); // the one that counts for a directive
-        if (line.kind == cpp_SkippedLine::OPENS)
-            file.pushCondition(CPP_File::DONE);
-        else if (line.kind == cpp_SkippedLine::ELSE)
-            file.elseCondition();
-        else if (line.kind == cpp_SkippedLine::CLOSES)
-            file.popCondition();
-        file.skip(0, count - 1);
-        if (end == start + available) // more may be long in coming
-            break;
-    }
-    text = emptyLines(lines);
-    length = lines;
+    length = skipLines(file, myMacros, stripsSlashes());
+    text = emptyLines(length);
     sawSpecialStream = sawSpecialStream || file.isSpecial();
-    return lines > 0;
-}
-
-// False when there is something to tell about the condition of a line.
-bool CPP_Manager::takeSkippedElif(CPP_File &file, const cpp_SkippedLine &line)
-{
-    if (line.kind != cpp_SkippedLine::ELIF)
-        return true;
-    myCondition = line.condition;
-    cpp_ConditionFault fault;
-    const int value = evaluateCondition(myMacros, myCondition.c_str(), &fault);
-    if (value < 0 || fault.oddMacro != nullptr)
-        return false;
-    file.elifCondition(value);
-    return true;
+    return length > 0;
 }
 
 bool CPP_Manager::stripsSlashes() const
@@ -328,6 +273,7 @@ bool CPP_Manager::takeQuiet(CPP_File &file, const char *&text, int &length)
 {
     int available;
     const char *start = file.peek(available);
+    // Those callers see definitions with other eyes: as comments, or as text to hand on.
     if (start == nullptr || hasFlag(HASH_COMMENTS) || hasFlag(KEEP_MACROS))
         return false;
     const char *end = takeQuietLines(myMacros, stripsSlashes(), start, start + available);
@@ -339,6 +285,7 @@ bool CPP_Manager::takeQuiet(CPP_File &file, const char *&text, int &length)
     return true;
 }
 
+// Made once and lent: a text of a million skipped lines writes them nowhere.
 const char *CPP_Manager::emptyLines(int lines)
 {
     while (myEmptyLines.length() < lines)
@@ -363,6 +310,7 @@ void CPP_Manager::takeSourceLine(UT_ScratchBuffer &out)
     sawSpecialStream = sawSpecialStream || file.isSpecial();
     const bool needsMarker = hasPoppedFile && hasFlag(LINE_MARKERS);
     hasPoppedFile = false;
+    // The marker tells the line's number, so the line itself waits for the next call.
     if (!needsMarker) {
         processLine(out);
         return;
@@ -384,10 +332,10 @@ void CPP_Manager::popFile(UT_ScratchBuffer &out)
     }
     if (message.isNonEmpty()) {
         UT_String diagnostic;
-        makeDiagnostic(diagnostic, ERROR, message);
+        makeDiagnostic(diagnostic, CPP_ERROR, file, message);
         out.append(diagnostic);
     }
-    reportEnd(*file, message.text());
+    myReports->end(*file, hasFlag(IN_BLOCK_COMMENT), message.text());
     file->release();
     myFiles.removeIndex(myFiles.entries() - 1);
     hasPoppedFile = myFiles.entries() > 0;
@@ -396,12 +344,13 @@ void CPP_Manager::popFile(UT_ScratchBuffer &out)
 // From myLine, the source line, to `out`, which is empty.
 void CPP_Manager::processLine(UT_ScratchBuffer &out)
 {
+    // One in front of the newline is gone by now; any other separates words, as a blank does.
     replaceAll(myLine.buffer(), myLine.length(), '\r', ' ');
     const bool strips = hasFlag(STRIP_COMMENTS);
     const bool isOpen = stripComments(myLine, stripsSlashes(), strips && hasFlag(HASH_COMMENTS),
                                       hasFlag(IN_BLOCK_COMMENT));
     if (isOpen && !hasFlag(IN_BLOCK_COMMENT))
-        noteComment();
+        myReports->openComment(*currentFile());
     setFlag(IN_BLOCK_COMMENT, isOpen);
 
     const char *first = skipSpace(myLine.buffer());
@@ -419,6 +368,7 @@ bool CPP_Manager::processIfDirective(const char *first, UT_ScratchBuffer &out)
     if (!isDirective && !isOldInclude(first))
         return false;
     UT_String result;
+    // Where '#' starts comments, only the first column has directives.
     if (isDirective) {
         if (hasFlag(HASH_COMMENTS) && first != myLine.buffer())
             result = "\n";
@@ -437,12 +387,11 @@ bool CPP_Manager::isOldInclude(const char *text) const
 {
     if (!hasFlag(OLD_STYLE_INCLUDE))
         return false;
-    for (const char *word : {"include", "sinclude"}) {
-        const size_t length = std::strlen(word);
-        if (std::strncmp(text, word, length) == 0 && UTisSpace(text[length]))
-            return true;
-    }
-    return false;
+    const cpp_DirectiveWord *word =
+        findDirective({text, static_cast<size_t>(skipName(text) - text)});
+    const bool isInclude =
+        word != nullptr && (word->number == CPP_INCLUDE || word->number == CPP_SINCLUDE);
+    return isInclude && UTisSpace(text[word->text.size()]);
 }
 
 // A long line that stays as it is goes out in its own buffer: it would be in memory
@@ -470,8 +419,9 @@ void CPP_Manager::expandInto(UT_ScratchBuffer &out)
     if (isGood)
         return;
     UT_String diagnostic;
-    makeDiagnostic(diagnostic, ERROR, myExpander->message());
-    reportExpansion();
+    makeDiagnostic(diagnostic, CPP_ERROR, currentFile(), myExpander->message());
+    myReports->failedExpansion(*currentFile(), *myExpander);
+    // Half a line would pass for text.
     out.clear();
     out.append(diagnostic);
     stop();
@@ -491,23 +441,7 @@ bool CPP_Manager::expandLine(CPP_File &file, const char *text, UT_String &result
     return true;
 }
 
-void CPP_Manager::makeMarker(UT_ScratchBuffer &out, int lineNumber, const char *name)
-{
-    out.sprintf("# %d \"%s\"\n", lineNumber, name);
-}
-
-void CPP_Manager::makeDiagnostic(UT_String &out, Severity severity, const char *message) const
-{
-    const char *word = SEVERITIES[severity];
-    const CPP_File *file = currentFile();
-    if (file != nullptr)
-        out.sprintf("# %s cpp %s: \"%s\":%d %s", word, word, file->getName(), file->getLineNumber(),
-                    message);
-    else
-        out.sprintf("# %s cpp %s: %s", word, word, message);
-}
-
-void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *format, ...)
+void CPP_Manager::diagnose(UT_String &result, cpp_Severity severity, const char *format, ...)
 {
     va_list args;
     va_start(args, format);
@@ -516,8 +450,8 @@ void CPP_Manager::diagnose(UT_String &result, Severity severity, const char *for
     va_end(args);
     if (length < 0)
         return;
-    makeDiagnostic(result, severity, message);
-    reportDirective(severity, message);
+    makeDiagnostic(result, severity, currentFile(), message);
+    myReports->diagnostic(currentFile(), severity, message);
     std::free(message);
     if (currentFile() != nullptr)
         myBlankLinesOwed = 1;
@@ -529,7 +463,8 @@ bool CPP_Manager::defineMacro(const char *definition, UT_String &result, bool co
 {
     result = "\n";
     if (const char *name = myMacros.define(definition, commandLineForm))
-        diagnose(result, WARNING, "Macro \"%s\" redefined.  %s", name, "Using later definition");
+        diagnose(result, CPP_WARNING, "Macro \"%s\" redefined.  %s", name,
+                 "Using later definition");
     return true;
 }
 

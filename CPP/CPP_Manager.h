@@ -14,6 +14,10 @@
 //   emit     CPP_Manager.cpp     hands it out, between line markers, owed empty
 //                                lines and diagnostics
 //
+// getLines() spares most lines the stages: runs of text that none of them would change
+// (cpp_Runs.h), lines that only define macros (cpp_QuietLines.h), skipped ones
+// (cpp_SkippedLines.h).
+//
 // Each input line gives one output line, directives and skipped lines an empty
 // one, so that numbers agree on both sides. Beside text there are line markers
 // (# 12 "file") where a file begins or goes on, and diagnostics
@@ -30,18 +34,17 @@
 #include "UT/UT_PtrArray.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "UT/UT_String.h"
-#include "UT/UT_StringList.h"
-#include "UT/UT_SymbolTable.h"
 
 #include <memory>
-#include <string>
 
 class CPP_Stream;
 class UT_IStream;
+class UT_StringList;
 class cpp_Expander;
+class cpp_OpenedFiles;
+class cpp_Reports;
 class cpp_SmallFiles;
-struct cpp_ConditionFault;
-struct cpp_SkippedLine;
+enum cpp_Severity : int;
 
 class CPP_Manager
 {
@@ -58,8 +61,6 @@ public:
         KEEP_MACROS = 0x80,          // the caller expands macros: see keepMacros()
         STOPPED = 0x1000             // after a fatal error
     };
-
-    enum Severity { ERROR, WARNING };
 
     // Also what "__VVERSION__" stands for in the name of an include file.
     static const char VERSION[];
@@ -123,7 +124,7 @@ public:
     // The paths of all files that were opened so far, as they were opened, each once, in
     // the order of first opening: what the output depends on. Files that came from memory,
     // or whose guard left nothing of them, count; standard input and lent streams do not.
-    const UT_StringList &getOpenedFiles() const { return myOpenedFiles; }
+    const UT_StringList &getOpenedFiles() const;
 
     // Has what goes wrong told as well, when it happens: places and reasons that the
     // output's diagnostics leave out, and warnings that it does not have. The output stays
@@ -144,11 +145,6 @@ public:
     bool undefineMacro(const char *text, UT_String &result);
 
     bool isMacroDefined(const char *name) const { return myMacros.holds(name); }
-    const cpp_Macro *findMacro(const char *name) const { return myMacros.find(name); } // or null
-    const cpp_Macro *findMacro(const char *name, size_t length) const
-    {
-        return myMacros.find({name, length});
-    }
     const cpp_MacroTable &macros() const { return myMacros; }
 
     // Appends "#define NAME body" for each macro that is not built in, by name. Each is a
@@ -174,15 +170,7 @@ protected:
     virtual int conditionValue(const char *text);
 
 private:
-    // A directive line, as a directive's function gets it.
-    struct Directive {
-        CPP_File &file;
-        const char *line;     // from the directive word on, with its newline
-        const char *argument; // behind the word and white space, with the newline
-        UT_String &result;    // the output line, "\n" unless it is replaced
-    };
-    struct DirectiveRow;
-    static const DirectiveRow DIRECTIVES[];
+    class Directive; // a line of one
 
     void setFlag(Flag flag, bool on);
     void defineBuiltins();
@@ -191,7 +179,6 @@ private:
     // emit
     bool takeRun(const char *&text, int &length);
     bool takeSkipped(CPP_File &file, const char *&text, int &length);
-    bool takeSkippedElif(CPP_File &file, const cpp_SkippedLine &line);
     bool takeQuiet(CPP_File &file, const char *&text, int &length);
     bool stripsSlashes() const;
     const char *emptyLines(int lines);
@@ -203,55 +190,22 @@ private:
     void takePendingText(UT_ScratchBuffer &out);
     void takeSourceLine(UT_ScratchBuffer &out);
     void popFile(UT_ScratchBuffer &out);
-    static void makeMarker(UT_ScratchBuffer &out, int lineNumber, const char *name);
-    void makeDiagnostic(UT_String &out, Severity severity, const char *message) const;
-    void diagnose(UT_String &result, Severity severity, const char *format, ...)
+    void diagnose(UT_String &result, cpp_Severity severity, const char *format, ...)
         __attribute__((format(printf, 4, 5)));
 
     // direct
-    bool namesMacro(const char *text) const; // the first word does
     void processDirective(const char *text, UT_String &result);
-    void doIfdef(const Directive &directive);
-    void doIfndef(const Directive &directive);
-    void doIf(const Directive &directive);
-    void doElif(const Directive &directive);
-    void doElse(const Directive &directive);
-    void doEndif(const Directive &directive);
-    void doDefine(const Directive &directive);
-    void doUndef(const Directive &directive);
-    void doInclude(const Directive &directive);
-    void doSilentInclude(const Directive &directive);
-    void doLine(const Directive &directive);
-    void doPassThrough(const Directive &directive);
-    bool include(const Directive &directive, UT_String &name);
-
-    // report; nothing without a listener
-    CPP_Message messageAt(const char *place, const std::string &text) const;
-    void warn(CPP_Warning warning, CPP_Message message) const;
-    void reportDirective(Severity severity, const char *message);
-    void reportExpansion() const;
-    void reportEnd(const CPP_File &file, const std::string &text);
-    void noteComment();
-    void warnDefinition(const char *definition);
-    void warnWord(const std::string &word, const char *place);
-    void warnCondition(const cpp_ConditionFault &fault);
 
     // input
-    UT_String bareName(const char *name, bool &isAngled) const;
     const char *nearFolder(bool isAngled) const;
     bool findAndPush(const UT_String &name, bool isAngled);
     bool pushPath(const char *path);
-    bool isOnce(const char *path) const;
     bool pushFile(CPP_File *file, const char *path);
-    void noteOpened(const char *path);
-
     bool applyOption(char letter, const char *value);
 
     cpp_IncludePath myIncludePath;
     UT_ScratchBuffer myPendingText;  // the next output line, held back
     UT_PtrArray<CPP_File *> myFiles; // the innermost last
-    UT_StringList myOpenedFiles;
-    UT_SymbolTable myOpenedNames; // the same, to find them; without values
     cpp_MacroTable myMacros;
     unsigned myFlags = STRIP_COMMENTS | LINE_MARKERS | EXPAND_INCLUDE_NAMES;
     int myRecursionLimit;         // 0 means the default
@@ -259,21 +213,13 @@ private:
     int myBlankLinesOwed = 0;
     bool sawSpecialStream = false;
     bool honoursOnce = false;
-    UT_SymbolTable myOnceFiles; // real paths, without values
     bool hasPoppedFile = false; // the next line read goes on in an outer file
+    std::unique_ptr<cpp_OpenedFiles> myOpened;
     std::unique_ptr<cpp_Expander> myExpander;
     std::unique_ptr<cpp_SmallFiles> mySmallFiles;
     UT_ScratchBuffer myLine;   // the source line under way
     bool isLineLent = false;   // to the caller, who has given us another buffer
     UT_ScratchBuffer myOutput; // for callers who bring no buffer
     UT_ScratchBuffer myEmptyLines;
-    std::string myCondition; // of a skipped line
-
-    CPP_Listener myListener;
-    const char *myPlace = nullptr; // in myLine, for what is reported next
-    std::string myDetail, myHint;  // of it
-    struct {
-        const CPP_File *file;
-        int line, column;
-    } myComment = {}; // the last one that went on on the next line
+    std::unique_ptr<cpp_Reports> myReports; // about myLine
 };

@@ -2,6 +2,7 @@
 
 #include "CPP/cpp_Classes.h"
 #include "CPP/cpp_MacroTable.h"
+#include "CPP/cpp_Runs.h"
 #include "UT/UT_String.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@
 
 namespace
 {
+// A longer name ends there, and what is left of it is a second operand: an error.
 constexpr size_t MAX_NAME = 1024;
 
 // ---- Operators -----------------------------------------------------------
@@ -108,6 +110,7 @@ public:
             if (name[0] == function.name[0] && name == function.name)
                 return (this->*function.take)(value) || fail(function.form);
         }
+        // Its value would be that of the bare name, and the list an error without a reason.
         if (*skipSpace(myText) == '(')
             return fail("macros with arguments are not expanded here");
         return valueOfMacro(name, start, value);
@@ -127,6 +130,7 @@ private:
         return false;
     }
 
+    // A sign in front of a digit is the number's, so "3-5" is two operands.
     bool takeNumber(int32_t &value)
     {
         const bool isNegative = *myText == '-';
@@ -256,6 +260,7 @@ private:
         if (!takeTextOfMacro(right) || !takeSign(')'))
             return false;
         const int order = std::strcmp(left.c_str(), right.c_str());
+        // strcmp promises a sign only; a value could be seen in arithmetic.
         value = (order > 0) - (order < 0);
         return true;
     }
@@ -268,6 +273,7 @@ private:
             return true;
         const char *body = skipSpace(macro->myBody.c_str());
         value = parseNumber(body, 10);
+        // strtol stops without a word where C would go on with an expression.
         const size_t sign = *body == '-' || *body == '+' ? 1 : 0;
         const size_t digits = std::strspn(body + sign, "0123456789");
         if (digits == 0 || *skipSpace(body + sign + digits) != '\0')
@@ -436,4 +442,113 @@ int evaluateCondition(const cpp_MacroTable &macros, const char *text, cpp_Condit
         return static_cast<int>(value);
     found.error = "the expression does not end";
     return -1;
+}
+
+// ---- Without a value -----------------------------------------------------
+
+namespace
+{
+// Passes operands and operators in turn. Every take function gives false at what is not one
+// of the common forms.
+class Passer
+{
+public:
+    Passer(const cpp_MacroTable &macros, const char *text, const char *end)
+        : myMacros(macros), myText(text), myEnd(end)
+    {
+    }
+
+    // The newline behind them; null when they do not end there as an expression.
+    const char *passAll()
+    {
+        bool expectsOperand = true;
+        while (expectsOperand ? passOperand() : passOperator())
+            expectsOperand = !expectsOperand;
+        return !expectsOperand && myDepth == 0 && next() == '\n' ? myText : nullptr;
+    }
+
+private:
+    bool skip()
+    {
+        while (myText < myEnd && (*myText == ' ' || *myText == '\t'))
+            ++myText;
+        return true;
+    }
+    char next() const { return myText < myEnd ? *myText : '\0'; }
+    bool take(char c)
+    {
+        const bool isNext = next() == c;
+        myText += isNext ? 1 : 0;
+        return isNext;
+    }
+
+    std::string_view takeName()
+    {
+        const char *name = myText;
+        if (UTisNameStart(next()))
+            myText = nameEnd(name, myEnd);
+        const auto length = static_cast<size_t>(myText - name);
+        return {name, length <= MAX_NAME ? length : 0};
+    }
+
+    // A decimal number, defined(NAME), or a name that is no macro and so stands for 0.
+    bool passOperand()
+    {
+        while (skip() && (take('!') || take('(')))
+            myDepth += myText[-1] == '(' ? 1 : 0;
+        if (UTisDigit(next()))
+            return passNumber();
+        if (takeDefined())
+            return !takeName().empty() && skip() && take(')');
+        const std::string_view name = takeName();
+        if (name.empty() || myMacros.holds(name))
+            return false;
+        const auto isName = [name](std::string_view function) { return name == function; };
+        return std::none_of(std::begin(FUNCTIONS), std::end(FUNCTIONS), isName);
+    }
+
+    bool takeDefined()
+    {
+        constexpr std::string_view FORM = "defined(";
+        const auto room = static_cast<size_t>(myEnd - myText);
+        const bool isNext =
+            room > FORM.size() && std::memcmp(myText, FORM.data(), FORM.size()) == 0;
+        myText += isNext ? FORM.size() : 0;
+        return isNext;
+    }
+
+    bool passNumber()
+    {
+        const bool isZero = take('0');
+        while (!isZero && UTisDigit(next()))
+            ++myText;
+        return !UTisNameCharacter(next());
+    }
+
+    bool passOperator()
+    {
+        while (skip() && take(')'))
+            --myDepth;
+        const bool isAtEnd = myEnd - myText < 2 || *myText == '\n';
+        if (isAtEnd || myDepth < 0 || *myText == '(')
+            return false;
+        const Operator *op = findOperator(myText);
+        if (op == nullptr || op->kind != INFIX)
+            return false;
+        myText += op->text.size();
+        return true;
+    }
+
+    static constexpr std::string_view FUNCTIONS[] = {"defined", "environment", "access", "strcmp"};
+
+    const cpp_MacroTable &myMacros;
+    const char *myText;
+    const char *myEnd;
+    int myDepth = 0;
+};
+} // namespace
+
+const char *plainConditionEnd(const cpp_MacroTable &macros, const char *text, const char *end)
+{
+    return Passer(macros, text, end).passAll();
 }

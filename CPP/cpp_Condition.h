@@ -28,3 +28,9 @@ struct cpp_ConditionFault {
 // 1 true (also any other number than 0), 0 false (also a blank text), -1 syntax error.
 [[nodiscard]] int evaluateCondition(const cpp_MacroTable &macros, const char *text,
                                     cpp_ConditionFault *fault = nullptr);
+
+// The newline behind the condition at the front of a text, where that is surely an expression
+// which there is nothing to tell about: enough when its value does not matter. Null for less
+// common forms as well: those have to be evaluated.
+[[nodiscard]] const char *plainConditionEnd(const cpp_MacroTable &macros, const char *text,
+                                            const char *end);

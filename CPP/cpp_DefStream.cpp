@@ -34,9 +34,11 @@ void cpp_DefStream::close()
 bool cpp_DefStream::open(const char *path)
 {
     close();
+    // Small ones come from memory; what is read in blocks never has to be there whole.
     if (!takeWhole(path)) {
         myDescriptor = ::open(path, O_RDONLY | O_CLOEXEC);
         struct stat info;
+        // A folder opens too, but is none of the files that a search looks for.
         if (myDescriptor < 0 || fstat(myDescriptor, &info) != 0 || S_ISDIR(info.st_mode)) {
             close();
             return false;
@@ -83,6 +85,7 @@ bool cpp_DefStream::readFromFile(UT_ScratchBuffer &line)
 {
     if (myReadError != 0)
         return false;
+    // The C library tells that reading failed, errno at best why.
     errno = 0;
     const bool any = line.getLine(myFile);
     if (std::ferror(myFile) != 0)
@@ -105,6 +108,7 @@ bool cpp_DefStream::fillBlock()
     if (myReadError != 0)
         return false;
     ssize_t count = 0;
+    // A signal whose handler returns is no end of input.
     do
         count = myDescriptor >= 0 ? read(myDescriptor, myBlock.get(), BLOCK_BYTES) : 0;
     while (count < 0 && errno == EINTR);
@@ -136,6 +140,7 @@ bool cpp_DefStream::readFromBlock(UT_ScratchBuffer &line)
         const char *end = newline != nullptr ? newline : myEnd;
         line.append(myNext, static_cast<int>(end - myNext));
         myNext = newline != nullptr ? newline + 1 : end;
+        // A line may go on in the next block, and so may its "\r\n".
         if (newline == nullptr)
             continue;
         const int length = line.length();

@@ -2,13 +2,15 @@
 #include "CPP/CPP_Manager.h"
 
 #include "CPP/cpp_Condition.h"
+#include "CPP/cpp_DirectiveWords.h"
+#include "CPP/cpp_OpenedFiles.h"
+#include "CPP/cpp_OutputLines.h"
+#include "CPP/cpp_Reports.h"
 #include "CPP/cpp_Text.h"
 #include "UT/UT_Environment.h"
 #include "UT/UT_ExpandVariables.h"
 
 #include <cerrno>
-#include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -30,39 +32,209 @@ std::string_view firstWord(const char *text, size_t most)
     return {text, length};
 }
 
+bool applies(const cpp_DirectiveWord &word, bool isSkipping, bool hashComments)
+{
+    switch (word.where) {
+    case cpp_DirectiveWord::EVERYWHERE:
+        return true;
+    case cpp_DirectiveWord::IN_TEXT:
+        return !isSkipping;
+    default:
+        return !isSkipping && !hashComments;
+    }
+}
+
 const char *lookUpIncludeName(const char *name, void *)
 {
     return std::strcmp(name, "__VVERSION__") == 0 ? CPP_Manager::VERSION : UTgetenv(name);
 }
 } // namespace
 
-struct CPP_Manager::DirectiveRow {
-    enum Where {
-        EVERYWHERE,  // also in skipped text
-        IN_TEXT,     // ignored in skipped text
-        PASS_THROUGH // the same, and unknown where '#' starts comments
+// A directive line that is obeyed, and what each word does with it.
+class CPP_Manager::Directive
+{
+public:
+    // `line` is the text from the directive's word on, `argument` that behind it and white
+    // space, both with the newline. `result` is the output line, "\n" unless it is replaced.
+    Directive(CPP_Manager &manager, const char *line, const char *argument, UT_String &result)
+        : myManager(manager), myFile(*manager.currentFile()), myLine(line), myArgument(argument),
+          myResult(result)
+    {
+        // It stays until the directive is done, whatever is pushed or popped.
+        myFile.addReference();
+    }
+    ~Directive() { myFile.release(); }
+    Directive(const Directive &) = delete;
+    Directive &operator=(const Directive &) = delete;
+
+    void apply(cpp_DirectiveNumber number);
+
+private:
+    struct Row {
+        cpp_DirectiveNumber number;
+        void (Directive::*apply)();
     };
+    static const Row ROWS[];
 
-    std::string_view word;
-    Where where;
-    void (CPP_Manager::*apply)(const Directive &);
+    void doDefine();
+    void doUndef();
+    void doIf();
+    void doIfdef() { pushName(true); }
+    void doIfndef() { pushName(false); }
+    void doElif();
+    void doElse() { myFile.elseCondition(); }
+    void doEndif() { myFile.popCondition(); }
+    void doInclude();
+    void doSilentInclude();
+    void doLine();
+    void doPassThrough();
+
+    void pushName(bool isWanted);
+    bool include(UT_String &name);
+    void fail(const char *message) { myManager.diagnose(myResult, CPP_ERROR, "%s", message); }
+
+    CPP_Manager &myManager;
+    CPP_File &myFile;
+    const char *myLine;
+    const char *myArgument;
+    UT_String &myResult;
 };
 
-const CPP_Manager::DirectiveRow CPP_Manager::DIRECTIVES[] = {
-    {"ifdef", DirectiveRow::EVERYWHERE, &CPP_Manager::doIfdef},
-    {"ifndef", DirectiveRow::EVERYWHERE, &CPP_Manager::doIfndef},
-    {"else", DirectiveRow::EVERYWHERE, &CPP_Manager::doElse},
-    {"endif", DirectiveRow::EVERYWHERE, &CPP_Manager::doEndif},
-    {"if", DirectiveRow::EVERYWHERE, &CPP_Manager::doIf},
-    {"elif", DirectiveRow::EVERYWHERE, &CPP_Manager::doElif},
-    {"define", DirectiveRow::IN_TEXT, &CPP_Manager::doDefine},
-    {"undef", DirectiveRow::IN_TEXT, &CPP_Manager::doUndef},
-    {"include", DirectiveRow::IN_TEXT, &CPP_Manager::doInclude},
-    {"sinclude", DirectiveRow::IN_TEXT, &CPP_Manager::doSilentInclude},
-    {"line", DirectiveRow::IN_TEXT, &CPP_Manager::doLine},
-    {"pragma", DirectiveRow::PASS_THROUGH, &CPP_Manager::doPassThrough},
-    {"ident", DirectiveRow::PASS_THROUGH, &CPP_Manager::doPassThrough},
+constexpr CPP_Manager::Directive::Row CPP_Manager::Directive::ROWS[] = {
+    {CPP_DEFINE, &Directive::doDefine},     {CPP_ELIF, &Directive::doElif},
+    {CPP_ENDIF, &Directive::doEndif},       {CPP_IF, &Directive::doIf},
+    {CPP_IFDEF, &Directive::doIfdef},       {CPP_IFNDEF, &Directive::doIfndef},
+    {CPP_ELSE, &Directive::doElse},         {CPP_UNDEF, &Directive::doUndef},
+    {CPP_INCLUDE, &Directive::doInclude},   {CPP_SINCLUDE, &Directive::doSilentInclude},
+    {CPP_LINE, &Directive::doLine},         {CPP_PRAGMA, &Directive::doPassThrough},
+    {CPP_IDENT, &Directive::doPassThrough},
 };
+
+void CPP_Manager::Directive::apply(cpp_DirectiveNumber number)
+{
+    static_assert(cpp_isInOrder(ROWS), "a row stands at its number");
+    (this->*ROWS[number].apply)();
+}
+
+// The first word of the argument, whether or not it is a good name.
+void CPP_Manager::Directive::pushName(bool isWanted)
+{
+    const bool isMacro = myManager.myMacros.holds(firstWord(myArgument, CPP_MOST_TESTED));
+    myFile.pushCondition(isMacro == isWanted ? CPP_File::TAKING : CPP_File::NOT_YET);
+}
+
+void CPP_Manager::Directive::doIf()
+{
+    const int value = myFile.isSkipping() ? static_cast<int>(CPP_File::DONE)
+                                          : myManager.conditionValue(myArgument);
+    if (value < 0)
+        fail("#if syntax error");
+    else
+        myFile.pushCondition(value); // 0, 1 and 2 are the states' numbers
+}
+
+void CPP_Manager::Directive::doElif()
+{
+    const int value = myManager.conditionValue(myArgument);
+    if (value < 0)
+        fail("#elif syntax error");
+    else
+        myFile.elifCondition(value);
+}
+
+void CPP_Manager::Directive::doDefine()
+{
+    myManager.myReports->setPlace(myArgument);
+    myManager.defineMacro(myArgument, myResult, false);
+    if (myManager.hasFlag(KEEP_MACROS))
+        doPassThrough();
+    else
+        myManager.myReports->definition(myFile, myArgument);
+}
+
+void CPP_Manager::Directive::doUndef()
+{
+    myManager.undefineMacro(myArgument, myResult);
+    if (myManager.hasFlag(KEEP_MACROS))
+        doPassThrough();
+}
+
+// False, and `name` for the message, when the file cannot be opened.
+bool CPP_Manager::Directive::include(UT_String &name)
+{
+    if (myManager.hasFlag(EXPAND_INCLUDE_NAMES)) {
+        UT_ScratchBuffer expanded;
+        UTexpandVariables(expanded, myArgument, lookUpIncludeName, nullptr, true, true);
+        expanded.copyToString(name);
+    } else {
+        name.assignCopy(myArgument);
+    }
+    bool isAngled;
+    const UT_String wanted = bareIncludeName(name, myManager.hasFlag(OLD_STYLE_INCLUDE), isAngled);
+    const bool isTooDeep = myManager.myFiles.entries() >= MAX_INCLUDE_DEPTH;
+    if (!isTooDeep && myManager.findAndPush(wanted, isAngled))
+        return true;
+    if (!isTooDeep && errno != EMFILE) // the user may allow fewer descriptors
+        return false;
+    fail("Include nesting limit reached");
+    myManager.stop();
+    return true;
+}
+
+void CPP_Manager::Directive::doInclude()
+{
+    UT_String name;
+    if (include(name))
+        return;
+    // Unlike other diagnostics this one has no newline of its own.
+    name.changeSuffix("\n", "");
+    myManager.myReports->setPlace(myArgument);
+    myManager.diagnose(myResult, CPP_ERROR, "Unable to include %s", name.text());
+}
+
+// A file that cannot be there is no fault; one that nests without end still is.
+void CPP_Manager::Directive::doSilentInclude()
+{
+    UT_String name;
+    include(name);
+}
+
+void CPP_Manager::Directive::doLine()
+{
+    // An open quote goes on to the line's end, but not over it.
+    const size_t length = std::strcspn(myArgument, "\n");
+    UT_String argument(myArgument, true, static_cast<int>(length));
+    char *words[3];
+    const int count = argument.splitWordsInto(words, 3);
+    // The next line read counts one more.
+    if (count > 0)
+        myFile.setLineNumber(UT_String(words[0]).toInt());
+    if (count > 1)
+        myFile.setName(words[1]);
+    if (!myManager.hasFlag(LINE_MARKERS))
+        return;
+    UT_ScratchBuffer marker;
+    makeMarker(marker, myFile.getLineNumber(), myFile.getName());
+    marker.copyToString(myResult);
+}
+
+void CPP_Manager::Directive::doPassThrough()
+{
+    const bool isOnce = myManager.honoursOnce && firstWord(myLine, MAX_WORD) == "pragma" &&
+                        firstWord(myArgument, MAX_WORD) == "once";
+    if (isOnce)
+        myManager.myOpened->keepOnce(myFile.getName());
+    else
+        myResult.sprintf("#%s", myLine);
+}
+
+int CPP_Manager::conditionValue(const char *text)
+{
+    cpp_ConditionFault fault;
+    const int value = evaluateCondition(myMacros, text, &fault);
+    myReports->condition(*currentFile(), fault);
+    return value;
+}
 
 // `text` is what follows the '#'.
 void CPP_Manager::processDirective(const char *text, UT_String &result)
@@ -74,169 +246,21 @@ void CPP_Manager::processDirective(const char *text, UT_String &result)
     text = skipSpace(text);
     const std::string_view word = firstWord(text, MAX_WORD);
     const char *argument = skipSpace(text + word.size());
-    myPlace = text;
+    myReports->setPlace(text);
 
     CPP_File &file = *currentFile();
     const bool isSkipping = file.isSkipping();
-    for (const DirectiveRow &row : DIRECTIVES) {
-        if (word != row.word)
-            continue;
-        const bool applies = row.where == DirectiveRow::EVERYWHERE ||
-                             (!isSkipping && (row.where == DirectiveRow::IN_TEXT || !hashComments));
-        if (applies) {
-            // The file stays until the directive is done, whatever is pushed or popped.
-            file.addReference();
-            (this->*row.apply)({file, text, argument, result});
-            file.release();
-            myPlace = nullptr;
-            return;
-        }
+    const cpp_DirectiveWord *known = findDirective(word);
+    if (known != nullptr && applies(*known, isSkipping, hashComments)) {
+        Directive(*this, text, argument, result).apply(known->number);
+        myReports->setPlace(nullptr);
+        return;
     }
     const bool isKept = hasFlag(KEEP_MACROS);
     if (!hashComments && !isKept)
-        warnWord(std::string(word), text);
+        myReports->unknownWord(file, word, text);
     if (!isSkipping && isKept)
         result.sprintf("#%s", text);
     else if (!isSkipping && !hashComments)
-        diagnose(result, ERROR, "Undefined directive \"%s\"\n", std::string(word).c_str());
-}
-
-bool CPP_Manager::namesMacro(const char *text) const
-{
-    const std::string_view name = firstWord(text, CPP_MOST_TESTED);
-    return myMacros.holds(name);
-}
-
-void CPP_Manager::doIfdef(const Directive &directive)
-{
-    directive.file.pushCondition(namesMacro(directive.argument) ? CPP_File::TAKING
-                                                                : CPP_File::NOT_YET);
-}
-
-void CPP_Manager::doIfndef(const Directive &directive)
-{
-    directive.file.pushCondition(namesMacro(directive.argument) ? CPP_File::NOT_YET
-                                                                : CPP_File::TAKING);
-}
-
-int CPP_Manager::conditionValue(const char *text)
-{
-    cpp_ConditionFault fault;
-    const int value = evaluateCondition(myMacros, text, &fault);
-    warnCondition(fault);
-    return value;
-}
-
-void CPP_Manager::doIf(const Directive &directive)
-{
-    const int value = directive.file.isSkipping() ? static_cast<int>(CPP_File::DONE)
-                                                  : conditionValue(directive.argument);
-    if (value < 0)
-        diagnose(directive.result, ERROR, "#if syntax error");
-    else
-        directive.file.pushCondition(value); // 0, 1 and 2 are the states' numbers
-}
-
-void CPP_Manager::doElif(const Directive &directive)
-{
-    const int value = conditionValue(directive.argument);
-    if (value < 0)
-        diagnose(directive.result, ERROR, "#elif syntax error");
-    else
-        directive.file.elifCondition(value);
-}
-
-void CPP_Manager::doElse(const Directive &directive)
-{
-    directive.file.elseCondition();
-}
-
-void CPP_Manager::doEndif(const Directive &directive)
-{
-    directive.file.popCondition();
-}
-
-void CPP_Manager::doDefine(const Directive &directive)
-{
-    myPlace = directive.argument;
-    defineMacro(directive.argument, directive.result, false);
-    if (hasFlag(KEEP_MACROS))
-        doPassThrough(directive);
-    else
-        warnDefinition(directive.argument);
-}
-
-void CPP_Manager::doUndef(const Directive &directive)
-{
-    undefineMacro(directive.argument, directive.result);
-    if (hasFlag(KEEP_MACROS))
-        doPassThrough(directive);
-}
-
-// False, and `name` for the message, when the file cannot be opened.
-bool CPP_Manager::include(const Directive &directive, UT_String &name)
-{
-    if (hasFlag(EXPAND_INCLUDE_NAMES)) {
-        UT_ScratchBuffer expanded;
-        UTexpandVariables(expanded, directive.argument, lookUpIncludeName, nullptr, true, true);
-        expanded.copyToString(name);
-    } else {
-        name.assignCopy(directive.argument);
-    }
-    bool isAngled;
-    const UT_String wanted = bareName(name, isAngled);
-    const bool isTooDeep = myFiles.entries() >= MAX_INCLUDE_DEPTH;
-    if (!isTooDeep && findAndPush(wanted, isAngled))
-        return true;
-    if (!isTooDeep && errno != EMFILE) // the user may allow fewer descriptors
-        return false;
-    diagnose(directive.result, ERROR, "Include nesting limit reached");
-    stop();
-    return true;
-}
-
-void CPP_Manager::doInclude(const Directive &directive)
-{
-    UT_String name;
-    if (include(directive, name))
-        return;
-    name.changeSuffix("\n", "");
-    myPlace = directive.argument;
-    diagnose(directive.result, ERROR, "Unable to include %s", name.text());
-}
-
-void CPP_Manager::doSilentInclude(const Directive &directive)
-{
-    UT_String name;
-    include(directive, name);
-}
-
-void CPP_Manager::doLine(const Directive &directive)
-{
-    CPP_File &file = directive.file;
-    // An open quote goes on to the line's end, but not over it.
-    const size_t length = std::strcspn(directive.argument, "\n");
-    UT_String argument(directive.argument, true, static_cast<int>(length));
-    char *words[3];
-    const int count = argument.splitWordsInto(words, 3);
-    if (count > 0)
-        file.setLineNumber(UT_String(words[0]).toInt());
-    if (count > 1)
-        file.setName(words[1]);
-    if (hasFlag(LINE_MARKERS)) {
-        UT_ScratchBuffer marker;
-        makeMarker(marker, file.getLineNumber(), file.getName());
-        marker.copyToString(directive.result);
-    }
-}
-
-void CPP_Manager::doPassThrough(const Directive &directive)
-{
-    char real[PATH_MAX];
-    const bool isOnce = honoursOnce && firstWord(directive.line, MAX_WORD) == "pragma" &&
-                        firstWord(directive.argument, MAX_WORD) == "once";
-    if (!isOnce)
-        directive.result.sprintf("#%s", directive.line);
-    else if (realpath(directive.file.getName(), real) != nullptr)
-        myOnceFiles.addSymbol(real, nullptr);
+        diagnose(result, CPP_ERROR, "Undefined directive \"%s\"\n", std::string(word).c_str());
 }

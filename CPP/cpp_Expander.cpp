@@ -92,24 +92,29 @@ void cpp_Expander::notePlace(const char *place)
     myLinesToPlace = myLinesTaken;
 }
 
+// Nothing where the line is gone: others of the list came behind it.
+void cpp_Expander::showPlace(Fault &fault) const
+{
+    const bool isInText = myLinesToPlace == 0;
+    if (!isInText && myLinesToPlace != myLinesTaken)
+        return;
+    const char *start = isInText ? myText : myLevels[0]->start;
+    const char *end = isInText ? myTextEnd : myLevels[0]->end;
+    fault.source.assign(start, end);
+    fault.column = static_cast<int>(myPlace - start) + 1;
+    if (myFaultDepth > 0)
+        fault.detail = " in what \"" + std::string(myPlace, findOther(CPP_NAME, myPlace, end)) +
+                       "\" stands for";
+}
+
 cpp_Expander::Fault cpp_Expander::fault() const
 {
     Fault fault;
     fault.line = myPlaceLine;
     fault.isQuote = myReason == nullptr && myMessage == MISMATCHED;
+    showPlace(fault);
     if (myReason != nullptr)
-        fault.detail = std::string(": ") + myReason;
-    const Level &outermost = *myLevels[0];
-    const bool isInText = myLinesToPlace == 0;
-    if (!isInText && myLinesToPlace != myLinesTaken) // its line is gone
-        return fault;
-    const char *start = isInText ? myText : outermost.start;
-    const char *end = isInText ? myTextEnd : outermost.end;
-    fault.source.assign(start, end);
-    fault.column = static_cast<int>(myPlace - start) + 1;
-    if (myFaultDepth > 0)
-        fault.detail += " in what \"" + std::string(myPlace, findOther(CPP_NAME, myPlace, end)) +
-                        "\" stands for";
+        fault.detail += std::string(": ") + myReason;
     return fault;
 }
 
@@ -124,6 +129,7 @@ bool cpp_Expander::expand(CPP_File &file, const char *text, int length, int limi
     myReason = nullptr;
     myLimit = static_cast<size_t>(limit > 0 ? limit : DEFAULT_LIMIT);
     myBudget = BUDGET + BUDGET_PER_CHARACTER * static_cast<size_t>(std::min(length, MAX_COUNTED));
+    // The outermost level is the caller's text; deeper ones are replacements.
     goToLevel(0);
     level().start = level().next = text;
     level().end = text + length;
@@ -164,6 +170,7 @@ void cpp_Expander::goToLevel(size_t depth)
 
 void cpp_Expander::leaveLevel()
 {
+    // Kept memory makes the next macro cheap; a huge one must not hold it for ever.
     if (level().owned.capacity() > MAX_KEPT)
         std::string().swap(level().owned);
     goToLevel(myDepth - 1);
@@ -244,6 +251,7 @@ bool cpp_Expander::expandMacro(const cpp_Macro &macro)
         return copyBuiltin(macro);
     if (macro.myNumArgs >= 0 && !takeArguments(macro.myNumArgs))
         return fail("Invalid arguments for macro \"" + std::string(macro.myName) + "\"");
+    // A macro that stands for itself ends here: nothing else is done about it.
     if (myDepth + 1 >= myLimit)
         return fail(LIMIT_REACHED);
     const bool hasArguments = macro.myNumArgs > 0;
@@ -341,6 +349,7 @@ bool cpp_Expander::takeArguments(int count)
     if (!skipSpace(false) || *level().next != '(')
         return failList("there is no list of arguments behind it on this line");
     ++level().next;
+    // Kept from call to call for their memory, so only their texts are emptied.
     myArguments.resize(static_cast<size_t>(count));
     for (Argument &argument : myArguments)
         argument.text = {};

@@ -81,6 +81,7 @@ private:
     bool fail(std::string message);
     bool failList(const char *reason);
     void notePlace(const char *place);
+    void showPlace(Fault &fault) const;
     Level &level() { return *myLevel; }
     Level &levelAt(size_t depth); // makes it, one behind the last
     void goToLevel(size_t depth);

@@ -1,5 +1,6 @@
 #include "CPP/cpp_IncludePath.h"
 
+#include "CPP/cpp_Text.h"
 #include "UT/UT_FileUtil.h"
 #include "UT/UT_StringList.h"
 
@@ -17,6 +18,7 @@ std::string keyOf(const char *name, const char *nearFolder)
 
 bool findNear(const char *folder, const char *name, UT_String &path)
 {
+    // As a user would write it: messages and markers show the path.
     path.clear();
     if (std::strcmp(folder, ".") != 0)
         (path += folder) += "/";
@@ -24,6 +26,18 @@ bool findNear(const char *folder, const char *name, UT_String &path)
     return access(path, R_OK) == 0;
 }
 } // namespace
+
+UT_String bareIncludeName(const char *text, bool endsAtBlank, bool &isAngled)
+{
+    text = skipSpace(text);
+    isAngled = *text == '<';
+    size_t length = std::strlen(text);
+    if (*text == '"' || isAngled)
+        length = std::strcspn(++text, isAngled ? ">" : "\"");
+    else if (endsAtBlank)
+        length = std::strcspn(text, " \t\n\v\f\r");
+    return UT_String(text, true, static_cast<int>(length));
+}
 
 cpp_IncludePath::cpp_IncludePath(int pathId, const char *caretSubst)
 {
@@ -36,6 +50,7 @@ cpp_IncludePath::cpp_IncludePath(int pathId, const char *caretSubst)
 void cpp_IncludePath::add(const char *dir)
 {
     myFolders->addDirectory(dir);
+    // Names that were nowhere may be there now.
     myFound.clear();
 }
 
@@ -55,6 +70,7 @@ bool cpp_IncludePath::find(const char *name, const char *nearFolder, UT_String &
         path.assignCopy(known->second.c_str());
         return !known->second.empty();
     }
+    // Tried all the same: a stream of the caller's may know names that no folder has.
     if (!lookUp(name, nearFolder, path))
         path.assignCopy(name);
     myFound.emplace(key, path.text());
@@ -75,6 +91,7 @@ bool cpp_IncludePath::lookUp(const char *name, const char *nearFolder, UT_String
     if (nearFolder != nullptr && findNear(nearFolder, name, path))
         return true;
     const bool isFound = myFolders->findFile(path, name, UT_PathSearch::KEEP_NAME);
+    // The path lies in the search's own memory until the next look-up.
     path.makeOwned();
     return isFound;
 }

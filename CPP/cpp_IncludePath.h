@@ -13,6 +13,10 @@
 #include <string>
 #include <unordered_map>
 
+// A file's name without its quotes or angle brackets, as it stands behind #include. One
+// without any goes on to the text's end, or to the first white space when it `endsAtBlank`.
+UT_String bareIncludeName(const char *text, bool endsAtBlank, bool &isAngled);
+
 class cpp_IncludePath
 {
 public:

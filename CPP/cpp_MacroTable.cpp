@@ -19,6 +19,7 @@ std::string nextIllegalName()
 }
 } // namespace
 
+// The table knows values as pointers only, and the macros' memory goes with its pages.
 cpp_MacroTable::~cpp_MacroTable()
 {
     const auto destroyMacro = [](void **value, const char *, void *table) {
@@ -47,10 +48,12 @@ const cpp_Macro *cpp_MacroTable::findHeld(std::string_view name) const
 const char *cpp_MacroTable::store(std::string_view name, cpp_Macro *macro)
 {
     void *&slot = myMacros.findOrAddSymbol(name.data(), name.size(), macro->myName);
+    // Compared before the old one goes; the name belongs to the table and stays.
     auto *old = static_cast<cpp_Macro *>(slot);
     const bool isOther = old != nullptr && !old->isSameAs(*macro);
     destroy(old);
     slot = macro;
+    // Never taken out again: a filter may hold names that are gone.
     myFilter.add(name);
     return isOther ? macro->myName : nullptr;
 }
@@ -66,6 +69,7 @@ bool cpp_MacroTable::add(std::string_view name, const char *body, const char *en
 {
     const char *key;
     void *&slot = myMacros.findOrAddSymbol(name.data(), name.size(), key);
+    // Whether that differs, and is told, is for define() to see.
     if (slot != nullptr)
         return false;
     cpp_Macro *macro = make();
@@ -97,6 +101,7 @@ void cpp_MacroTable::undefine(const char *text)
     destroy(static_cast<cpp_Macro *>(macro));
 }
 
+// Sorted, since the table's own order changes with its size.
 void cpp_MacroTable::list(UT_StringList &lines)
 {
     std::vector<std::string> found;

@@ -1,6 +1,7 @@
 // The options of a manager, and the macros that every manager has.
 #include "CPP/CPP_Manager.h"
 
+#include "CPP/cpp_Reports.h"
 #include "UT/UT_Args.h"
 
 #include <cstdio>
@@ -104,13 +105,13 @@ int CPP_Manager::parseOptions(int argc, char *argv[])
     int letter;
     bool isGood = true;
     // Nothing is told about the definitions themselves.
-    CPP_Listener listener = std::exchange(myListener, nullptr);
+    CPP_Listener listener = myReports->exchangeListener(nullptr);
     while (isGood && (letter = getopt(argc, argv, OPTION_LETTERS)) != -1) {
         if (listener && takesName(letter) && *optarg == '-' && optarg[1] != '\0')
             listener(CPP_optionNameMessage({'-', static_cast<char>(letter)}, optarg));
         isGood = applyOption(static_cast<char>(letter), optarg);
     }
-    myListener = std::move(listener);
+    myReports->exchangeListener(std::move(listener));
     const int firstOperand = isGood ? optind : 0;
     finishScan(argc, argv);
     optind = callersIndex;

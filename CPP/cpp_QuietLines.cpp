@@ -1,6 +1,7 @@
 #include "CPP/cpp_QuietLines.h"
 
 #include "CPP/cpp_Classes.h"
+#include "CPP/cpp_LineEnd.h"
 #include "CPP/cpp_MacroTable.h"
 #include "CPP/cpp_Runs.h"
 
@@ -9,23 +10,8 @@
 
 namespace
 {
-const char *find(char c, const char *from, const char *end)
-{
-    const void *found =
-        from < end ? std::memchr(from, c, static_cast<size_t>(end - from)) : nullptr;
-    return found != nullptr ? static_cast<const char *>(found) : end;
-}
-
-// Behind the sign that ends a block comment; null when there is none.
-const char *blockEnd(const char *from, const char *end)
-{
-    const char *slash = find('/', from + 3, end); // "/*/" is open
-    while (slash < end && slash[-1] != '*')
-        slash = find('/', slash + 1, end);
-    return slash < end ? slash + 1 : nullptr;
-}
-
-// The name that a definition begins with, null when the line is none.
+// The name that a definition begins with, null when the line is none. Only the form that
+// nearly all have: with blanks in front or behind its '#' a line is left to the stages.
 const char *defined(const char *line, const char *end)
 {
     constexpr std::string_view DIRECTIVE = "#define";
@@ -38,32 +24,23 @@ const char *defined(const char *line, const char *end)
     return name > line + START && name < end && UTisNameStart(*name) ? name : nullptr;
 }
 
-bool hasQuote(const char *from, const char *end)
-{
-    return findOf(CPP_QUOTE, from, end) != end;
-}
-
 const char *takeDefinition(cpp_MacroTable &macros, bool strips, const char *line, const char *end)
 {
     const char *name = defined(line, end);
     if (name == nullptr)
         return nullptr;
     const char *body = nameEnd(name, end);
-    const char *stop = simpleLineEnd(body, end);
-    if (stop == end || (body < stop && !UTisSpace(*body)))
+    // Parameters need compiling, and anything else makes the name a bad one.
+    if (body == end || !UTisSpace(*body))
         return nullptr;
-    const char *behind = stop + 1;
-    if (*stop == '/' && strips && !hasQuote(body, stop))
-        behind = skipComment(stop, end);
-    else if (*stop == '\r' && behind < end && *behind == '\n')
-        ++behind;
-    else if (*stop != '\n')
+    const cpp_LineEnd ending = findLineEnd(strips, body, end);
+    if (!ending)
         return nullptr;
-    // A block comment stands for blanks.
-    const bool isPadded = *stop == '/' && behind != nullptr && stop[1] == '*';
-    const bool isNew = behind != nullptr &&
-                       macros.add({name, static_cast<size_t>(body - name)}, body, stop, isPadded);
-    return isNew ? behind : nullptr;
+    // A block comment stands for blanks. A macro that is there already may give a warning.
+    const bool isPadded = ending.isComment() && ending.stop[1] == '*';
+    const bool isNew =
+        macros.add({name, static_cast<size_t>(body - name)}, body, ending.stop, isPadded);
+    return isNew ? ending.behind : nullptr;
 }
 
 const char *takeComment(const char *line, const char *end)
@@ -72,24 +49,6 @@ const char *takeComment(const char *line, const char *end)
     return first < end && *first == '/' ? skipComment(first, end) : nullptr;
 }
 } // namespace
-
-bool startsComment(const char *slash, const char *end)
-{
-    return end - slash >= 2 && (slash[1] == '/' || slash[1] == '*');
-}
-
-const char *skipComment(const char *slash, const char *end)
-{
-    if (!startsComment(slash, end))
-        return nullptr;
-    const char *behind = slash[1] == '*' ? blockEnd(slash, end) : slash;
-    if (behind == nullptr)
-        return nullptr;
-    const char *newline = find('\n', behind, end);
-    const bool isWhole = slash[1] == '/' || skipBlanks(behind, newline) == newline;
-    const bool mayJoin = find('\\', slash, newline) != newline;
-    return newline != end && isWhole && !mayJoin ? newline + 1 : nullptr;
-}
 
 const char *takeQuietLines(cpp_MacroTable &macros, bool strips, const char *from, const char *end)
 {

@@ -1,14 +1,15 @@
-// What the manager tells its listener: the messages beside the output's diagnostics, and
-// the warnings that the output has no words for.
-#include "CPP/CPP_Manager.h"
+#include "CPP/cpp_Reports.h"
 
+#include "CPP/CPP_File.h"
 #include "CPP/CPP_Stream.h"
 #include "CPP/cpp_Condition.h"
+#include "CPP/cpp_DirectiveWords.h"
 #include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Text.h"
 
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 const CPP_WarningRow CPP_WARNINGS[] = {
     {"redefined", "a macro gets another definition"},
@@ -32,16 +33,19 @@ std::string withoutNewline(const char *text)
     return std::string(text, std::strcspn(text, "\n"));
 }
 
-// Directives that others read without the blank.
-bool lacksBlank(const std::string &word, std::string &meant)
+// The directive that a word begins with, where others read it without the blank; else empty.
+std::string meantBy(std::string_view word)
 {
-    for (const char *known : {"ifdef", "ifndef", "if", "elif", "include"}) {
-        meant = known;
-        const bool begins = word.compare(0, meant.size(), meant) == 0;
-        if (begins && word.size() > meant.size() && std::strchr("(<\"!", word[meant.size()]))
-            return true;
+    std::string_view meant;
+    for (const cpp_DirectiveWord &known : CPP_DIRECTIVE_WORDS) {
+        const size_t length = known.text.size();
+        const bool touches = known.mayTouch && word.size() > length &&
+                             word.substr(0, length) == known.text &&
+                             std::strchr("(<\"!", word[length]) != nullptr;
+        if (touches)
+            meant = known.text;
     }
-    return false;
+    return std::string(meant);
 }
 } // namespace
 
@@ -55,18 +59,19 @@ CPP_Message CPP_optionNameMessage(const std::string &option, const std::string &
     return message;
 }
 
-void CPP_Manager::setListener(CPP_Listener listener)
+CPP_Listener cpp_Reports::exchangeListener(CPP_Listener listener)
 {
-    myListener = std::move(listener);
+    return std::exchange(myListener, std::move(listener));
 }
 
-// At a place in myLine, which may be null, or else in the current file.
-CPP_Message CPP_Manager::messageAt(const char *place, const std::string &text) const
+// At a place in the line, or else in the file.
+CPP_Message cpp_Reports::messageAt(const CPP_File *file, const char *place,
+                                   const std::string &text) const
 {
     CPP_Message message;
     message.text = text;
-    message.file = getCurrentFileName();
-    message.line = currentFile() != nullptr ? currentFile()->getLineNumber() : 0;
+    message.file = file != nullptr ? file->getName() : CPP_NO_FILE;
+    message.line = file != nullptr ? file->getLineNumber() : 0;
     const char *line = myLine.buffer();
     if (place != nullptr && place >= line && place <= line + myLine.length()) {
         message.column = static_cast<int>(place - line) + 1;
@@ -75,34 +80,34 @@ CPP_Message CPP_Manager::messageAt(const char *place, const std::string &text) c
     return message;
 }
 
-void CPP_Manager::warn(CPP_Warning warning, CPP_Message message) const
+void cpp_Reports::warn(CPP_Warning warning, CPP_Message message) const
 {
     message.isError = false;
     message.name = CPP_WARNINGS[warning].name;
     myListener(message);
 }
 
-void CPP_Manager::reportDirective(Severity severity, const char *message)
+void cpp_Reports::diagnostic(const CPP_File *file, cpp_Severity severity, const char *message)
 {
     if (!myListener)
         return;
     std::string text = withoutNewline(message);
     text.erase(text.find_last_not_of(" \t") + 1); // what stood behind a name
-    CPP_Message report = messageAt(myPlace, text + myDetail);
+    CPP_Message report = messageAt(file, myPlace, text + myDetail);
     report.hint = myHint;
     myDetail = myHint = "";
-    if (severity == WARNING)
+    if (severity == CPP_WARNING)
         warn(CPP_REDEFINED, std::move(report));
     else
         myListener(report);
 }
 
-void CPP_Manager::reportExpansion() const
+void cpp_Reports::failedExpansion(const CPP_File &file, const cpp_Expander &expander) const
 {
     if (!myListener)
         return;
-    const cpp_Expander::Fault fault = myExpander->fault();
-    CPP_Message message = messageAt(nullptr, myExpander->message() + fault.detail);
+    const cpp_Expander::Fault fault = expander.fault();
+    CPP_Message message = messageAt(&file, nullptr, expander.message() + fault.detail);
     message.line = fault.line;
     message.column = fault.column;
     message.source = withoutNewline(fault.source.c_str());
@@ -110,13 +115,23 @@ void CPP_Manager::reportExpansion() const
     myListener(message);
 }
 
-// At the end of a file: `text` is the output's diagnostic, empty when all is well.
-void CPP_Manager::reportEnd(const CPP_File &file, const std::string &text)
+void cpp_Reports::openComment(const CPP_File &file)
+{
+    // It is cut behind the sign, whose second character is the last one there.
+    int end = myLine.length();
+    while (end > 0 && myLine.buffer()[end - 1] == '\n')
+        --end;
+    myComment = {&file, file.getLineNumber(), end > 1 ? end - 1 : 1};
+}
+
+void cpp_Reports::end(const CPP_File &file, bool isInComment, const std::string &text)
 {
     if (!myListener)
         return;
-    if (hasFlag(IN_BLOCK_COMMENT) && myComment.file == &file) {
-        CPP_Message message = messageAt(nullptr, "comment never ends; the text behind it is lost");
+    // A comment that another file has opened may still end in that one.
+    if (isInComment && myComment.file == &file) {
+        CPP_Message message =
+            messageAt(&file, nullptr, "comment never ends; the text behind it is lost");
         message.line = myComment.line;
         message.column = myComment.column;
         message.hint = COMMENT_HINT;
@@ -125,7 +140,8 @@ void CPP_Manager::reportEnd(const CPP_File &file, const std::string &text)
     }
     if (text.empty())
         return;
-    CPP_Message message = messageAt(nullptr, text);
+    CPP_Message message = messageAt(&file, nullptr, text);
+    // What could not be read may have closed it.
     if (file.hasOpenCondition() && file.getStream()->readError() == nullptr) {
         message.text += " for the condition that begins here";
         message.line = file.openConditionLine();
@@ -133,16 +149,7 @@ void CPP_Manager::reportEnd(const CPP_File &file, const std::string &text)
     myListener(message);
 }
 
-// Where a block comment began that goes on behind myLine, which is cut behind its sign.
-void CPP_Manager::noteComment()
-{
-    int end = myLine.length();
-    while (end > 0 && myLine.buffer()[end - 1] == '\n')
-        --end;
-    myComment = {currentFile(), currentFile()->getLineNumber(), end > 1 ? end - 1 : 1};
-}
-
-void CPP_Manager::warnDefinition(const char *definition)
+void cpp_Reports::definition(const CPP_File &file, const char *definition) const
 {
     if (!myListener)
         return;
@@ -150,32 +157,37 @@ void CPP_Manager::warnDefinition(const char *definition)
     const char *parameters = name;
     while (UTisNameCharacter(*parameters))
         ++parameters;
+    // In a body without parameters both are plain text, there and elsewhere.
     if (*parameters != '(')
         return;
     const char *variadic = std::strstr(parameters, "...");
     if (variadic == nullptr)
         variadic = std::strstr(parameters, "__VA_ARGS__");
     if (variadic != nullptr)
-        warn(CPP_VARIADIC,
-             messageAt(variadic, "a macro takes as many arguments as it has parameters"));
+        warn(CPP_VARIADIC, messageAt(&file, variadic,
+                                     "... and __VA_ARGS__ mean nothing here: a macro takes as many "
+                                     "arguments as it has parameters"));
     const char *paste = std::strstr(parameters, "##");
     if (paste != nullptr && (UTisSpace(paste[-1]) || UTisSpace(paste[2])))
-        warn(CPP_SPACED_PASTE, messageAt(paste, "## joins words only without blanks around it"));
+        warn(CPP_SPACED_PASTE,
+             messageAt(&file, paste, "## joins words only without blanks around it"));
 }
 
-void CPP_Manager::warnWord(const std::string &word, const char *place)
+void cpp_Reports::unknownWord(const CPP_File &file, std::string_view word, const char *place)
 {
-    std::string meant;
-    if (!myListener || !lacksBlank(word, meant))
+    const std::string meant = myListener ? meantBy(word) : "";
+    if (meant.empty())
         return;
-    if (currentFile()->isSkipping())
+    // In text the word has its own diagnostic; skipped, nothing else would tell.
+    if (file.isSkipping())
         warn(CPP_MISSING_BLANK,
-             messageAt(place, "#" + meant + " needs a blank behind it; this is no directive"));
+             messageAt(&file, place,
+                       "#" + meant + " needs a blank behind it; this is no directive"));
     else
         myHint = "a blank is missing behind #" + meant;
 }
 
-void CPP_Manager::warnCondition(const cpp_ConditionFault &fault)
+void cpp_Reports::condition(const CPP_File &file, const cpp_ConditionFault &fault)
 {
     if (!myListener)
         return;
@@ -183,8 +195,8 @@ void CPP_Manager::warnCondition(const cpp_ConditionFault &fault)
         myPlace = fault.place;
         myDetail = std::string(": ") + fault.error;
     } else if (fault.oddMacro != nullptr) {
-        warn(CPP_MACRO_VALUE,
-             messageAt(fault.oddMacro, "this macro is no decimal number; its first digits count, "
-                                       "or 0"));
+        warn(CPP_MACRO_VALUE, messageAt(&file, fault.oddMacro,
+                                        "this macro is no decimal number; its first digits "
+                                        "count, or 0"));
     }
 }

@@ -11,6 +11,7 @@
 
 namespace
 {
+// In skipped text: directives, comments and joined lines.
 bool stopsDropped(char c)
 {
     return c == '#' || c == '/' || c == '\\';
@@ -40,6 +41,7 @@ const char *firstStop(cpp_RunKind kind, const char *from, const char *end)
     return from;
 }
 
+// A run is whole lines: what it stops at needs the stages from its line's start.
 const char *behindLastNewline(const char *from, const char *end)
 {
     const void *newline = memrchr(from, '\n', static_cast<size_t>(end - from));
@@ -103,6 +105,7 @@ inline unsigned keptStops(const char *from)
     const Bytes newlines = equal(bytes, '\n');
     const Bytes tabs = equal(bytes, '\t');
     const Bytes plainControls = either(newlines, tabs);
+    // Tabs and newlines are what plain text has; other control characters are for the stages.
     Bytes stops = _mm_andnot_si128(plainControls, isControl(bytes));
     stops = either(stops, either(isLetter(bytes), equal(bytes, '_')));
     stops = either(stops, either(equal(bytes, '"'), equal(bytes, '\'')));
@@ -182,6 +185,7 @@ int countLines(const char *from, const char *end)
     int lines = 0;
 #ifdef __SSE2__
     for (; end - from >= WIDTH; from += WIDTH) {
+        // -1 for each newline; their sums over eight bytes fit the two halves.
         const Bytes ones = _mm_sub_epi8(_mm_setzero_si128(), equal(load(from), '\n'));
         const Bytes sums = _mm_sad_epu8(ones, _mm_setzero_si128());
         lines += _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);

@@ -1,38 +1,18 @@
 #include "CPP/cpp_SkippedLines.h"
 
+#include "CPP/CPP_File.h"
 #include "CPP/cpp_Classes.h"
-#include "CPP/cpp_QuietLines.h"
+#include "CPP/cpp_Condition.h"
+#include "CPP/cpp_LineEnd.h"
 #include "CPP/cpp_Runs.h"
 
 #include <cstddef>
+#include <string>
 
 namespace
 {
-struct Word {
-    std::string_view text;
-    cpp_SkippedLine::Kind kind;
-};
-
-// All directives: any other word is for the stages to complain about.
-constexpr Word WORDS[] = {
-    {"define", cpp_SkippedLine::TEXT},  {"endif", cpp_SkippedLine::CLOSES},
-    {"if", cpp_SkippedLine::OPENS},     {"ifdef", cpp_SkippedLine::OPENS},
-    {"ifndef", cpp_SkippedLine::OPENS}, {"else", cpp_SkippedLine::ELSE},
-    {"elif", cpp_SkippedLine::ELIF},    {"undef", cpp_SkippedLine::TEXT},
-    {"include", cpp_SkippedLine::TEXT}, {"sinclude", cpp_SkippedLine::TEXT},
-    {"line", cpp_SkippedLine::TEXT},    {"pragma", cpp_SkippedLine::TEXT},
-    {"ident", cpp_SkippedLine::TEXT},
-};
-
-cpp_SkippedLine::Kind kindOf(std::string_view word)
-{
-    for (const Word &known : WORDS) {
-        // Most differ in their first character.
-        if (!word.empty() && word[0] == known.text[0] && word == known.text)
-            return known.kind;
-    }
-    return cpp_SkippedLine::UNKNOWN;
-}
+// So many lines are answered at once, or nearly so.
+constexpr int MOST_LINES = 1 << 16;
 
 const char *skipInLine(const char *from, const char *end)
 {
@@ -41,45 +21,138 @@ const char *skipInLine(const char *from, const char *end)
     return from;
 }
 
-// Where the line from `from` on ends, and the place behind it; null when it is not simple.
-const char *lineEnd(bool strips, const char *from, const char *end, const char *&behind)
+// Behind the directive's word, or at the front of other text; null for the stages' lines.
+const char *readWord(const char *from, const char *end, cpp_SkippedLine &line)
 {
-    const char *stop = simpleLineEnd(from, end);
-    while (stop < end && *stop == '/' && !(strips && startsComment(stop, end)))
-        stop = simpleLineEnd(stop + 1, end);
-    if (stop == end)
-        return nullptr;
-    behind = stop + 1;
-    if (*stop == '/')
-        behind = findOf(CPP_QUOTE, from, stop) == stop ? skipComment(stop, end) : nullptr;
-    else if (*stop == '\r' && behind < end && *behind == '\n')
-        ++behind;
-    else if (*stop != '\n')
-        return nullptr;
-    return behind != nullptr ? stop : nullptr;
+    const char *text = skipInLine(from, end);
+    if (text == end || *text != '#')
+        return text < end ? text : nullptr;
+    const char *word = skipInLine(text + 1, end);
+    text = nameEnd(word, end);
+    line.directive = findDirective({word, static_cast<size_t>(text - word)});
+    return line.directive != nullptr && text < end && UTisSpace(*text) ? text : nullptr;
 }
+
+void readEnd(bool strips, const char *text, const char *end, cpp_SkippedLine &line)
+{
+    const cpp_LineEnd ending = findLineEnd(strips, text, end);
+    if (!ending)
+        return;
+    line.end = ending.behind;
+    line.isOneLine = !ending.isComment();
+    line.condition = {text, static_cast<size_t>(ending.stop - text)};
+}
+
+// Takes lines of one block of memory. They are counted late, in the file: nearly all do
+// without a number, and calls for each would cost as much as the line.
+class Skipper
+{
+public:
+    Skipper(CPP_File &file, const cpp_MacroTable &macros, bool strips)
+        : myFile(file), myMacros(macros), isStripping(strips)
+    {
+    }
+
+    int skip()
+    {
+        int available;
+        myNext = myCounted = myFile.peek(available);
+        const char *const end = myNext != nullptr ? myNext + available : nullptr;
+        // The next block may be long in coming.
+        while (myNext < end && myLines < MOST_LINES && myFile.isSkipping() && takeLine(end)) {
+        }
+        count();
+        return myLines;
+    }
+
+private:
+    void pass(const char *behind, int lines)
+    {
+        myNext = behind;
+        myLines += lines;
+        myUncounted += lines;
+    }
+
+    void count()
+    {
+        if (myNext != nullptr)
+            myFile.skip(static_cast<int>(myNext - myCounted), myUncounted);
+        myCounted = myNext;
+        myUncounted = 0;
+    }
+
+    // False for a line that is for the stages.
+    bool takeLine(const char *end)
+    {
+        const char *behind = *myNext == '#' ? myNext : runEnd(cpp_RunKind::DROPPED, myNext, end);
+        if (behind != myNext) {
+            pass(behind, countLines(myNext, behind));
+            return true;
+        }
+        cpp_SkippedLine line;
+        const char *text = readWord(myNext, end, line);
+        if (text == nullptr || takeLateBranch(line, text, end))
+            return text != nullptr;
+        readEnd(isStripping, text, end, line);
+        int value = 0;
+        if (line.end == nullptr || (line.is(CPP_ELIF) && !evaluate(line.condition, value)))
+            return false;
+        const int more = line.isOneLine ? 0 : countLines(myNext, line.end) - 1;
+        pass(line.end, 1);
+        if (line.directive != nullptr)
+            apply(*line.directive, value);
+        pass(line.end, more);
+        return true;
+    }
+
+    // An #elif behind the branch that was taken, of which some texts have long lists.
+    bool takeLateBranch(const cpp_SkippedLine &line, const char *condition, const char *end)
+    {
+        if (!line.is(CPP_ELIF) || !myFile.isDecided())
+            return false;
+        const char *newline = plainConditionEnd(myMacros, condition, end);
+        if (newline != nullptr)
+            pass(newline + 1, 1);
+        return newline != nullptr;
+    }
+
+    void apply(const cpp_DirectiveWord &directive, int value)
+    {
+        if (directive.effect == cpp_DirectiveWord::OPENS)
+            count(); // it keeps the number of its line
+        myFile.applySkipped(directive, value);
+    }
+
+    // Also in skipped text, where this branch may count. False when there is something to
+    // tell about the condition, which the stages do.
+    bool evaluate(std::string_view condition, int &value)
+    {
+        myCondition = condition; // ends in a NUL
+        cpp_ConditionFault fault;
+        value = evaluateCondition(myMacros, myCondition.c_str(), &fault);
+        return value >= 0 && fault.oddMacro == nullptr;
+    }
+
+    CPP_File &myFile;
+    const cpp_MacroTable &myMacros;
+    bool isStripping;
+    const char *myNext = nullptr;
+    const char *myCounted = nullptr; // in the file, up to there
+    int myLines = 0;
+    int myUncounted = 0;
+    std::string myCondition;
+};
 } // namespace
 
 cpp_SkippedLine readSkippedLine(bool strips, const char *from, const char *end)
 {
     cpp_SkippedLine line;
-    const char *text = skipInLine(from, end);
-    if (text == end)
-        return line;
-    const bool isDirective = *text == '#';
-    cpp_SkippedLine::Kind kind = cpp_SkippedLine::TEXT;
-    if (isDirective) {
-        const char *word = skipInLine(text + 1, end);
-        text = nameEnd(word, end);
-        kind = kindOf({word, static_cast<size_t>(text - word)});
-        if (kind == cpp_SkippedLine::UNKNOWN || text == end || !UTisSpace(*text))
-            return line;
-    }
-    const char *stop = lineEnd(strips, text, end, line.end);
-    if (stop == nullptr)
-        return line;
-    line.kind = kind;
-    line.isOneLine = *stop != '/';
-    line.condition = {text, static_cast<size_t>(stop - text)};
+    if (const char *text = readWord(from, end, line))
+        readEnd(strips, text, end, line);
     return line;
+}
+
+int skipLines(CPP_File &file, const cpp_MacroTable &macros, bool strips)
+{
+    return Skipper(file, macros, strips).skip();
 }

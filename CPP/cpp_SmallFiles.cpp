@@ -1,8 +1,8 @@
 #include "CPP/cpp_SmallFiles.h"
 
 #include "CPP/cpp_Classes.h"
+#include "CPP/cpp_LineEnd.h"
 #include "CPP/cpp_MacroTable.h"
-#include "CPP/cpp_QuietLines.h"
 #include "CPP/cpp_Runs.h"
 #include "CPP/cpp_SkippedLines.h"
 #include "CPP/cpp_Text.h"
@@ -13,11 +13,6 @@
 
 namespace
 {
-bool startsWith(std::string_view text, std::string_view prefix)
-{
-    return text.substr(0, prefix.size()) == prefix;
-}
-
 // Behind white space and comments with lines of their own.
 const char *skipNothing(const char *from, const char *end)
 {
@@ -34,8 +29,7 @@ const char *skipNothing(const char *from, const char *end)
 std::string takeGuard(const char *&from, const char *end)
 {
     const cpp_SkippedLine line = readSkippedLine(true, from, end);
-    if (!startsWith({from, static_cast<size_t>(end - from)}, "#ifndef ") ||
-        line.kind == cpp_SkippedLine::UNKNOWN)
+    if (line.end == nullptr || !line.is(CPP_IFNDEF))
         return {};
     const std::string_view condition = line.condition;
     const char *name = findOther(CPP_SPACE, condition.begin(), condition.end());
@@ -54,10 +48,12 @@ const char *skipGuarded(const char *from, const char *end)
     for (int depth = 1; depth > 0;) {
         from = runEnd(cpp_RunKind::DROPPED, from, end);
         const cpp_SkippedLine line = readSkippedLine(true, from, end);
-        const bool isBranch = line.kind == cpp_SkippedLine::ELSE && depth == 1;
-        if (isBranch || line.kind == cpp_SkippedLine::UNKNOWN || line.kind == cpp_SkippedLine::ELIF)
+        const bool isBranch = line.is(CPP_ELSE) && depth == 1;
+        if (line.end == nullptr || isBranch || line.is(CPP_ELIF))
             return nullptr;
-        depth += (line.kind == cpp_SkippedLine::OPENS) - (line.kind == cpp_SkippedLine::CLOSES);
+        if (line.directive != nullptr)
+            depth += (line.directive->effect == cpp_DirectiveWord::OPENS) -
+                     (line.directive->effect == cpp_DirectiveWord::CLOSES);
         from = line.end;
     }
     return from;
@@ -102,6 +98,7 @@ std::string_view cpp_SmallFiles::take(const char *path)
     const File *file = find(path);
     if (file == nullptr)
         return {};
+    // As many empty lines as the file has: what follows it keeps its numbers.
     if (!heedsGuards || file->guard.empty() || !myMacros.holds(file->guard))
         return file->text;
     if (myEmptyLines.empty())

@@ -6,6 +6,8 @@
 // Code:     the message in its table.
 // Text:     what is put into the message, a file name for example.
 // Severity: UT_SEVERITY_MESSAGE to UT_SEVERITY_FATAL.
+//
+// A run of thumbrender does not come here: this is for other users of the library.
 #pragma once
 
 #include "UT/UT_String.h"

@@ -8,6 +8,8 @@
 // A full manager, one with MAX_RECORDS, takes in only what is more severe than all
 // it has. Records made here are also logged (ut_ErrorLog.h). The log may be used by
 // several threads, managers and catalogues by one.
+//
+// A run of thumbrender does not come here: this is for other users of the library.
 #pragma once
 
 #include "UT/UT_Error.h"

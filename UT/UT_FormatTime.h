@@ -17,6 +17,8 @@
 //
 // Any other character behind a percent sign is copied along with it. %j differs
 // from POSIX strftime: it has at least two digits, not three.
+//
+// A run of thumbrender comes here for a template's __DATE__ or __TIME__ only.
 #pragma once
 
 #include <ctime>

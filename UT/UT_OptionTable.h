@@ -15,6 +15,13 @@
 #include <string>
 #include <vector>
 
+// A line of a program's help: `what` begins in that column, or a blank behind a longer `left`.
+inline std::string UThelpLine(std::string left, const std::string &what, size_t column)
+{
+    left.resize(std::max(left.size() + 1, column), ' ');
+    return left + what + "\n";
+}
+
 template <class Options>
 struct UT_Option {
     // Takes the value, "" for an option without one. False when it is not what was expected,
@@ -72,8 +79,7 @@ public:
             left += row->name;
             if (row->value != nullptr)
                 left += std::string(" ") + row->value;
-            left.resize(std::max(left.size() + 1, column), ' ');
-            text += left + row->what + "\n";
+            text += UThelpLine(left, row->what, column);
         }
         return text;
     }

@@ -3,6 +3,8 @@
 //
 // Not stable for 20 keys and more. O(n log n) on average; many equal keys make it
 // slower, O(n^2) when all are equal. The depth of recursion is O(log n).
+//
+// A run of thumbrender does not come here: this is for other users of the library.
 #pragma once
 
 #include "UT/UT_IntegerArray.h"

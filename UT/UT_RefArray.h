@@ -5,6 +5,8 @@
 // the end and a far index a value-initialized element. Elements are moved bit by
 // bit. Only the operations that a program uses ask for a copy constructor, an
 // operator == or an operator <. See UT_ArrayCore.
+//
+// A run of thumbrender does not come here: errors that are collected are kept in these.
 #pragma once
 
 #include "UT/UT_ArrayCore.h"

@@ -18,8 +18,8 @@ class UT_SafeFile
 public:
     enum Links {
         // As commands do that are told a file: the file behind a link is replaced, or made
-        // where the link leads. What is no regular file (a pipe, anything in /dev or /proc)
-        // is written as it is.
+        // where the link leads. What is no regular file (a pipe, a device) or names a stream
+        // that is open (/dev/stdout, /proc/self/fd/3) is written as it is.
         FOLLOW_LINKS,
         // Where others may have laid a link: it is replaced itself, its target is not
         // touched. Whatever else is no regular file stays, and that is an error.

@@ -1,4 +1,6 @@
 // A printf conversion as the format of an output stream.
+//
+// A run of thumbrender does not come here: this is for other users of the library.
 #pragma once
 
 #include <iosfwd>

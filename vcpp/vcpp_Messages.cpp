@@ -1,5 +1,6 @@
 #include "vcpp/vcpp_Messages.h"
 
+#include "UT/UT_OptionTable.h"
 #include "UT/UT_Process.h"
 
 #include <algorithm>
@@ -97,10 +98,7 @@ void vcpp_Messages::show(const CPP_Message &message)
 std::string vcpp_Messages::list()
 {
     std::string text;
-    for (const CPP_WarningRow &row : CPP_WARNINGS) {
-        std::string left = std::string("  ") + row.name;
-        left.resize(19, ' ');
-        text += left + row.what + "\n";
-    }
+    for (const CPP_WarningRow &row : CPP_WARNINGS)
+        text += UThelpLine(std::string("  ") + row.name, row.what, HELP_COLUMN);
     return text;
 }

@@ -27,7 +27,8 @@ public:
 
     bool hasFailed() const { return isFailed; } // an error, or a warning that counts as one
 
-    // The warnings, a line each, for the help.
+    // The warnings, a line each, for the help, whose second column begins there.
+    static constexpr size_t HELP_COLUMN = 19;
     static std::string list();
 
 private:

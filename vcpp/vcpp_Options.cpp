@@ -1,8 +1,8 @@
 #include "vcpp/vcpp_Options.h"
 
-#include "UT/UT_MakeRule.h"
-
 #include "CPP/CPP_Manager.h"
+#include "UT/UT_MakeRule.h"
+#include "UT/UT_OptionTable.h"
 #include "vcpp/vcpp_Dependencies.h"
 
 #include <cstring>
@@ -130,25 +130,22 @@ const Option OPTIONS[] = {
     {"--version", nullptr, act<vcpp_Options::VERSION>, "Print the version"},
 };
 
-// The row of a word, and the value if it is attached: "-oFILE". Longer names come first.
+// The row of a word, and the value if it is attached: "-oFILE". No option that has a value
+// begins the name of another.
 const Option *findOption(const char *word, const char *&attached)
 {
-    const Option *best = nullptr;
+    attached = nullptr;
     for (const Option &option : OPTIONS) {
         if (option.name == nullptr || option.handler == nullptr)
             continue;
         const size_t length = std::strlen(option.name);
-        const bool isWhole = std::strcmp(word, option.name) == 0;
-        const bool isPrefix =
-            option.value != nullptr && std::strncmp(word, option.name, length) == 0;
-        if (isWhole || (isPrefix && (best == nullptr || length > std::strlen(best->name)))) {
-            best = &option;
-            attached = isWhole ? nullptr : word + length;
-        }
-        if (isWhole)
-            break;
+        const bool begins = std::strncmp(word, option.name, length) == 0;
+        if (!begins || (word[length] != '\0' && option.value == nullptr))
+            continue;
+        attached = word[length] != '\0' ? word + length : nullptr;
+        return &option;
     }
-    return best;
+    return nullptr;
 }
 
 // The words of a command line, in turn.
@@ -289,8 +286,7 @@ std::string vcpp_usage()
         std::string left = std::string("  ") + option.name;
         if (option.value != nullptr)
             left += std::string(" ") + option.value;
-        left.resize(19, ' ');
-        text += left + option.what + "\n";
+        text += UThelpLine(left, option.what, vcpp_Messages::HELP_COLUMN);
     }
     return text + "Warnings, all on:\n" + vcpp_Messages::list() +
            "Status: 0; 1 after an error in the text or in writing; 2 for bad usage.\n";

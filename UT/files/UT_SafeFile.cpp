@@ -9,8 +9,10 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/random.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -18,6 +20,7 @@ namespace
 {
 constexpr mode_t NEW_FILE = 0666; // less what the umask or the folder's default takes away
 constexpr mode_t GROUP_SHIFT = 3; // from the bits of others to those of the group
+constexpr int MOST_LINKS = 40;    // followed, as many as the system does
 constexpr int MOST_NAMES = 100;   // tried, when somebody has laid files of these names
 
 std::string folderOf(const std::string &target)
@@ -54,10 +57,22 @@ bool makeBeside(const std::string &target, std::string &name, Make make)
     return false;
 }
 
-// What lies there may stand for a stream that somebody else writes to as well.
-bool isDevice(const std::string &name)
+// Whether a name leads through /proc, where it stands for a stream that somebody has open:
+// /dev/stdout, /dev/fd/3. Its file must not be replaced under the writer.
+bool isOpenStream(std::string name)
 {
-    return name.compare(0, 5, "/dev/") == 0 || name.compare(0, 6, "/proc/") == 0;
+    for (int i = 0; i < MOST_LINKS; ++i) {
+        struct statfs around;
+        if (statfs(folderOf(name).c_str(), &around) == 0 && around.f_type == PROC_SUPER_MAGIC)
+            return true;
+        char link[PATH_MAX];
+        const ssize_t length = readlink(name.c_str(), link, sizeof link);
+        if (length <= 0)
+            return false;
+        const std::string next(link, static_cast<size_t>(length));
+        name = next[0] == '/' ? next : folderOf(name) + next;
+    }
+    return false;
 }
 
 // What is there; no mode at all when nothing is. False, and errno, when that cannot be told.
@@ -203,7 +218,7 @@ FILE *UT_SafeFile::open()
     // Who may not write the file shall not replace it either.
     const bool mayWrite = !exists || access(myTarget.c_str(), W_OK) == 0;
     char resolved[PATH_MAX];
-    if (isDevice(myTarget) || isDangling || (exists && !S_ISREG(there.st_mode))) {
+    if (isOpenStream(myTarget) || isDangling || (exists && !S_ISREG(there.st_mode))) {
         myStream = std::fopen(myTarget.c_str(), "we");
     } else if (mayWrite) {
         if (exists && realpath(myTarget.c_str(), resolved) != nullptr)

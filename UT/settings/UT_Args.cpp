@@ -14,6 +14,7 @@ namespace
 // The letter's place in the option list; null when it is no option.
 const char *findLetter(const char *optionSpec, char letter)
 {
+    // strchr finds the list's NUL, too.
     const bool isAscii = static_cast<signed char>(letter) > 0;
     return isAscii ? std::strchr(optionSpec, letter) : nullptr;
 }
@@ -69,6 +70,7 @@ bool UT_Args::scanWord(const char *optionSpec, int &position)
         return false;
     }
     for (const char *letter = word + 1; *letter != '\0'; ++letter) {
+        // An unknown letter ends the options; the word stays an operand.
         const char *entry = findLetter(optionSpec, *letter);
         if (entry == nullptr)
             return false;
@@ -92,6 +94,7 @@ bool UT_Args::takeValues(int letter, int count, const char *attached, int &posit
         myValues[letter][slot++] = attached;
     for (; slot < count; ++slot) {
         if (++position >= myArgc) {
+            // The caller sees that as a call that makes no sense at all, and prints its usage.
             myFound[letter] = 0;
             myArgc = -1;
             return false;
@@ -171,6 +174,7 @@ void UT_Args::appendQuotedWord(UT_ScratchBuffer &out, const char *word, bool lea
 {
     if (leadingSpace)
         out.append(' ');
+    // What a shell would change needs quotes; an empty word would vanish.
     if (*word != '\0' && std::strpbrk(word, " \t\"\\'$#=&<>|()") == nullptr) {
         out.append(word);
         return;

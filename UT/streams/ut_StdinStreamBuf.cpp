@@ -17,6 +17,7 @@ int ut_StdinStreamBuf::peekChar()
 
 const char *ut_StdinStreamBuf::fillBuffer(int &start, int &end)
 {
+    // A line at a time: at a terminal a user waits for the answer to each.
     const bool any = myLine.getLine(stdin);
     if (std::ferror(stdin) != 0)
         setError();

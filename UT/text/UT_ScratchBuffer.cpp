@@ -43,6 +43,7 @@ void UT_ScratchBuffer::growFor(int extra)
     int64_t capacity = myAllocSize;
     while (capacity < needed)
         capacity *= 2;
+    // Lengths are ints.
     if (capacity > INT_MAX)
         capacity = INT_MAX;
     if (capacity < needed) // more text than an int counts: ends the process
@@ -95,6 +96,7 @@ char *UT_ScratchBuffer::lock(int offset, int extra)
 void UT_ScratchBuffer::release(bool recomputeLength)
 {
     --myLockCount;
+    // Who wrote by a pointer could not tell us how far.
     if (!isLocked() && recomputeLength)
         myLength = static_cast<int>(std::strlen(myBuffer));
 }
@@ -105,6 +107,7 @@ void UT_ScratchBuffer::sprintf(const char *format, ...)
     va_start(args, format);
     va_list again;
     va_copy(again, args);
+    // Into what is there first; most texts fit, and the call tells how long one is.
     int length = std::vsnprintf(myBuffer, static_cast<size_t>(myAllocSize), format, args);
     va_end(args);
     if (length >= myAllocSize) {
@@ -133,6 +136,7 @@ bool UT_ScratchBuffer::getLine(FILE *fp)
 {
     truncate(0);
     int c;
+    // One byte at a time and no further: the file is somebody else's, who reads on.
     while ((c = getc_unlocked(fp)) != EOF && c != '\n') {
         growFor(1);
         myBuffer[myLength++] = static_cast<char>(c);
@@ -164,6 +168,7 @@ void UT_ScratchBuffer::stripComment(char c)
 
 void UT_ScratchBuffer::swap(UT_ScratchBuffer &other)
 {
+    // Texts inside the objects have to be moved, others change hands.
     const bool isInline = myBuffer == myInline;
     const bool isOtherInline = other.myBuffer == other.myInline;
     // With the NULs behind the texts; the rest is nobody's.

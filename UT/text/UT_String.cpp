@@ -16,6 +16,7 @@ namespace
 char *copyOf(const char *text, size_t length)
 {
     char *copy = static_cast<char *>(UTallocate(length + 1));
+    // A shorter text leaves the rest zero.
     std::strncpy(copy, text != nullptr ? text : "", length);
     copy[length] = '\0';
     return copy;
@@ -112,6 +113,7 @@ void UT_String::assignCopy(const char *text, int length)
         adopt(copyOf(text, static_cast<size_t>(length)));
         return;
     }
+    // An equal text keeps its buffer, and pointers into it.
     const bool same = !isBorrowed && myData != nullptr && std::strcmp(myData, text) == 0;
     if (!same)
         adopt(UTduplicate(text));
@@ -137,6 +139,7 @@ void UT_String::swap(UT_String &other)
     const bool borrowed = isBorrowed;
     isBorrowed = other.isBorrowed;
     other.isBorrowed = borrowed;
+    // A borrowed text may have come to one that never borrows.
     for (UT_String *side : {this, &other}) {
         if (side->isAlwaysDeep)
             side->makeOwned();
@@ -214,6 +217,7 @@ bool UT_String::endsWith(const char *suffix) const
         return false;
     const size_t ours = std::strlen(myData);
     const size_t theirs = std::strlen(suffix);
+    // A text is not its own suffix.
     return ours > theirs && std::strcmp(myData + ours - theirs, suffix) == 0;
 }
 
@@ -268,6 +272,7 @@ bool UT_String::isNumber(bool allowSpace, bool noDigitsIsNumber) const
     if (!isNonEmpty())
         return false;
     const char *start = skipSpaces(myData, allowSpace);
+    // Signs or a point alone are what the caller says: a field that is being typed in.
     const size_t marks = std::strspn(start, "+-.");
     if (marks > 0 && *skipSpaces(start + marks, allowSpace) == '\0')
         return noDigitsIsNumber;

@@ -26,6 +26,7 @@ void UT_String::trimSpace()
     size_t size = std::strlen(start);
     while (size > 0 && std::strchr(WHITE_SPACE, start[size - 1]) != nullptr)
         --size;
+    // By way of a copy: the text may be borrowed, and a part of itself.
     assignCopy(std::string(start, size).c_str());
 }
 
@@ -57,6 +58,7 @@ void UT_String::expandTabs(int tabSize)
             result.append(step - (result.size() - lineStart) % step, ' ');
         else
             result += *p;
+        // Tabs count from their own line's start.
         if (*p == '\n')
             lineStart = result.size();
     }

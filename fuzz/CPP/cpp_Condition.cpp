@@ -1,4 +1,4 @@
-// Any expression has the value that its plain twin gives it.
+// Any expression has the value that its plain twin gives it, and a plain one has a value.
 #include "CPP/cpp_Condition.h"
 
 #include "fuzz/fuzz.h"
@@ -18,6 +18,11 @@ void fuzz(const std::string &bytes)
         return true;
     }();
     const std::string text = isPrepared ? bytes.c_str() : "";
+    cpp_ConditionFault fault;
+    const std::string line = text.substr(0, text.find('\n')) + '\n';
+    if (plainConditionEnd(manager.macros(), line.data(), line.data() + line.size()) != nullptr)
+        fuzzExpectEqual(true, evaluateCondition(manager.macros(), line.c_str(), &fault) >= 0 &&
+                                  fault.oddMacro == nullptr);
     // The twin calls itself for each parenthesis; home folders take long to find.
     if (bytes.size() < 300 && (text.find("access") == text.npos || text.find('~') == text.npos))
         fuzzExpectEqual(plain.evaluate(text), evaluateCondition(manager.macros(), text.c_str()));

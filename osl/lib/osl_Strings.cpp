@@ -1,26 +1,23 @@
 #include "osl/lib/osl_Strings.h"
 
+#include "UT/UT_Character.h"
+
 #include <algorithm>
 #include <charconv>
 #include <climits>
 
 namespace
 {
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 size_t skipSpace(std::string_view text, size_t at)
 {
-    while (at < text.size() && isSpace(text[at]))
+    while (at < text.size() && UTisSpace(text[at]))
         ++at;
     return at;
 }
 
 size_t skipWord(std::string_view text, size_t at)
 {
-    while (at < text.size() && !isSpace(text[at]))
+    while (at < text.size() && !UTisSpace(text[at]))
         ++at;
     return at;
 }

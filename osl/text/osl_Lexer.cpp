@@ -1,5 +1,7 @@
 #include "osl/text/osl_Lexer.h"
 
+#include "UT/UT_Character.h"
+
 #include <cstring>
 
 namespace
@@ -11,25 +13,10 @@ const char *const PUNCTS[] = {
     "*",   "/",   "%",   "<",  ">",  "=",  "!",  "~",  "&",  "|",  "^",  "?",
     ":",   ",",   ";",   "(",  ")",  "[",  "]",  "{",  "}",  ".",  "#"};
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isNameStart(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-}
-
-bool isNamePart(char c)
-{
-    return isNameStart(c) || isDigit(c);
-}
-
 size_t nameLength(std::string_view text)
 {
     size_t n = 1;
-    while (n < text.size() && isNamePart(text[n]))
+    while (n < text.size() && UTisNameCharacter(text[n]))
         ++n;
     return n;
 }
@@ -42,7 +29,7 @@ size_t numberLength(std::string_view text)
     while (n < text.size()) {
         const bool isSign = text[n] == '+' || text[n] == '-';
         const bool isExponent = !isHex && (text[n - 1] == 'e' || text[n - 1] == 'E');
-        if (!isNamePart(text[n]) && text[n] != '.' && !(isSign && isExponent))
+        if (!UTisNameCharacter(text[n]) && text[n] != '.' && !(isSign && isExponent))
             break;
         ++n;
     }
@@ -76,11 +63,11 @@ size_t punctLength(std::string_view text)
 size_t classify(std::string_view text, osl_Token &token)
 {
     const char c = text[0];
-    if (isNameStart(c)) {
+    if (UTisNameStart(c)) {
         token.kind = osl_Token::NAME;
         return nameLength(text);
     }
-    if (isDigit(c) || (c == '.' && text.size() > 1 && isDigit(text[1]))) {
+    if (UTisDigit(c) || (c == '.' && text.size() > 1 && UTisDigit(text[1]))) {
         token.kind = osl_Token::NUMBER;
         return numberLength(text);
     }

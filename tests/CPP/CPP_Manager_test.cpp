@@ -68,6 +68,7 @@ TEST(Preprocessor, FilesInPiecesAreStreamsInLines)
                                 "4\r\n",
                                 "x G\n",
                                 "/*",
+                                "/*/\n",
                                 "*/",
                                 " */\t\r\n",
                                 "#define A 1",
@@ -75,6 +76,7 @@ TEST(Preprocessor, FilesInPiecesAreStreamsInLines)
                                 "#define A",
                                 "A B\n",
                                 "// 5\n",
+                                "#define C 5 // 6 \\\n",
                                 "'6\n",
                                 "#if 0\n",
                                 "#else\n",
@@ -201,4 +203,28 @@ TEST(Streams, ACallersOwnSourceFeedsTheManager)
     CountingManager manager;
     ASSERT_TRUE(manager.openFile("made/up.in", false));
     EXPECT_EQ("# 1 \"made/up.in\"\nline 1\nline 2\nline 3\n", allLines(manager));
+}
+
+// A condition, and then no more can be read.
+struct BreakingManager : CountingManager {
+    struct Stream : CountingManager::Stream {
+        bool readLine(UT_ScratchBuffer &line) override
+        {
+            line.sprintf("#if 1");
+            return ++count == 1;
+        }
+        const char *readError() const override { return count > 1 ? "broken" : nullptr; }
+    };
+    CPP_Stream *newStream() override { return new Stream; }
+};
+
+TEST(Streams, AReadErrorIsAllThatIsToldOfTheirEnd)
+{
+    BreakingManager manager;
+    std::string message;
+    manager.setListener([&message](const CPP_Message &told) { message += told.text + '|'; });
+    ASSERT_TRUE(manager.openFile("in", false));
+    EXPECT_EQ("# 1 \"in\"\n\n# error cpp error: \"in\":1 Unable to read: broken",
+              allLines(manager));
+    EXPECT_EQ("Unable to read: broken|", message);
 }

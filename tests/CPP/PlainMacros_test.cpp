@@ -27,7 +27,7 @@ protected:
 
     void expectSameMacro(const char *name) const
     {
-        const cpp_Macro *macro = myManager.findMacro(name);
+        const cpp_Macro *macro = myManager.macros().find(name);
         const PlainMacros::Macro *plain = myPlain.find(name);
         ASSERT_EQ(plain != nullptr, macro != nullptr) << name;
         EXPECT_TRUE(!plain || (plain->body == macro->myBody && plain->numArgs == macro->myNumArgs));
@@ -36,10 +36,10 @@ protected:
     // A macro is what its written definition makes, too.
     void expectSameFromDefinition(const char *name) const
     {
-        const std::string text = myManager.findMacro(name)->toDefinition();
+        const std::string text = myManager.macros().find(name)->toDefinition();
         cpp_Macro again;
         EXPECT_EQ(name, again.parse(text.c_str() + 8, false));
-        EXPECT_TRUE(again.isSameAs(*myManager.findMacro(name))) << text;
+        EXPECT_TRUE(again.isSameAs(*myManager.macros().find(name))) << text;
     }
 
     void expectSameExpansion(const std::string &text, const std::string &further, int limit = 4)
@@ -62,7 +62,13 @@ protected:
     void expectSameCondition(const std::string &text)
     {
         SCOPED_TRACE(text);
-        EXPECT_EQ(myPlain.evaluate(text), evaluateCondition(myManager.macros(), text.c_str()));
+        const cpp_MacroTable &macros = myManager.macros();
+        cpp_ConditionFault fault;
+        const int value = evaluateCondition(macros, text.c_str(), &fault);
+        EXPECT_EQ(myPlain.evaluate(text), value);
+        const std::string line = text + '\n';
+        const bool isPlain = plainConditionEnd(macros, line.data(), line.data() + line.size());
+        EXPECT_FALSE(isPlain && (value < 0 || fault.oddMacro != nullptr));
     }
 
     CPP_Manager myManager;

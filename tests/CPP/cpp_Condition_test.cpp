@@ -11,3 +11,22 @@ TEST(Condition, IsTrueFalseOrASyntaxError)
         return std::to_string(evaluateCondition(manager.macros(), text));
     });
 }
+
+// Where a value does not matter, few have to be evaluated.
+TEST(Condition, IsPlainInItsCommonForms)
+{
+    CPP_Manager manager;
+    parseOptions(manager, "-DA=1 -DE=");
+    const auto isPlain = [&manager](std::string text) {
+        const char *const end = (text += '\n').data() + text.size();
+        const char *const newline = plainConditionEnd(manager.macros(), text.data(), end);
+        EXPECT_TRUE(newline == nullptr || newline == end - 1);
+        return newline != nullptr;
+    };
+    for (const char *text : {"0", " X", "defined(A) && VALUE2 > 3 ", "!defined(A )\t||((B)==10)"})
+        EXPECT_TRUE(isPlain(text)) << text;
+    for (const char *text :
+         {"", "1 +", "(1", "1)", "1)+(1", "X(1)", "E", "3 -5", "!=1", "1 2", "1 !2", "0X1", "09L",
+          "defined A", "defined()", "access", "defined( A)"})
+        EXPECT_FALSE(isPlain(text)) << text;
+}

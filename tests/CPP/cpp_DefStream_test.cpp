@@ -5,7 +5,14 @@
 #include "tests/support/PlainText.h"
 #include "tests/support/ScratchDirectory.h"
 
+#include <atomic>
+#include <csignal>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <thread>
+
+#include <pthread.h>
+#include <unistd.h>
 
 static std::string linesOf(CPP_Stream &stream)
 {
@@ -52,4 +59,39 @@ TEST(DefStream, OpensNoFolderAndThenHasNoSource)
         EXPECT_FALSE(stream.open(path) || stream.isOpen());
         EXPECT_EQ("", linesOf(stream));
     }
+}
+
+// Whether the process's first thread waits for something.
+static bool isWaiting()
+{
+    const std::string id = std::to_string(getpid());
+    std::ifstream file("/proc/self/task/" + id + "/stat");
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    return text.compare(text.rfind(')') + 1, 3, " S ") == 0;
+}
+
+TEST(DefStream, ReadsOnAfterASignal)
+{
+    static std::atomic<bool> isHandled = false;
+    struct sigaction noting = {}, before = {};
+    noting.sa_handler = [](int) { isHandled = true; }; // no SA_RESTART: read() fails with EINTR
+    sigaction(SIGUSR1, &noting, &before);
+    int ends[2];
+    ASSERT_EQ(0, pipe(ends));
+    cpp_DefStream stream;
+    ASSERT_TRUE(stream.open(("/proc/self/fd/" + std::to_string(ends[0])).c_str()));
+    std::thread writer([reader = pthread_self(), &ends] {
+        while (!isWaiting())
+            std::this_thread::yield();
+        pthread_kill(reader, SIGUSR1);
+        while (!isHandled)
+            std::this_thread::yield();
+        EXPECT_EQ(2, write(ends[1], "a\n", 2));
+        close(ends[1]);
+    });
+    EXPECT_EQ("a|", linesOf(stream));
+    EXPECT_EQ(nullptr, stream.readError());
+    writer.join();
+    close(ends[0]);
+    sigaction(SIGUSR1, &before, nullptr);
 }

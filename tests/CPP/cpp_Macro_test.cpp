@@ -13,7 +13,7 @@ TEST(Macros, FromCallers)
     EXPECT_FALSE(manager.defineMacroValue("A", "3"));
     EXPECT_TRUE(manager.defineMacro("B=(x)", result, true));
     EXPECT_TRUE(manager.defineMacro("F()\nnext line", result, false));
-    EXPECT_EQ("", manager.findMacro("F")->myBody);
+    EXPECT_EQ("", manager.macros().find("F")->myBody);
     EXPECT_TRUE(manager.isMacroDefined("A") && !manager.isMacroDefined(""));
     EXPECT_TRUE(manager.undefineMacro("  A rest", result));
     EXPECT_FALSE(manager.isMacroDefined("A"));

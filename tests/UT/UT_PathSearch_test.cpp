@@ -6,10 +6,12 @@
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/ScratchDirectory.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <list>
 #include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -200,4 +202,18 @@ TEST(FirstPathSearch, MakesTheUsersPackageFolderOnce)
     fs::remove(made);
     const UT_PathSearch second("x", -1, nullptr, -1);
     EXPECT_FALSE(fs::exists(made));
+}
+
+TEST(FirstPathSearch, MakesNoFolderInTheRootForAnEmptyHome)
+{
+    const ScratchDirectory scratch;
+    if (!isFreshProcess({"HOME="}))
+        return;
+    const int root = open("/", O_PATH | O_DIRECTORY);
+    if (chroot(scratch.path().c_str()) != 0)
+        GTEST_SKIP() << "another root is for root only";
+    const UT_PathSearch first("x", -1, nullptr, -1);
+    EXPECT_FALSE(fs::exists("/veldrin9.0"));
+    ASSERT_TRUE(fchdir(root) == 0 && chroot(".") == 0);
+    close(root);
 }

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -75,6 +76,28 @@ TEST(SafeFile, FollowsLinksWhereThatIsWanted)
     EXPECT_EQ("120777", behindLink("ln -s none p.jpg")) << "made where the link leads";
     EXPECT_EQ("cannot write: Too many levels of symbolic links", behindLink("ln -s p.jpg p.jpg"));
     umask(mask);
+}
+
+// A file is one by what it is, not by where it lies; a name for an open stream is none.
+TEST(SafeFile, ReplacesFilesButNotOpenStreams)
+{
+    const ScratchDirectory folder;
+    folder.write("p", "before");
+    const int stream = open(folder.path("p").c_str(), O_RDONLY);
+    const std::string shared = "/dev/shm/veldrin-test-" + std::to_string(getpid());
+    std::filesystem::copy(folder.path("p"), shared);
+    struct stat before = {}, after = {};
+    fstat(stream, &before);
+    for (const std::string &name : {shared, "/dev/fd/" + std::to_string(stream)}) {
+        UT_SafeFile file(name);
+        ASSERT_NE(nullptr, file.open()) << file.error();
+        EXPECT_EQ(name == shared ? "before" : "", fileContents(name)) << "not yet written";
+        EXPECT_TRUE(file.commit());
+    }
+    stat(folder.path("p").c_str(), &after);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    close(stream);
+    std::filesystem::remove(shared);
 }
 
 TEST(SafeFile, WithoutCommitLeavesTheOldFileAndNothingElse)

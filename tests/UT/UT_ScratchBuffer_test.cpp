@@ -81,3 +81,18 @@ TEST(ScratchBuffer, ReadsLines)
         fclose(each);
     }
 }
+
+TEST(ScratchBuffer, SwapsTextsWhereverTheyLie)
+{
+    const std::string texts[] = {"short", "brief", std::string(5000, 'a'), std::string(9000, 'b')};
+    for (const std::string &one : texts)
+        for (const std::string &two : texts) {
+            UT_ScratchBuffer first, second;
+            first.append(one.c_str());
+            second.append(two.c_str());
+            first.swap(second);
+            second.append("!");
+            EXPECT_EQ(two, first.buffer());
+            EXPECT_EQ(one + "!", second.buffer());
+        }
+}
