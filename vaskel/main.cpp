@@ -31,6 +31,7 @@ constexpr int BAD_COMMAND = 2;
 struct EarlyHandler {
     EarlyHandler() { std::set_new_handler(UTdieWithoutMemory); }
 };
+// The first of ours that the loader runs.
 [[gnu::init_priority(101)]] const EarlyHandler theEarlyHandler;
 
 // Whom a message is about: us, or the picture once it is known. Signal handlers read it.
@@ -53,6 +54,7 @@ int fail(const std::string &message)
 // For signal handlers, and where there is no memory.
 [[noreturn]] void die(const char *message)
 {
+    // Nothing that might allocate or lock: a handler may interrupt malloc().
     for (const char *text : {theSubject.load(), ": error: ", message})
         static_cast<void>(!write(STDERR_FILENO, text, std::strlen(text)));
     _exit(FAILURE);
@@ -73,6 +75,7 @@ extern "C" void giveUp(int)
 // before.
 void setTimer(const vk_Options &options)
 {
+    // A limit that is given counts, also that of 0, which means none.
     const bool isStrange = options.limit < 0 && options.scene == "-";
     const float seconds = isStrange ? vk_Options::INPUT_LIMIT : options.limit;
     if (seconds <= 0)
@@ -80,6 +83,7 @@ void setTimer(const vk_Options &options)
     std::signal(SIGALRM, giveUp);
     itimerval timer = {};
     timer.it_value.tv_sec = static_cast<time_t>(seconds);
+    // Zero would stop the timer in place of setting it.
     timer.it_value.tv_usec = std::max(1L, std::lround(std::fmod(seconds, 1.f) * 999999));
     setitimer(ITIMER_REAL, &timer, nullptr);
 }
@@ -121,11 +125,13 @@ void applyOptions(const vk_Options &options, vk_Scene &scene)
 {
     if (!options.output.empty())
         scene.picture = options.output;
+    // The reader has seen to it that there is a suffix.
     else if (!options.format.empty())
         scene.picture.replace(scene.picture.rfind('.') + 1, std::string::npos, options.format);
     if (options.size == 0)
         return;
     const int longer = std::max(scene.width, scene.height);
+    // Sides keep their ratio; neither vanishes.
     scene.width = std::max(1, scene.width * options.size / longer);
     scene.height = std::max(1, scene.height * options.size / longer);
 }
@@ -148,6 +154,7 @@ int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
     vk_Film film;
     std::vector<std::uint8_t> bytes;
     std::string error;
+    // The format that was asked for, whatever the file is called.
     const std::string encoded = options.format.empty() ? scene.picture : "x." + options.format;
     if (!vk_isPictureName(encoded))
         return fail("expected a name that ends in .jpg, .jpeg or .png");
@@ -155,6 +162,7 @@ int draw(const vk_Scene &scene, const vk_Options &options, vk_Stats &stats)
         return fail(file.error());
     if (!vk_render(scene, settingsOf(options, stats), film, error))
         return fail(error);
+    // What was drawn until then would look like a picture and be none.
     if (scene.osl != nullptr && scene.osl->isStopped())
         return fail("a shader was stopped");
     const double start = vk_seconds();
@@ -188,6 +196,7 @@ int readAndDraw(const vk_Options &options)
         std::fclose(file);
     for (const std::string &message : reader.messages())
         std::fprintf(stderr, "%s\n", message.c_str());
+    // Compiling the scene's shaders included.
     stats.reading = vk_seconds() - start;
     if (!good)
         return FAILURE;
@@ -200,6 +209,7 @@ int readAndDraw(const vk_Options &options)
             " in a scene from standard input; --limit or VELDRIN_VASKEL_OPTIONS lifts that");
     const int status = draw(scene, options, stats);
     std::string error;
+    // After the picture: the rule must not promise one that failed.
     if (scene.osl != nullptr && !UTaddPictureRule(scene.picture, scene.osl->opened(), error))
         return fail(error);
     if (options.stats && status == 0)
@@ -211,6 +221,7 @@ int readAndDraw(const vk_Options &options)
 int main(int argc, char *argv[])
 {
     UTstartProgram();
+    // Nothing of ours throws; what ends here comes from TBB.
     std::set_terminate(dieWithoutThreads);
     vk_Options options;
     std::string error;

@@ -13,6 +13,7 @@ namespace
 {
 const char *const VARIABLE = "VELDRIN_VASKEL_OPTIONS";
 
+// The last of them wins, as with all options.
 template <vk_Action Action>
 bool act(vk_Options &options, const std::string &, std::string &)
 {
@@ -34,6 +35,7 @@ bool takeCount(const std::string &value, const char *name, int most, int &count,
     count = static_cast<int>(number);
     if (static_cast<float>(count) == number)
         return true;
+    // A float says yes to 2.5; a count does not.
     error = std::string(name) + " expected a whole number, found " + vk_quoted(value);
     return false;
 }
@@ -55,6 +57,7 @@ bool takeLimit(vk_Options &options, const std::string &value, std::string &error
 
 bool takeOutput(vk_Options &options, const std::string &value, std::string &)
 {
+    // What is wrong with an empty name the table tells.
     options.output = value;
     return !value.empty();
 }
@@ -134,6 +137,7 @@ bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, st
     int scenes = 0;
     bool inOptions = true;
     std::string first; // complaint
+    // First, so that the command line wins.
     static_cast<void>(takeEnvironment(options, first));
     for (std::size_t i = 0; i < words.size(); ++i) {
         std::string wrong;
@@ -149,6 +153,7 @@ bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, st
             first = wrong;
     }
     error = first;
+    // Who asks for help gets it, whatever else is wrong.
     return error.empty() || options.action != VK_DRAW;
 }
 

@@ -69,6 +69,8 @@ bool vk_Transform::isUsable() const
 {
     const float longest = std::max({vk_length(myX), vk_length(myY), vk_length(myZ)});
     const float volume = std::abs(determinant());
+    // A volume that is small against the longest side is a sheet without an inside: its inverse
+    // would be noise.
     return longest < 1e4f && vk_largest(myOrigin) < 1e6f && vk_largest(-myOrigin) < 1e6f &&
            volume > 1e-3f * longest * longest * 1e-3f && volume > 1e-9f;
 }

@@ -6,6 +6,8 @@ vk_Vec vk_toDisc(const vk_Square &s)
     const float b = 2 * s.v - 1;
     if (a == 0 && b == 0)
         return {};
+    // Squares around the middle become circles: the larger coordinate is the radius, the ratio
+    // of both the angle.
     const bool wide = std::abs(a) > std::abs(b);
     const float radius = wide ? a : b;
     const float angle = wide ? VK_PI / 4 * (b / a) : VK_PI / 2 - VK_PI / 4 * (a / b);

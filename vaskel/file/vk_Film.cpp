@@ -4,6 +4,7 @@ namespace
 {
 // The curve is x^a / (x^(a d) b + c); b and c follow from where middle grey
 // and white go. Middle grey is 50 % of the sRGB scale.
+// A shoulder, so that highlights fade to white in place of being cut off there.
 constexpr float CONTRAST = 1.18f; // a
 constexpr float SHOULDER = 0.97f; // d
 constexpr float GREY = 0.2140f;
@@ -31,6 +32,7 @@ std::uint8_t toByte(float unit)
 
 float vk_toneCurve(float linear)
 {
+    // Made by whoever comes first: C++ has others wait.
     static const Curve CURVE;
 
     const float x = std::clamp(linear, 0.0f, VK_WHITE);
@@ -44,6 +46,7 @@ float vk_toSrgb(float linear)
 
 void vk_develop(const vk_Colour &colour, std::uint8_t *bytes)
 {
+    // Each colour by itself: what is too bright turns white, as on film.
     bytes[0] = toByte(vk_toSrgb(vk_toneCurve(colour.x)));
     bytes[1] = toByte(vk_toSrgb(vk_toneCurve(colour.y)));
     bytes[2] = toByte(vk_toSrgb(vk_toneCurve(colour.z)));

@@ -9,6 +9,8 @@ vk_Span vk_Light::reach(const vk_Vec &, const vk_Vec &) const
 
 float vk_capHeight(float sin2)
 {
+    // 1 - sqrt(1 - x) written as x / (1 + sqrt(1 - x)): for a sun of half a degree the first
+    // form would leave a few bits.
     return sin2 / (1 + std::sqrt(std::max(0.0f, 1 - sin2)));
 }
 

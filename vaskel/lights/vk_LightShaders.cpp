@@ -7,6 +7,7 @@
 
 namespace
 {
+// Beyond every scene, and still far from the largest float.
 constexpr float FAR_AWAY = 1e30f;
 
 class DistantLight final : public vk_Light
@@ -15,6 +16,8 @@ public:
     DistantLight(const vk_Vec &towards, float degrees, const vk_Colour &white)
         : vk_Light(vk_luminance(white)), myAxis(towards)
     {
+        // A surface that faces it receives pi sin^2 times the radiance: so it shows `white`,
+        // whatever the angle.
         const float sine = std::sin(degrees * VK_PI / 180);
         myHeight = vk_capHeight(sine * sine);
         myRadiance = white * (1 / (sine * sine));
@@ -75,6 +78,7 @@ public:
     }
     vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override
     {
+        // Behind it there is no light, and along it none that a float can tell.
         const float facing = vk_dot(direction, myNormal);
         if (facing >= -1e-6f)
             return {};
@@ -136,6 +140,7 @@ struct Point final : vk_LightShader {
     }
     std::unique_ptr<vk_Light> make() const override
     {
+        // A point would be too small for rays to find in mirrors, and its radiance without bounds.
         return std::make_unique<vk_BallLight>(from, std::max(radius, .02f), to, white());
     }
 };
@@ -151,6 +156,7 @@ struct Distant final : vk_LightShader {
     std::unique_ptr<vk_Light> make() const override
     {
         const vk_Vec towards = vk_normalize(from - to);
+        // As with points: what has no width is never met.
         return std::make_unique<DistantLight>(towards, std::max(angle, .2f), white());
     }
 };

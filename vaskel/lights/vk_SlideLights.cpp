@@ -24,6 +24,9 @@ struct Slide : vk_LightShader {
     float edge(float inside) const { return vk_smoothStep(-soft / 2, soft / 2, inside); }
 };
 
+// A ball behind a picture: its shadow is as soft as the ball is wide, but the slide itself is
+// sharp at every distance, as if it were focussed everywhere. A template, as passes() is asked
+// for every sample.
 // The light of a slide that has float passes(float x, float y) const.
 template <class Picture>
 class SlideLight final : public vk_BallLight
@@ -35,6 +38,7 @@ public:
         const vk_Vec ahead = vk_normalize(slide.to - slide.from);
         const vk_Vec level = vk_cross(ahead, {0, 1, 0});
         const float wide = std::tan(slide.angle * VK_PI / 180);
+        // A light that looks straight down has no level side; any will do.
         myRight = vk_dot(level, level) > 1e-6f ? vk_normalize(level) : vk_Vec{1, 0, 0};
         myUp = vk_cross(myRight, ahead);
         myAhead = ahead * wide;
@@ -71,6 +75,7 @@ private:
         const vk_Vec way = from - centre();
         const float depth = vk_dot(way, myAhead);
         const float x = vk_dot(way, myRight), y = vk_dot(way, myUp);
+        // Also what lies behind it: there depth is below 0.
         if (sample.density <= 0 || std::max(std::abs(x), std::abs(y)) >= depth)
             return {};
         const float share = mySlide.passes(x / depth, y / depth);
@@ -97,12 +102,14 @@ struct SlideOf : Slide {
 
 struct Spot final : SlideOf<Spot> {
     Spot() : SlideOf(12, .25f) {}
+    // The edge ends where the cone does: the light reaches nothing outside of it.
     float passes(float x, float y) const { return edge(1 - soft / 2 - std::sqrt(x * x + y * y)); }
 };
 
 // How far a place lies inside of its pane, along one axis.
 float insidePane(float x, float panes, float bar)
 {
+    // Edges of panes fall on whole numbers; the pane's half width is 1 / panes.
     const float at = (x + 1) / 2 * panes;
     const float inPane = std::clamp(at - std::floor(at), 0.0f, 1.0f);
     return std::min(inPane, 1 - inPane) * 2 / panes - bar / 2;

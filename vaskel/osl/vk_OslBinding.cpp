@@ -37,6 +37,7 @@ vk_OslBinding::vk_OslBinding(std::shared_ptr<vk_OslLibrary> library, const vk_Wo
 {
 }
 
+// A bare ".osl" names nothing.
 bool vk_OslBinding::isName(const std::string &word)
 {
     return word.size() > ENDING.size() &&
@@ -50,6 +51,7 @@ bool vk_OslBinding::load(std::vector<std::string> &messages)
         return false;
     std::string error;
     if (!parse(*shader, error)) {
+        // The compiler's warnings say nothing new when the palette is what is wrong.
         messages = {error};
         return false;
     }
@@ -77,15 +79,18 @@ void vk_OslBinding::chooseOutputs(const OSL_Shader &shader)
     const auto isTriple = [](const osl_Type &t) { return t.isTriple(); };
     const auto isScalar = [](const osl_Type &t) { return t.isScalar(); };
     const bool wantsNumber = myTargets->front().isNumber;
+    // The kind of output that the target is made for, then what comes nearest to it.
     myDefault = wantsNumber ? first(isScalar) : first(isColour);
     if (myDefault.empty())
         myDefault = wantsNumber ? first(isColour) : first(isTriple);
     if (myDefault.empty())
         myDefault = first(isScalar);
+    // Whoever asks for an output has chosen: the closure would hide it.
     for (std::size_t i = 0; i < myShown.size(); ++i)
         if (!myShown[i].empty() && !(*myTargets)[i].goesWithClosures)
             return;
     myClosure = first([](const osl_Type &t) { return t.isClosure; });
+    // A surface of the old style sets Ci, which only a context knows.
     OSL_Renderer nobody;
     if (myClosure.empty() && OSL_Context(myProgram, nobody, 1).output("Ci") != nullptr)
         myClosure = "Ci";
@@ -100,6 +105,7 @@ bool vk_OslBinding::parse(OSL_Shader &shader, std::string &error)
 {
     for (std::size_t at = 1; at < myWords.size();) {
         const std::string &word = myWords[at];
+        // The shader's own parameters come first: its author did not know our words.
         const OSL_Parameter *const parameter = shader.findParameter(word);
         bool isGood = false;
         if (parameter != nullptr && !parameter->isOutput)
@@ -158,6 +164,7 @@ bool vk_OslBinding::parseShow(const OSL_Shader &shader, std::size_t &at, std::st
         return false;
     }
     myShown[static_cast<std::size_t>(found - targets.begin())] = what;
+    // A target may be fed with a constant, too.
     float number = 0;
     if (startsNumber(what))
         return vk_parseNumber(what, "show", -LARGEST, LARGEST, number, error);

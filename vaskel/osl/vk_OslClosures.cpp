@@ -4,6 +4,7 @@
 
 namespace
 {
+// A shader could nest them for ever.
 constexpr int MOST_LAYERS = 8; // of closures inside closures
 constexpr float AIR = 1.003f;  // glass needs an index of refraction other than 1
 constexpr float LEAST = 1e-6f;
@@ -63,12 +64,14 @@ Widths widthsOf(const OSL_ClosureComponent &c)
     if (c.floats("exponent") == nullptr)
         return {0, 0};
     // The lobe of Blinn and Phong that is as wide.
+    // Where both their peaks fall as fast: 2 / (exponent + 2) is the square of alpha.
     const float exponent = std::max(*c.floats("exponent"), 0.0f);
     const float rough = std::pow(2 / (exponent + 2), .25f);
     return {rough, rough};
 }
 
 // How much is reflected straight on by a metal of complex index n + ik.
+// Fresnel's formula for a complex index, at a cosine of 1.
 float reflectanceOfMetal(float n, float k)
 {
     const float k2 = k * k;
@@ -76,6 +79,8 @@ float reflectanceOfMetal(float n, float k)
 }
 } // namespace
 
+// Closures that this renderer has no lobe for go to the nearest that it has: a shader written
+// for another renderer shows something like itself rather than black.
 const vk_OslClosures::Row vk_OslClosures::ROWS[] = {
     {"diffuse", &vk_OslClosures::addDiffuse},
     {"oren_nayar", &vk_OslClosures::addDiffuse},
@@ -132,6 +137,7 @@ vk_Material vk_clearAir(const vk_Colour &passes)
 
 vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, float chance)
 {
+    // One object serves all points of a batch, which keeps the vectors' memory.
     myEmission = myDiffuse = myEdge = myTransparent = myEven = {};
     myScatter = myNormals = {};
     myBoundary = mySheen = myGlass = {};
@@ -144,6 +150,8 @@ vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, fl
         myBoundary = {};
         myEdge = {};
     }
+    // A material is one of three kinds. Which one is drawn by chance in proportion to what each
+    // reflects or passes, and gets its light divided by that chance: right on average.
     const float opaque = vk_largest(myDiffuse + myEdge + mySheen.colour);
     const float glass = vk_largest(myGlass.colour), air = vk_largest(myTransparent);
     const float all = opaque + glass + air;
@@ -168,9 +176,12 @@ vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, fl
 void vk_OslClosures::fillOpaque(float share, vk_Material &material) const
 {
     const float scale = 1 / share;
+    // What reflects as much from all sides, as a metal does: nothing of it is left for the base.
     const vk_Colour even = clamped(myEven * scale);
     // The base gets what the boundary leaves, but closures are sums.
     const auto unshared = [](float base, float reflected) {
+        // The material takes the reflected share off its base; undo that here. At most a
+        // hundredfold, as the base of a perfect mirror is nothing that can be undone.
         return base / std::max(1 - reflected, .01f);
     };
     const vk_Colour base = myDiffuse * scale;
@@ -189,6 +200,7 @@ void vk_OslClosures::fillGlass(float share, vk_Material &material) const
 {
     material.clear = clamped(myGlass.colour * (1 / share));
     material.rough = myGlass.mean(myGlass.rough);
+    // Below 1 the shader had turned it over, above 4 there is no such glass.
     const float ior = std::clamp(myGlass.mean(myGlass.ior), 1.0f, 4.0f);
     material.ior = std::max(ior, AIR);
 }
@@ -197,6 +209,7 @@ void vk_OslClosures::addAll(int32_t closure, const vk_Colour &factor, int depth)
 {
     if (depth == MOST_LAYERS)
         return;
+    // All at once: a vector that grew below would move the one that is walked here.
     if (myComponents.size() <= static_cast<std::size_t>(depth))
         myComponents.resize(MOST_LAYERS);
     std::vector<Component> &components = myComponents[static_cast<std::size_t>(depth)];
@@ -220,6 +233,7 @@ void vk_OslClosures::bend(const Component &component, const vk_Colour &weight)
 {
     const float *const n = component.floats("N");
     if (n != nullptr)
+        // Those that are seen most have most to say.
         myNormals += vk_normalize({n[0], n[1], n[2]}) * vk_luminance(weight);
 }
 
@@ -235,6 +249,7 @@ void vk_OslClosures::addSubsurface(const Component &component, const vk_Colour &
     addDiffuse(component, weight);
     const vk_Colour radius = colourOf(component, "radius", colourOf(component, "mfp", vk_Colour{}));
     const float depth = numberOf(component, "transmission_depth", 0);
+    // Closures call it by several names.
     const vk_Colour reach = vk_largest(radius) > 0 ? radius : vk_grey(depth);
     myScatter = {std::max(myScatter.x, std::min(reach.x, 1.0f)),
                  std::max(myScatter.y, std::min(reach.y, 1.0f)),
@@ -248,6 +263,7 @@ void vk_OslClosures::addBoundary(const Component &component, const vk_Colour &st
     const float weight = std::max(vk_luminance(straight), LEAST);
     myBoundary.add(straight, std::sqrt(w.along * w.across));
     // Only across the scratches, which run along u, is a boundary rougher.
+    // The other way round u would have to be turned, which needs the shape: left even.
     const float ratio = w.across > w.along ? w.along / w.across : 1;
     myBoundary.brushed += std::clamp((1 - ratio * ratio) / .9f, 0.0f, 1.0f) * weight;
     myEdge += edge;
@@ -263,6 +279,7 @@ void vk_OslClosures::addMirror(const Component &component, const vk_Colour &weig
 void vk_OslClosures::addMicrofacet(const Component &component, const vk_Colour &weight)
 {
     const int32_t *const refract = component.ints("refract");
+    // Zero reflects; others refract, or do both.
     const int kind = refract == nullptr ? 0 : *refract;
     if (kind == 0)
         addMirror(component, weight);
@@ -294,6 +311,7 @@ void vk_OslClosures::addDielectric(const Component &component, const vk_Colour &
         return;
     }
     const vk_Colour tint = weight * colourOf(component, "reflection_tint", vk_grey(1));
+    // Nothing passes: a lacquer, over whatever lies below.
     addBoundary(component, tint * vk_straightReflectance(ior), tint);
 }
 
@@ -303,6 +321,7 @@ void vk_OslClosures::addConductor(const Component &component, const vk_Colour &w
     const vk_Colour k = colourOf(component, "extinction", colourOf(component, "k", vk_grey(1)));
     const vk_Colour straight = {reflectanceOfMetal(n.x, k.x), reflectanceOfMetal(n.y, k.y),
                                 reflectanceOfMetal(n.z, k.z)};
+    // At grazing angles a metal reflects all light without its colour.
     addBoundary(component, weight * straight, weight);
 }
 
@@ -324,6 +343,7 @@ void vk_OslClosures::addSheen(const Component &component, const vk_Colour &weigh
 {
     const vk_Colour colour = weight * colourOf(component, "albedo", vk_grey(1));
     const float sigma = numberOf(component, "sigma", .5f);
+    // Below .2 the tables of the sheen end.
     mySheen.add(colour, std::clamp(numberOf(component, "roughness", sigma), .2f, 1.0f));
     bend(component, colour);
 }

@@ -2,6 +2,7 @@
 
 namespace
 {
+// As far as the displacements of this renderer go at most.
 constexpr float FURTHEST = .5f;
 
 vk_Vec placeAt(const OSL_Output &output, int point)
@@ -40,6 +41,7 @@ void vk_OslDisplace::move(const vk_SurfacePoint *points, vk_Vec *moved, std::siz
     for (std::size_t i = 0; i < count; ++i) {
         const auto lane = static_cast<int>(i % width);
         const std::size_t size = std::min(width, count - i);
+        // All lanes of a run are read before the next one.
         if (lane == 0 && !runner->run(points + i, static_cast<int>(size)))
             break;
         vk_Vec step;

@@ -13,6 +13,9 @@
 
 namespace
 {
+// A palette may come from anybody. What its shaders read is bound to what lies beside it or
+// where the user keeps shaders, to files that look like what they are read as, and to sizes that
+// memory bears.
 struct KindRow {
     const char *what;
     off_t most; // bytes
@@ -34,6 +37,7 @@ constexpr UT_KnownPath PATHS[] = {
 };
 
 // "" when there is no such file.
+// With all links followed: a link inside a folder must not lead out of it.
 std::string realPath(const std::string &path)
 {
     const std::unique_ptr<char, decltype(&std::free)> found(realpath(path.c_str(), nullptr),
@@ -50,6 +54,7 @@ bool endsWith(const std::string &name, const std::string &ending)
 bool isBelow(const std::string &path, const std::string &folder)
 {
     return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
+           // Not "/home/me2" below "/home/me".
            path[folder.size()] == '/';
 }
 
@@ -81,12 +86,14 @@ void vk_OslFiles::takeFolders()
             const std::string dir(dirs(i));
             const bool isOld =
                 std::find(myFolders.begin(), myFolders.end(), dir) != myFolders.end();
+            // A relative folder would mean another one for each user of the palette.
             if (dir[0] == '/' && !isOld)
                 myFolders.push_back(dir);
         }
     }
     for (const std::string &folder : myFolders) {
         const std::string root = realPath(folder.empty() ? "." : folder);
+        // The root itself would allow every file there is.
         if (root.size() > 1)
             myRoots.push_back(root);
     }
@@ -115,8 +122,10 @@ bool vk_OslFiles::mayReadLocked(Kind kind, const std::string &path, std::string 
         error = "lies neither beside the palette nor below the shader path";
     else if (std::none_of(row.endings.begin(), row.endings.end(), fits))
         error = std::string("does not end as ") + row.what + " does";
+    // A device or a pipe may never end.
     else if (!S_ISREG(info.st_mode) || info.st_size > row.most)
         error = "is no regular file of at most " + std::to_string(row.most >> 20) + " MB";
+    // For the rule of the picture's make file.
     else if (std::find(myOpened.begin(), myOpened.end(), path) == myOpened.end())
         myOpened.push_back(path);
     return error.empty();

@@ -43,6 +43,7 @@ void Sum::add(const OSL_ClosureComponent &component)
         const vk_Colour left = colourOf(component.floats("transmission_color"));
         const float depth = std::max(*component.floats("transmission_depth"), 1e-3f);
         const auto of = [&](float x) { return -std::log(std::clamp(x, 1e-3f, 1.0f)) / depth; };
+        // Given is what is left after a depth, in place of how fast it goes.
         extinction = weight * vk_Colour{of(left.x), of(left.y), of(left.z)};
     }
     const vk_Colour albedo = colourOf(component.floats("albedo"));
@@ -59,6 +60,7 @@ void fill(const Sum &sum, vk_Medium &medium)
 {
     const vk_Colour &s = sum.scattered, &a = sum.absorbed;
     const float scattered = vk_luminance(s);
+    // One for all colours, as paths cross fog with one distance; the colour lies in the albedo.
     medium.extinction = scattered + vk_luminance(a);
     medium.albedo = {shareOf(s.x, a.x), shareOf(s.y, a.y), shareOf(s.z, a.z)};
     medium.forward = scattered > 0 ? sum.forward / scattered : 0;
@@ -71,6 +73,7 @@ void fill(const vk_OslRunner &runner, vk_Medium &medium)
     const vk_Colour c = colour.isThere() ? colour.colour(0) : vk_grey(.9f);
     medium.albedo = {std::clamp(c.x, 0.0f, 1.0f), std::clamp(c.y, 0.0f, 1.0f),
                      std::clamp(c.z, 0.0f, 1.0f)};
+    // As v_fog has it, where the shader says nothing.
     medium.extinction = density.isThere() ? density.number(0) : .07f;
     medium.forward = forward.isThere() ? forward.number(0) : 0;
 }
@@ -91,6 +94,7 @@ vk_Medium vk_OslFog::medium() const
     medium.radius = myParams->radius;
     medium.height = myParams->height;
     vk_OslRunner runner(*myBinding, 1);
+    // Asked once: fog is even, or thins out with the height that the statement says.
     const vk_SurfacePoint origin;
     if (!runner.run(&origin, 1))
         return medium;
@@ -104,6 +108,7 @@ vk_Medium vk_OslFog::medium() const
     } else {
         fill(runner, medium);
     }
+    // Beyond a hundred it is a wall; what is no number is no fog.
     medium.extinction =
         std::isfinite(medium.extinction) ? std::clamp(medium.extinction, 0.0f, DENSEST) : 0;
     medium.forward = std::isfinite(medium.forward) ? std::clamp(medium.forward, -.9f, .9f) : 0;

@@ -35,6 +35,7 @@ std::vector<std::string> linesOf(const std::string &text)
 void vk_OslLibrary::open(const vk_Scene &scene)
 {
     myScene = &scene;
+    // Messages begin with the picture, as all of this program do.
     mySubject = scene.picture;
     UTmakePrintable(mySubject.data(), mySubject.size());
     myFiles = std::make_unique<vk_OslFiles>(scene.picture);
@@ -42,6 +43,7 @@ void vk_OslLibrary::open(const vk_Scene &scene)
 
 OSL_Shader *vk_OslLibrary::shader(const std::string &name, std::vector<std::string> &messages)
 {
+    // Several statements may use one shader: it is compiled once.
     const bool isNew = myEntries.count(name) == 0;
     Entry &entry = myEntries[name];
     if (isNew)
@@ -58,6 +60,7 @@ void vk_OslLibrary::compile(const std::string &name, Entry &entry)
     options.mayRead = [this](const std::string &path) {
         return myFiles->mayRead(vk_OslFiles::INCLUDE, path);
     };
+    // Sources within the scene come before files of their name: the palette is whole by itself.
     const auto source = mySources.find(name);
     if (source != mySources.end()) {
         entry.isGood = entry.shader.compileText(source->second, name, options);
@@ -104,6 +107,7 @@ void vk_OslLibrary::say(const char *kind, std::string_view text)
     UTmakePrintable(line.data(), line.size());
     line = mySubject + ": " + kind + ": " + line + "\n";
     const std::lock_guard<std::mutex> lock(myMutex);
+    // The same line comes for each of a million points.
     if (text.empty() || mySaid.size() > MOST_SAID || !mySaid.insert(line).second)
         return;
     if (mySaid.size() > MOST_SAID)

@@ -4,6 +4,8 @@
 
 namespace
 {
+// Cells of the picture to each side. A shader costs too much for every sample; and a light
+// seen in a mirror is hardly sharper than that.
 constexpr int SIDE = 64;
 constexpr float STRENGTH = .8f; // that of v_area, until its parameters are known
 
@@ -28,6 +30,7 @@ vk_OslLight::vk_OslLight(std::shared_ptr<const vk_OslBinding> binding,
 {
 }
 
+// The statement's parameters come after the light was made, so its area is made late.
 const vk_Light &vk_OslLight::area() const
 {
     std::call_once(myOnce, [this] { prepare(); });
@@ -55,6 +58,7 @@ void vk_OslLight::shine() const
     myPicture.assign(std::size_t{SIDE} * SIDE, vk_Colour{});
     vk_SurfacePoint point;
     point.normal = point.facet = vk_normalize(myShader->to - myShader->from);
+    // As if seen from where it aims.
     point.incoming = -point.normal;
     point.dPdu = myAcross;
     point.dPdv = myUp;
@@ -70,6 +74,7 @@ void vk_OslLight::shine() const
             runner.closure() != nullptr
                 ? closures.materialOf(runner.closure()->ints[0], point.normal, 0).emission
                 : runner.feed(0).colour(0);
+        // Light below 0 or without bounds would spoil every sum that it gets into.
         const auto bounded = [](float x) { return x > 0 ? std::min(x, 1e4f) : 0; };
         myPicture[static_cast<std::size_t>(i)] = {bounded(light.x), bounded(light.y),
                                                   bounded(light.z)};

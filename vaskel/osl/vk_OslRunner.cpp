@@ -9,6 +9,7 @@
 
 namespace
 {
+// 1.14.0, as shaders that ask for it compare it: 10000, 100, 1 for each part.
 constexpr int LANGUAGE_VERSION = 11400;
 
 osl_Matrix matrixOf(const vk_Vec &x, const vk_Vec &y, const vk_Vec &z, const vk_Vec &origin)
@@ -26,6 +27,8 @@ osl_Matrix ofCamera(const vk_Camera &camera)
     return matrixOf(right, vk_cross(right, ahead), ahead, camera.from);
 }
 
+// Spaces that only a picture has, as "screen" or "raster". Its shorter side has the camera's
+// angle, so the half sizes come from that one.
 bool pictureSpace(std::string_view space, const vk_Scene &scene, osl_Matrix &matrix)
 {
     const float half = std::tan(scene.camera.fov * OSL_PI / 360);
@@ -42,6 +45,8 @@ bool pictureSpace(std::string_view space, const vk_Scene &scene, osl_Matrix &mat
     return true;
 }
 
+// Transforms are kept from the scene to the shape, which is what hits need; shaders ask
+// for the other way, and seldom.
 osl_Matrix ofShape(const vk_Transform *toShape)
 {
     if (toShape == nullptr)
@@ -61,6 +66,7 @@ OSL_Value pairOf(int a, int b)
 } // namespace
 
 vk_OslFeed::vk_OslFeed(const std::string &what, const OSL_Context &context)
+    // An output of that name wins: a number is what names no output.
     : myOutput(what.empty() ? nullptr : context.output(what))
 {
     std::string ignored; // it was checked
@@ -74,6 +80,7 @@ float vk_OslFeed::word(int i, int point) const
     const float value = myOutput->type.base == osl_Type::INT
                             ? static_cast<float>(myOutput->ints[at])
                             : myOutput->floats[at];
+    // Shaders divide by zero; one such point must not blacken a pixel.
     return std::isfinite(value) ? value : 0;
 }
 
@@ -94,6 +101,8 @@ vk_OslRunner::vk_OslRunner(const vk_OslBinding &binding, int width)
         myClosure = myContext.output(binding.closure());
 }
 
+// The context keeps these addresses for all its runs, and points are copied to where they
+// lead: so a run sets no pointer.
 void vk_OslRunner::bind()
 {
     const auto bindVec = [this](OSL_Varying &to, int from) {
@@ -120,6 +129,7 @@ void vk_OslRunner::bind()
 
 bool vk_OslRunner::run(const vk_SurfacePoint *points, int count)
 {
+    // One shader that ran for too long ends the picture: the others need not go on.
     if (myBinding.library().isStopped())
         return false;
     mySurface = points;
@@ -144,6 +154,8 @@ void vk_OslRunner::take(const vk_SurfacePoint &point, int i)
     const vk_Vec level = vk_cross(point.incoming, point.normal);
     const vk_Vec across =
         vk_dot(level, level) > 1e-6f ? vk_normalize(level) : vk_Frame(point.normal).tangent;
+    // At grazing angles a pixel covers next to endless ground; ten times its width is enough for
+    // a shader to smooth its pattern away.
     const float facing = std::max(.1f, std::abs(vk_dot(point.incoming, point.normal)));
     const vk_Vec dx = across * point.footprint;
     const vk_Vec dy = vk_cross(point.normal, across) * (point.footprint / facing);
@@ -152,6 +164,7 @@ void vk_OslRunner::take(const vk_SurfacePoint &point, int i)
     // How u and v change with a step on the surface: the dual basis of dPdu and dPdv.
     const float uu = vk_dot(point.dPdu, point.dPdu), vv = vk_dot(point.dPdv, point.dPdv);
     const float uv = vk_dot(point.dPdu, point.dPdv), area2 = uu * vv - uv * uv;
+    // At poles u and v do not change with the place: no step tells anything about them.
     const float inverse = area2 > 1e-12f * uu * vv ? 1 / area2 : 0;
     const vk_Vec ofU = (point.dPdu * vv - point.dPdv * uv) * inverse;
     const vk_Vec ofV = (point.dPdv * uu - point.dPdu * uv) * inverse;
@@ -177,6 +190,7 @@ bool vk_OslRunner::spaceToCommon(std::string_view space, int point, osl_Matrix &
 bool vk_OslRunner::attribute(std::string_view object, std::string_view name, int, OSL_Value &value)
 {
     const vk_Scene &scene = myBinding.library().scene();
+    // Shapes have no names here, so nobody else's attributes can be asked for.
     if (!object.empty() && object != "global" && object != "options")
         return false;
     if (name == "osl:version")
@@ -232,6 +246,8 @@ void vk_OslRunner::appendToFile(std::string_view file, std::string_view text)
         message(WARNING, "fprintf() writes to no file here");
 }
 
+// A runner is dear to make, as its registers hold every value of the shader for all lanes; so
+// it is kept for whoever comes next.
 std::unique_ptr<vk_OslRunner> vk_OslRunners::borrow(bool isForMany)
 {
     {
@@ -243,6 +259,7 @@ std::unique_ptr<vk_OslRunner> vk_OslRunners::borrow(bool isForMany)
             return runner;
         }
     }
+    // Outside of the lock: making one takes longer than all the rest.
     return std::make_unique<vk_OslRunner>(*myBinding, isForMany ? 0 : 1);
 }
 

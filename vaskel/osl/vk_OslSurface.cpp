@@ -8,6 +8,7 @@
 
 namespace
 {
+// In the order of TARGETS.
 enum Target { DIFF, SPEC, ROUGH, IOR, EMISSION, BUMP, OPACITY };
 
 // A number from 0 to 1 that looks random and is the same wherever a point is asked about.
@@ -16,6 +17,7 @@ float chanceAt(const vk_SurfacePoint &point, std::uint32_t seed)
     for (const float x : {point.position.x, point.position.y, point.position.z}) {
         std::uint32_t bits = 0;
         std::memcpy(&bits, &x, sizeof bits);
+        // The bits, not the value: neighbours a rounding apart must differ, too.
         seed = vk_hash(seed ^ bits);
     }
     return static_cast<float>(seed >> 8) * 0x1p-24f;
@@ -37,6 +39,8 @@ vk_SurfacePoint moved(const vk_SurfacePoint &from, const vk_Vec &by)
     vk_SurfacePoint to = from;
     to.place += by;
     const float uu = vk_dot(from.dPdu, from.dPdu), vv = vk_dot(from.dPdv, from.dPdv);
+    // As if u and v were straight and square to each other there, which they nearly are over half
+    // a pixel.
     to.u += uu > 0 ? vk_dot(from.dPdu, by) / uu : 0;
     to.v += vv > 0 ? vk_dot(from.dPdv, by) / vv : 0;
     return to;
@@ -57,10 +61,12 @@ vk_OslSurface::vk_OslSurface(std::shared_ptr<const vk_OslBinding> binding)
 void vk_OslSurface::shade(const vk_SurfacePoint *points, vk_Material *materials,
                           std::size_t count) const
 {
+    // A wave of points is worth wide registers; a single one pays for lanes that are empty.
     std::unique_ptr<vk_OslRunner> runner = myRunners.borrow(count > 1);
     const auto width = static_cast<std::size_t>(runner->width());
     for (std::size_t i = 0; i < count; i += width) {
         const int size = static_cast<int>(std::min(width, count - i));
+        // A shader that was stopped leaves what is left as it is: the picture is thrown away.
         if (!shade(*runner, points + i, materials + i, size))
             break;
     }
@@ -82,6 +88,8 @@ bool vk_OslSurface::shade(vk_OslRunner &runner, const vk_SurfacePoint *points,
             material = closures.materialOf(runner.closure()->ints[i], points[i].normal,
                                            chanceAt(points[i], 1));
         if (opacity.isThere() && chanceAt(points[i], 2) >= opacity.number(i))
+            // By chance, but the same at a place for all rays: so those that cast shadows agree
+            // with those that look.
             material = vk_clearAir(vk_grey(1));
     }
     return !runner.feed(BUMP).isThere() || bump(runner, points, materials, count);
@@ -100,6 +108,7 @@ vk_Material vk_OslSurface::plastic(const vk_OslRunner &runner, int point)
     vk_Material material =
         vk_coated(clamped(colourOf(DIFF, .6f), 1), clamped(colourOf(SPEC, 1), 1),
                   clamped(numberOf(ROUGH, .2f), 0, 1), clamped(numberOf(IOR, 1.5f), 1, 4));
+    // Bounded, so that sums of light stay finite whatever the shader says.
     material.emission = clamped(colourOf(EMISSION, 0), 1e6f);
     return material;
 }
@@ -119,6 +128,8 @@ bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
         vk_Vec steps[vk_OslRunner::MOST_POINTS];
         for (int i = 0; i < count; ++i) {
             const vk_Frame frame(points[i].normal);
+            // Half a pixel: finer bumps would only add noise, and the difference of two heights
+            // that are nearly equal is all rounding.
             const float step = std::max(.5f * points[i].footprint, LEAST_STEP);
             steps[i] = (isSecond ? frame.bitangent : frame.tangent) * step;
             beside[i] = moved(points[i], steps[i]);
@@ -138,6 +149,7 @@ bool vk_OslSurface::mayBeClear() const
 {
     constexpr int SIDE = 16;
 
+    // A ball's points, in the middle of even cells of u and v.
     std::vector<vk_SurfacePoint> points;
     for (int i = 0; i < SIDE * SIDE; ++i) {
         vk_SurfacePoint point;

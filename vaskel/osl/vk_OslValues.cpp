@@ -27,6 +27,7 @@ public:
         if (!value.type.isArray())
             return element.base == osl_Type::COLOR ? takeColour(value)
                                                    : takeElements(element.components(), value);
+        // Brackets are a must only where nothing else tells how many there are.
         if (myAt < myWords.size() && myWords[myAt][0] == '[')
             return takeBrackets(value);
         if (value.type.array == osl_Type::UNSIZED)
@@ -35,6 +36,7 @@ public:
     }
 
 private:
+    // The language has no ranges of its own; shaders note them beside parameters for editors.
     float limit(const char *name, float otherwise) const
     {
         for (const OSL_Metadatum &item : myParameter.metadata) {
@@ -60,6 +62,7 @@ private:
         };
         if (myAt < myWords.size() && std::isalpha(static_cast<unsigned char>(myWords[myAt][0])))
             return takeName(value);
+        // One number is a grey, unless a second one follows.
         if (isNumber(myAt + 1))
             return takeElements(3, value);
         if (!takeElements(1, value))
@@ -103,6 +106,7 @@ private:
             value.floats.push_back(number);
             return true;
         }
+        // A float holds every number that fits; from 2^31 on it would not fit an int.
         if (std::floor(number) != number || std::abs(number) >= 0x1p31f)
             return wrong("a whole number");
         value.ints.push_back(static_cast<int>(number));
@@ -128,6 +132,7 @@ private:
         const auto size = static_cast<std::size_t>(value.type.components());
         const int length = static_cast<int>(all / size);
         const int wanted = value.type.array == osl_Type::UNSIZED ? length : value.type.array;
+        // An array of points is counted in points, not in floats.
         if (all % size == 0 && length > 0 && length == wanted) {
             value.type.array = length;
             return true;

@@ -6,6 +6,8 @@ struct Row {
     const char *name;
     vk_Colour colour;
 };
+// Metals by their reflectance straight on, in linear light, out of their measured indices of
+// refraction.
 constexpr Row ROWS[] = {
     {"aluminium", {.913f, .922f, .924f}}, {"black", {0, 0, 0}},
     {"brass", {.887f, .789f, .434f}},     {"chromium", {.549f, .556f, .554f}},

@@ -9,6 +9,7 @@
 
 namespace
 {
+// Time grows with the square, and a palette's word may be a million bytes long.
 constexpr std::size_t LONGEST = 64;
 using Row = std::array<int, LONGEST + 1>;
 
@@ -27,6 +28,7 @@ bool swapped(std::string_view a, std::string_view b, std::size_t i, std::size_t 
 }
 } // namespace
 
+// Three rows of the usual table suffice: a swap looks two back.
 int vk_distance(std::string_view a, std::string_view b)
 {
     a = a.substr(0, LONGEST);
@@ -54,6 +56,7 @@ std::string_view vk_nearest(std::string_view word, const std::vector<std::string
     std::string_view best;
     int least = INT_MAX;
     for (const std::string_view candidate : known) {
+        // Letters of another case count half: «Gold» is nearer to "gold" than to "Bold".
         const int distance = vk_distance(word, candidate) + vk_distance(lower, lowered(candidate));
         if (distance < least) {
             least = distance;
@@ -67,6 +70,7 @@ std::string vk_quoted(std::string_view word)
 {
     constexpr std::size_t SHOWN = 40;
 
+    // A cut in the middle of a letter of UTF-8 would not be printable, so it is cut first.
     const std::string text = vk_quotedName(word.substr(0, SHOWN));
     return word.size() > SHOWN ? text.substr(0, text.size() - 1) + "...'" : text;
 }

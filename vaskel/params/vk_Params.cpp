@@ -12,6 +12,7 @@ namespace
 std::string unknownParam(vk_ParamList &list, const char *owner, const std::string &word)
 {
     std::vector<std::string_view> names;
+    // All of them: a shader has a handful, and the list is the quickest manual.
     std::string all;
     for (const vk_Param &param : list) {
         all += (all.empty() ? "" : ", ") + std::string(param.name);
@@ -32,6 +33,7 @@ bool isGrey(const vk_Param &param, const vk_Words &words, std::size_t at)
     return last || words[at + 1].find_first_of("0123456789+-.") != 0;
 }
 
+// No number begins with a letter: «nan» and «inf» are none here.
 bool isName(const std::string &word)
 {
     return !word.empty() && std::isalpha(static_cast<unsigned char>(word[0])) != 0;
@@ -54,6 +56,7 @@ bool parseValue(const vk_Param &param, const char *owner, const vk_Words &words,
     const std::string what = std::string(param.name) + " of " + owner;
     if (param.kind == VK_COLOUR && at < words.size() && isName(words[at]))
         return parseName(words[at++], what, value, error);
+    // Looked at before reading on: a third number may be missing, or be the next name.
     const bool single = param.kind == VK_NUMBER || isGrey(param, words, at);
     float numbers[3] = {0, 0, 0};
     for (int i = 0; i < (single ? 1 : 3); ++i, ++at) {
@@ -126,6 +129,7 @@ bool vk_parseNumber(const std::string &word, const std::string &what, float leas
 std::string vk_numberText(float number)
 {
     char text[32];
+    // As people write it: .1f prints as 0.1, not as its nearest double.
     std::snprintf(text, sizeof text, "%g", static_cast<double>(number));
     return text;
 }

@@ -2,6 +2,7 @@
 
 std::string_view vk_shaderName(std::string_view word)
 {
+    // How shop networks write the name of a shader.
     constexpr std::string_view SHOP = "opdef:/Shop/";
     return word.substr(0, SHOP.size()) == SHOP ? word.substr(SHOP.size()) : word;
 }

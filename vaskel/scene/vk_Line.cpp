@@ -43,6 +43,7 @@ bool takeWord(std::string_view line, std::size_t &at, std::string &word)
 bool vk_splitLine(std::string_view line, vk_Words &words, std::string &error)
 {
     words.clear();
+    // It would end the text for whatever C function sees it next.
     if (line.find('\0') != std::string_view::npos) {
         error = "expected text, found a zero byte";
         return false;
@@ -51,6 +52,7 @@ bool vk_splitLine(std::string_view line, vk_Words &words, std::string &error)
     if (!line.empty() && line[0] == '#')
         return true;
     std::size_t at = 0;
+    // Within a word two slashes are no comment: they are part of a path.
     while (at < line.size() && line.substr(at, 2) != "//") {
         if (isBlank(line[at])) {
             ++at;
@@ -71,6 +73,8 @@ bool vk_fileName(std::string_view line, std::string &name, std::string &error)
     const std::size_t word = line.find_first_of(BLANKS);
     const std::string_view rest =
         word == std::string_view::npos ? std::string_view() : trimmed(line.substr(word));
+    // Writers put every name in double quotes and escape none; so what lies between the first and
+    // the last is the name, further quotes included.
     if (!rest.empty() && rest[0] == '"' && rest.size() > 1) {
         const std::size_t last = rest.rfind('"');
         name = rest.substr(1, last - 1);

@@ -91,6 +91,7 @@ bool vk_SceneReader::read(std::FILE *file)
     std::size_t skipped = 0;
     while (skipped < MOST_SKIPPED && readLine(file)) {
         ++myLineNumber;
+        // The writer of a pipe would die of SIGPIPE if we left; but it is not read for ever.
         skipped += isGivenUp ? myLine.size() + 1 : 0;
         if (isGivenUp)
             takeName();
@@ -125,6 +126,7 @@ bool vk_SceneReader::readLine(std::FILE *file)
     int c = std::getc(file);
     if (c == EOF)
         return false;
+    // A line that has no end must not fill the memory.
     for (; c != EOF && c != '\n' && myLine.size() <= LONGEST_LINE; c = std::getc(file))
         myLine += static_cast<char>(c);
     return true;
@@ -145,6 +147,7 @@ void vk_SceneReader::takeLine()
         takeSourceLine();
         return;
     }
+    // Quotes mean nothing in names and comments, so a lone one is no mistake there.
     if (!vk_splitLine(myLine, myWords, myError) && !takesLine()) {
         report(myError);
         return;
@@ -154,6 +157,7 @@ void vk_SceneReader::takeLine()
     const std::string word = myWords[0];
     if (!obey())
         report(myError);
+    // Also after a mistake: the default in its place would only hide it.
     mySeen.insert(word);
 }
 
@@ -171,6 +175,7 @@ bool vk_SceneReader::obey()
     for (const Statement &statement : STATEMENTS)
         if (myWords[0] == statement.word)
             return (this->*statement.handler)();
+    // All of those there are would fill a screen; the nearest is mostly what was meant.
     return wrong("unknown statement " + vk_quoted(myWords[0]) +
                  "; expected a statement of the scene language; nearest is " +
                  vk_quoted(vk_nearest(myWords[0], words())));
@@ -192,6 +197,7 @@ std::vector<std::string> vk_SceneReader::messages() const
 {
     const std::string &picture = myScene->picture;
     std::string name = !myName.empty() ? myName : !picture.empty() ? picture : "<stdin>";
+    // A file's name may hold what a terminal obeys.
     UTmakePrintable(name.data(), name.size());
     std::vector<std::string> all;
     for (const std::string &message : myMessages)
@@ -215,6 +221,7 @@ void vk_SceneReader::checkWhole()
         report("expected a statement 'picture NAME' before the end");
     if (!myScene->hasCamera)
         report("expected a statement 'camera PARAMETERS' before the end");
+    // Compiling takes longest: not for a scene that is wrong anyway.
     if (myMessages.empty())
         loadShaders();
 }
@@ -229,6 +236,7 @@ void vk_SceneReader::loadShaders()
         std::vector<std::string> messages;
         if (bound.binding->load(messages))
             continue;
+        // Where its statement was, not where the scene ended.
         myLineNumber = bound.line;
         for (const std::string &message : messages)
             report(message);
@@ -253,6 +261,7 @@ bool vk_SceneReader::takesNumbers(int least, int most, float smallest, float lar
         if (!vk_parseNumber(myWords[static_cast<std::size_t>(i) + 1], myWords[0], smallest, largest,
                             myNumbers[i], myError))
             return false;
+    // The first wrong number is told before their count: it is nearer to the mistake.
     if (count >= least && count <= most)
         return true;
     for (const Statement &statement : STATEMENTS)
@@ -302,6 +311,7 @@ bool vk_SceneReader::doSize()
     const int width = static_cast<int>(myNumbers[0]), height = static_cast<int>(myNumbers[1]);
     if (static_cast<float>(width) != myNumbers[0] || static_cast<float>(height) != myNumbers[1])
         return wrong("size expected whole numbers");
+    // Cannot overflow: each side is at most 8192.
     if (width * height > vk_Scene::MOST_PIXELS)
         return wrong("size expected at most " + std::to_string(vk_Scene::MOST_PIXELS) + " pixels");
     myScene->width = width;
@@ -334,6 +344,7 @@ bool vk_SceneReader::doCamera()
     const vk_Vec view = vk_normalize(camera.at - camera.from);
     if (vk_length(camera.at - camera.from) < 1e-4f)
         return wrong("camera expected 'from' and 'at' to be apart");
+    // Else no direction of the picture would be up.
     if (vk_length(vk_cross(view, vk_normalize(camera.up))) < 1e-3f || vk_length(camera.up) < 1e-6f)
         return wrong("camera expected 'up' to point away from the way it looks");
     myScene->camera = camera;
@@ -349,6 +360,7 @@ bool vk_SceneReader::doBackground()
         return wrong("background expected 'on', or 'off' and a colour" +
                      (choice.empty() ? "" : ", found " + vk_quoted(choice)));
     vk_Colour backdrop = vk_grey(NEUTRAL);
+    // A colour is read as those of parameters are, names and greys included.
     vk_ParamList off;
     off.colour("off", backdrop, 0, 1000, "");
     if (myWords.size() > 2 && !vk_parseParams(off, "background", myWords, 1, myError))
@@ -380,7 +392,9 @@ std::shared_ptr<const vk_OslBinding> vk_SceneReader::bindOsl(const vk_OslTargets
     if (myOsl == nullptr)
         myOsl = std::make_shared<vk_OslLibrary>();
     vk_Words words(myWords.begin() + 1, myWords.end());
+    // The name of a shop may stand in front.
     words[0] = vk_shaderName(words[0]);
+    // A source may stand behind the statement that uses it, so nothing is compiled yet.
     const auto binding = std::make_shared<vk_OslBinding>(myOsl, words, targets, std::move(own));
     myBound.push_back({myLineNumber, binding});
     return binding;
@@ -452,6 +466,7 @@ bool vk_SceneReader::doLight()
     std::unique_ptr<vk_LightShader> light;
     if (!doShader(VK_LIGHT_SHADERS, light))
         return false;
+    // After all parameters: each alone may be what makes them differ.
     if (vk_length(light->to - light->from) < 1e-3f)
         return wrong("light expected 'from' and 'to' to be apart");
     myScene->lights.push_back(light->make());
@@ -461,6 +476,7 @@ bool vk_SceneReader::doLight()
 bool vk_SceneReader::doTransform(const vk_Transform &by)
 {
     const vk_Transform nested = myState.transform * by;
+    // Floats near the limits would tear shapes apart, and no message would tell why.
     if (!nested.isUsable())
         return wrong(myWords[0] + " expected a shape that stays between a thousandth and ten "
                                   "thousand lengths in size, and within a million of the origin");
@@ -476,11 +492,13 @@ bool vk_SceneReader::doTranslate()
 
 bool vk_SceneReader::doRotate()
 {
+    // For its message.
     if (myWords.size() != 5)
         return takesNumbers(4, 4, -1e6f, 1e6f);
     float degrees = 0;
     if (!vk_parseNumber(myWords[1], "rotate", -36000, 36000, degrees, myError))
         return false;
+    // The angle has bounds of its own; what is left is read as any three numbers.
     myWords.erase(myWords.begin() + 1);
     if (!takesNumbers(3, 3, -1e6f, 1e6f))
         return false;
@@ -500,6 +518,7 @@ bool vk_SceneReader::doScale()
 
 bool vk_SceneReader::doIdentity()
 {
+    // Before the check: it does no harm in a scene that is not drawn.
     myState.transform = vk_Transform();
     return takesNumbers(0, 0, 0, 0);
 }
@@ -513,6 +532,7 @@ bool vk_SceneReader::doShape()
         return false;
     if (myScene->shapes.size() == vk_Scene::MOST_SHAPES)
         return wrong("expected at most " + std::to_string(vk_Scene::MOST_SHAPES) + " shapes");
+    // As they stand now; statements that follow are about other shapes.
     entry.transform = myState.transform;
     entry.surface = myState.surface;
     entry.displace = myState.displace;
@@ -540,9 +560,11 @@ void vk_SceneReader::takeSourceLine()
 {
     vk_Words words;
     std::string ignored;
+    // A line of C may hold a lone quote; only a line that is nothing but "endsource" ends it.
     static_cast<void>(vk_splitLine(myLine, words, ignored));
     mySourceSize += myLine.size() + 1;
     if (words.size() != 1 || words[0] != "endsource") {
+        // Beyond, lines are only counted, so that one message comes at the end.
         if (mySourceSize <= LONGEST_SOURCE)
             mySource += myLine + "\n";
         return;
@@ -557,6 +579,7 @@ void vk_SceneReader::takeSourceLine()
 
 bool vk_SceneReader::doDefault()
 {
+    // Statements that take the whole line look for their own word in it.
     myLine.erase(0, myLine.find("default") + 7);
     myWords.erase(myWords.begin());
     if (myWords.empty() || myWords[0] == "default" || myWords[0] == "source")

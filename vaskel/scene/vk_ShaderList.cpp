@@ -13,6 +13,7 @@ namespace
 template <class Type>
 void append(std::string &text, const vk_ShaderRow<Type> &row)
 {
+    // Defaults are what a fresh shader has: the list cannot differ from what is drawn.
     const std::unique_ptr<Type> made = row.make();
     vk_ParamList params = made->params();
     text += "\n### " + std::string(row.name) + ": " + row.what + "\n";

@@ -45,8 +45,10 @@ struct Dents final : Relief {
     float displace(const vk_SurfacePoint &point) const override
     {
         const vk_Cell cell = vk_cell(point.position * (1 / size));
+        // A little more than half of the mean distance to the next: dents nearly touch.
         const float off = std::min(1.0f, cell.distance / .6f);
         const float bowl = 1 - off * off;
+        // Squared, so that the rim has no crease.
         return -height * bowl * bowl;
     }
 };
@@ -88,6 +90,7 @@ struct Pieces : Relief {
     };
     Place placeIn(const vk_SurfacePoint &point, float row) const
     {
+        // Rows below 0 are asked for, too, beyond the end of a patch; fmod() is then below 0.
         const float shift = std::fmod(row, 2.0f) != 0 ? .5f : 0;
         const float across = point.u * std::round(columns) + shift;
         const float up = point.v * std::round(rows);
@@ -129,6 +132,8 @@ struct Scales final : Pieces {
     }
     float displace(const vk_SurfacePoint &point) const override
     {
+        // Tips hang down: the scale in front of a place is its own row's, or where that ends the
+        // one whose tip is further down.
         const float row = rowOf(point);
         const Place place = placeIn(point, row), below = placeIn(point, row - 1);
         const float tip = .5f - std::sqrt(std::max(0.0f, .25f - place.across * place.across));
@@ -152,6 +157,7 @@ struct Weave final : Relief {
     void describe(vk_ParamList &list) override
     {
         describeHeight(list, "how far threads rise over each other");
+        // Even, since over and under must meet again behind the shape.
         list.number("columns", columns, 2, 1000, "threads upwards, rounded to an even number");
         list.number("rows", rows, 1, 1000, "threads around or across, rounded");
     }

@@ -19,6 +19,8 @@ struct Studio final : vk_EnvironmentShader {
     }
     vk_Colour light(const vk_Vec &direction) const override
     {
+        // Smooth where it meets the ground: what a mirror shows there must not look like an edge of
+        // the shape.
         const vk_Colour sky = vk_mix(horizon, top, vk_smoothStep(-.1f, .8f, direction.y));
         return vk_mix(sky, ground, vk_smoothStep(.02f, -.25f, direction.y)) * intensity;
     }

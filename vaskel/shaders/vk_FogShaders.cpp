@@ -34,12 +34,14 @@ struct Ball : vk_FogShader {
 };
 
 struct Even final : Ball {
+    // Reaches behind the shape, and not to the camera: the picture's foreground stays clear.
     Even() : Ball(.9f, .07f, 8) {}
 };
 
 struct Ground final : Ball {
     float height = .35f;
 
+    // Denser, since it is looked through for a short way only.
     Ground() : Ball(.9f, .45f, 9) {}
     void describe(vk_ParamList &list) override
     {
@@ -57,6 +59,7 @@ struct Ground final : Ball {
 struct Lit final : Ball {
     float forward = .3f;
 
+    // White and thin: its lit parts are what is to be seen, not what it hides.
     Lit() : Ball(1, .1f, 6) {}
     void describe(vk_ParamList &list) override
     {

@@ -8,6 +8,8 @@ namespace
 {
 float absorption(float tint)
 {
+    // Beer and Lambert: what is left after a length falls by the same share over the next. Black
+    // would absorb without bounds.
     return -std::log(std::max(tint, .001f));
 }
 
@@ -29,6 +31,7 @@ struct Body {
         vk_Material material;
         material.clear = color;
         material.absorbs = {absorption(tint.x), absorption(tint.y), absorption(tint.z)};
+        // At 1 nothing bends and nothing reflects, and half vectors do not exist.
         material.ior = std::max(ior, 1.01f);
         material.rough = rough;
         return material;

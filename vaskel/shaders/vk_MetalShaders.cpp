@@ -35,6 +35,7 @@ std::uint32_t flakeAt(const vk_Vec &place)
             nearest = hash;
         }
     }
+    // Hashed again, as the first one's bits say where the point lies.
     return vk_hash(nearest);
 }
 
@@ -107,8 +108,10 @@ struct CarPaint final : vk_Pointwise<CarPaint> {
         material.coat = coat;
         material.coatRough = .05f;
         const std::uint32_t hash = flakeAt(point.position * (1 / size));
+        // One flake is nearly a mirror, but a pixel of the ball shows many of them.
         material.rough = .45f;
         material.specular = material.edge = flake * .4f; // of flakes further down
+        // A hash of its own, so that how many flakes there are does not turn those that stay.
         if (part(vk_hash(hash), 0) >= flakes)
             return material;
         const vk_Vec to = vk_Vec{part(hash, 0), part(hash, 1), part(hash, 2)} * 2 - vk_grey(1);

@@ -29,6 +29,7 @@ struct Checker final : vk_Pointwise<Checker> {
         // The small shift keeps a floor at y = 0 off the planes between checks.
         const vk_Vec place = vk_within(point.position) * (1 / size) + vk_grey(1e-3f);
         const float cells = std::floor(place.x) + std::floor(place.y) + std::floor(place.z);
+        // Sums of whole numbers below 2^24 are exact, so checks of all sizes close without gaps.
         return vk_coated(std::fmod(cells, 2.0f) != 0 ? diff2 : diff1, spec, rough);
     }
 };
@@ -55,6 +56,7 @@ struct Marble final : vk_Pointwise<Marble> {
     vk_Material at(const vk_SurfacePoint &point) const
     {
         const vk_Vec place = vk_within(point.position) * (1 / size);
+        // Both sets of planes wander together, as the stone was bent as a whole.
         const float wander = veins * vk_clouds(place * .7f, 5);
         const float broad =
             std::abs(std::sin(VK_PI * (place.x * .6f + place.y * .8f + 1.2f * wander)));
@@ -90,11 +92,15 @@ struct Wood final : vk_Pointwise<Wood> {
     vk_Material at(const vk_SurfacePoint &point) const
     {
         const vk_Vec place = vk_within(point.position);
+        // The lean shows the rings as ellipses; off the middle, so that the ball does not show a
+        // target.
         const vk_Vec trunk = {place.x + .35f * place.y + .9f, place.z - .18f * place.y - .15f, 0};
         const float bent = vk_clouds({place.x * 1.1f, place.y * .35f, place.z * 1.1f}, 2);
         const float years = vk_length(trunk) / size + 1.1f * bent;
         const float part = years - std::floor(years);
+        // Late wood darkens slowly and ends within a winter.
         const float late = vk_smoothStep(.1f, .85f, part) * (1 - vk_smoothStep(.9f, 1, part));
+        // Long along the trunk, short across it.
         const float pores = vk_noise({place.x * 42, place.y * 3.5f, place.z * 42});
         const float dark = late * .8f + grain * .5f * vk_smoothStep(.1f, .6f, pores);
         return vk_coated(vk_mix(diff1, diff2, std::min(dark, 1.0f)), spec, rough);
@@ -124,6 +130,7 @@ struct Granite final : vk_Pointwise<Granite> {
         const vk_Vec place = vk_within(point.position) * (1 / size);
         const vk_Vec ragged = {vk_noise(place * 2.3f), vk_noise(place * 2.3f + vk_grey(31)), 0};
         const std::uint32_t grain = vk_cell(place + ragged * .35f).name;
+        // Two numbers out of one hash: its ends hardly depend on each other.
         const float kind = vk_share(grain), shade = .8f + .35f * vk_share(grain >> 16);
         const vk_Colour &mineral = kind < .5f ? diff1 : (kind < .73f ? diff2 : diff3);
         return vk_coated(mineral * std::min(shade, 1.0f), spec, rough);

@@ -58,6 +58,7 @@ struct NoShadow final : vk_ShadowShader {
     vk_Shadow shadow() const override
     {
         vk_Shadow shadow;
+        // All of the light: no shadow ray needs to be asked.
         shadow.left = vk_grey(1);
         return shadow;
     }

@@ -51,12 +51,14 @@ struct Translucent : vk_Pointwise<Translucent> {
         material.diffuse = diff;
         material.scatter = scatter;
         material.edge = spec;
+        // Of skin, wax and their like: all lie between 1.35 and 1.45.
         material.specular = spec * vk_straightReflectance(1.4f);
         material.rough = rough;
         return material;
     }
 };
 
+// Lengths as if the ball were a head: millimetres would not show at its size.
 struct Skin final : Translucent {
     Skin() : Translucent({.75f, .43f, .3f}, {.12f, .06f, .035f}, .8f, .42f) {}
 };

@@ -57,6 +57,7 @@ constexpr vk_ShaderRow<vk_SurfaceShader> ROWS[] = {
 };
 } // namespace
 
+// The base does not dim itself for the coat: the BSDF knows what that lets through.
 vk_Material vk_coated(const vk_Colour &base, const vk_Colour &coat, float rough, float ior)
 {
     vk_Material material;

@@ -39,6 +39,7 @@ constexpr float STAND[3 * STAND_CURVES + 1][2] = {
 
 vk_Vertex standVertex(float u, float v, float scale)
 {
+    // At v = 1 the last curve's end, not the first point of one that is not there.
     const float along = std::clamp(v * STAND_CURVES, 0.0f, STAND_CURVES - .001f);
     const int curve = static_cast<int>(along);
     const Bernstein b(v * STAND_CURVES - static_cast<float>(curve));
@@ -50,11 +51,14 @@ vk_Vertex standVertex(float u, float v, float scale)
     }
     const vk_Vec out = {std::sin(TURN * u), 0, std::cos(TURN * u)};
     const vk_Vec position = (out * at.x + vk_Vec{0, at.y, 0}) * scale;
+    // The tangent turned by a right angle, to the outside.
     return {position, vk_normalize(out * slope.y - vk_Vec{0, slope.x, 0}), u, v};
 }
 
 void ball(vk_MeshBuilder &builder, float radius, float centre)
 {
+    // Fine enough that at 256 pixels no corner shows at the silhouette, which smooth normals do
+    // not hide.
     builder.patch(144, 72, [&](float u, float v) {
         const float around = TURN * u, up = VK_PI * (v - .5f);
         const vk_Vec n = {std::cos(up) * std::sin(around), std::sin(up),
@@ -83,6 +87,7 @@ struct ShaderBall final : vk_Shape {
     void build(vk_MeshBuilder &builder) const override
     {
         const float scale = height / 2;
+        // The ball hangs a little above the dish, which it would touch at a point only.
         ball(builder, .88f * scale, 1.12f * scale);
         builder.patch(144, 40, [&](float u, float v) { return standVertex(u, v, scale); });
     }
@@ -105,6 +110,7 @@ struct Grid final : vk_Shape {
             const float fold = TURN * 2 * u + 1.4f * v, reach = wave * (1.1f - .85f * v);
             const vk_Vec at = {width * (u - .5f), height * v, reach * std::sin(fold)};
             const float slope = reach * std::cos(fold);
+            // The cross product of both slopes.
             const vk_Vec n = {-slope * TURN * 2 / width,
                               (.85f * wave * std::sin(fold) - slope * 1.4f) / height, 1};
             return vk_Vertex{at, vk_normalize(n), u, v};
