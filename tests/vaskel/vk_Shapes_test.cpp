@@ -22,7 +22,8 @@ void setHeight(vk_DisplaceShader &shader, float height)
 double agreement(const vk_Mesh &mesh)
 {
     double agree = 0, all = 0;
-    for (const auto &corners : mesh.triangles) {
+    for (std::size_t i = 0; i < mesh.triangles(); ++i) {
+        const auto corners = mesh.corners(i);
         const vk_Vertex &a = mesh.vertices[corners[0]];
         const vk_Vertex &b = mesh.vertices[corners[1]];
         const vk_Vertex &c = mesh.vertices[corners[2]];

@@ -38,6 +38,7 @@ vk_SurfacePoint pointOf(const std::vector<vk_Vertex> &net, std::size_t width, st
     point.incoming = -vertex.normal;
     point.dPdu = slopeBetween(left, right, right.u - left.u);
     point.dPdv = slopeBetween(below, above, above.v - below.v);
+    // Half the way across both neighbours: a displacement finer than the mesh only makes noise.
     point.footprint = vk_length(right.position - left.position) / 2;
     return point;
 }
@@ -50,6 +51,8 @@ void vk_MeshBuilder::displace(std::vector<vk_Vertex> &net, std::size_t width) co
     constexpr std::size_t BLOCK = 64; // vertices that are moved together
 
     std::vector<vk_Vec> moved(net.size());
+    // Fixed blocks, whatever the number of threads: a shader that works on several points at once
+    // must see the same ones.
     const std::size_t blocks = (net.size() + BLOCK - 1) / BLOCK;
     tbb::parallel_for(std::size_t{0}, blocks, [&](std::size_t block) {
         const std::size_t first = block * BLOCK, count = std::min(BLOCK, net.size() - first);
@@ -75,7 +78,7 @@ void vk_MeshBuilder::add(const std::vector<vk_Vertex> &net, std::uint32_t column
 {
     const auto first = static_cast<std::uint32_t>(myMesh.vertices.size());
     myMesh.vertices.reserve(first + net.size());
-    myMesh.triangles.reserve(myMesh.triangles.size() + 2 * std::size_t{columns} * rows);
+    myMesh.quads.reserve(myMesh.quads.size() + std::size_t{columns} * rows);
     for (vk_Vertex vertex : net) {
         vertex.position = myTransform.point(vertex.position);
         vertex.normal = myTransform.normal(vertex.normal);
@@ -85,7 +88,6 @@ void vk_MeshBuilder::add(const std::vector<vk_Vertex> &net, std::uint32_t column
         for (std::uint32_t column = 0; column < columns; ++column) {
             const std::uint32_t a = first + row * (columns + 1) + column;
             const std::uint32_t b = a + columns + 1;
-            myMesh.triangles.push_back({a, a + 1, b});
-            myMesh.triangles.push_back({a + 1, b + 1, b});
+            myMesh.quads.push_back({a, a + 1, b + 1, b});
         }
 }

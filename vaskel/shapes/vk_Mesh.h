@@ -1,5 +1,4 @@
-// Triangles of one shape, finely divided, with normals that make them look
-// smooth.
+// Quads of one shape, finely divided, with normals that make them look smooth.
 #pragma once
 
 #include "vaskel/base/vk_Transform.h"
@@ -17,7 +16,15 @@ struct vk_Vertex {
 
 struct vk_Mesh {
     std::vector<vk_Vertex> vertices;
-    std::vector<std::array<std::uint32_t, 3>> triangles;
+    std::vector<std::array<std::uint32_t, 4>> quads; // corners in turn
+
+    // Every quad is two triangles, which share its second and fourth corner.
+    std::size_t triangles() const { return 2 * quads.size(); }
+    std::array<std::uint32_t, 3> corners(std::size_t triangle) const
+    {
+        const auto &quad = quads[triangle / 2];
+        return {quad[triangle % 2], quad[triangle % 2 + 1], quad[3]};
+    }
 };
 
 // Divides curved patches into a mesh, moves the vertices as a displacement

@@ -31,7 +31,7 @@ struct vk_World::Shape {
     // How a triangle's place depends on u and v; 0 where they do not change on it.
     void slopes(unsigned triangle, vk_Vec &dPdu, vk_Vec &dPdv) const
     {
-        const auto &corners = mesh.triangles[triangle];
+        const auto corners = mesh.corners(triangle);
         const vk_Vertex &a = mesh.vertices[corners[0]];
         const vk_Vertex &b = mesh.vertices[corners[1]];
         const vk_Vertex &c = mesh.vertices[corners[2]];
@@ -87,13 +87,12 @@ void vk_World::Embree::build() const
 // The mesh stays ours, and must not move or go before the tree does.
 void vk_World::Embree::attach(const vk_Mesh &mesh)
 {
-    const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
+    const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_QUAD);
     rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
                                mesh.vertices.data(), offsetof(vk_Vertex, position),
                                sizeof(vk_Vertex), mesh.vertices.size());
-    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
-                               mesh.triangles.data(), 0, sizeof mesh.triangles[0],
-                               mesh.triangles.size());
+    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT4,
+                               mesh.quads.data(), 0, sizeof mesh.quads[0], mesh.quads.size());
     rtcSetGeometryBuildQuality(geometry, RTC_BUILD_QUALITY_MEDIUM);
     rtcCommitGeometry(geometry);
     rtcAttachGeometry(scene, geometry);
@@ -187,11 +186,19 @@ bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &d
     return true;
 }
 
-void vk_World::describeShape(unsigned geometry, unsigned triangle, float u, float v,
-                             vk_Hit &hit) const
+// Embree counts u and v from a quad's first corner; on its second triangle we count
+// them from the second.
+void vk_World::describeShape(unsigned geometry, unsigned quad, float u, float v, vk_Hit &hit) const
 {
     const Shape &shape = *myShapes[geometry];
-    const auto &corners = shape.mesh.triangles[triangle];
+    const bool isSecond = u + v > 1;
+    const unsigned triangle = 2 * quad + (isSecond ? 1 : 0);
+    if (isSecond) {
+        const float toThird = u + v - 1;
+        v = 1 - u;
+        u = toThird;
+    }
+    const auto corners = shape.mesh.corners(triangle);
     const vk_Vertex &a = shape.mesh.vertices[corners[0]];
     const vk_Vertex &b = shape.mesh.vertices[corners[1]];
     const vk_Vertex &c = shape.mesh.vertices[corners[2]];
@@ -211,7 +218,7 @@ vk_Vec vk_World::along(const vk_Hit &hit) const
     if (hit.isFloor)
         return {1, 0, 0};
     const vk_Mesh &mesh = myShapes[hit.shape]->mesh;
-    const auto &corners = mesh.triangles[hit.triangle];
+    const auto corners = mesh.corners(hit.triangle);
     const vk_Vertex &a = mesh.vertices[corners[0]];
     const vk_Vertex &b = mesh.vertices[corners[1]];
     const vk_Vertex &c = mesh.vertices[corners[2]];
