@@ -15,168 +15,227 @@ constexpr float BLURRED_TOLERANCE = 200; // where light wandered
 constexpr float INVISIBLE = 1.5e-6f;     // the square of a third of a step of the file
 constexpr float LEAST_ERROR = 1e-8f;
 
-vk_Vec smaller(const vk_Vec &a, const vk_Vec &b)
+constexpr float OUTSIDE = -1; // smooth: there is no pixel
+
+vk_Lanes visible(const vk_VecLanes &difference, const vk_VecLanes &visibility)
 {
-    return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
+    return vk_dot(difference * difference, visibility) * (1.0f / 3);
 }
 
-// A value of two pixels, and the errors of both, squared.
-struct Pair {
-    vk_Colour difference;
-    float error;
-
-    // 1 for values that agree, falling to 0 for those that errors do not explain.
-    float weight(float tolerance, const vk_Vec &visibility) const
-    {
-        const float beyond = vk_visible(difference, visibility) - error;
-        if (beyond <= 0)
-            return 1;
-        const float left = std::max(0.0f, 1 - beyond / (tolerance * (error + LEAST_ERROR)));
-        return left * left;
-    }
-};
+// 1 for values of two pixels that agree within both their errors, squared, falling to 0 for
+// those that these do not explain.
+vk_Lanes agreement(const vk_VecLanes &difference, const vk_VecLanes &visibility,
+                   const vk_Lanes &error, const vk_Lanes &tolerance)
+{
+    const vk_Lanes beyond = visible(difference, visibility) - error;
+    const vk_Lanes left = 1 - beyond / (tolerance * (error + LEAST_ERROR));
+    const vk_Lanes kept = vk_min(vk_lanes(1), vk_max(vk_lanes(0), left));
+    return kept * kept;
+}
 } // namespace
 
-// A layer's mean over neighbours, and what that leaves of their errors.
+// A layer's mean over neighbours of four pixels, and what that leaves of their errors.
 struct vk_Filter::Sum {
-    vk_Colour light;
-    float weight = 0, error = 0;
+    vk_VecLanes light = {};
+    vk_Lanes weight = {}, error = {};
 
-    void add(const vk_Colour &ofNeighbour, float w, float itsError)
+    void add(const vk_VecLanes &ofNeighbour, const vk_Lanes &w, const vk_Lanes &itsError)
     {
-        light += ofNeighbour * w;
+        light = light + ofNeighbour * w;
         weight += w;
         error += w * w * itsError;
     }
-    vk_Colour mean() const { return light * (1 / weight); }
-    float remaining() const { return error / (weight * weight); }
+    vk_VecLanes mean() const { return light * (1 / weight); }
+    vk_Lanes remaining() const { return error / (weight * weight); }
 };
 
-vk_Filter::vk_Filter(int columns, int rows)
-    : myColumns(columns), myRows(rows), myCells(static_cast<std::size_t>(columns * rows))
+void vk_Filter::VecPlane::resize(std::size_t size)
 {
+    for (Plane *const plane : {&x, &y, &z})
+        plane->resize(size);
+}
+
+void vk_Filter::VecPlane::set(std::size_t i, const vk_Vec &v)
+{
+    x[i] = v.x;
+    y[i] = v.y;
+    z[i] = v.z;
+}
+
+void vk_Filter::VecPlane::store(std::size_t i, const vk_VecLanes &lanes)
+{
+    vk_store(lanes.x, &x[i]);
+    vk_store(lanes.y, &y[i]);
+    vk_store(lanes.z, &z[i]);
+}
+
+vk_Filter::vk_Filter(int columns, int rows)
+    : myColumns(columns), myRows(rows), myStride(columns + 2 * REACH + VK_LANES)
+{
+    const auto size = static_cast<std::size_t>(myStride * rows);
+    for (Layer *const layer : {&mySpecular, &myIrradiance}) {
+        layer->mean.resize(size);
+        layer->around.resize(size);
+        for (Plane *const plane : {&layer->own, &layer->error, &layer->ofAround})
+            plane->resize(size);
+    }
+    for (VecPlane *const plane : {&myAlbedo, &myNormal, &myVisibility, &myLight})
+        plane->resize(size);
+    for (Plane *const plane : {&myTexture, &myDistance, &myCount, &myBlurred, &myError})
+        plane->resize(size);
+    mySmooth.resize(size, OUTSIDE);
+    myConverged.resize(size, 1);
 }
 
 void vk_Filter::take(const vk_Pixel *row, int y)
 {
     for (int x = 0; x < myColumns; ++x) {
         const vk_Pixel &pixel = row[x];
-        Cell &now = cell(x, y);
-        now.converged = pixel.converged;
-        if (now.converged && now.count > 0)
+        const std::size_t at = index(x, y);
+        myConverged[at] = pixel.converged;
+        if (pixel.converged && mySmooth[at] != OUTSIDE)
             continue; // as it was
-        now.count = static_cast<float>(pixel.count);
-        now.layers = pixel.layers();
-        const float sure = SURE * now.count;
-        now.smooth = vk_dot(pixel.sum.normal, pixel.sum.normal) > sure * sure;
-        now.normal = vk_normalize(pixel.sum.normal);
-        now.distance = pixel.sum.distance / now.count;
-        now.visibility = vk_visibility(pixel.light());
-        now.own = {pixel.errors.specular, pixel.errors.irradiance};
-        now.texture = pixel.errors.albedo;
-        now.blurred = pixel.sum.blurred > 0;
-        now.reach = now.blurred ? REACH : NEAR_REACH;
+        const auto count = static_cast<float>(pixel.count);
+        const float sure = SURE * count;
+        const bool smooth = vk_dot(pixel.sum.normal, pixel.sum.normal) > sure * sure;
+        mySmooth[at] = smooth ? 1 : 0;
+        myCount[at] = smooth ? count : 0;
+        myNormal.set(at, vk_normalize(pixel.sum.normal));
+        myDistance[at] = pixel.sum.distance / count;
+        myVisibility.set(at, vk_visibility(pixel.light()));
+        myBlurred[at] = pixel.sum.blurred > 0 ? 1 : 0;
+        const vk_Pixel::Layers layers = pixel.layers();
+        mySpecular.mean.set(at, layers.specular);
+        myIrradiance.mean.set(at, layers.irradiance);
+        myAlbedo.set(at, layers.albedo);
+        mySpecular.own[at] = pixel.errors.specular;
+        myIrradiance.own[at] = pixel.errors.irradiance;
+        myTexture[at] = pixel.errors.albedo;
+    }
+}
+
+void vk_Filter::compare(int y)
+{
+    for (int x = 0; x < myColumns; x += VK_LANES) {
+        compare(mySpecular, x, y);
+        compare(myIrradiance, x, y);
     }
 }
 
 // One pixel's error is a poor estimate, the mean of three rows of three is a fair one. Those
 // at an edge are of another kind than those beside it.
-void vk_Filter::compare(int y)
+void vk_Filter::compare(Layer &layer, int x, int y) const
 {
-    for (int x = 0; x < myColumns; ++x) {
-        Cell &here = cell(x, y);
-        float count = 0;
-        Errors sum;
-        vk_Colour specular, irradiance;
-        for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
-            for (int i = std::max(0, x - 1); i <= std::min(x + 1, myColumns - 1); ++i) {
-                const Cell &there = cell(i, j);
-                if (there.smooth != here.smooth)
-                    continue;
-                specular += there.layers.specular;
-                irradiance += there.layers.irradiance;
-                sum.specular += there.own.specular;
-                sum.diffuse += there.own.diffuse;
-                ++count;
-            }
-        here.around = {sum.specular / count, sum.diffuse / count};
-        here.specularAround = specular * (1 / count);
-        here.irradianceAround = irradiance * (1 / count);
-        here.ofMeans = {here.around.specular / count, here.around.diffuse / count};
-    }
+    const std::size_t here = index(x, y);
+    const vk_Lanes smooth = vk_load(&mySmooth[here]);
+    vk_Lanes count = {}, error = {};
+    vk_VecLanes light = {};
+    for (int j = std::max(0, y - 1); j <= std::min(y + 1, myRows - 1); ++j)
+        for (int i = x - 1; i <= x + 1; ++i) {
+            const std::size_t there = index(i, j);
+            const vk_Lanes one = vk_load(&mySmooth[there]) == smooth ? vk_lanes(1) : vk_lanes(0);
+            count += one;
+            light = light + layer.mean.lanes(there) * one;
+            error += vk_load(&layer.own[there]) * one;
+        }
+    const vk_Lanes share = 1 / count;
+    layer.around.store(here, light * share);
+    vk_store(error * share, &layer.error[here]);
+    vk_store(error * share * share, &layer.ofAround[here]);
 }
 
 void vk_Filter::estimate(int y)
 {
-    for (int x = 0; x < myColumns; ++x)
-        if (!cell(x, y).converged)
-            filter(cell(x, y), x, y);
+    for (int x = 0; x < myColumns; x += VK_LANES) {
+        const auto at = myConverged.begin() + static_cast<std::ptrdiff_t>(index(x, y));
+        if (std::find(at, at + VK_LANES, 0) != at + VK_LANES)
+            filterFour(x, y);
+    }
 }
 
 void vk_Filter::filter(int y)
 {
-    for (int x = 0; x < myColumns; ++x)
-        filter(cell(x, y), x, y);
+    for (int x = 0; x < myColumns; x += VK_LANES)
+        filterFour(x, y);
 }
 
 // How far two pixels show the same surface.
-float vk_Filter::featureWeight(const Cell &a, const Cell &b)
+vk_Lanes vk_Filter::featureWeight(std::size_t here, std::size_t there) const
 {
-    const float turn = 1 - TURN * (1 - vk_dot(a.normal, b.normal));
-    const float step = std::abs(a.distance - b.distance) / (DEPTH * a.distance);
-    return std::max(0.0f, turn) * std::max(0.0f, 1 - step);
+    const vk_Lanes turn = 1 - TURN * (1 - vk_dot(myNormal.lanes(here), myNormal.lanes(there)));
+    const vk_Lanes distance = vk_load(&myDistance[here]);
+    const vk_Lanes step = vk_abs(distance - vk_load(&myDistance[there])) / (DEPTH * distance);
+    return vk_max(vk_lanes(0), turn) * vk_max(vk_lanes(0), 1 - step);
 }
 
-// By the brighter one: a pixel that is dark by chance must not stand out.
-float vk_Filter::specularWeight(const Cell &a, const Cell &b)
+vk_Lanes vk_Filter::layerWeight(const Layer &layer, std::size_t here, std::size_t there,
+                                const vk_VecLanes &visibility, const Tolerances &tolerances)
 {
-    const vk_Vec visibility = smaller(a.visibility, b.visibility);
-    const Pair pixels = {b.layers.specular - a.layers.specular,
-                         std::max(a.own.specular, a.around.specular) + b.around.specular};
-    const Pair means = {b.specularAround - a.specularAround,
-                        a.ofMeans.specular + b.ofMeans.specular};
-    return std::min(pixels.weight(PIXEL_TOLERANCE, visibility),
-                    means.weight(SPECULAR_TOLERANCE, visibility));
-}
-
-float vk_Filter::irradianceWeight(const Cell &a, const Cell &b)
-{
-    const vk_Vec visibility = smaller(a.visibility, b.visibility);
-    const vk_Colour &albedo = a.layers.albedo;
-    const Pair pixels = {(b.layers.irradiance - a.layers.irradiance) * albedo,
-                         std::max(a.own.diffuse, a.around.diffuse) + b.around.diffuse};
-    const Pair means = {(b.irradianceAround - a.irradianceAround) * albedo,
-                        a.ofMeans.diffuse + b.ofMeans.diffuse};
-    const float ofPixels = a.blurred ? BLURRED_TOLERANCE : PIXEL_TOLERANCE;
-    const float ofMeans = a.blurred ? BLURRED_TOLERANCE : IRRADIANCE_TOLERANCE;
-    return std::min(pixels.weight(ofPixels, visibility), means.weight(ofMeans, visibility));
+    const vk_Lanes own = vk_max(vk_load(&layer.own[here]), vk_load(&layer.error[here]));
+    const vk_Lanes ofPixels =
+        agreement(layer.mean.lanes(there) - layer.mean.lanes(here), visibility,
+                  own + vk_load(&layer.error[there]), tolerances.ofPixels);
+    const vk_Lanes ofMeans = agreement(
+        layer.around.lanes(there) - layer.around.lanes(here), visibility,
+        vk_load(&layer.ofAround[here]) + vk_load(&layer.ofAround[there]), tolerances.ofMeans);
+    return vk_min(ofPixels, ofMeans);
 }
 
 // Blending of pixels takes errors away from those that do not depend on each other.
-void vk_Filter::filter(Cell &here, int x, int y) const
+void vk_Filter::filterFour(int x, int y)
 {
     constexpr float BLENDED = vk_LinearPicture::REMAINS;
 
-    here.light = here.layers.light();
-    here.error = (here.around.sum() + here.texture) * BLENDED;
-    if (!here.smooth || here.around.sum() < INVISIBLE)
-        return;
+    const std::size_t here = index(x, y);
+    const vk_Lanes texture = vk_load(&myTexture[here]) * BLENDED;
+    const vk_Lanes ofSpecular = vk_load(&mySpecular.error[here]);
+    const vk_Lanes ofDiffuse = vk_load(&myIrradiance.error[here]);
+    const vk_LaneMask isNoisy =
+        (vk_load(&mySmooth[here]) > 0) & (ofSpecular + ofDiffuse >= INVISIBLE);
+    vk_VecLanes light = lightOf(here);
+    vk_Lanes error = (ofSpecular + ofDiffuse) * BLENDED + texture;
+    if (vk_any(isNoisy)) {
+        const Mean mean = meanAround(x, y);
+        light = vk_pick(isNoisy, mean.light, light);
+        error = isNoisy ? mean.error + texture : error;
+    }
+    myLight.store(here, light);
+    vk_store(error, &myError[here]);
+}
+
+// By the brighter one of two pixels: one that is dark by chance must not stand out.
+vk_Filter::Mean vk_Filter::meanAround(int x, int y) const
+{
+    const std::size_t here = index(x, y);
+    const vk_VecLanes albedo = myAlbedo.lanes(here), visibility = myVisibility.lanes(here);
+    const vk_LaneMask blurred = vk_load(&myBlurred[here]) > 0;
     // A layer without error stays as it is.
-    const bool gleams = here.around.specular > 0, isLit = here.around.diffuse > 0;
+    const vk_LaneMask gleams = vk_load(&mySpecular.error[here]) > 0;
+    const vk_LaneMask isLit = vk_load(&myIrradiance.error[here]) > 0;
+    const Tolerances ofSpecular = {vk_lanes(PIXEL_TOLERANCE), vk_lanes(SPECULAR_TOLERANCE)};
+    const Tolerances ofIrradiance = {
+        blurred ? vk_lanes(BLURRED_TOLERANCE) : vk_lanes(PIXEL_TOLERANCE),
+        blurred ? vk_lanes(BLURRED_TOLERANCE) : vk_lanes(IRRADIANCE_TOLERANCE)};
+    const int reach = vk_any(blurred) ? REACH : NEAR_REACH;
     Sum specular, irradiance;
-    for (int j = std::max(0, y - here.reach); j <= std::min(y + here.reach, myRows - 1); ++j)
-        for (int i = std::max(0, x - here.reach); i <= std::min(x + here.reach, myColumns - 1);
-             ++i) {
-            const Cell &there = cell(i, j);
-            const float feature = there.smooth ? featureWeight(here, there) * there.count : 0;
-            if (feature <= 0)
+    for (int j = std::max(-reach, -y); j <= std::min(reach, myRows - 1 - y); ++j)
+        for (int i = -reach; i <= reach; ++i) {
+            const std::size_t there = index(x + i, y + j);
+            const bool isNear = std::max(std::abs(i), std::abs(j)) <= NEAR_REACH;
+            const vk_Lanes alike = featureWeight(here, there) * vk_load(&myCount[there]);
+            const vk_Lanes feature = isNear ? alike : blurred ? alike : vk_lanes(0);
+            if (!vk_any(feature > 0))
                 continue;
-            const float itself = &there == &here ? 1 : 0;
-            const float ofSpecular = gleams ? specularWeight(here, there) : itself;
-            const float ofIrradiance = isLit ? irradianceWeight(here, there) : itself;
-            specular.add(there.layers.specular, feature * ofSpecular, there.around.specular);
-            irradiance.add(there.layers.irradiance, feature * ofIrradiance, there.around.diffuse);
+            const vk_Lanes itself = vk_lanes(i == 0 && j == 0 ? 1 : 0);
+            const vk_VecLanes seen = vk_min(visibility, myVisibility.lanes(there));
+            vk_Lanes w = gleams ? layerWeight(mySpecular, here, there, seen, ofSpecular) : itself;
+            specular.add(mySpecular.mean.lanes(there), w * feature,
+                         vk_load(&mySpecular.error[there]));
+            w = isLit ? layerWeight(myIrradiance, here, there, seen * albedo * albedo, ofIrradiance)
+                      : itself;
+            irradiance.add(myIrradiance.mean.lanes(there), w * feature,
+                           vk_load(&myIrradiance.error[there]));
         }
-    here.light = specular.mean() + irradiance.mean() * here.layers.albedo;
-    here.error = specular.remaining() + irradiance.remaining() + here.texture * BLENDED;
+    return {specular.mean() + irradiance.mean() * albedo,
+            specular.remaining() + irradiance.remaining()};
 }

@@ -13,6 +13,7 @@
 // and errors v of the neighbours it is sum(w^2 v) / sum(w)^2.
 #pragma once
 
+#include "vaskel/base/vk_Lanes.h"
 #include "vaskel/pixels/vk_Pixel.h"
 
 #include <vector>
@@ -35,42 +36,64 @@ public:
 
     // The light of a pixel, and about its squared error on the scale of the file, as they
     // came out of the last of the two.
-    const vk_Colour &at(int x, int y) const { return cell(x, y).light; }
-    float error(int x, int y) const { return cell(x, y).error; }
+    vk_Colour at(int x, int y) const { return myLight.at(index(x, y)); }
+    float error(int x, int y) const { return myError[index(x, y)]; }
 
 private:
-    struct Errors {
-        float specular = 0, diffuse = 0;
+    // Numbers of all pixels, row by row. Rows have room to both sides, so that those
+    // around any four pixels can be read as four.
+    using Plane = std::vector<float>;
+    struct VecPlane {
+        Plane x, y, z;
 
-        float sum() const { return specular + diffuse; }
+        void resize(std::size_t size);
+        void set(std::size_t i, const vk_Vec &v);
+        vk_Vec at(std::size_t i) const { return {x[i], y[i], z[i]}; }
+        vk_VecLanes lanes(std::size_t i) const
+        {
+            return {vk_load(&x[i]), vk_load(&y[i]), vk_load(&z[i])};
+        }
+        void store(std::size_t i, const vk_VecLanes &lanes);
     };
-    struct Cell {
-        vk_Pixel::Layers layers;
-        vk_Vec normal, visibility;
-        vk_Colour specularAround, irradianceAround; // means over neighbours,
-        Errors own, around;                         // errors of one pixel, also as a mean,
-        Errors ofMeans;                             // and of those means
-        float texture = 0; // error that comes from the albedo, which stays as it is
-        float distance = 0, count = 0;
-        int reach = 0;
-        bool blurred = false; // the diffuse layer has no edges
-        bool converged = false;
-        bool smooth = false; // shows one surface, not an edge: neighbours can help
-
-        vk_Colour light; // what comes out,
-        float error = 0; // and how far off that is, squared
+    struct Layer {
+        VecPlane mean, around; // of a pixel, and of it with its neighbours
+        Plane own, error;      // errors of one pixel: its own estimate, also as a mean,
+        Plane ofAround;        // and of those means
     };
     struct Sum;
-    Cell &cell(int x, int y) { return myCells[static_cast<std::size_t>(y * myColumns + x)]; }
-    const Cell &cell(int x, int y) const
-    {
-        return myCells[static_cast<std::size_t>(y * myColumns + x)];
-    }
-    static float featureWeight(const Cell &a, const Cell &b);
-    static float specularWeight(const Cell &a, const Cell &b);
-    static float irradianceWeight(const Cell &a, const Cell &b);
-    void filter(Cell &here, int x, int y) const;
+    struct Mean {
+        vk_VecLanes light;
+        vk_Lanes error;
+    };
+    struct Tolerances {
+        vk_Lanes ofPixels, ofMeans;
+    };
 
-    int myColumns, myRows;
-    std::vector<Cell> myCells;
+    std::size_t index(int x, int y) const
+    {
+        return static_cast<std::size_t>(y * myStride + REACH + x);
+    }
+    vk_VecLanes lightOf(std::size_t at) const
+    {
+        return mySpecular.mean.lanes(at) + myIrradiance.mean.lanes(at) * myAlbedo.lanes(at);
+    }
+    void compare(Layer &layer, int x, int y) const;
+    vk_Lanes featureWeight(std::size_t here, std::size_t there) const;
+    static vk_Lanes layerWeight(const Layer &layer, std::size_t here, std::size_t there,
+                                const vk_VecLanes &visibility, const Tolerances &tolerances);
+    Mean meanAround(int x, int y) const;
+    void filterFour(int x, int y);
+
+    int myColumns, myRows, myStride;
+    Layer mySpecular, myIrradiance;
+    VecPlane myAlbedo, myNormal, myVisibility;
+    Plane myTexture; // error that comes from the albedo, which stays as it is
+    Plane myDistance;
+    Plane mySmooth;  // 1: shows one surface, so that neighbours can help; 0: an edge
+    Plane myCount;   // samples, 0 at an edge
+    Plane myBlurred; // 1: the diffuse layer has no edges
+    std::vector<char> myConverged;
+
+    VecPlane myLight; // what comes out,
+    Plane myError;    // and how far off that is, squared
 };
