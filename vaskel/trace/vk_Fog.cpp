@@ -69,11 +69,13 @@ vk_Fog::Chord vk_Fog::chord(const vk_Vec &origin, const vk_Vec &direction, float
 {
     const float middle = -vk_dot(origin, direction);
     const vk_Vec nearest = origin + direction * middle;
+    // Negative where the ray misses the ball: both ends fall together then.
     const float half2 = myMedium.radius * myMedium.radius - vk_dot(nearest, nearest);
     const float half = std::sqrt(std::max(0.0f, half2));
     float begin = std::max(0.0f, middle - half), end = std::min(distance, middle + half);
     if (myMedium.height <= 0)
         return {begin, std::max(0.0f, end - begin), myMedium.extinction, 0, true};
+    // Below the floor there is no fog; a level ray never comes to the bottom.
     const float toBottom = -origin.y / direction.y;
     if (direction.y > 0)
         begin = std::max(begin, toBottom);
@@ -106,12 +108,15 @@ vk_Fog::Place vk_Fog::place(const vk_Vec &origin, const vk_Vec &direction, float
         return {};
     const vk_Vec begin = origin + direction * in.begin;
     const Angles angles(begin, direction, in.length, lamp != nullptr ? *lamp : begin);
+    // Half of the places where the lamp's light is dense, half where the fog scatters most of what
+    // reaches the viewer; the balance heuristic puts both together.
     const float byAngle = lamp != nullptr ? .5f : 0;
     float t = 0;
     if (at < byAngle)
         t = angles.at(at / byAngle);
     else
         t = in.at(-std::log(1 - (at - byAngle) / (1 - byAngle) * lost));
+    // Tangents near a right angle overshoot by rounding.
     t = std::clamp(t, 0.0f, in.length);
     // Light scattered there, per length, as seen from the origin.
     const float scattered = in.extinction(t) * std::exp(-in.depth(t));
@@ -123,6 +128,8 @@ vk_Fog::Place vk_Fog::place(const vk_Vec &origin, const vk_Vec &direction, float
 float vk_Fog::phase(float cosine) const
 {
     const float g = myMedium.forward;
+    // Henyey and Greenstein, 1941. The cosine is between both ways that light goes, so forward
+    // is 1.
     const float d = 1 + g * g - 2 * g * cosine;
     return (1 - g * g) / (4 * VK_PI * d * std::sqrt(d));
 }

@@ -273,7 +273,8 @@ void vk_PathTracer::scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Pa
     material.diffuse = {};
     vk_Hit entry;
     vk_Colour weight;
-    if (!vk_sampleEntry(myWorld, hit, scatter, path.sampler(), entry, weight))
+    if (vk_largest(albedo) <= 0 ||
+        !vk_sampleEntry(myWorld, hit, scatter, albedo, path.sampler(), entry, weight))
         return;
     path.moveBelowSurface(entry, albedo * weight);
     vk_Material white;

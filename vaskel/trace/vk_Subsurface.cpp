@@ -13,14 +13,38 @@ float component(const vk_Vec &v, int i)
     return i == 0 ? v.x : i == 1 ? v.y : v.z;
 }
 
-// A distance with the profile's density over the plane.
-float sampleProfile(float u, float scatter)
+// The profile of one colour, cut off where hardly anything is left, or where no shape is.
+class Profile
 {
-    // A quarter of it falls off fast, the rest slowly.
-    if (u < .25f)
-        return -scatter * std::log(1 - 4 * u);
-    return -3 * scatter * std::log(std::max(1e-6f, 1 - (u - .25f) / .75f));
-}
+public:
+    Profile(float scatter, float furthest)
+        : myScatter(scatter), myMost(std::min(FURTHEST * scatter, furthest)),
+          myFast(.25f * (1 - std::exp(-myMost / scatter))),
+          myWithin(vk_profileWithin(myMost, scatter))
+    {
+    }
+    float most() const { return myMost; }
+
+    // A distance, with density() over the plane. A quarter of the profile falls off fast,
+    // the rest slowly.
+    float sample(float u) const
+    {
+        const float at = u * myWithin;
+        if (at < myFast)
+            return std::min(-myScatter * std::log(1 - 4 * at), myMost);
+        const float left = std::max(1e-6f, 1 - (at - myFast) / .75f);
+        return std::min(-3 * myScatter * std::log(left), myMost);
+    }
+    float density(float distance) const
+    {
+        // A place that was drawn at the end may lie beyond it by rounding.
+        return distance <= 1.001f * myMost ? vk_profile(distance, myScatter) / myWithin : 0;
+    }
+
+private:
+    float myScatter, myMost;
+    float myFast, myWithin; // what is left of the fast part and of both
+};
 
 // The frame with the i-th of its axes as the third.
 vk_Frame turned(const vk_Frame &frame, int i)
@@ -41,16 +65,16 @@ vk_Frame turned(const vk_Frame &frame, int i)
 // How densely all axes and colours together would have drawn a place: multiple
 // importance sampling with the balance heuristic.
 float densityAt(const vk_Frame &frame, const vk_Vec &off, const vk_Vec &normal,
-                const vk_Vec &scatter)
+                const Profile (&profiles)[3], const vk_Vec &shares)
 {
     float density = 0;
     for (int i = 0; i < 3; ++i) {
         const vk_Frame axis = turned(frame, i);
         const vk_Vec local = axis.toLocal(off);
         const float r = std::sqrt(local.x * local.x + local.y * local.y);
-        const float facing = std::abs(vk_dot(axis.normal, normal)) * AXIS_SHARES[i] / 3;
+        const float facing = std::abs(vk_dot(axis.normal, normal)) * AXIS_SHARES[i];
         for (int colour = 0; colour < 3; ++colour)
-            density += facing * vk_profile(r, component(scatter, colour));
+            density += facing * component(shares, colour) * profiles[colour].density(r);
     }
     return density;
 }
@@ -91,14 +115,21 @@ float vk_profileWithin(float distance, float scatter)
 }
 
 bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &scatter,
-                    vk_Sampler &sampler, vk_Hit &entry, vk_Colour &weight)
+                    const vk_Colour &albedo, vk_Sampler &sampler, vk_Hit &entry, vk_Colour &weight)
 {
+    const float furthest = world.diameter();
+    const Profile profiles[3] = {
+        {scatter.x, furthest}, {scatter.y, furthest}, {scatter.z, furthest}};
+    const vk_Vec shares = albedo * (1 / (albedo.x + albedo.y + albedo.z));
     const vk_Square choice = sampler.square(), place = sampler.square();
     const int axis = choice.u < .5f ? 2 : choice.u < .75f ? 0 : 1;
-    const float colour = std::min(choice.v * 3, 2.999f);
-    const float d = component(scatter, static_cast<int>(colour));
-    const float r = sampleProfile(place.u, d);
-    const float far2 = FURTHEST * FURTHEST * d * d - r * r;
+    int colour = 0;
+    float left = choice.v;
+    while (colour < 2 && left >= component(shares, colour))
+        left -= component(shares, colour++);
+    const Profile &profile = profiles[colour];
+    const float r = profile.sample(place.u);
+    const float far2 = profile.most() * profile.most() - r * r;
     if (far2 <= 0)
         return false;
     const vk_Frame frame(exit.normal);
@@ -106,7 +137,7 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
     const float half = std::sqrt(far2), around = 2 * VK_PI * place.v;
     const vk_Vec start = exit.position + probe.tangent * (r * std::cos(around)) +
                          probe.bitangent * (r * std::sin(around)) + probe.normal * half;
-    const float at = colour - std::floor(colour);
+    const float at = left / std::max(component(shares, colour), 1e-6f);
     const int layers = pickLayer(world, start, -probe.normal, 2 * half, at, entry);
     if (layers == 0 || entry.surface != exit.surface)
         return false;
@@ -116,7 +147,7 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
     }
     const vk_Vec off = entry.position - exit.position;
     const float distance = vk_length(off);
-    const float density = densityAt(frame, off, entry.normal, scatter);
+    const float density = densityAt(frame, off, entry.normal, profiles, shares);
     weight = vk_Colour{vk_profile(distance, scatter.x), vk_profile(distance, scatter.y),
                        vk_profile(distance, scatter.z)} *
              (static_cast<float>(layers) / std::max(density, 1e-12f));

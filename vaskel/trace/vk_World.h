@@ -46,6 +46,9 @@ public:
     // Whether light may pass through a shape, as through glass.
     bool hasGlass() const { return myHasGlass; }
 
+    // Of a ball around all shapes.
+    float diameter() const { return 2 * std::sqrt(std::max(0.0f, myRadius2)); }
+
     // Whether something lies on the way.
     bool occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const;
 
@@ -58,7 +61,7 @@ private:
     bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const;
     void encloseShapes();
     void describeGeometry(const vk_Vec &direction, vk_Hit &hit) const;
-    void describeShape(unsigned geometry, unsigned triangle, float u, float v, vk_Hit &hit) const;
+    void describeShape(unsigned geometry, unsigned quad, float u, float v, vk_Hit &hit) const;
 
     const vk_Scene &myScene;
     std::vector<std::unique_ptr<Shape>> myShapes; // by Embree's geometry number
