@@ -50,6 +50,8 @@ public:
     // factor to what they scatter once. It knows the viewer's direction only.
     float compensation() const { return myCompensation; }
 
+    // Whether it has a part that scatters widely.
+    bool isDiffuse() const { return myShare[SHEEN] > 0 || myShare[BASE] > 0; }
     bool isGlass() const { return myMaterial.isClear(); }
     bool isSmoothGlass() const { return myMaterial.isSmoothGlass(); }
 

@@ -110,7 +110,7 @@ vk_DirectLight::Transmittance vk_DirectLight::transmittance(vk_Vec origin, const
     for (int i = 0; i < MOST_LAYERS; ++i) {
         vk_Hit hit;
         ++vk_myRays.shadow;
-        if (!myWorld.intersect(origin, direction, hit) || hit.distance >= distance)
+        if (!myWorld.intersect(origin, direction, hit, distance))
             return passes;
         const vk_Material material = hit.surface->shade(hit.point);
         passes.between = std::max(passes.between, betweenOf(material));

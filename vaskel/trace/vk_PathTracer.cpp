@@ -235,7 +235,7 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
     if (!bsdf.isSmoothGlass()) {
         const bool leavesGlass = bsdf.isGlass() && hit.inside;
         const bool countsLittle = path.isWide() || path.isFaint();
-        const int samples = countsLittle ? 1 : LIGHT_SAMPLES;
+        const int samples = countsLittle ? 1 : path.isCameraRay() && bsdf.isDiffuse() ? 4 : 2;
         vertex = myDirectLight.atVertex(bsdf, samples, leavesGlass ? throughGlass : vk_NextEvent{});
         path.add(myDirectLight.scattered(hit, bsdf, vertex, path.isWide(), path.sampler()));
     }

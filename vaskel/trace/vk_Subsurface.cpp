@@ -4,9 +4,9 @@
 
 namespace
 {
-constexpr float FURTHEST = 12;                     // times scatter: where less than 2 % is left
-constexpr int MOST_LAYERS = 4;                     // that one ray looks through
-constexpr float AXIS_SHARES[] = {.25f, .25f, .5f}; // tangents, normal
+constexpr float FURTHEST = 12;                   // times scatter: where less than 2 % is left
+constexpr int MOST_LAYERS = 4;                   // that one ray looks through
+constexpr float AXIS_SHARES[] = {.1f, .1f, .8f}; // tangents, normal
 
 float component(const vk_Vec &v, int i)
 {
@@ -88,7 +88,7 @@ int pickLayer(const vk_World &world, vk_Vec origin, const vk_Vec &direction, flo
     while (count < MOST_LAYERS && length > 0) {
         vk_Hit &hit = hits[count];
         ++vk_myRays.scattered;
-        if (!world.intersect(origin, direction, hit) || hit.distance > length)
+        if (!world.intersect(origin, direction, hit, length))
             break;
         // Nothing below the floor is lit; and a ray that goes down stays at the floor.
         if (hit.isFloor && direction.y < 0)
@@ -122,7 +122,7 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
         {scatter.x, furthest}, {scatter.y, furthest}, {scatter.z, furthest}};
     const vk_Vec shares = albedo * (1 / (albedo.x + albedo.y + albedo.z));
     const vk_Square choice = sampler.square(), place = sampler.square();
-    const int axis = choice.u < .5f ? 2 : choice.u < .75f ? 0 : 1;
+    const int axis = choice.u < .8f ? 2 : choice.u < .9f ? 0 : 1;
     int colour = 0;
     float left = choice.v;
     while (colour < 2 && left >= component(shares, colour))

@@ -227,12 +227,13 @@ vk_Vec vk_World::along(const vk_Hit &hit) const
     return ((b.position - a.position) * v2 - (c.position - a.position) * v1) * (area < 0 ? -1 : 1);
 }
 
-bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const
+bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit,
+                         float length) const
 {
     float toFloor = 0;
-    const bool onFloor = meetFloor(origin, direction, toFloor);
+    const bool onFloor = meetFloor(origin, direction, toFloor) && toFloor <= length;
     RTCRayHit query = {};
-    query.ray = rayOf(origin, direction, toFloor);
+    query.ray = rayOf(origin, direction, std::min(toFloor, length));
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
     if (mayMeetShapes(origin, direction)) {
         RTCIntersectContext context;

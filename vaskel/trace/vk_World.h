@@ -7,6 +7,7 @@
 
 #include "vaskel/scene/vk_Scene.h"
 
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -37,8 +38,9 @@ public:
     // Why there is no world to look at, when Embree failed; else "".
     const std::string &error() const { return myError; }
 
-    // The first thing that a ray meets; false when it meets nothing.
-    bool intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit) const;
+    // The first thing that a ray meets within a length; false when it meets nothing.
+    bool intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &hit,
+                   float length = std::numeric_limits<float>::infinity()) const;
 
     // Direction in which u grows at a hit, of no certain length; (1 0 0) on the floor.
     vk_Vec along(const vk_Hit &hit) const;
