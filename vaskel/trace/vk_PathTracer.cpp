@@ -8,16 +8,16 @@
 namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
-constexpr int MOST_BOUNCES = 64;   // a guard: roulette ends nearly all paths before
-constexpr int LIGHT_SAMPLES = 4;   // at a vertex, each of another light; one where paths
-                                   // count little
-constexpr int MOST_SPLITS = 2;     // of a path in two at smooth glass; then by chance
-constexpr float FADE_NEAR = 4;     // the floor fades between these
-constexpr float FADE_FAR = 18;     // distances from the origin
-constexpr float REGULAR = .6f;     // least roughness behind a vertex that scattered widely
-constexpr float WIDE_METAL = .35f; // what is rougher shows no edges, so that
-constexpr float WIDE_GLASS = .2f;  // its light is filtered like a diffuse surface's
-constexpr float GROUND = .35f;     // rougher glass blurs all behind it
+constexpr int MOST_BOUNCES = 64;      // a guard: roulette ends nearly all paths before
+constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex that is lit widely, each of another
+constexpr int LIGHT_SAMPLES = 2;      // light; at others; one where paths count little
+constexpr int MOST_SPLITS = 2;        // of a path in two at smooth glass; then by chance
+constexpr float FADE_NEAR = 4;        // the floor fades between these
+constexpr float FADE_FAR = 18;        // distances from the origin
+constexpr float REGULAR = .6f;        // least roughness behind a vertex that scattered widely
+constexpr float WIDE_METAL = .35f;    // what is rougher shows no edges, so that
+constexpr float WIDE_GLASS = .2f;     // its light is filtered like a diffuse surface's
+constexpr float GROUND = .35f;        // rougher glass blurs all behind it
 
 // The mean over directions that are spread evenly over the sphere along a spiral.
 vk_Colour meanOf(const vk_EnvironmentShader &environment)
@@ -235,7 +235,8 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
     if (!bsdf.isSmoothGlass()) {
         const bool leavesGlass = bsdf.isGlass() && hit.inside;
         const bool countsLittle = path.isWide() || path.isFaint();
-        const int samples = countsLittle ? 1 : path.isCameraRay() && bsdf.isDiffuse() ? 4 : 2;
+        const bool isLitWidely = path.isCameraRay() && bsdf.isDiffuse();
+        const int samples = countsLittle ? 1 : isLitWidely ? MOST_LIGHT_SAMPLES : LIGHT_SAMPLES;
         vertex = myDirectLight.atVertex(bsdf, samples, leavesGlass ? throughGlass : vk_NextEvent{});
         path.add(myDirectLight.scattered(hit, bsdf, vertex, path.isWide(), path.sampler()));
     }
