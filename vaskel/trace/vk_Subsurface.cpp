@@ -35,10 +35,11 @@ public:
         const float left = std::max(1e-6f, 1 - (at - myFast) / .75f);
         return std::min(-3 * myScatter * std::log(left), myMost);
     }
-    float density(float distance) const
+    // Of places `distance` away that a ray passes at `radius`.
+    float density(float radius, float distance) const
     {
         // A place that was drawn at the end may lie beyond it by rounding.
-        return distance <= 1.001f * myMost ? vk_profile(distance, myScatter) / myWithin : 0;
+        return distance <= 1.001f * myMost ? vk_profile(radius, myScatter) / myWithin : 0;
     }
 
 private:
@@ -68,13 +69,14 @@ float densityAt(const vk_Frame &frame, const vk_Vec &off, const vk_Vec &normal,
                 const Profile (&profiles)[3], const vk_Vec &shares)
 {
     float density = 0;
+    const float distance = vk_length(off);
     for (int i = 0; i < 3; ++i) {
         const vk_Frame axis = turned(frame, i);
         const vk_Vec local = axis.toLocal(off);
         const float r = std::sqrt(local.x * local.x + local.y * local.y);
         const float facing = std::abs(vk_dot(axis.normal, normal)) * AXIS_SHARES[i];
         for (int colour = 0; colour < 3; ++colour)
-            density += facing * component(shares, colour) * profiles[colour].density(r);
+            density += facing * component(shares, colour) * profiles[colour].density(r, distance);
     }
     return density;
 }

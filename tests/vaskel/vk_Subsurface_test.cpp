@@ -1,0 +1,41 @@
+#include "vaskel/trace/vk_Subsurface.h"
+
+#include "vaskel/scene/vk_SceneReader.h"
+#include "vaskel/trace/vk_World.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+// A sphere has as much surface up to a distance as a plane has, so that what wanders no
+// further than its diameter comes out by the same share as on a plane.
+TEST(Subsurface, EachColourFindsOnABallWhatItsProfileHolds)
+{
+    std::string text = "picture p.png\ncamera\nsurface v_wax\nsphere\nend\n";
+    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
+    vk_Scene scene;
+    vk_SceneReader reader("s", scene);
+    ASSERT_TRUE(reader.read(file)) << reader.messages()[0];
+    std::fclose(file);
+    const vk_World world(scene);
+    vk_Hit exit;
+    ASSERT_TRUE(world.intersect({0, 1, 8}, {0, 0, -1}, exit));
+    const float diameter = 2 * exit.position.z;
+    for (const vk_Vec &scatter : {vk_Vec{.4f, .02f, .1f}, vk_Vec{.05f, .05f, .05f}}) {
+        constexpr std::uint32_t COUNT = 1 << 17;
+        vk_Colour sum = {};
+        for (std::uint32_t i = 0; i < COUNT; ++i) {
+            vk_Sampler sampler(1, i);
+            vk_Hit entry;
+            vk_Colour weight;
+            if (vk_sampleEntry(world, exit, scatter, {.9f, .3f, .6f}, sampler, entry, weight))
+                sum = sum + weight * (1.0f / COUNT);
+        }
+        // All count what the colour that wanders furthest finds.
+        const float found = std::min(diameter, 12 * vk_largest(scatter));
+        EXPECT_NEAR(sum.x, vk_profileWithin(found, scatter.x), .01);
+        EXPECT_NEAR(sum.y, vk_profileWithin(found, scatter.y), .01);
+        EXPECT_NEAR(sum.z, vk_profileWithin(found, scatter.z), .01);
+    }
+}
+} // namespace
