@@ -115,6 +115,7 @@ class Materials(PageTest):
         self.assertEqual('Copied', self.browser.text('#view-texts button'))
         self.browser.press(Keys.ESCAPE, '/')
         self.browser.driver.switch_to.active_element.send_keys(Keys.CONTROL, 'v')
+        self.browser.settle()
         self.assertEqual('v_metal color .9 .7 .3',
                          self.browser.run('return document.getElementById("search").value'))
 
