@@ -173,6 +173,8 @@ void osl_Machine::getAttribute(In in)
         value.type = typeOf(to);
         if (name == "shader:shadername")
             value = OSL_Value::ofString(myCode.shader);
+        else if (name == "shader:layername" || name == "shader:groupname")
+            value = OSL_Value::ofString(""); // it stands alone, and nobody has named it
         else if (!myRenderer.attribute(object, name, pointOf(lane), value))
             return;
         if (hasIndex && !pickElement(value, intAt(o[in.count - 2], lane)))

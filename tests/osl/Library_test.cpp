@@ -155,6 +155,7 @@ TEST(Library, FunctionsThatWriteTheirArguments)
          "1 1"},
         {"int a; printf(\"%d %d\", getattribute(\"answer\", a), a);", "1 42"},
         {"float a = 7; printf(\"%d %g\", getattribute(\"nothing\", a), a);", "0 7"},
+        {"string a = \"?\"; printf(\"%d[%s]\", getattribute(\"shader:layername\", a), a);", "1[]"},
         {"float kr, kt; vector r, t; fresnel(vector(0, 0, -1), N, 1 / 1.5, kr, kt, r, t); "
          "printf(\"%.3g %g\", kr, r);",
          "0.04 0 0 1"},
