@@ -98,7 +98,7 @@ public:
 
     bool isRunning() const { return myOutput != nullptr; }
 
-    // False at the end.
+    // False at the end, or when isWhole() is false afterwards, with errno.
     bool readLine(std::string &line)
     {
         const ssize_t length = getline(&myLine, &myRoom, myOutput);
@@ -109,8 +109,14 @@ public:
         return true;
     }
 
-    int wait() const
+    // All that it said was read.
+    bool isWhole() const { return std::feof(myOutput) != 0; }
+
+    // What was not read is dropped, so that it does not wait for a reader.
+    int wait()
     {
+        std::fclose(myOutput);
+        myOutput = nullptr;
         int status = 0;
         while (waitpid(myChild, &status, 0) < 0 && errno == EINTR)
             continue;
@@ -216,10 +222,13 @@ void listen(Ninja &ninja, Listener &listener, tm_Outcome &outcome)
     }
     for (std::string line; ninja.readLine(line);)
         listener.take(line);
+    if (!ninja.isWhole())
+        outcome.error = std::string("cannot read what it says: ") + std::strerror(errno);
     listener.endJob();
     const int status = ninja.wait();
     outcome.wasInterrupted = listener.wasInterrupted;
-    outcome.error = listener.error;
+    if (!listener.error.empty())
+        outcome.error = listener.error;
     if (status != 0 && outcome.failures.empty() && outcome.error.empty() && !outcome.wasInterrupted)
         outcome.error = "ninja ended with status " + std::to_string(status);
 }
