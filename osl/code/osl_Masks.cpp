@@ -79,5 +79,13 @@ bool osl_Masks::isNeeded(size_t instruction) const
         if (region(at).isVarying)
             return true;
     }
-    return false;
+    return home >= 0 && isSeenByReturning(home, instruction, root);
+}
+
+// Whether lanes that `continue` has taken away from a write are on again at a later use.
+bool osl_Masks::isSeenByReturning(int home, size_t instruction, int root) const
+{
+    const size_t back = myReturns[static_cast<size_t>(home)]; // 0 but in loops
+    return region(home).isVarying && instruction < back &&
+           static_cast<size_t>(myRegisters[root].lastUse) >= back;
 }

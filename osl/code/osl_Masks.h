@@ -4,8 +4,9 @@
 // computes all lanes anyway, and putting old values back costs more than most operations.
 // The home of a variable is the innermost region with all its uses. When its first use
 // writes all of it, in its home itself, then lanes that are off there never see what was
-// written meanwhile: they come on again only in front of that first write. What counts
-// are the regions inside the home: their lanes come on again behind them. Of these, a
+// written meanwhile: they come on again only in front of that first write, or where
+// `continue` goes on, when the home is a loop. What counts besides that are the regions
+// inside the home: their lanes come on again behind them. Of these, a
 // loop behind whose end the variable is not used counts neither, unless another one
 // around it brings back what was used in front of it, or `continue` brings lanes back.
 #pragma once
@@ -29,6 +30,7 @@ private:
     int home(const Register &made) const;
     bool isBornWhole(int root, int home) const;
     bool endsIn(int loop, size_t instruction, int root) const;
+    bool isSeenByReturning(int home, size_t instruction, int root) const;
     const osl_Region &region(int number) const { return myMade.tree[static_cast<size_t>(number)]; }
 
     const osl_Made &myMade;

@@ -99,6 +99,7 @@ private:
     int doLoopTest(In in, int at);
     int doLoopEnd(In in, int at);
     bool leave(Frame::Kind kind, Mask Frame::*lanes);
+    Mask waitingFrom(size_t depth) const;
     void doStep(const Step &step);
     void doBeside(const Step &step);
     void copyLanesOn(const osl_Operand &to, const osl_Operand &from, int words);

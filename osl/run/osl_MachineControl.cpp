@@ -45,7 +45,7 @@ int osl_Machine::control(In in, int at)
     case OSL_EXIT:
         myDead |= myMask;
         myMask = 0;
-        return (myDead & myFull) == myFull ? -1 : at + 1;
+        return (myDead & myFull) == myFull && waitingFrom(0) == 0 ? -1 : at + 1;
     default:
         return -1;
     }
@@ -113,6 +113,15 @@ int osl_Machine::doLoopEnd(In in, int at)
     return at + 1;
 }
 
+// Lanes that come on again before the frames from `depth` on have ended.
+osl_Machine::Mask osl_Machine::waitingFrom(size_t depth) const
+{
+    Mask waiting = 0;
+    for (size_t i = depth; i < myFrames.size(); ++i)
+        waiting |= myFrames[i].left | myFrames[i].skipped;
+    return waiting;
+}
+
 // Takes the lanes that are on away until the innermost frame of a kind ends. True when
 // none is left in it: then control goes to its end, where code is not masked.
 bool osl_Machine::leave(Frame::Kind kind, Mask Frame::*lanes)
@@ -124,7 +133,7 @@ bool osl_Machine::leave(Frame::Kind kind, Mask Frame::*lanes)
     frame.*lanes |= myMask;
     myDead |= myMask;
     myMask = 0;
-    const bool isOver = (frame.other & ~myDead) == 0;
+    const bool isOver = (frame.other & ~myDead) == 0 && waitingFrom(depth) == 0;
     if (isOver)
         myFrames.resize(depth);
     return isOver;

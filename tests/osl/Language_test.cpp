@@ -241,3 +241,40 @@ TEST(Language, Preprocessor)
         EXPECT_EQ(c.printed, shade(c.source).printed);
     }
 }
+
+// Points part in loops and functions; those that wait go on, whatever the others do.
+TEST(Language, PointsThatWaitGoOn)
+{
+    const Case cases[] = {
+        {"others return behind continue",
+         "int find(float x) { float keys[4] = {.1, .3, .6, .9};"
+         " for (int i = 0; i < 4; i++) { if (keys[i] < x) continue; return i; } return 4; }"
+         "printf(\"%d \", find(u));",
+         "0 1 2 3 4 "},
+        {"others return behind break",
+         "int f(int p) { int i = 0; for (i = 0; i < 3; i++) { if (p == 1) break; return 7; }"
+         " return 100 + i; }"
+         "printf(\"%d \", f((int)(u * 4)));",
+         "7 100 7 7 7 "},
+        {"others exit behind break",
+         "for (int i = 0; i < 3; i++) { if (u == .25) break; exit(); } printf(\"%g\", u);", "0.25"},
+        {"others exit behind return",
+         "int g() { if (u == .25) return 5; exit(); return 6; } printf(\"%d\", g());", "5"},
+        {"others exit in a loop of a loop",
+         "int p = (int)(u * 4), r = 0; for (int j = 0; j < 3; j++) {"
+         " for (int i = 0; i < 5; i++) { if (i == p) break; if (i == 3) exit(); } r++; }"
+         "printf(\"%d:%d \", p, r);",
+         "0:3 1:3 2:3 3:3 "},
+        {"a loop's step sees what continue left",
+         "int p = (int)(u * 4), x, i; string s = \"\";"
+         "for (i = 0; i < 4; s = concat(s, format(\"%d,\", x)), i++) {"
+         " x = i + 10 * p; if ((i + p) % 2 == 0) continue; x = 99; } printf(\"%s \", s);",
+         "0,99,2,99, 99,11,99,13, 20,99,22,99, 99,31,99,33, 40,99,42,99, "},
+        {"and so does its condition",
+         "int p = (int)(u * 4), x, i = 0;"
+         "do { x = i < 3 + p; i++; if (i % 2 == p % 2) continue; x = 0; } while (x);"
+         "printf(\"%d \", i);",
+         "1 2 1 2 1 "},
+    };
+    check(cases, 5);
+}
