@@ -44,6 +44,7 @@ void CPP_File::release()
 void CPP_File::setPath(const char *path)
 {
     setName(path);
+    myPath.assignCopy(path);
     // Null and "" differ: the first is the working folder, the second the root.
     const char *slash = std::strrchr(path, '/');
     if (slash != nullptr)

@@ -41,6 +41,7 @@ public:
     void setPath(const char *path);
     void setName(const char *name) { myName.assignCopy(name); }
     const char *getName() const { return myName; }
+    const char *getPath() const { return myPath; } // whatever #line says
     const char *getDirectory() const { return myDirectory; }
 
     // Number of the line last read, from 1; the one read next gets one more.
@@ -91,7 +92,7 @@ private:
     int myLineNumber = 0;
     UT_IntegerArray myConditions;
     UT_IntegerArray myConditionLines; // where each was pushed
-    UT_String myName = "";
+    UT_String myName = "", myPath = "";
     int myOwedNewlines = 0; // continuation lines not yet answered
     bool mySpecialFlag = false;
     int myRefCount = 1;

@@ -116,6 +116,8 @@ public:
         return valueOfMacro(name, start, value);
     }
 
+    static bool isFunction(std::string_view name);
+
 private:
     struct Function {
         std::string_view name;
@@ -293,6 +295,12 @@ const OperandReader::Function OperandReader::FUNCTIONS[4] = {
     {"strcmp", &OperandReader::takeCompare, "this is written strcmp(\"TEXT\", \"TEXT\")"},
 };
 
+bool OperandReader::isFunction(std::string_view name)
+{
+    const auto isIts = [name](const Function &function) { return name == function.name; };
+    return std::any_of(std::begin(FUNCTIONS), std::end(FUNCTIONS), isIts);
+}
+
 // ---- Evaluation ----------------------------------------------------------
 
 // The usual few without memory of their own.
@@ -468,11 +476,15 @@ public:
     }
 
 private:
-    bool skip()
+    void skip()
     {
         while (myText < myEnd && (*myText == ' ' || *myText == '\t'))
             ++myText;
-        return true;
+    }
+    bool takeBehindBlanks(char c)
+    {
+        skip();
+        return take(c);
     }
     char next() const { return myText < myEnd ? *myText : '\0'; }
     bool take(char c)
@@ -494,17 +506,14 @@ private:
     // A decimal number, defined(NAME), or a name that is no macro and so stands for 0.
     bool passOperand()
     {
-        while (skip() && (take('!') || take('(')))
+        while (takeBehindBlanks('!') || take('('))
             myDepth += myText[-1] == '(' ? 1 : 0;
         if (UTisDigit(next()))
             return passNumber();
         if (takeDefined())
-            return !takeName().empty() && skip() && take(')');
+            return !takeName().empty() && takeBehindBlanks(')');
         const std::string_view name = takeName();
-        if (name.empty() || myMacros.holds(name))
-            return false;
-        const auto isName = [name](std::string_view function) { return name == function; };
-        return std::none_of(std::begin(FUNCTIONS), std::end(FUNCTIONS), isName);
+        return !name.empty() && !myMacros.holds(name) && !OperandReader::isFunction(name);
     }
 
     bool takeDefined()
@@ -527,7 +536,7 @@ private:
 
     bool passOperator()
     {
-        while (skip() && take(')'))
+        while (takeBehindBlanks(')'))
             --myDepth;
         const bool isAtEnd = myEnd - myText < 2 || *myText == '\n';
         if (isAtEnd || myDepth < 0 || *myText == '(')
@@ -538,8 +547,6 @@ private:
         myText += op->text.size();
         return true;
     }
-
-    static constexpr std::string_view FUNCTIONS[] = {"defined", "environment", "access", "strcmp"};
 
     const cpp_MacroTable &myMacros;
     const char *myText;

@@ -19,6 +19,16 @@ constexpr cpp_DirectiveWord CPP_DIRECTIVE_WORDS[CPP_NUM_DIRECTIVES] = {
 };
 static_assert(cpp_isInOrder(CPP_DIRECTIVE_WORDS), "a row stands at its number");
 
+constexpr bool conditionalsCountEverywhere()
+{
+    for (const Word &word : CPP_DIRECTIVE_WORDS) {
+        if ((word.where == Word::EVERYWHERE) != (word.effect != Word::NONE))
+            return false;
+    }
+    return true;
+}
+static_assert(conditionalsCountEverywhere(), "skipped text obeys what opens and closes it");
+
 const cpp_DirectiveWord *findDirective(std::string_view word)
 {
     for (const cpp_DirectiveWord &known : CPP_DIRECTIVE_WORDS) {

@@ -223,7 +223,7 @@ void CPP_Manager::Directive::doPassThrough()
     const bool isOnce = myManager.honoursOnce && firstWord(myLine, MAX_WORD) == "pragma" &&
                         firstWord(myArgument, MAX_WORD) == "once";
     if (isOnce)
-        myManager.myOpened->keepOnce(myFile.getName());
+        myManager.myOpened->keepOnce(myFile.getPath());
     else
         myResult.sprintf("#%s", myLine);
 }

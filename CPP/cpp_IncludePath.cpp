@@ -12,7 +12,7 @@ namespace
 // What a look-up depends on.
 std::string keyOf(const char *name, const char *nearFolder)
 {
-    return nearFolder != nullptr ? std::string("/") + nearFolder + '"' + name
+    return nearFolder != nullptr ? std::string("/") + nearFolder + '\0' + name
                                  : std::string("<") + name;
 }
 

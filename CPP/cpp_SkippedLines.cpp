@@ -91,8 +91,10 @@ private:
         }
         cpp_SkippedLine line;
         const char *text = readWord(myNext, end, line);
-        if (text == nullptr || takeLateBranch(line, text, end))
-            return text != nullptr;
+        if (text == nullptr)
+            return false;
+        if (takeLateBranch(line, text, end))
+            return true;
         readEnd(isStripping, text, end, line);
         int value = 0;
         if (line.end == nullptr || (line.is(CPP_ELIF) && !evaluate(line.condition, value)))

@@ -7,7 +7,7 @@
 //
 // The file gets the permissions of a new one, or the read, write and execute bits of a
 // regular file of the same owner that it replaces; never more than those. Lists of access
-// (ACLs) do not go on: a file with one is replaced by a new file.
+// (ACLs) do not go on: of a file with one the group gets what everybody has.
 #pragma once
 
 #include <cstdio>

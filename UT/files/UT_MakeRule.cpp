@@ -19,7 +19,7 @@ std::string takeWord(std::string_view text, size_t &at)
         at += run;
         const char next = at < text.size() ? text[at] : '\n';
         const bool isBlank = next == ' ' || next == '\t';
-        word.append(isBlank ? run / 2 : next == '\n' || next == '#' ? run - run % 2 : run, '\\');
+        word.append(isBlank || next == '#' || next == '\n' ? run / 2 : run, '\\');
         if (next == '\n' || (isBlank && run % 2 == 0))
             break;
         if (text.substr(at, 2) == "$$")
@@ -30,22 +30,21 @@ std::string takeWord(std::string_view text, size_t &at)
 }
 } // namespace
 
-// In front of a blank make halves the backslashes, elsewhere it keeps them.
+// In front of a blank, a '#' and a name's end make halves the backslashes, elsewhere it keeps
+// them.
 std::string UTquoteForMake(const std::string &name)
 {
     std::string quoted;
     size_t backslashes = 0;
     for (const char c : name) {
-        if (c == ' ' || c == '\t')
+        if (c == ' ' || c == '\t' || c == '#')
             quoted.append(backslashes + 1, '\\');
-        else if (c == '#')
-            quoted += '\\';
         else if (c == '$')
             quoted += '$';
         quoted += c;
         backslashes = c == '\\' ? backslashes + 1 : 0;
     }
-    return quoted;
+    return quoted.append(backslashes, '\\');
 }
 
 std::string UTmakeRule(const std::string &targets, const std::vector<std::string> &files)
@@ -61,6 +60,8 @@ std::string UTmakeRule(const std::string &targets, const std::vector<std::string
         rule += " " + name;
         column += 1 + name.size();
     }
+    if (rule.back() == '\\')
+        rule += ' '; // or the line would go on
     return rule + '\n';
 }
 

@@ -68,6 +68,10 @@ Character firstCharacter(std::string_view text)
             return {1, first};
         code = code << 6 | (byte(i) & 0x3f);
     }
+    static constexpr unsigned LEAST[] = {0, 0, 0x80, 0x800, 0x10000}; // by length
+    const bool isSurrogate = code >= 0xd800 && code <= 0xdfff;
+    if (code < LEAST[length] || isSurrogate || code > 0x10ffff)
+        return {1, first};
     return {length, code};
 }
 

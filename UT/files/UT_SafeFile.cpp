@@ -57,22 +57,29 @@ bool makeBeside(const std::string &target, std::string &name, Make make)
     return false;
 }
 
-// Whether a name leads through /proc, where it stands for a stream that somebody has open:
-// /dev/stdout, /dev/fd/3. Its file must not be replaced under the writer.
-bool isOpenStream(std::string name)
+// What a name stands for when the links at its end are followed.
+enum End {
+    A_FILE,      // or where one would be made
+    OPEN_STREAM, // of somebody's, through /proc (/dev/stdout, /dev/fd/3): its file must not be
+                 // replaced under the writer
+    NOTHING      // links in a circle
+};
+
+End followLinks(std::string &name)
 {
     for (int i = 0; i < MOST_LINKS; ++i) {
         struct statfs around;
         if (statfs(folderOf(name).c_str(), &around) == 0 && around.f_type == PROC_SUPER_MAGIC)
-            return true;
+            return OPEN_STREAM;
         char link[PATH_MAX];
         const ssize_t length = readlink(name.c_str(), link, sizeof link);
         if (length <= 0)
-            return false;
+            return A_FILE;
         const std::string next(link, static_cast<size_t>(length));
         name = next[0] == '/' ? next : folderOf(name) + next;
     }
-    return false;
+    errno = ELOOP;
+    return NOTHING;
 }
 
 // What is there; no mode at all when nothing is. False, and errno, when that cannot be told.
@@ -90,11 +97,11 @@ bool hasAccessList(const std::string &name)
 
 // `made` is what the new file is by itself. The old file's bits were given to its owner and
 // to its group: another owner's mean nothing here, and another group gets no more than
-// everybody.
-mode_t permissions(const struct stat &old, const struct stat &made)
+// everybody, nor does any where a list says who the group's bits are for.
+mode_t permissions(const struct stat &old, const struct stat &made, bool hasList)
 {
     const mode_t bits = old.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
-    if (old.st_gid == made.st_gid)
+    if (old.st_gid == made.st_gid && !hasList)
         return bits;
     return bits & (~static_cast<mode_t>(S_IRWXG) | (bits & S_IRWXO) << GROUP_SHIFT);
 }
@@ -105,11 +112,20 @@ bool givePermissions(int file, const std::string &target)
     struct stat old, made;
     if (!look(target, old) || fstat(file, &made) != 0)
         return false;
-    if (!S_ISREG(old.st_mode) || old.st_uid != made.st_uid || hasAccessList(target))
+    if (!S_ISREG(old.st_mode) || old.st_uid != made.st_uid)
         return true;
     // Some file systems know no such bits; more than the old ones is a failure.
-    const mode_t bits = permissions(old, made);
+    const mode_t bits = permissions(old, made, hasAccessList(target));
     return fchmod(file, bits) == 0 || (made.st_mode & ~bits & (S_IRWXU | S_IRWXG | S_IRWXO)) == 0;
+}
+
+// Of a file with a name: what shall replace one of our own is nobody else's before it has
+// that one's permissions.
+mode_t firstPermissions(const std::string &target)
+{
+    struct stat old;
+    const bool isOwn = look(target, old) && S_ISREG(old.st_mode) && old.st_uid == geteuid();
+    return isOwn ? S_IRUSR | S_IWUSR : NEW_FILE;
 }
 
 // In a folder such as /tmp only the owners of a file and of the folder may replace it.
@@ -147,8 +163,9 @@ int UT_SafeFile::openBeside()
     if (nameless >= 0)
         return nameless;
     int file = -1;
-    static_cast<void>(makeBeside(myTarget, myTemporary, [&file](const char *name) {
-        file = ::open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, NEW_FILE);
+    const mode_t mode = firstPermissions(myTarget);
+    static_cast<void>(makeBeside(myTarget, myTemporary, [&file, mode](const char *name) {
+        file = ::open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode);
         return file >= 0;
     }));
     return file;
@@ -212,17 +229,15 @@ FILE *UT_SafeFile::open()
             fail("cannot write");
         return myStream;
     }
-    struct stat there = {}, link = {};
-    const bool exists = stat(myTarget.c_str(), &there) == 0;
-    const bool isDangling = !exists && lstat(myTarget.c_str(), &link) == 0;
-    // Who may not write the file shall not replace it either.
-    const bool mayWrite = !exists || access(myTarget.c_str(), W_OK) == 0;
-    char resolved[PATH_MAX];
-    if (isOpenStream(myTarget) || isDangling || (exists && !S_ISREG(there.st_mode))) {
+    std::string name = myTarget;
+    const End end = followLinks(name);
+    struct stat there = {};
+    const bool exists = stat(name.c_str(), &there) == 0;
+    if (end == OPEN_STREAM || (exists && !S_ISREG(there.st_mode))) {
         myStream = std::fopen(myTarget.c_str(), "we");
-    } else if (mayWrite) {
-        if (exists && realpath(myTarget.c_str(), resolved) != nullptr)
-            myTarget = resolved;
+    } else if (end == A_FILE && (!exists || access(name.c_str(), W_OK) == 0)) {
+        // Who may not write the file shall not replace it either.
+        myTarget = name;
         openNew();
     }
     if (myStream == nullptr)

@@ -19,6 +19,8 @@ TEST(Process, WhatSteersATerminalIsMaskedByteForByte)
                                                                   "???"
                                                                   "??"
                                                                   ".");
+    EXPECT_EQ(printable("\xe0\x9b\x80 \xed\xa0\x9b \xf4\x9f\x80\x80"), "\xe0?? \xed\xa0? \xf4???")
+        << "no characters";
     EXPECT_EQ(printable("\xe2\x9b"
                         "31m"),
               "\xe2?31m")

@@ -6,10 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace
@@ -72,6 +74,9 @@ TEST(SafeFile, FollowsLinksWhereThatIsWanted)
     };
     EXPECT_EQ("120777", behindLink("ln -s other p.jpg"));
     EXPECT_EQ("100640", behindLink("echo >p.jpg; chmod 640 p.jpg"));
+    EXPECT_EQ("120777", behindLink("ln -s none p.jpg"));
+    EXPECT_EQ("cannot write: No such file or directory", behindLink("ln -s no/such p.jpg"));
+    EXPECT_EQ("cannot write: Too many levels of symbolic links", behindLink("ln -s p.jpg p.jpg"));
     EXPECT_EQ("cannot write: Is a directory", behindLink("mkdir p.jpg"));
     EXPECT_EQ("120777", behindLink("ln -s none p.jpg")) << "made where the link leads";
     EXPECT_EQ("cannot write: Too many levels of symbolic links", behindLink("ln -s p.jpg p.jpg"));
@@ -111,6 +116,28 @@ TEST(SafeFile, WithoutCommitLeavesTheOldFileAndNothingElse)
     EXPECT_EQ("before", fileContents(folder.path("p")));
     const auto files = std::filesystem::directory_iterator(folder.path());
     EXPECT_EQ(1, std::distance(begin(files), end(files)));
+}
+
+// The list's form is that of Linux: version 2, then tag, permissions and id of each entry.
+TEST(SafeFile, GivesNobodyWhatAListGaveSomebody)
+{
+    const ScratchDirectory folder;
+    folder.write("p", "before");
+    const struct {
+        std::uint32_t version;
+        struct {
+            std::uint16_t tag, bits;
+            std::uint32_t id;
+        } entries[5];
+    } list = {2, {{1, 6, ~0U}, {2, 4, 65534}, {4, 0, ~0U}, {16, 4, ~0U}, {32, 0, ~0U}}};
+    if (setxattr(folder.path("p").c_str(), "system.posix_acl_access", &list, sizeof list, 0) != 0)
+        GTEST_SKIP() << "no lists of access in this folder: " << std::strerror(errno);
+    UT_SafeFile file(folder.path("p"));
+    ASSERT_NE(nullptr, file.open());
+    ASSERT_TRUE(file.commit());
+    struct stat info = {};
+    stat(folder.path("p").c_str(), &info);
+    EXPECT_EQ(0100600u, info.st_mode);
 }
 
 TEST(SafeFile, TellsEarlyOfWhatOthersOwnInASharedFolder)
