@@ -176,6 +176,13 @@ TEST(Renderer, GlassOnTheFloorDoesNotSeeBelowIt)
     EXPECT_NEAR(meanOf(red, .35, .8, .65, .95, 0), meanOf(grey, .35, .8, .65, .95, 0), 8);
 }
 
+TEST(Renderer, AFloorThatScattersBelowShowsItsBase)
+{
+    const vk_Film wax = draw("size 32 32\nfloor v_wax spec 0 diff .8\n");
+    const vk_Film plastic = draw("size 32 32\nfloor v_plastic spec 0 diff .8\n");
+    EXPECT_NEAR(meanOf(wax, 0, .6, 1, 1), meanOf(plastic, 0, .6, 1, 1), 4);
+}
+
 TEST(Renderer, MatteHalfShowsAsMiddleGrey)
 {
     const vk_Film film = draw("size 64 64\nsurface v_matte diff .5\nsphere\n");

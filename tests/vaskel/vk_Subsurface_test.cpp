@@ -22,7 +22,7 @@ TEST(Subsurface, EachColourFindsOnABallWhatItsProfileHolds)
     ASSERT_TRUE(world.intersect({0, 1, 8}, {0, 0, -1}, exit));
     const float diameter = 2 * exit.position.z;
     for (const vk_Vec &scatter : {vk_Vec{.4f, .02f, .1f}, vk_Vec{.05f, .05f, .05f}}) {
-        constexpr std::uint32_t COUNT = 1 << 17;
+        constexpr std::uint32_t COUNT = 1 << 18;
         vk_Colour sum = {};
         for (std::uint32_t i = 0; i < COUNT; ++i) {
             vk_Sampler sampler(1, i);
@@ -33,9 +33,9 @@ TEST(Subsurface, EachColourFindsOnABallWhatItsProfileHolds)
         }
         // All count what the colour that wanders furthest finds.
         const float found = std::min(diameter, 12 * vk_largest(scatter));
-        EXPECT_NEAR(sum.x, vk_profileWithin(found, scatter.x), .01);
-        EXPECT_NEAR(sum.y, vk_profileWithin(found, scatter.y), .01);
-        EXPECT_NEAR(sum.z, vk_profileWithin(found, scatter.z), .01);
+        EXPECT_NEAR(sum.x, vk_profileWithin(found, scatter.x), .004);
+        EXPECT_NEAR(sum.y, vk_profileWithin(found, scatter.y), .004);
+        EXPECT_NEAR(sum.z, vk_profileWithin(found, scatter.z), .004);
     }
 }
 } // namespace

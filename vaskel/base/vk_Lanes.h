@@ -1,8 +1,8 @@
 // Four floats that go through the same arithmetic together.
 //
 // A vector extension of GCC and Clang: + - * / and comparisons are those of each lane, and
-// a ? b : c picks by lane. Four is what every 64-bit processor does at once, so the results
-// are the same bytes on all of them.
+// a ? b : c picks by lane. Four is what every 64-bit processor does at once, so none needs
+// code of its own.
 #pragma once
 
 #include "vaskel/base/vk_Vec.h"

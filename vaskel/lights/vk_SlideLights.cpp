@@ -24,10 +24,9 @@ struct Slide : vk_LightShader {
     float edge(float inside) const { return vk_smoothStep(-soft / 2, soft / 2, inside); }
 };
 
-// A ball behind a picture: its shadow is as soft as the ball is wide, but the slide itself is
-// sharp at every distance, as if it were focussed everywhere. A template, as passes() is asked
-// for every sample.
-// The light of a slide that has float passes(float x, float y) const.
+// The light of a slide that has float passes(float x, float y) const: a ball behind a picture.
+// Its shadow is as soft as the ball is wide, but the slide itself is sharp at every distance,
+// as if it were focussed everywhere. A template, as passes() is asked for every sample.
 template <class Picture>
 class SlideLight final : public vk_BallLight
 {

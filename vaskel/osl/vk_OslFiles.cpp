@@ -36,8 +36,8 @@ constexpr UT_KnownPath PATHS[] = {
     UT_VELDRIN_ZEL_PATH_FOG,
 };
 
-// "" when there is no such file.
-// With all links followed: a link inside a folder must not lead out of it.
+// With all links followed: a link inside a folder must not lead out of it. "" when there is no
+// such file.
 std::string realPath(const std::string &path)
 {
     const std::unique_ptr<char, decltype(&std::free)> found(realpath(path.c_str(), nullptr),

@@ -17,6 +17,7 @@ constexpr float LEAST_ERROR = 1e-8f;
 
 constexpr float OUTSIDE = -1; // smooth: there is no pixel
 
+// vk_visible() of four.
 vk_Lanes visible(const vk_VecLanes &difference, const vk_VecLanes &visibility)
 {
     return vk_dot(difference * difference, visibility) * (1.0f / 3);

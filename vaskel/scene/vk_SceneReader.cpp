@@ -285,23 +285,28 @@ bool vk_SceneReader::doPicture()
     myScene->picture = name;
     if (!isFirst)
         return wrong("picture expected only once in a scene");
-    return keepComment("picture " + name.substr(name.rfind('/') + 1)); // npos + 1 is 0
+    // Where comments leave no room it goes without.
+    static_cast<void>(!keepComment("picture " + name.substr(name.rfind('/') + 1))); // npos + 1: 0
+    return true;
 }
 
 bool vk_SceneReader::doComment()
 {
     const std::size_t start = myLine.find_first_not_of(" \t", myLine.find("comment") + 7);
-    return keepComment(start == std::string::npos ? "" : myLine.substr(start));
+    return keepComment(start == std::string::npos ? "" : myLine.substr(start)) ||
+           wrong("comment expected texts of at most " + std::to_string(VK_LONGEST_COMMENT) +
+                 " bytes together");
 }
 
 bool vk_SceneReader::keepComment(std::string text)
 {
-    if (myScene->comment.size() + text.size() >= VK_LONGEST_COMMENT)
-        return wrong("comment expected texts of at most " + std::to_string(VK_LONGEST_COMMENT) +
-                     " bytes together");
     UTmakePrintable(text.data(), text.size());
-    myScene->comment += (myScene->comment.empty() ? "" : "\n") + text;
-    return true;
+    if (!myScene->comment.empty())
+        text.insert(0, "\n");
+    const bool hasRoom = myScene->comment.size() + text.size() <= VK_LONGEST_COMMENT;
+    if (hasRoom)
+        myScene->comment += text;
+    return hasRoom;
 }
 
 bool vk_SceneReader::doSize()

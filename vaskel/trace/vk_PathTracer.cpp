@@ -213,7 +213,8 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, std::vector<vk_Pa
     }
     if (path.isWide())
         material.rough = std::max(material.rough, REGULAR);
-    if (path.isCameraRay() && vk_largest(material.scatter) > 0)
+    // A plane without end gives back as much as it took: the base stands for that.
+    if (path.isCameraRay() && !hit.isFloor && vk_largest(material.scatter) > 0)
         scatterBelow(hit, material, path.fork(2), onwards);
 
     // A smooth normal may face away from the viewer at a silhouette.
@@ -264,6 +265,7 @@ void vk_PathTracer::scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Pa
                                  std::vector<vk_Path> &onwards) const
 {
     constexpr float LEAST = 1e-3f;
+    constexpr float DARK = 1e-20f; // less has no inverse to count on
 
     const vk_Vec scatter = {std::max(material.scatter.x, LEAST),
                             std::max(material.scatter.y, LEAST),
@@ -274,7 +276,7 @@ void vk_PathTracer::scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Pa
     material.diffuse = {};
     vk_Hit entry;
     vk_Colour weight;
-    if (vk_largest(albedo) <= 0 ||
+    if (vk_largest(albedo) <= DARK ||
         !vk_sampleEntry(myWorld, hit, scatter, albedo, path.sampler(), entry, weight))
         return;
     path.moveBelowSurface(entry, albedo * weight);

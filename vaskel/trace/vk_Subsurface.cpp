@@ -4,9 +4,9 @@
 
 namespace
 {
-constexpr float FURTHEST = 12;                   // times scatter: where less than 2 % is left
-constexpr int MOST_LAYERS = 4;                   // that one ray looks through
-constexpr float AXIS_SHARES[] = {.1f, .1f, .8f}; // tangents, normal
+constexpr float FURTHEST = 12;                  // times scatter: where less than 2 % is left
+constexpr int MOST_LAYERS = 4;                  // that one ray looks through
+constexpr vk_Vec AXIS_SHARES = {.1f, .1f, .8f}; // tangents, normal
 
 float component(const vk_Vec &v, int i)
 {
@@ -47,6 +47,15 @@ private:
     float myFast, myWithin; // what is left of the fast part and of both
 };
 
+// One of three by its share of 1; of `u`, which is used up to that share, leaves the rest.
+int pick(const vk_Vec &shares, float &u)
+{
+    int i = 0;
+    while (i < 2 && u >= component(shares, i))
+        u -= component(shares, i++);
+    return i;
+}
+
 // The frame with the i-th of its axes as the third.
 vk_Frame turned(const vk_Frame &frame, int i)
 {
@@ -64,8 +73,9 @@ vk_Frame turned(const vk_Frame &frame, int i)
 }
 
 // How densely all axes and colours together would have drawn a place: multiple
-// importance sampling with the balance heuristic.
-float densityAt(const vk_Frame &frame, const vk_Vec &off, const vk_Vec &normal,
+// importance sampling with the balance heuristic. It is the facet that a ray meets, whatever
+// normal it is shaded with.
+float densityAt(const vk_Frame &frame, const vk_Vec &off, const vk_Vec &facet,
                 const Profile (&profiles)[3], const vk_Vec &shares)
 {
     float density = 0;
@@ -74,7 +84,7 @@ float densityAt(const vk_Frame &frame, const vk_Vec &off, const vk_Vec &normal,
         const vk_Frame axis = turned(frame, i);
         const vk_Vec local = axis.toLocal(off);
         const float r = std::sqrt(local.x * local.x + local.y * local.y);
-        const float facing = std::abs(vk_dot(axis.normal, normal)) * AXIS_SHARES[i];
+        const float facing = std::abs(vk_dot(axis.normal, facet)) * component(AXIS_SHARES, i);
         for (int colour = 0; colour < 3; ++colour)
             density += facing * component(shares, colour) * profiles[colour].density(r, distance);
     }
@@ -124,11 +134,10 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
         {scatter.x, furthest}, {scatter.y, furthest}, {scatter.z, furthest}};
     const vk_Vec shares = albedo * (1 / (albedo.x + albedo.y + albedo.z));
     const vk_Square choice = sampler.square(), place = sampler.square();
-    const int axis = choice.u < .8f ? 2 : choice.u < .9f ? 0 : 1;
-    int colour = 0;
-    float left = choice.v;
-    while (colour < 2 && left >= component(shares, colour))
-        left -= component(shares, colour++);
+    float left = choice.u;
+    const int axis = pick(AXIS_SHARES, left);
+    left = choice.v;
+    const int colour = pick(shares, left);
     const Profile &profile = profiles[colour];
     const float r = profile.sample(place.u);
     const float far2 = profile.most() * profile.most() - r * r;
@@ -149,7 +158,7 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
     }
     const vk_Vec off = entry.position - exit.position;
     const float distance = vk_length(off);
-    const float density = densityAt(frame, off, entry.normal, profiles, shares);
+    const float density = densityAt(frame, off, entry.facet, profiles, shares);
     weight = vk_Colour{vk_profile(distance, scatter.x), vk_profile(distance, scatter.y),
                        vk_profile(distance, scatter.z)} *
              (static_cast<float>(layers) / std::max(density, 1e-12f));
