@@ -25,22 +25,23 @@ namespace
 {
 enum Status { OK = 0, FAILED = 1, BAD_USAGE = 2 };
 
-// What is said goes to ninja behind tabs, which tells it from the rest of its lines.
+// What is said goes to ninja behind tabs, which tells it from the rest of its lines. The name
+// that people know is no part of the command, which ninja remembers.
 int runJob(const std::vector<std::string> &words)
 {
     // The cache's lock is thumbmake's and ninja's: a job that outlives them hinders nobody.
     close_range(STDERR_FILENO + 1, ~0U, 0);
     tm_Recipe recipe;
     std::string text;
-    if (words.size() != 6)
+    if (words.size() != 5)
         return tm_fail("--job is for ninja");
-    const tm_Item item = {words[4], words[1], words[3], words[2]};
+    const tm_Item item = {"", words[1], words[3], words[2]};
     const bool hasRecipe = tm_readFile(words[0], text) && tm_parseRecipe(text, recipe);
     const tm_Result result = hasRecipe ? tm_makePicture(item, recipe, words[0])
                                        : tm_Result{false, "cannot read " + words[0]};
     for (const std::string &line : tm_split(result.said, '\n'))
         if (!line.empty())
-            std::printf("\t%s: %s\n", item.name.c_str(), line.c_str());
+            std::printf("\t%s\n", line.c_str());
     return result.isGood ? OK : FAILED;
 }
 
@@ -62,6 +63,9 @@ public:
         const std::string here = std::filesystem::current_path(gone);
         if (gone)
             return tm_fail("the working folder: " + gone.message());
+        // Told before the pictures take their time.
+        if (!myOptions.page.empty() && !std::filesystem::is_directory(myOptions.page, gone))
+            return tm_fail(myOptions.page + ": no folder for the page");
         if (!myCache.open())
             return tm_fail(myCache.error());
         myLibrary = tm_findPalettes(myOptions, here, myCache.folder());

@@ -36,7 +36,7 @@ std::string rule(const std::string &cache, const std::string &recipeFile)
            "  command = exec " + // a shell that waits would keep the cache's lock
            tm_quoteForNinja(tm_quoteForShell(tm_findProgram("thumbmake")) + " --job " +
                             tm_quoteForShell(recipeFile)) +
-           " $in $out $picture $name $state\n"
+           " $in $out $picture $state\n"
            // Not in ninja's own log of these, which forgets what is not asked for now.
            "  depfile = $out.d\n"
            "  description = $title\n";
@@ -55,7 +55,6 @@ std::string edge(const tm_Item &item)
 {
     return "build " + tm_ninjaPath(item.stamp) + ": picture " + tm_ninjaPath(item.palette) +
            "\n  picture = " + tm_quoteForNinja(tm_quoteForShell(item.picture)) +
-           "\n  name = " + tm_quoteForNinja(tm_quoteForShell(item.name)) +
            "\n  state = " + stateOf(item.palette) +
            "\n  title = " + tm_quoteForNinja(TITLE + item.name) + "\n";
 }
@@ -170,8 +169,8 @@ bool parseStatus(const std::string &line, long &done, long &all, std::string &na
     return true;
 }
 
-// Sorts ninja's lines: how far it is, what jobs say (behind a tab), its own errors. Other
-// lines are the commands of jobs that failed.
+// Sorts ninja's lines: how far it is, what the job said whose end that was (behind a tab),
+// its own errors. Other lines are the commands of jobs that failed.
 class Listener
 {
 public:
@@ -183,7 +182,7 @@ public:
         long done = 0, all = 0;
         std::string name;
         if (startsWith(line, "\t")) {
-            onMessage(line.substr(1), inFailure);
+            onMessage(myName + ": " + line.substr(1), inFailure);
             hasSaid = true;
         } else if (startsWith(line, "FAILED: ")) {
             inFailure = true;
