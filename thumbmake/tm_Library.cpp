@@ -115,8 +115,8 @@ private:
             return report(item.name, "a control character in the name");
         struct stat info = {};
         if (stat(palette.c_str(), &info) != 0) // a link; ninja would stop at it
-            return report(item.name, errno == ENOENT ? "a link that leads nowhere"
-                                                     : std::strerror(errno));
+            return report(item.name,
+                          errno == ENOENT ? "a link that leads nowhere" : std::strerror(errno));
         if (info.st_mtime > myNow)
             myLibrary.warnings.push_back(tm_printable(item.name) +
                                          ": dated in the future, so made again each time");

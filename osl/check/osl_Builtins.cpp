@@ -184,7 +184,8 @@ osl_Function makeOverload(const osl_Builtin &row, std::string_view letters, char
         if (isResult)
             function.result = type;
         else
-            function.parameters.push_back({type, isOutput, letter == '?' || letter == '$', letter == '$'});
+            function.parameters.push_back(
+                {type, isOutput, letter == '?' || letter == '$', letter == '$'});
         isResult = isOutput = false;
     }
     return function;

@@ -27,8 +27,7 @@ TEST(Compiler, NamesWhatIsWrong)
          "struct s { float x; }; shader t() { s a; setmessage(\"a\", a); }",
          "t.osl:1: error: No matching function call to 'setmessage (string, struct s)'\n"
          "  Candidates are:\n    built-in\tvoid setmessage (string, <any>)\n"},
-        {"include of a file that cannot be read",
-         "#include \"/proc/self/mem\"\nshader t() { }",
+        {"include of a file that cannot be read", "#include \"/proc/self/mem\"\nshader t() { }",
          "t.osl:1: error: Unable to include \"/proc/self/mem\"\n"},
         {"no default", "shader t(float a) {}",
          "t.osl:1: error: shader parameter 'a' MUST be initialized\n"},

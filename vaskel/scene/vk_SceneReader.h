@@ -37,7 +37,8 @@ public:
 
 private:
     static constexpr std::size_t MOST_MESSAGES = 10;
-    static constexpr std::size_t MOST_SKIPPED = 1 << 28; // bytes, behind which no name is looked for
+    static constexpr std::size_t MOST_SKIPPED = 1
+                                                << 28; // bytes, behind which no name is looked for
     static constexpr std::size_t LONGEST_LINE = 1000000;
     static constexpr std::size_t LONGEST_SOURCE = 4 << 20; // of shaders, all together
 
