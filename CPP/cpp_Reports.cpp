@@ -2,10 +2,10 @@
 
 #include "CPP/CPP_File.h"
 #include "CPP/CPP_Stream.h"
-#include "CPP/cpp_Condition.h"
-#include "CPP/cpp_DirectiveWords.h"
-#include "CPP/cpp_Expander.h"
 #include "CPP/cpp_Text.h"
+#include "CPP/lines/cpp_DirectiveWords.h"
+#include "CPP/macros/cpp_Condition.h"
+#include "CPP/macros/cpp_Expander.h"
 
 #include <cstring>
 #include <iterator>

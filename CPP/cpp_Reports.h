@@ -5,7 +5,7 @@
 #pragma once
 
 #include "CPP/CPP_Message.h"
-#include "CPP/cpp_OutputLines.h"
+#include "CPP/lines/cpp_OutputLines.h"
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 // Line gathering: logical lines out of a stream in memory.
 #include "CPP/CPP_File.h"
 
-#include "CPP/cpp_DefStream.h"
+#include "CPP/files/cpp_DefStream.h"
 #include "UT/UT_IStream.h"
 #include "bench/floors.h"
 

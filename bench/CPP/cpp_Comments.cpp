@@ -1,5 +1,5 @@
 // Comment stripping: one line at a time, copied into the buffer that it changes.
-#include "CPP/cpp_Comments.h"
+#include "CPP/lines/cpp_Comments.h"
 
 #include "UT/UT_ScratchBuffer.h"
 #include "bench/floors.h"

@@ -1,9 +1,9 @@
 // Macro expansion: a line among 10,000 macros.
-#include "CPP/cpp_Expander.h"
+#include "CPP/macros/cpp_Expander.h"
 
 #include "CPP/CPP_File.h"
 #include "CPP/CPP_Manager.h"
-#include "CPP/cpp_DefStream.h"
+#include "CPP/files/cpp_DefStream.h"
 #include "bench/floors.h"
 
 namespace

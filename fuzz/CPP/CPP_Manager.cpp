@@ -1,7 +1,7 @@
 // Any text: without diagnostics there are as many lines out as in, and a file's
 // pieces are a stream's lines. Text that nothing in the language touches comes out
 // as it went in.
-#include "CPP/cpp_DefStream.h"
+#include "CPP/files/cpp_DefStream.h"
 #include "fuzz/fuzz.h"
 #include "tests/support/preprocessed.h"
 

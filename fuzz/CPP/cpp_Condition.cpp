@@ -1,5 +1,5 @@
 // Any expression has the value that its plain twin gives it, and a plain one has a value.
-#include "CPP/cpp_Condition.h"
+#include "CPP/macros/cpp_Condition.h"
 
 #include "fuzz/fuzz.h"
 #include "tests/support/PlainMacros.h"

@@ -1,7 +1,7 @@
 // Lines in, lines out: gathering, comments, directives, macros, options, markers and
 // include files.
 #include "CPP/CPP_Stream.h"
-#include "CPP/cpp_DefStream.h"
+#include "CPP/files/cpp_DefStream.h"
 #include "tests/support/Cases.h"
 #include "tests/support/Random.h"
 #include "tests/support/ScopedVariable.h"

@@ -3,9 +3,9 @@
 #include "tests/support/PlainMacros.h"
 
 #include "CPP/CPP_File.h"
-#include "CPP/cpp_Condition.h"
-#include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_Macro.h"
+#include "CPP/files/cpp_DefStream.h"
+#include "CPP/macros/cpp_Condition.h"
 #include "tests/support/Random.h"
 #include "tests/support/preprocessed.h"
 

@@ -1,4 +1,4 @@
-#include "CPP/cpp_Comments.h"
+#include "CPP/lines/cpp_Comments.h"
 
 #include "UT/UT_ScratchBuffer.h"
 #include "tests/support/preprocessed.h"

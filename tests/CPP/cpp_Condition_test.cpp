@@ -1,4 +1,4 @@
-#include "CPP/cpp_Condition.h"
+#include "CPP/macros/cpp_Condition.h"
 
 #include "tests/support/Cases.h"
 #include "tests/support/preprocessed.h"

@@ -1,4 +1,4 @@
-#include "CPP/cpp_DefStream.h"
+#include "CPP/files/cpp_DefStream.h"
 
 #include "UT/UT_IStream.h"
 #include "UT/UT_ScratchBuffer.h"

@@ -1,8 +1,8 @@
-#include "CPP/cpp_Expander.h"
+#include "CPP/macros/cpp_Expander.h"
 
 #include "CPP/CPP_File.h"
-#include "CPP/cpp_DefStream.h"
 #include "CPP/cpp_MacroTable.h"
+#include "CPP/files/cpp_DefStream.h"
 #include "UT/UT_ScratchBuffer.h"
 #include "tests/support/PlainReader.h"
 

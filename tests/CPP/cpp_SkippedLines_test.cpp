@@ -1,4 +1,4 @@
-#include "CPP/cpp_SkippedLines.h"
+#include "CPP/lines/cpp_SkippedLines.h"
 
 #include <gtest/gtest.h>
 #include <string>

@@ -1,11 +1,11 @@
-#include "CPP/cpp_SmallFiles.h"
+#include "CPP/files/cpp_SmallFiles.h"
 
 #include "CPP/cpp_Classes.h"
-#include "CPP/cpp_LineEnd.h"
 #include "CPP/cpp_MacroTable.h"
 #include "CPP/cpp_Runs.h"
-#include "CPP/cpp_SkippedLines.h"
 #include "CPP/cpp_Text.h"
+#include "CPP/lines/cpp_LineEnd.h"
+#include "CPP/lines/cpp_SkippedLines.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

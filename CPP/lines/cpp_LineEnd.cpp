@@ -1,4 +1,4 @@
-#include "CPP/cpp_LineEnd.h"
+#include "CPP/lines/cpp_LineEnd.h"
 
 #include "CPP/cpp_Classes.h"
 #include "CPP/cpp_Runs.h"

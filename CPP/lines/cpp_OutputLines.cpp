@@ -1,4 +1,4 @@
-#include "CPP/cpp_OutputLines.h"
+#include "CPP/lines/cpp_OutputLines.h"
 
 #include "CPP/CPP_File.h"
 

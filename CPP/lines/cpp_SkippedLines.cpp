@@ -1,10 +1,10 @@
-#include "CPP/cpp_SkippedLines.h"
+#include "CPP/lines/cpp_SkippedLines.h"
 
 #include "CPP/CPP_File.h"
 #include "CPP/cpp_Classes.h"
-#include "CPP/cpp_Condition.h"
-#include "CPP/cpp_LineEnd.h"
 #include "CPP/cpp_Runs.h"
+#include "CPP/lines/cpp_LineEnd.h"
+#include "CPP/macros/cpp_Condition.h"
 
 #include <cstddef>
 #include <string>

@@ -1,8 +1,8 @@
 #include "CPP/CPP_File.h"
 
 #include "CPP/CPP_Stream.h"
-#include "CPP/cpp_DirectiveWords.h"
 #include "CPP/cpp_Text.h"
+#include "CPP/lines/cpp_DirectiveWords.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "CPP/cpp_DirectiveWords.h"
+#include "CPP/lines/cpp_DirectiveWords.h"
 
 using Word = cpp_DirectiveWord;
 

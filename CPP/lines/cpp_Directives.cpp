@@ -1,12 +1,12 @@
 // Stage "direct": the lines that start with '#'.
 #include "CPP/CPP_Manager.h"
 
-#include "CPP/cpp_Condition.h"
-#include "CPP/cpp_DirectiveWords.h"
-#include "CPP/cpp_OpenedFiles.h"
-#include "CPP/cpp_OutputLines.h"
 #include "CPP/cpp_Reports.h"
 #include "CPP/cpp_Text.h"
+#include "CPP/files/cpp_OpenedFiles.h"
+#include "CPP/lines/cpp_DirectiveWords.h"
+#include "CPP/lines/cpp_OutputLines.h"
+#include "CPP/macros/cpp_Condition.h"
 #include "UT/UT_Environment.h"
 #include "UT/UT_ExpandVariables.h"
 

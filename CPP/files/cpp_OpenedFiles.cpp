@@ -1,4 +1,4 @@
-#include "CPP/cpp_OpenedFiles.h"
+#include "CPP/files/cpp_OpenedFiles.h"
 
 #include <climits>
 #include <cstdlib>

@@ -1,9 +1,9 @@
-#include "CPP/cpp_QuietLines.h"
+#include "CPP/lines/cpp_QuietLines.h"
 
 #include "CPP/cpp_Classes.h"
-#include "CPP/cpp_LineEnd.h"
 #include "CPP/cpp_MacroTable.h"
 #include "CPP/cpp_Runs.h"
+#include "CPP/lines/cpp_LineEnd.h"
 
 #include <cstring>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "CPP/cpp_Condition.h"
+#include "CPP/macros/cpp_Condition.h"
 
 #include "CPP/cpp_Classes.h"
 #include "CPP/cpp_MacroTable.h"

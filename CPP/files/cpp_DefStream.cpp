@@ -1,6 +1,6 @@
-#include "CPP/cpp_DefStream.h"
+#include "CPP/files/cpp_DefStream.h"
 
-#include "CPP/cpp_SmallFiles.h"
+#include "CPP/files/cpp_SmallFiles.h"
 #include "UT/UT_IStream.h"
 #include "UT/UT_ScratchBuffer.h"
 

@@ -1,4 +1,4 @@
-#include "CPP/cpp_Expander.h"
+#include "CPP/macros/cpp_Expander.h"
 
 #include "CPP/CPP_File.h"
 #include "CPP/cpp_Classes.h"

@@ -4,7 +4,7 @@
 // Most of what is skipped are definitions, other conditionals and comments.
 #pragma once
 
-#include "CPP/cpp_DirectiveWords.h"
+#include "CPP/lines/cpp_DirectiveWords.h"
 
 #include <string_view>
 
