@@ -105,7 +105,7 @@ INPUTS = {  # name: maker, size, how fast we must be, and want to be
     "definitions-20MB": (definitions, 20 * MB, 1, 1.5),
     "skipped-defs-20MB": (skipped_definitions, 20 * MB, 1, 1.5),
     "documented-5MB": (documented_definitions, 5 * MB, 1, 1.5),
-    "elifs-7MB": (elifs, 7 * MB, 0, 1),
+    "elifs-7MB": (elifs, 7 * MB, 1, 1.2),
     "searched-2000x5": (searched_headers, 2000, 1, 1.5),
     "scene-4KB": (short_lines, 4000, 1 / 2, 1 / 1.5),
 }

@@ -6,7 +6,9 @@
 #include "CPP/lines/cpp_LineEnd.h"
 #include "CPP/macros/cpp_Condition.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <string>
 
 namespace
@@ -43,6 +45,32 @@ void readEnd(bool strips, const char *text, const char *end, cpp_SkippedLine &li
     line.condition = {text, static_cast<size_t>(ending.stop - text)};
 }
 
+// Where the whole lines of a block end, behind which a part of another may follow. A newline
+// that is far from the end is not looked for: that would be done again at each line for the
+// stages. None of the lines counts then.
+const char *wholeLinesEnd(const char *block, const char *end)
+{
+    constexpr std::ptrdiff_t FAR = 4096;
+    const auto room = static_cast<size_t>(std::min(FAR, end - block));
+    const void *newline = room > 0 ? memrchr(end - room, '\n', room) : nullptr;
+    return newline != nullptr ? static_cast<const char *>(newline) + 1 : block;
+}
+
+// The newline of an #elif whose condition is plain, null for other lines.
+// REQUIRES: whole lines
+const char *plainBranchEnd(const cpp_MacroTable &macros, const char *line, const char *end)
+{
+    constexpr std::string_view WORD = "elif";
+    const char *sign = skipInLine(line, end);
+    if (*sign != '#')
+        return nullptr;
+    const char *word = skipInLine(sign + 1, end);
+    const auto room = static_cast<size_t>(end - word);
+    const bool isBranch = room > WORD.size() && UTisSpace(word[WORD.size()]) &&
+                          std::memcmp(word, WORD.data(), WORD.size()) == 0;
+    return isBranch ? plainConditionEnd(macros, word + WORD.size(), end) : nullptr;
+}
+
 // Takes lines of one block of memory. They are counted late, in the file: nearly all do
 // without a number, and calls for each would cost as much as the line.
 class Skipper
@@ -58,6 +86,7 @@ public:
         int available;
         myNext = myCounted = myFile.peek(available);
         const char *const end = myNext != nullptr ? myNext + available : nullptr;
+        myWholeEnd = wholeLinesEnd(myNext, end);
         // The next block may be long in coming.
         while (myNext < end && myLines < MOST_LINES && myFile.isSkipping() && takeLine(end)) {
         }
@@ -89,12 +118,12 @@ private:
             pass(behind, countLines(myNext, behind));
             return true;
         }
+        if (takeLateBranches())
+            return true;
         cpp_SkippedLine line;
         const char *text = readWord(myNext, end, line);
         if (text == nullptr)
             return false;
-        if (takeLateBranch(line, text, end))
-            return true;
         readEnd(isStripping, text, end, line);
         int value = 0;
         if (line.end == nullptr || (line.is(CPP_ELIF) && !evaluate(line.condition, value)))
@@ -107,15 +136,19 @@ private:
         return true;
     }
 
-    // An #elif behind the branch that was taken, of which some texts have long lists.
-    bool takeLateBranch(const cpp_SkippedLine &line, const char *condition, const char *end)
+    // Those #elif behind the branch that was taken, of which some texts have long lists.
+    bool takeLateBranches()
     {
-        if (!line.is(CPP_ELIF) || !myFile.isDecided())
+        if (!myFile.isDecided())
             return false;
-        const char *newline = plainConditionEnd(myMacros, condition, end);
-        if (newline != nullptr)
+        const char *first = myNext;
+        while (myNext < myWholeEnd && myLines < MOST_LINES) {
+            const char *newline = plainBranchEnd(myMacros, myNext, myWholeEnd);
+            if (newline == nullptr)
+                break;
             pass(newline + 1, 1);
-        return newline != nullptr;
+        }
+        return myNext != first;
     }
 
     void apply(const cpp_DirectiveWord &directive, int value)
@@ -140,6 +173,7 @@ private:
     bool isStripping;
     const char *myNext = nullptr;
     const char *myCounted = nullptr; // in the file, up to there
+    const char *myWholeEnd = nullptr;
     int myLines = 0;
     int myUncounted = 0;
     std::string myCondition;

@@ -2,7 +2,6 @@
 
 #include "CPP/cpp_Classes.h"
 #include "CPP/cpp_MacroTable.h"
-#include "CPP/cpp_Runs.h"
 #include "UT/UT_String.h"
 
 #include <algorithm>
@@ -41,8 +40,7 @@ struct Operator {
     Apply apply;
 };
 
-// The first row that the text starts with is the token. Rows that begin with the same
-// character stand together, longer ones first.
+// Of two rows that a text starts with, the longer one is the token.
 constexpr Operator OPERATORS[] = {
     {"&&", 7, INFIX, [](int64_t a, int64_t b) -> int32_t { return a != 0 && b != 0; }},
     {"&", 6, INFIX, [](int64_t a, int64_t b) { return wrap(a & b); }},
@@ -66,17 +64,49 @@ constexpr Operator OPERATORS[] = {
     {")", 0, CLOSE, nullptr},
 };
 
-// The row that a character may begin, by the character; the number of rows for others.
-constexpr std::array<unsigned char, 256> firstRows()
+// The rows that a character begins. Where there is no pair it is the single one's row, so
+// that either answer is right.
+struct Rows {
+    char second = '\0'; // of the pair
+    unsigned char pair = std::size(OPERATORS);
+    unsigned char single = std::size(OPERATORS); // their number: none
+};
+
+constexpr std::array<Rows, 256> rowsByCharacter()
 {
-    std::array<unsigned char, 256> rows{};
-    for (unsigned char &row : rows)
-        row = std::size(OPERATORS);
-    for (size_t i = std::size(OPERATORS); i-- > 0;)
-        rows[static_cast<unsigned char>(OPERATORS[i].text[0])] = static_cast<unsigned char>(i);
+    std::array<Rows, 256> rows{};
+    for (size_t i = 0; i < std::size(OPERATORS); ++i) {
+        const std::string_view text = OPERATORS[i].text;
+        Rows &its = rows[static_cast<unsigned char>(text[0])];
+        if (text.size() == 2)
+            its.second = text[1];
+        (text.size() == 2 ? its.pair : its.single) = static_cast<unsigned char>(i);
+    }
+    for (Rows &its : rows)
+        its.pair = its.second == '\0' ? its.single : its.pair;
     return rows;
 }
-constexpr std::array<unsigned char, 256> FIRST_ROWS = firstRows();
+constexpr std::array<Rows, 256> ROWS = rowsByCharacter();
+
+// Null when the text starts with none. REQUIRES: a character in front of its end
+constexpr const Operator *findOperator(const char *text)
+{
+    if (text[0] == '-' && UTisDigit(text[1]))
+        return nullptr;
+    const Rows &its = ROWS[static_cast<unsigned char>(text[0])];
+    const size_t row = text[1] == its.second ? its.pair : its.single;
+    return row < std::size(OPERATORS) ? &OPERATORS[row] : nullptr;
+}
+
+constexpr bool findsEachOperator()
+{
+    for (const Operator &op : OPERATORS) {
+        if (findOperator(op.text.data()) != &op)
+            return false;
+    }
+    return true;
+}
+static_assert(findsEachOperator(), "a character begins one pair at most");
 
 // A long that is as wide as on a 32-bit machine.
 int32_t parseNumber(const std::string &digits, int base)
@@ -297,7 +327,9 @@ const OperandReader::Function OperandReader::FUNCTIONS[4] = {
 
 bool OperandReader::isFunction(std::string_view name)
 {
-    const auto isIts = [name](const Function &function) { return name == function.name; };
+    const auto isIts = [name](const Function &function) {
+        return name[0] == function.name[0] && name == function.name;
+    };
     return std::any_of(std::begin(FUNCTIONS), std::end(FUNCTIONS), isIts);
 }
 
@@ -407,20 +439,6 @@ private:
     Stack<const Operator *> myOperators;
     bool expectsOperand = true;
 };
-
-const Operator *findOperator(const char *text)
-{
-    if (text[0] == '-' && UTisDigit(text[1]))
-        return nullptr;
-    for (size_t i = FIRST_ROWS[static_cast<unsigned char>(*text)]; i < std::size(OPERATORS); ++i) {
-        const Operator &op = OPERATORS[i];
-        if (text[0] != op.text[0])
-            return nullptr;
-        if (op.text.size() == 1 || text[1] == op.text[1])
-            return &op;
-    }
-    return nullptr;
-}
 } // namespace
 
 int evaluateCondition(const cpp_MacroTable &macros, const char *text, cpp_ConditionFault *fault)
@@ -456,8 +474,9 @@ int evaluateCondition(const cpp_MacroTable &macros, const char *text, cpp_Condit
 
 namespace
 {
-// Passes operands and operators in turn. Every take function gives false at what is not one
-// of the common forms.
+// Passes operands and operators in turn. The newline that ends the line is part of none of
+// them, so nearly nothing has to ask where the text ends. Every pass function gives false at
+// what is not one of the common forms.
 class Passer
 {
 public:
@@ -469,27 +488,23 @@ public:
     // The newline behind them; null when they do not end there as an expression.
     const char *passAll()
     {
-        bool expectsOperand = true;
-        while (expectsOperand ? passOperand() : passOperator())
-            expectsOperand = !expectsOperand;
-        return !expectsOperand && myDepth == 0 && next() == '\n' ? myText : nullptr;
+        while (passOperand()) {
+            if (!passOperator())
+                return myDepth == 0 && *myText == '\n' ? myText : nullptr;
+        }
+        return nullptr;
     }
 
 private:
     void skip()
     {
-        while (myText < myEnd && (*myText == ' ' || *myText == '\t'))
+        while (*myText == ' ' || *myText == '\t')
             ++myText;
     }
-    bool takeBehindBlanks(char c)
-    {
-        skip();
-        return take(c);
-    }
-    char next() const { return myText < myEnd ? *myText : '\0'; }
+
     bool take(char c)
     {
-        const bool isNext = next() == c;
+        const bool isNext = *myText == c;
         myText += isNext ? 1 : 0;
         return isNext;
     }
@@ -497,8 +512,8 @@ private:
     std::string_view takeName()
     {
         const char *name = myText;
-        if (UTisNameStart(next()))
-            myText = nameEnd(name, myEnd);
+        if (isOf(CPP_NAME_START, *name))
+            myText = skipName(name);
         const auto length = static_cast<size_t>(myText - name);
         return {name, length <= MAX_NAME ? length : 0};
     }
@@ -506,16 +521,21 @@ private:
     // A decimal number, defined(NAME), or a name that is no macro and so stands for 0.
     bool passOperand()
     {
-        while (takeBehindBlanks('!') || take('('))
-            myDepth += myText[-1] == '(' ? 1 : 0;
-        if (UTisDigit(next()))
+        for (skip(); !isOf(CPP_NAME, *myText); skip()) {
+            if (take('('))
+                ++myDepth;
+            else if (!take('!'))
+                return false;
+        }
+        if (UTisDigit(*myText))
             return passNumber();
         if (takeDefined())
-            return !takeName().empty() && takeBehindBlanks(')');
+            return passArgument();
         const std::string_view name = takeName();
         return !name.empty() && !myMacros.holds(name) && !OperandReader::isFunction(name);
     }
 
+    // At once, since most names in conditions are this one.
     bool takeDefined()
     {
         constexpr std::string_view FORM = "defined(";
@@ -526,23 +546,33 @@ private:
         return isNext;
     }
 
-    bool passNumber()
+    bool passArgument()
     {
-        const bool isZero = take('0');
-        while (!isZero && UTisDigit(next()))
-            ++myText;
-        return !UTisNameCharacter(next());
+        if (takeName().empty())
+            return false;
+        skip();
+        return take(')');
     }
 
+    // A zero in front of other digits makes it octal.
+    bool passNumber()
+    {
+        const char *number = myText;
+        while (UTisDigit(*myText))
+            ++myText;
+        const bool isDecimal = *number != '0' || myText - number == 1;
+        return isDecimal && !isOf(CPP_NAME, *myText);
+    }
+
+    // False also at the end of the expression.
     bool passOperator()
     {
-        while (takeBehindBlanks(')'))
+        for (skip(); take(')'); skip())
             --myDepth;
-        const bool isAtEnd = myEnd - myText < 2 || *myText == '\n';
-        if (isAtEnd || myDepth < 0 || *myText == '(')
+        if (*myText == '\n')
             return false;
         const Operator *op = findOperator(myText);
-        if (op == nullptr || op->kind != INFIX)
+        if (op == nullptr || op->kind != INFIX || myDepth < 0)
             return false;
         myText += op->text.size();
         return true;

@@ -32,5 +32,6 @@ struct cpp_ConditionFault {
 // The newline behind the condition at the front of a text, where that is surely an expression
 // which there is nothing to tell about: enough when its value does not matter. Null for less
 // common forms as well: those have to be evaluated.
+// REQUIRES: a newline in front of `end`
 [[nodiscard]] const char *plainConditionEnd(const cpp_MacroTable &macros, const char *text,
                                             const char *end);
