@@ -518,7 +518,7 @@ private:
         return {name, length <= MAX_NAME ? length : 0};
     }
 
-    // A decimal number, defined(NAME), or a name that is no macro and so stands for 0.
+    // A number of digits, defined(NAME), or a name that is no macro and so stands for 0.
     bool passOperand()
     {
         for (skip(); !isOf(CPP_NAME, *myText); skip()) {
@@ -554,14 +554,11 @@ private:
         return take(')');
     }
 
-    // A zero in front of other digits makes it octal.
     bool passNumber()
     {
-        const char *number = myText;
         while (UTisDigit(*myText))
             ++myText;
-        const bool isDecimal = *number != '0' || myText - number == 1;
-        return isDecimal && !isOf(CPP_NAME, *myText);
+        return !isOf(CPP_NAME, *myText);
     }
 
     // False also at the end of the expression.

@@ -23,10 +23,16 @@ TEST(Condition, IsPlainInItsCommonForms)
         EXPECT_TRUE(newline == nullptr || newline == end - 1);
         return newline != nullptr;
     };
-    for (const char *text : {"0", " X", "defined(A) && VALUE2 > 3 ", "!defined(A )\t||((B)==10)"})
+    for (const char *text :
+         {"0", " X", "010", "defined(A) && VALUE2 > 3 ", "!defined(A )\t||((B)==10)"})
         EXPECT_TRUE(isPlain(text)) << text;
     for (const char *text :
          {"", "1 +", "(1", "1)", "1)+(1", "X(1)", "E", "3 -5", "!=1", "1 2", "1 !2", "0X1", "09L",
           "defined A", "defined()", "access", "defined( A)"})
         EXPECT_FALSE(isPlain(text)) << text;
+    const std::string longest(1024, 'X');
+    for (const std::string &text : {longest, "defined(" + longest + ")"})
+        EXPECT_TRUE(isPlain(text));
+    for (const std::string &text : {longest + "X", "defined(" + longest + "X)"})
+        EXPECT_FALSE(isPlain(text)) << "what is too long is two operands";
 }
