@@ -145,7 +145,7 @@ TEST(Preprocessor, GuardedFilesAreReadAnewWithTheSameResult)
         const std::string text = random.oneOf({"", "/* c\n */\n", "\n// c\n", "x\n", "/*"}) +
                                  "#ifndef G\n" + random.oneOf({"#define G\n", "\n"}) +
                                  random.text(SKIPPED, 4) + "#endif" +
-                                 random.oneOf({"\n", " // G\n", "", "\n/* c */\n", "\nx\n"});
+                                 random.oneOf({"\n", " // G\n", "", "\n ", "\n/* c */\n", "\nx\n"});
         folder.write("g.h", text);
         for (const char *options : {"", "-P", "-P -h", "-P -C", "-P -c"}) {
             CPP_Manager manager;

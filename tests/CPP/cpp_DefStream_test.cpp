@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <thread>
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -58,6 +59,37 @@ TEST(DefStream, OpensNoFolderAndThenHasNoSource)
     for (const char *path : {"/", "/no/such/file"}) {
         EXPECT_FALSE(stream.open(path) || stream.isOpen());
         EXPECT_EQ("", linesOf(stream));
+    }
+}
+
+// Puts a folder, which cannot be read, behind the descriptor opened last.
+static void breakDescriptor(int descriptor)
+{
+    const int folder = open("/", O_RDONLY);
+    ASSERT_EQ(descriptor, dup2(folder, descriptor));
+    close(folder);
+}
+
+TEST(DefStream, GivesNoPartOfALineThatCannotBeReadToItsEnd)
+{
+    const ScratchDirectory folder;
+    const std::string path = folder.write("in", "a\nb");
+    for (const bool isLent : {false, true}) {
+        FILE *fp = std::fopen(path.c_str(), "rb");
+        const int next = dup(fileno(fp));
+        close(next);
+        cpp_DefStream stream;
+        if (isLent)
+            stream.setFile(fp);
+        else
+            ASSERT_TRUE(stream.open(path.c_str()));
+        UT_ScratchBuffer line;
+        ASSERT_TRUE(stream.readLine(line));
+        EXPECT_STREQ("a", line.buffer());
+        breakDescriptor(isLent ? fileno(fp) : next);
+        EXPECT_EQ("", linesOf(stream));
+        EXPECT_STREQ("Is a directory", stream.readError());
+        std::fclose(fp);
     }
 }
 

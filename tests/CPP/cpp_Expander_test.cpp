@@ -47,3 +47,27 @@ TEST(Expander, ReplacesMacrosAndTellsWhatItTook)
     EXPECT_TRUE(expander.isPlain("C 'A' 1", 7));
     EXPECT_FALSE(expander.isPlain("C A", 3));
 }
+
+// A line is bounded in what its macros may stand for, and a longer one later.
+TEST(Expander, ALongLineMayStandForMore)
+{
+    std::string thousand = "M";
+    for (int i = 0; i < 1000; ++i)
+        thousand += " E";
+    cpp_MacroTable macros;
+    for (const std::string &definition : {std::string("E"), thousand})
+        macros.define(definition.c_str(), false);
+    std::string text;
+    for (int i = 0; i < 2100; ++i)
+        text += "M ";
+    cpp_Expander expander(macros);
+    auto *file = new CPP_File(new cpp_DefStream);
+    for (const size_t further : {0u, 100000u}) {
+        text.append(further, '1');
+        UT_ScratchBuffer out;
+        EXPECT_EQ(further > 0,
+                  expander.expand(*file, text.c_str(), static_cast<int>(text.size()), 0, out));
+    }
+    EXPECT_STREQ("Macro recursion limit reached", expander.message());
+    file->release();
+}
