@@ -70,18 +70,18 @@ int osl_ClosureArena::product(int closure, const osl_Colour &weight)
 
 void osl_ClosureArena::flatten(int closure, std::vector<OSL_ClosureComponent> &components) const
 {
-    std::vector<std::pair<int, osl_Colour>> open{{closure, {1, 1, 1}}};
-    while (!open.empty()) {
-        const auto [handle, weight] = open.back();
-        open.pop_back();
+    myOpen.assign(1, {closure, {1, 1, 1}});
+    while (!myOpen.empty()) {
+        const auto [handle, weight] = myOpen.back();
+        myOpen.pop_back();
         if (handle == 0)
             continue;
         const Node &at = node(handle);
         const osl_Colour scaled = weight * at.weight;
         if (at.kind == Node::SUM)
-            open.emplace_back(at.b, weight);
+            myOpen.emplace_back(at.b, weight);
         if (at.kind != Node::COMPONENT)
-            open.emplace_back(at.a, scaled);
+            myOpen.emplace_back(at.a, scaled);
         else
             components.push_back({at.row, weight, &myWords[static_cast<size_t>(at.a)]});
     }

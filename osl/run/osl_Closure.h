@@ -42,4 +42,5 @@ private:
 
     std::vector<Node> myNodes; // by handle, from 1
     std::vector<int> myWords;
+    mutable std::vector<std::pair<int, osl_Colour>> myOpen; // of flatten(), kept for its memory
 };

@@ -247,6 +247,22 @@ TEST(Renderer, WhatLetsAllLightPassLeavesHighlightsAsTheyAre)
     }
 }
 
+// Neither for who looks through it nor for light, whatever shadows of glass are.
+TEST(Renderer, AHoleIsNotThere)
+{
+    const std::string hole = "source hole.osl\nshader hole(output color c = 0) {}\nendsource\n"
+                             "surface hole.osl show 0 as opacity\n" +
+                             BALL;
+    for (const std::string floor :
+         {"floor v_metal color .2 rough .3\n", "shadow v_rayshadow color .5\nfloor v_metal\n",
+          "shadow v_filtershadow filter 0\nfloor v_plastic rough .3\n",
+          "surface v_matte\ntranslate 0 1 -2.5\nsphere radius .4\nidentity\nfloor v_matte\n"}) {
+        const vk_Film alone = drawAll(mirrorRoom(".5", floor), 2, 64);
+        EXPECT_GT(meanOf(alone, 0, 0, 1, 1), 20) << floor;
+        EXPECT_LT(differenceOf(alone, drawAll(mirrorRoom(".5", floor + hole), 2, 64)), 8) << floor;
+    }
+}
+
 // Where it is so dim that twice as much would show.
 TEST(Renderer, LightThroughGlassCountsOnce)
 {

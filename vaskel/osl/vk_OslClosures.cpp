@@ -2,28 +2,18 @@
 
 #include "vaskel/scatter/vk_Microfacet.h"
 
+#include <cstring>
+
 namespace
 {
 // A shader could nest them for ever.
-constexpr int MOST_LAYERS = 8; // of closures inside closures
-constexpr float AIR = 1.003f;  // glass needs an index of refraction other than 1
+constexpr int MOST_LAYERS = 8;      // of closures inside closures
+constexpr float LEAST_IOR = 1.003f; // what has none is no glass
 constexpr float LEAST = 1e-6f;
 
 vk_Colour colourOf(const osl_Colour &c)
 {
     return {c.x, c.y, c.z};
-}
-
-vk_Colour colourOf(const OSL_ClosureComponent &component, const char *name, const vk_Colour &other)
-{
-    const float *const found = component.floats(name);
-    return found == nullptr ? other : vk_Colour{found[0], found[1], found[2]};
-}
-
-float numberOf(const OSL_ClosureComponent &component, const char *name, float other)
-{
-    const float *const found = component.floats(name);
-    return found == nullptr ? other : found[0];
 }
 
 vk_Colour clamped(const vk_Colour &c)
@@ -37,39 +27,6 @@ vk_Colour notNegative(const vk_Colour &c)
     return {std::max(c.x, 0.0f), std::max(c.y, 0.0f), std::max(c.z, 0.0f)};
 }
 
-// Widths of a lobe along and across, perceptual. A closure tells one of several things.
-struct Widths {
-    float along, across;
-};
-
-Widths widthsOf(const OSL_ClosureComponent &c)
-{
-    static const struct {
-        const char *along, *across;
-        bool isAlpha; // the width of the distribution, the square of the roughness
-    } NAMES[] = {
-        {"xalpha", "yalpha", true},
-        {"xrough", "yrough", true},
-        {"roughness_x", "roughness_y", false},
-        {"alpha", "alpha", true},
-        {"roughness", "roughness", false},
-    };
-    for (const auto &row : NAMES) {
-        if (c.floats(row.along) == nullptr)
-            continue;
-        const Widths w = {std::clamp(*c.floats(row.along), 0.0f, 1.0f),
-                          std::clamp(*c.floats(row.across), 0.0f, 1.0f)};
-        return row.isAlpha ? Widths{std::sqrt(w.along), std::sqrt(w.across)} : w;
-    }
-    if (c.floats("exponent") == nullptr)
-        return {0, 0};
-    // The lobe of Blinn and Phong that is as wide.
-    // Where both their peaks fall as fast: 2 / (exponent + 2) is the square of alpha.
-    const float exponent = std::max(*c.floats("exponent"), 0.0f);
-    const float rough = std::pow(2 / (exponent + 2), .25f);
-    return {rough, rough};
-}
-
 // How much is reflected straight on by a metal of complex index n + ik.
 // Fresnel's formula for a complex index, at a cosine of 1.
 float reflectanceOfMetal(float n, float k)
@@ -78,6 +35,37 @@ float reflectanceOfMetal(float n, float k)
     return ((n - 1) * (n - 1) + k2) / std::max((n + 1) * (n + 1) + k2, LEAST);
 }
 } // namespace
+
+// In the order of their numbers.
+const char *const vk_OslClosures::PARAMETERS[COUNT] = {
+    "albedo",
+    "alpha",
+    "base",
+    "emittance",
+    "eta",
+    "exponent",
+    "extinction",
+    "f0",
+    "f90",
+    "ior",
+    "k",
+    "mfp",
+    "N",
+    "radius",
+    "reflection_tint",
+    "refract",
+    "roughness",
+    "roughness_x",
+    "roughness_y",
+    "sigma",
+    "top",
+    "transmission_depth",
+    "transmission_tint",
+    "xalpha",
+    "xrough",
+    "yalpha",
+    "yrough",
+};
 
 // Closures that this renderer has no lobe for go to the nearest that it has: a shader written
 // for another renderer shows something like itself rather than black.
@@ -130,7 +118,7 @@ vk_Material vk_clearAir(const vk_Colour &passes)
 {
     vk_Material air;
     air.clear = clamped(passes);
-    air.ior = AIR;
+    air.ior = 1;
     air.rough = 0;
     return air;
 }
@@ -202,7 +190,65 @@ void vk_OslClosures::fillGlass(float share, vk_Material &material) const
     material.rough = myGlass.mean(myGlass.rough);
     // Below 1 the shader had turned it over, above 4 there is no such glass.
     const float ior = std::clamp(myGlass.mean(myGlass.ior), 1.0f, 4.0f);
-    material.ior = std::max(ior, AIR);
+    material.ior = std::max(ior, LEAST_IOR);
+}
+
+// By names only once: points ask for the same few closures again and again.
+const vk_OslClosures::Kind &vk_OslClosures::kindOf(const OSL_ClosureComponent &component)
+{
+    for (const Kind &kind : myKinds)
+        if (kind.closure == component.closure)
+            return kind;
+    Kind made = {component.closure, nullptr, component.name() == "layer", {}};
+    for (const Row &row : ROWS)
+        if (component.name() == row.name)
+            made.add = row.add;
+    for (int i = 0; i < COUNT; ++i) {
+        const int32_t *const values = component.ints(PARAMETERS[i]);
+        made.at[i] = values == nullptr ? -1 : static_cast<int>(values - component.words);
+    }
+    myKinds.push_back(made);
+    return myKinds.back();
+}
+
+float vk_OslClosures::Lobe::number(Parameter parameter) const
+{
+    float value = 0;
+    std::memcpy(&value, ints(parameter), sizeof value);
+    return value;
+}
+
+vk_Vec vk_OslClosures::Lobe::triple(Parameter parameter) const
+{
+    float values[3];
+    std::memcpy(values, ints(parameter), sizeof values);
+    return {values[0], values[1], values[2]};
+}
+
+// A closure tells one of several things.
+vk_OslClosures::Widths vk_OslClosures::widthsOf(const Lobe &lobe)
+{
+    static const struct {
+        Parameter along, across;
+        bool isAlpha; // the width of the distribution, the square of the roughness
+    } WAYS[] = {
+        {XALPHA, YALPHA, true}, {XROUGH, YROUGH, true},        {ROUGHNESS_X, ROUGHNESS_Y, false},
+        {ALPHA, ALPHA, true},   {ROUGHNESS, ROUGHNESS, false},
+    };
+    for (const auto &way : WAYS) {
+        if (!lobe.has(way.along))
+            continue;
+        const Widths w = {std::clamp(lobe.number(way.along), 0.0f, 1.0f),
+                          std::clamp(lobe.number(way.across), 0.0f, 1.0f)};
+        return way.isAlpha ? Widths{std::sqrt(w.along), std::sqrt(w.across)} : w;
+    }
+    if (!lobe.has(EXPONENT))
+        return {0, 0};
+    // The lobe of Blinn and Phong that is as wide.
+    // Where both their peaks fall as fast: 2 / (exponent + 2) is the square of alpha.
+    const float exponent = std::max(lobe.number(EXPONENT), 0.0f);
+    const float rough = std::pow(2 / (exponent + 2), .25f);
+    return {rough, rough};
 }
 
 void vk_OslClosures::addAll(int32_t closure, const vk_Colour &factor, int depth)
@@ -212,43 +258,42 @@ void vk_OslClosures::addAll(int32_t closure, const vk_Colour &factor, int depth)
     // All at once: a vector that grew below would move the one that is walked here.
     if (myComponents.size() <= static_cast<std::size_t>(depth))
         myComponents.resize(MOST_LAYERS);
-    std::vector<Component> &components = myComponents[static_cast<std::size_t>(depth)];
+    std::vector<OSL_ClosureComponent> &components = myComponents[static_cast<std::size_t>(depth)];
     myContext.flatten(closure, components);
-    for (const Component &component : components) {
+    for (const OSL_ClosureComponent &component : components) {
         const vk_Colour weight = notNegative(factor * colourOf(component.weight));
-        if (component.name() == "layer") {
+        const Kind &kind = kindOf(component);
+        const Lobe lobe(kind, component.words);
+        if (kind.isLayer) {
             // What the top reflects the base does not get: the material sees to that.
-            addAll(*component.ints("top"), weight, depth + 1);
-            addAll(*component.ints("base"), weight, depth + 1);
-            continue;
+            addAll(*lobe.ints(TOP), weight, depth + 1);
+            addAll(*lobe.ints(BASE), weight, depth + 1);
+        } else if (kind.add != nullptr) {
+            (this->*kind.add)(lobe, weight);
         }
-        for (const Row &row : ROWS)
-            if (component.name() == row.name)
-                (this->*row.add)(component, weight);
     }
 }
 
 // Closures have normals of their own; a material has one.
-void vk_OslClosures::bend(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::bend(const Lobe &lobe, const vk_Colour &weight)
 {
-    const float *const n = component.floats("N");
-    if (n != nullptr)
+    if (lobe.has(NORMAL))
         // Those that are seen most have most to say.
-        myNormals += vk_normalize({n[0], n[1], n[2]}) * vk_luminance(weight);
+        myNormals += vk_normalize(lobe.triple(NORMAL)) * vk_luminance(weight);
 }
 
-void vk_OslClosures::addDiffuse(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addDiffuse(const Lobe &lobe, const vk_Colour &weight)
 {
-    const vk_Colour colour = weight * colourOf(component, "albedo", vk_grey(1));
+    const vk_Colour colour = weight * lobe.colour(ALBEDO, vk_grey(1));
     myDiffuse += colour;
-    bend(component, colour);
+    bend(lobe, colour);
 }
 
-void vk_OslClosures::addSubsurface(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addSubsurface(const Lobe &lobe, const vk_Colour &weight)
 {
-    addDiffuse(component, weight);
-    const vk_Colour radius = colourOf(component, "radius", colourOf(component, "mfp", vk_Colour{}));
-    const float depth = numberOf(component, "transmission_depth", 0);
+    addDiffuse(lobe, weight);
+    const vk_Colour radius = lobe.colour(RADIUS, lobe.colour(MFP, vk_Colour{}));
+    const float depth = lobe.number(TRANSMISSION_DEPTH, 0);
     // Closures call it by several names.
     const vk_Colour reach = vk_largest(radius) > 0 ? radius : vk_grey(depth);
     myScatter = {std::max(myScatter.x, std::min(reach.x, 1.0f)),
@@ -256,10 +301,9 @@ void vk_OslClosures::addSubsurface(const Component &component, const vk_Colour &
                  std::max(myScatter.z, std::min(reach.z, 1.0f))};
 }
 
-void vk_OslClosures::addBoundary(const Component &component, const vk_Colour &straight,
-                                 const vk_Colour &edge)
+void vk_OslClosures::addBoundary(const Lobe &lobe, const vk_Colour &straight, const vk_Colour &edge)
 {
-    const Widths w = widthsOf(component);
+    const Widths w = widthsOf(lobe);
     const float weight = std::max(vk_luminance(straight), LEAST);
     myBoundary.add(straight, std::sqrt(w.along * w.across));
     // Only across the scratches, which run along u, is a boundary rougher.
@@ -267,93 +311,92 @@ void vk_OslClosures::addBoundary(const Component &component, const vk_Colour &st
     const float ratio = w.across > w.along ? w.along / w.across : 1;
     myBoundary.brushed += std::clamp((1 - ratio * ratio) / .9f, 0.0f, 1.0f) * weight;
     myEdge += edge;
-    bend(component, straight);
+    bend(lobe, straight);
 }
 
-void vk_OslClosures::addMirror(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addMirror(const Lobe &lobe, const vk_Colour &weight)
 {
     myEven += weight;
-    addBoundary(component, weight, weight);
+    addBoundary(lobe, weight, weight);
 }
 
-void vk_OslClosures::addMicrofacet(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addMicrofacet(const Lobe &lobe, const vk_Colour &weight)
 {
-    const int32_t *const refract = component.ints("refract");
     // Zero reflects; others refract, or do both.
-    const int kind = refract == nullptr ? 0 : *refract;
+    const int kind = lobe.has(REFRACT) ? *lobe.ints(REFRACT) : 0;
     if (kind == 0)
-        addMirror(component, weight);
+        addMirror(lobe, weight);
     else
-        addGlass(component, weight, numberOf(component, "eta", 1.5f));
+        addGlass(lobe, weight, lobe.number(ETA, 1.5f));
 }
 
-void vk_OslClosures::addGlass(const Component &component, const vk_Colour &weight, float ior)
+void vk_OslClosures::addGlass(const Lobe &lobe, const vk_Colour &weight, float ior)
 {
-    const Widths w = widthsOf(component);
+    const Widths w = widthsOf(lobe);
     myGlass.add(weight, std::sqrt(w.along * w.across));
     // From within, some shaders turn it over.
     const float outward = ior > 0 && ior < 1 ? 1 / ior : ior;
     myGlass.ior += outward * vk_luminance(weight);
-    bend(component, weight);
+    bend(lobe, weight);
 }
 
-void vk_OslClosures::addRefraction(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addRefraction(const Lobe &lobe, const vk_Colour &weight)
 {
-    addGlass(component, weight, numberOf(component, "eta", 1.5f));
+    addGlass(lobe, weight, lobe.number(ETA, 1.5f));
 }
 
-void vk_OslClosures::addDielectric(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addDielectric(const Lobe &lobe, const vk_Colour &weight)
 {
-    const float ior = numberOf(component, "ior", numberOf(component, "eta", 1.5f));
-    const vk_Colour passes = weight * colourOf(component, "transmission_tint", vk_grey(1));
+    const float ior = lobe.number(IOR, lobe.number(ETA, 1.5f));
+    const vk_Colour passes = weight * lobe.colour(TRANSMISSION_TINT, vk_grey(1));
     if (vk_largest(passes) > 0) {
-        addGlass(component, passes, ior);
+        addGlass(lobe, passes, ior);
         return;
     }
-    const vk_Colour tint = weight * colourOf(component, "reflection_tint", vk_grey(1));
+    const vk_Colour tint = weight * lobe.colour(REFLECTION_TINT, vk_grey(1));
     // Nothing passes: a lacquer, over whatever lies below.
-    addBoundary(component, tint * vk_straightReflectance(ior), tint);
+    addBoundary(lobe, tint * vk_straightReflectance(ior), tint);
 }
 
-void vk_OslClosures::addConductor(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addConductor(const Lobe &lobe, const vk_Colour &weight)
 {
-    const vk_Colour n = colourOf(component, "ior", colourOf(component, "eta", vk_grey(1)));
-    const vk_Colour k = colourOf(component, "extinction", colourOf(component, "k", vk_grey(1)));
+    const vk_Colour n = lobe.colour(IOR, lobe.colour(ETA, vk_grey(1)));
+    const vk_Colour k = lobe.colour(EXTINCTION, lobe.colour(K, vk_grey(1)));
     const vk_Colour straight = {reflectanceOfMetal(n.x, k.x), reflectanceOfMetal(n.y, k.y),
                                 reflectanceOfMetal(n.z, k.z)};
     // At grazing angles a metal reflects all light without its colour.
-    addBoundary(component, weight * straight, weight);
+    addBoundary(lobe, weight * straight, weight);
 }
 
-void vk_OslClosures::addSchlick(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addSchlick(const Lobe &lobe, const vk_Colour &weight)
 {
-    const vk_Colour passes = weight * colourOf(component, "transmission_tint", vk_Colour{});
-    const vk_Colour f0 = colourOf(component, "f0", vk_grey(.04f));
+    const vk_Colour passes = weight * lobe.colour(TRANSMISSION_TINT, vk_Colour{});
+    const vk_Colour f0 = lobe.colour(F0, vk_grey(.04f));
     if (vk_largest(passes) > 0) {
         // The index of refraction that reflects as much straight on.
         const float root = std::sqrt(std::clamp(vk_luminance(f0), 0.0f, .3f));
-        addGlass(component, passes, (1 + root) / (1 - root));
+        addGlass(lobe, passes, (1 + root) / (1 - root));
         return;
     }
-    const vk_Colour tint = weight * colourOf(component, "reflection_tint", vk_grey(1));
-    addBoundary(component, tint * f0, tint * colourOf(component, "f90", vk_grey(1)));
+    const vk_Colour tint = weight * lobe.colour(REFLECTION_TINT, vk_grey(1));
+    addBoundary(lobe, tint * f0, tint * lobe.colour(F90, vk_grey(1)));
 }
 
-void vk_OslClosures::addSheen(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addSheen(const Lobe &lobe, const vk_Colour &weight)
 {
-    const vk_Colour colour = weight * colourOf(component, "albedo", vk_grey(1));
-    const float sigma = numberOf(component, "sigma", .5f);
+    const vk_Colour colour = weight * lobe.colour(ALBEDO, vk_grey(1));
+    const float sigma = lobe.number(SIGMA, .5f);
     // Below .2 the tables of the sheen end.
-    mySheen.add(colour, std::clamp(numberOf(component, "roughness", sigma), .2f, 1.0f));
-    bend(component, colour);
+    mySheen.add(colour, std::clamp(lobe.number(ROUGHNESS, sigma), .2f, 1.0f));
+    bend(lobe, colour);
 }
 
-void vk_OslClosures::addEmission(const Component &component, const vk_Colour &weight)
+void vk_OslClosures::addEmission(const Lobe &lobe, const vk_Colour &weight)
 {
-    myEmission += weight * colourOf(component, "emittance", vk_grey(1));
+    myEmission += weight * lobe.colour(EMITTANCE, vk_grey(1));
 }
 
-void vk_OslClosures::addTransparent(const Component &, const vk_Colour &weight)
+void vk_OslClosures::addTransparent(const Lobe &, const vk_Colour &weight)
 {
     myTransparent += weight;
 }

@@ -1,7 +1,5 @@
 #include "vaskel/osl/vk_OslLight.h"
 
-#include "vaskel/osl/vk_OslClosures.h"
-
 namespace
 {
 // Cells of the picture to each side. A shader costs too much for every sample; and a light
@@ -54,7 +52,6 @@ void vk_OslLight::prepare() const
 void vk_OslLight::shine() const
 {
     vk_OslRunner runner(*myBinding, 1);
-    vk_OslClosures closures(runner.context());
     myPicture.assign(std::size_t{SIDE} * SIDE, vk_Colour{});
     vk_SurfacePoint point;
     point.normal = point.facet = vk_normalize(myShader->to - myShader->from);
@@ -72,7 +69,7 @@ void vk_OslLight::shine() const
             return;
         const vk_Colour light =
             runner.closure() != nullptr
-                ? closures.materialOf(runner.closure()->ints[0], point.normal, 0).emission
+                ? runner.closures().materialOf(runner.closure()->ints[0], point.normal, 0).emission
                 : runner.feed(0).colour(0);
         // Light below 0 or without bounds would spoil every sum that it gets into.
         const auto bounded = [](float x) { return x > 0 ? std::min(x, 1e4f) : 0; };

@@ -92,7 +92,7 @@ vk_Colour vk_OslFeed::colour(int point) const
 }
 
 vk_OslRunner::vk_OslRunner(const vk_OslBinding &binding, int width)
-    : myBinding(binding), myContext(binding.program(), *this, width)
+    : myBinding(binding), myContext(binding.program(), *this, width), myClosures(myContext)
 {
     bind();
     for (std::size_t i = 0; i < binding.targets().size(); ++i)

@@ -14,6 +14,7 @@
 #pragma once
 
 #include "vaskel/osl/vk_OslBinding.h"
+#include "vaskel/osl/vk_OslClosures.h"
 #include "vaskel/scatter/vk_Material.h"
 
 // What feeds a target, at the points of the last run.
@@ -49,6 +50,7 @@ public:
     // By the target's number; and the closure that says it all, null if none does.
     const vk_OslFeed &feed(std::size_t target) const { return myFeeds[target]; }
     const OSL_Output *closure() const { return myClosure; }
+    vk_OslClosures &closures() { return myClosures; }
 
     // REQUIRES: 0 < count <= width(). False when the shader was stopped, now or before.
     bool run(const vk_SurfacePoint *points, int count);
@@ -83,6 +85,7 @@ private:
 
     const vk_OslBinding &myBinding;
     OSL_Context myContext;
+    vk_OslClosures myClosures;
     std::vector<vk_OslFeed> myFeeds;
     const OSL_Output *myClosure = nullptr;
     const vk_SurfacePoint *mySurface = nullptr; // points of the run

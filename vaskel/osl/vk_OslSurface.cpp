@@ -1,7 +1,6 @@
 #include "vaskel/osl/vk_OslSurface.h"
 
 #include "vaskel/base/vk_Sampler.h"
-#include "vaskel/osl/vk_OslClosures.h"
 #include "vaskel/scatter/vk_Microfacet.h"
 
 #include <cstring>
@@ -58,19 +57,36 @@ vk_OslSurface::vk_OslSurface(std::shared_ptr<const vk_OslBinding> binding)
 {
 }
 
-void vk_OslSurface::shade(const vk_SurfacePoint *points, vk_Material *materials,
-                          std::size_t count) const
+// Calls ask(runner, first, size) for as many points at a time as a runner takes.
+template <class Ask>
+void vk_OslSurface::inBatches(std::size_t count, Ask ask) const
 {
     // A wave of points is worth wide registers; a single one pays for lanes that are empty.
     std::unique_ptr<vk_OslRunner> runner = myRunners.borrow(count > 1);
     const auto width = static_cast<std::size_t>(runner->width());
-    for (std::size_t i = 0; i < count; i += width) {
-        const int size = static_cast<int>(std::min(width, count - i));
+    for (std::size_t i = 0; i < count; i += width)
         // A shader that was stopped leaves what is left as it is: the picture is thrown away.
-        if (!shade(*runner, points + i, materials + i, size))
+        if (!ask(*runner, i, static_cast<int>(std::min(width, count - i))))
             break;
-    }
     myRunners.giveBack(std::move(runner));
+}
+
+void vk_OslSurface::shade(const vk_SurfacePoint *points, vk_Material *materials,
+                          std::size_t count) const
+{
+    inBatches(count, [&](vk_OslRunner &runner, std::size_t first, int size) {
+        return shade(runner, points + first, materials + first, size) &&
+               (!runner.feed(BUMP).isThere() ||
+                bump(runner, points + first, materials + first, size));
+    });
+}
+
+void vk_OslSurface::shadeForShadows(const vk_SurfacePoint *points, vk_Material *materials,
+                                    std::size_t count) const
+{
+    inBatches(count, [&](vk_OslRunner &runner, std::size_t first, int size) {
+        return shade(runner, points + first, materials + first, size);
+    });
 }
 
 bool vk_OslSurface::shade(vk_OslRunner &runner, const vk_SurfacePoint *points,
@@ -78,21 +94,20 @@ bool vk_OslSurface::shade(vk_OslRunner &runner, const vk_SurfacePoint *points,
 {
     if (!runner.run(points, count))
         return false;
-    vk_OslClosures closures(runner.context());
     const vk_OslFeed &opacity = runner.feed(OPACITY);
     for (int i = 0; i < count; ++i) {
         vk_Material &material = materials[i];
         if (runner.closure() == nullptr)
             material = plastic(runner, i);
         else
-            material = closures.materialOf(runner.closure()->ints[i], points[i].normal,
-                                           chanceAt(points[i], 1));
+            material = runner.closures().materialOf(runner.closure()->ints[i], points[i].normal,
+                                                    chanceAt(points[i], 1));
         if (opacity.isThere() && chanceAt(points[i], 2) >= opacity.number(i))
             // By chance, but the same at a place for all rays: so those that cast shadows agree
             // with those that look.
             material = vk_clearAir(vk_grey(1));
     }
-    return !runner.feed(BUMP).isThere() || bump(runner, points, materials, count);
+    return true;
 }
 
 vk_Material vk_OslSurface::plastic(const vk_OslRunner &runner, int point)
@@ -120,25 +135,30 @@ bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
     constexpr float LEAST_STEP = 1e-4f;
 
     const vk_OslFeed &height = runner.feed(BUMP);
+    int solid[vk_OslRunner::MOST_POINTS], size = 0; // glass and holes have no base to turn
     float before[vk_OslRunner::MOST_POINTS];
     for (int i = 0; i < count; ++i)
-        before[i] = height.number(i);
+        if (!materials[i].isClear()) {
+            before[size] = height.number(i);
+            solid[size++] = i;
+        }
     for (const bool isSecond : {false, true}) {
         vk_SurfacePoint beside[vk_OslRunner::MOST_POINTS];
         vk_Vec steps[vk_OslRunner::MOST_POINTS];
-        for (int i = 0; i < count; ++i) {
-            const vk_Frame frame(points[i].normal);
+        for (int i = 0; i < size; ++i) {
+            const vk_SurfacePoint &point = points[solid[i]];
+            const vk_Frame frame(point.normal);
             // Half a pixel: finer bumps would only add noise, and the difference of two heights
             // that are nearly equal is all rounding.
-            const float step = std::max(.5f * points[i].footprint, LEAST_STEP);
+            const float step = std::max(.5f * point.footprint, LEAST_STEP);
             steps[i] = (isSecond ? frame.bitangent : frame.tangent) * step;
-            beside[i] = moved(points[i], steps[i]);
+            beside[i] = moved(point, steps[i]);
         }
-        if (!runner.run(beside, count))
+        if (size > 0 && !runner.run(beside, size))
             return false;
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < size; ++i) {
             const float rise = height.number(i) - before[i];
-            materials[i].tilt += steps[i] * (-rise / vk_dot(steps[i], steps[i]));
+            materials[solid[i]].tilt += steps[i] * (-rise / vk_dot(steps[i], steps[i]));
         }
     }
     return true;

@@ -27,10 +27,14 @@ public:
     using vk_SurfaceShader::shade;
     void shade(const vk_SurfacePoint *points, vk_Material *materials,
                std::size_t count) const override;
+    void shadeForShadows(const vk_SurfacePoint *points, vk_Material *materials,
+                         std::size_t count) const override;
     bool usesGeometry() const override { return true; }
     bool mayBeClear() const override;
 
 private:
+    template <class Ask>
+    void inBatches(std::size_t count, Ask ask) const;
     bool shade(vk_OslRunner &runner, const vk_SurfacePoint *points, vk_Material *materials,
                int count) const;
     bool bump(vk_OslRunner &runner, const vk_SurfacePoint *points, vk_Material *materials,

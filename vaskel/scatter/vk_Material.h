@@ -34,11 +34,13 @@ struct vk_Material {
 
     vk_Colour clear;   // share of light that passes the surface of glass, 0 to 1
     vk_Colour absorbs; // by the glass, per length
-    float ior = 1.5f;  // index of refraction of the glass, not 1
+    float ior = 1.5f;  // index of refraction of the glass; 1: there is nothing (isAir)
 
     vk_Vec scatter; // how far light wanders below the surface, for red, green, blue; 0: not
 
     bool isClear() const { return vk_largest(clear) > 0; }
+    // A hole: light goes on as if there were no surface, but for the colour of `clear`.
+    bool isAir() const { return isClear() && ior == 1; }
     // Glass so smooth that it is not lit by lights: rays find what it shows of them.
     bool isSmoothGlass() const { return isClear() && rough < .02f; }
     // What passes straight through the surface of glass at a cosine to its normal, and

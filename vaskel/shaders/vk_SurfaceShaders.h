@@ -16,6 +16,14 @@ public:
     virtual void shade(const vk_SurfacePoint *points, vk_Material *materials,
                        std::size_t count) const = 0;
 
+    // The same for what shadows ask of a surface: how far it is clear, and what colour light
+    // takes on that comes through (clear, absorbs, ior, rough, diffuse). The rest is not looked at.
+    virtual void shadeForShadows(const vk_SurfacePoint *points, vk_Material *materials,
+                                 std::size_t count) const
+    {
+        shade(points, materials, count);
+    }
+
     // Whether it looks at more of a point than its position, u and v.
     virtual bool usesGeometry() const { return false; }
 

@@ -1,7 +1,5 @@
 #include "vaskel/trace/vk_DirectLight.h"
 
-#include "vaskel/base/vk_Stats.h"
-
 namespace
 {
 constexpr float NOT_QUITE = 1 - 1e-5f; // a light must not hide itself
@@ -12,18 +10,10 @@ bool isInside(const vk_Hit &hit, const vk_Vec &direction)
     return (vk_dot(hit.facet, direction) > 0) == hit.inside;
 }
 
-vk_Between betweenOf(const vk_Material &material)
-{
-    if (!material.isClear())
-        return VK_OTHER_SHAPES;
-    return material.isSmoothGlass() ? VK_SMOOTH_GLASS : VK_ROUGH_GLASS;
-}
 } // namespace
 
 vk_DirectLight::vk_DirectLight(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog)
-    : myScene(scene), myWorld(world), myFog(fog), myShadow(scene.shadow->shadow()),
-      myCastsShadows(!(myShadow.left == vk_grey(1))),
-      mySeesThrough((world.hasGlass() && myShadow.filter > 0) || myShadow.tint > 0)
+    : myScene(scene), myFog(fog), myShadows(scene, world)
 {
     for (const auto &light : scene.lights)
         myTotal += light->strength();
@@ -61,77 +51,18 @@ std::size_t vk_DirectLight::pick(float at) const
     return i;
 }
 
-// Light of a sample at a point, with what shadows leave of it.
-vk_DirectLight::Arrival vk_DirectLight::arriving(const vk_Vec &from, const vk_Light &light,
-                                                 const vk_LightSample &sample,
-                                                 const vk_Colour &left) const
-{
-    const vk_Colour radiance =
-        sample.radiance * myFog.passes(from, sample.direction, sample.distance);
-    if (!isOccluded(from, light, sample))
-        return {radiance, {}, VK_NOTHING};
-    if (!mySeesThrough)
-        return {radiance * left, {}, VK_OTHER_SHAPES};
-    const vk_Vec direction = shadowRay(from, light, sample);
-    const Transmittance passes = transmittance(from, direction, sample.distance * NOT_QUITE);
-    return {radiance * left, radiance * (vk_grey(1) - left) * passes.share, passes.between};
-}
-
-bool vk_DirectLight::isOccluded(const vk_Vec &from, const vk_Light &light,
-                                const vk_LightSample &sample) const
-{
-    if (!myCastsShadows)
-        return false;
-    ++vk_myRays.shadow;
-    const vk_Vec direction = shadowRay(from, light, sample);
-    return myWorld.occluded(from, direction, sample.distance * NOT_QUITE);
-}
-
-// Where a shadow comes from: beside the sample when shadows are softer or harder
-// than lights are wide.
-vk_Vec vk_DirectLight::shadowRay(const vk_Vec &from, const vk_Light &light,
+// Of a shadow ray: beside the sample when shadows are softer or harder than lights are wide.
+vk_Segment vk_DirectLight::wayTo(const vk_Vec &from, const vk_Light &light,
                                  const vk_LightSample &sample) const
 {
-    if (myShadow.soft == 1)
-        return sample.direction;
+    const float soft = myShadows.shadow().soft;
+    vk_Segment way = {from, sample.direction, sample.distance * NOT_QUITE};
+    if (soft == 1)
+        return way;
     const vk_LightSample centre = light.sample(from, {.5f, .5f});
-    if (centre.density <= 0)
-        return sample.direction;
-    return vk_normalize(vk_mix(centre.direction, sample.direction, myShadow.soft));
-}
-
-// Of all that lies on a shadow ray, which goes straight through it.
-vk_DirectLight::Transmittance vk_DirectLight::transmittance(vk_Vec origin, const vk_Vec &direction,
-                                                            float distance) const
-{
-    constexpr int MOST_LAYERS = 8;
-
-    Transmittance passes = {vk_grey(1), VK_SMOOTH_GLASS};
-    for (int i = 0; i < MOST_LAYERS; ++i) {
-        vk_Hit hit;
-        ++vk_myRays.shadow;
-        if (!myWorld.intersect(origin, direction, hit, distance))
-            return passes;
-        const vk_Material material = hit.surface->shade(hit.point);
-        passes.between = std::max(passes.between, betweenOf(material));
-        passes.share = passes.share * ofSurface(hit, material, direction);
-        if (vk_largest(passes.share) < 1e-3f)
-            break;
-        distance -= hit.distance;
-        origin = hit.start(direction);
-    }
-    return {{}, VK_OTHER_SHAPES};
-}
-
-// What a surface lets pass straight on, and the glass in front of it.
-vk_Colour vk_DirectLight::ofSurface(const vk_Hit &hit, const vk_Material &material,
-                                    const vk_Vec &direction) const
-{
-    if (!material.isClear())
-        return material.diffuse * myShadow.tint;
-    const float cosine = std::abs(vk_dot(hit.normal, direction));
-    const float length = hit.inside ? hit.distance : 0;
-    return material.absorbed(length) * material.passesStraight(cosine) * myShadow.filter;
+    if (centre.density > 0)
+        way.direction = vk_normalize(vk_mix(centre.direction, sample.direction, soft));
+    return way;
 }
 
 vk_NextEvent vk_DirectLight::atVertex(const vk_Bsdf &bsdf, int samples,
@@ -139,7 +70,7 @@ vk_NextEvent vk_DirectLight::atVertex(const vk_Bsdf &bsdf, int samples,
 {
     vk_NextEvent next;
     next.samples = samples;
-    if (mySeesThrough && !bsdf.isGlass())
+    if (myShadows.areTransparent() && !bsdf.isGlass())
         next.peakPdf = bsdf.peakPdf();
     // Where rough glass is left, its vertex in front has counted what shadows leave, when
     // there was one; the camera has not.
@@ -153,48 +84,81 @@ vk_NextEvent vk_DirectLight::throughGlass(vk_NextEvent next, float distance) con
 {
     next.distance += distance;
     if (next.glassDims) {
-        const vk_Colour counted = next.shadowIsCounted ? vk_Colour{} : myShadow.left;
-        next.left = next.left * (vk_grey(1) - counted) * myShadow.filter;
+        const vk_Shadow &shadow = myShadows.shadow();
+        const vk_Colour counted = next.shadowIsCounted ? vk_Colour{} : shadow.left;
+        next.left = next.left * (vk_grey(1) - counted) * shadow.filter;
     }
     next.shadowIsCounted = true;
     return next;
 }
 
-vk_Scattered vk_DirectLight::scattered(const vk_Hit &hit, const vk_Bsdf &bsdf,
-                                       const vk_NextEvent &vertex, bool isWide,
-                                       vk_Sampler &sampler) const
+void vk_DirectLight::sample(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_NextEvent &vertex,
+                            vk_Path &path, vk_LightQueue &queue) const
 {
-    const std::size_t count = samplesOf(vertex.samples);
-    const float offset = count < myScene.lights.size() ? sampler.number() : 0;
-    const vk_Colour left = vertex.shadowIsCounted ? vk_Colour{} : myShadow.left;
-    vk_Scattered sum;
+    const std::size_t count = samplesOf(vertex.samples), before = queue.samples.size();
+    const float offset = count < myScene.lights.size() ? path.sampler().number() : 0;
     for (std::size_t i = 0; i < count; ++i) {
         const Choice choice = choose(i, vertex.samples, offset);
-        const vk_LightSample sample = choice.light->sample(hit.position, sampler.square());
+        const vk_LightSample sample = choice.light->sample(hit.position, path.sampler().square());
         vk_MisPdfs pdfs = {sample.density * choice.expected, 0, vertex.peakPdf};
         if (pdfs.light <= 0 || (bsdf.isGlass() && isInside(hit, sample.direction)))
             continue;
-        const vk_Scattered scattering = bsdf.evaluate(sample.direction, pdfs.bsdf);
-        if (vk_largest(scattering.sum()) <= 0)
+        vk_Scattered light = bsdf.evaluate(sample.direction, pdfs.bsdf);
+        if (vk_largest(light.sum()) <= 0)
             continue;
-        const Arrival arrival = arriving(hit.start(sample.direction), *choice.light, sample, left);
-        const bool refracts = !isWide && vk_isSpecular(pdfs.bsdf);
-        const vk_Onwards onwards = refracts ? VK_REFRACTED : VK_STRAIGHT;
-        const float ofOpen = vk_misWeights(VK_NOTHING, onwards, pdfs).sample;
-        const bool wasCountedInFront = arrival.between == VK_OTHER_SHAPES && vertex.shadowIsCounted;
-        const float ofThrough =
-            wasCountedInFront ? 0 : vk_misWeights(arrival.between, onwards, pdfs).sample;
-        const vk_Colour light = vertex.left * (arrival.open * ofOpen + arrival.through * ofThrough);
-        sum.specular += scattering.specular * light * (1 / pdfs.light);
-        sum.diffuse += scattering.diffuse * light * (1 / pdfs.light);
+        const vk_Vec from = hit.start(sample.direction);
+        const float passes = myFog.passes(from, sample.direction, sample.distance);
+        const vk_Colour radiance = vertex.left * sample.radiance * (passes / pdfs.light);
+        light = {light.specular * radiance, light.diffuse * radiance};
+        const bool refracts = !path.isWide() && vk_isSpecular(pdfs.bsdf);
+        queue.samples.push_back({light, pdfs, refracts ? VK_REFRACTED : VK_STRAIGHT});
+        queue.rays.push_back({wayTo(from, *choice.light, sample)});
     }
-    return sum;
+    if (queue.samples.size() > before)
+        queue.vertices.push_back({path, vertex, queue.samples.size()});
+}
+
+void vk_DirectLight::collect(vk_LightQueue &queue) const
+{
+    myShadows.cast(queue.rays.data(), queue.rays.size());
+    std::size_t at = 0;
+    for (vk_LightQueue::Vertex &vertex : queue.vertices) {
+        vk_Scattered sum;
+        int cost = 0;
+        for (; at < vertex.end; ++at) {
+            const vk_Scattered light =
+                arriving(queue.samples[at], queue.rays[at], vertex.nextEvent);
+            sum = {sum.specular + light.specular, sum.diffuse + light.diffuse};
+            cost += queue.rays[at].cost;
+        }
+        vertex.path.view().cost += static_cast<float>(cost);
+        vertex.path.add(sum);
+    }
+    queue.vertices.clear();
+    queue.samples.clear();
+    queue.rays.clear();
+}
+
+// What shadows leave of a sample, and what comes through the shapes that cast them.
+vk_Scattered vk_DirectLight::arriving(const vk_LightQueue::Sample &sample, const vk_ShadowRay &ray,
+                                      const vk_NextEvent &vertex) const
+{
+    const float ofOpen = vk_misWeights(VK_NOTHING, sample.onwards, sample.pdfs).sample;
+    if (!ray.isOccluded)
+        return {sample.light.specular * ofOpen, sample.light.diffuse * ofOpen};
+    const vk_Colour left = vertex.shadowIsCounted ? vk_Colour{} : myShadows.shadow().left;
+    const bool wasCountedInFront = ray.between == VK_OTHER_SHAPES && vertex.shadowIsCounted;
+    const float ofThrough =
+        wasCountedInFront ? 0 : vk_misWeights(ray.between, sample.onwards, sample.pdfs).sample;
+    const vk_Colour share = left * ofOpen + (vk_grey(1) - left) * ray.passes * ofThrough;
+    return {sample.light.specular * share, sample.light.diffuse * share};
 }
 
 vk_Colour vk_DirectLight::met(const vk_Vec &origin, const vk_Vec &direction, float distance,
                               const vk_NextEvent &next) const
 {
-    const vk_Colour whenHidden = next.shadowIsCounted ? vk_Colour{} : myShadow.left;
+    const vk_Shadow &shadow = myShadows.shadow();
+    const vk_Colour whenHidden = next.shadowIsCounted ? vk_Colour{} : shadow.left;
     vk_Colour sum;
     for (const auto &light : myScene.lights) {
         const vk_LightSample seen = light->hit(origin, direction);
@@ -209,8 +173,8 @@ vk_Colour vk_DirectLight::met(const vk_Vec &origin, const vk_Vec &direction, flo
                                  next.peakPdf};
         const float weight = vk_misWeights(between, next.onwards(), pdfs).ray;
         const float passes = myFog.passes(origin, direction, seen.distance);
-        const bool hidden =
-            myShadow.soft == 1 ? seen.distance >= distance : isOccluded(origin, *light, seen);
+        const bool hidden = shadow.soft == 1 ? seen.distance >= distance
+                                             : myShadows.isOccluded(wayTo(origin, *light, seen));
         sum += seen.radiance * (hidden ? whenHidden : vk_grey(1)) * (weight * passes);
     }
     return sum * next.left;
@@ -255,7 +219,9 @@ vk_Colour vk_DirectLight::inScattered(const vk_Light &light, const vk_Vec &origi
     const vk_Vec begin = origin + direction * lit.begin;
     const float passes = myFog.passes(origin, direction, lit.begin);
     const float first = sampler.number();
-    vk_Colour sum;
+    vk_Colour arriving[PLACES];
+    vk_ShadowRay rays[PLACES];
+    std::size_t count = 0;
     for (int i = 0; i < PLACES; ++i) {
         const float turn = first + static_cast<float>(i) / PLACES;
         const vk_Fog::Place place = myFog.place(begin, direction, end - lit.begin, light.place(),
@@ -266,9 +232,16 @@ vk_Colour vk_DirectLight::inScattered(const vk_Light &light, const vk_Vec &origi
         if (place.weight <= 0 || sample.density <= 0 || vk_largest(sample.radiance) <= 0)
             continue;
         const float phase = myFog.phase(vk_dot(direction, sample.direction));
-        const Arrival arrival = arriving(at, light, sample, myShadow.left);
-        sum +=
-            (arrival.open + arrival.through) * (place.weight * phase / (sample.density * PLACES));
+        const float open = myFog.passes(at, sample.direction, sample.distance);
+        arriving[count] =
+            sample.radiance * (open * place.weight * phase / (sample.density * PLACES));
+        rays[count++].way = wayTo(at, light, sample);
     }
+    myShadows.cast(rays, count);
+    const vk_Colour &left = myShadows.shadow().left;
+    vk_Colour sum;
+    for (std::size_t i = 0; i < count; ++i)
+        sum += arriving[i] *
+               (rays[i].isOccluded ? left + (vk_grey(1) - left) * rays[i].passes : vk_grey(1));
     return sum * passes;
 }

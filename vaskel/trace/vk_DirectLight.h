@@ -6,7 +6,7 @@
 #pragma once
 
 #include "vaskel/trace/vk_Fog.h"
-#include "vaskel/trace/vk_Path.h"
+#include "vaskel/trace/vk_LightQueue.h"
 
 class vk_DirectLight
 {
@@ -21,11 +21,14 @@ public:
     // What is left behind the surface of glass, a distance further.
     vk_NextEvent throughGlass(vk_NextEvent next, float distance) const;
 
-    // Light of the lights that a vertex scatters to where its BSDF was set up for, less
-    // what rays that go on will count. `isWide` is the path's (see vk_Path). Glass sends on
-    // what arrives from outside.
-    vk_Scattered scattered(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_NextEvent &vertex,
-                           bool isWide, vk_Sampler &sampler) const;
+    // Takes samples of the lights that a vertex scatters to where its BSDF was set up for,
+    // less what rays that go on will count. Glass sends on what arrives from outside.
+    void sample(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_NextEvent &vertex, vk_Path &path,
+                vk_LightQueue &queue) const;
+
+    // Casts the shadow rays of all these samples, and adds to the views of their paths what
+    // comes through. The queue is empty then.
+    void collect(vk_LightQueue &queue) const;
 
     // Light of the lights that a ray meets before a distance, as far as it is the ray's to
     // count. In or behind glass that is no light that shadows leave: it was counted in front.
@@ -41,16 +44,6 @@ public:
                           vk_Sampler &sampler) const;
 
 private:
-    // What arrives of a light sample.
-    struct Arrival {
-        vk_Colour open;     // that nothing holds back, or that shadows leave,
-        vk_Colour through;  // and that comes through shapes,
-        vk_Between between; // the worst of them
-    };
-    struct Transmittance {
-        vk_Colour share;
-        vk_Between between;
-    };
     struct Choice {
         const vk_Light *light;
         float expected; // samples of it on average
@@ -61,19 +54,12 @@ private:
     std::size_t pick(float at) const;
     vk_Colour inScattered(const vk_Light &light, const vk_Vec &origin, const vk_Vec &direction,
                           float distance, vk_Sampler &sampler) const;
-    Arrival arriving(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample,
-                     const vk_Colour &left) const;
-    bool isOccluded(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
-    vk_Vec shadowRay(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
-    Transmittance transmittance(vk_Vec origin, const vk_Vec &direction, float distance) const;
-    vk_Colour ofSurface(const vk_Hit &hit, const vk_Material &material,
-                        const vk_Vec &direction) const;
+    vk_Segment wayTo(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
+    vk_Scattered arriving(const vk_LightQueue::Sample &sample, const vk_ShadowRay &ray,
+                          const vk_NextEvent &vertex) const;
 
     const vk_Scene &myScene;
-    const vk_World &myWorld;
     const vk_Fog &myFog;
-    vk_Shadow myShadow;
-    bool myCastsShadows;
-    bool mySeesThrough; // shapes may let light pass
-    float myTotal = 0;  // strength of all lights
+    vk_Shadows myShadows;
+    float myTotal = 0; // strength of all lights
 };

@@ -48,6 +48,13 @@ void vk_Path::passStraight(const vk_Hit &hit, const vk_NextEvent &next)
     myNextEvent = next;
 }
 
+void vk_Path::passHole(const vk_Hit &hit)
+{
+    vk_NextEvent next = myNextEvent;
+    next.distance += hit.distance;
+    passStraight(hit, next);
+}
+
 void vk_Path::reflect(const vk_Hit &hit)
 {
     myDirection = myDirection - hit.normal * (2 * vk_dot(hit.normal, myDirection));

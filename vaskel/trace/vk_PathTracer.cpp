@@ -77,61 +77,10 @@ struct vk_PathTracer::Vertex {
     const vk_Material &material;
 };
 
-// The paths that are at a vertex now. They are put in order of their surfaces, and each
-// surface is asked once.
-class vk_PathTracer::Wave
-{
-public:
-    void add(const vk_Path &path, const vk_Hit &hit)
-    {
-        myPaths.push_back(path);
-        myHits.push_back(hit);
-    }
-    std::size_t size() const { return myPaths.size(); }
-    vk_Path &path(std::size_t i) { return myPaths[myOrder[i]]; }
-    Vertex vertex(std::size_t i) const { return {myHits[myOrder[i]], myMaterials[i]}; }
-
-    void shade()
-    {
-        sort();
-        myMaterials.resize(size());
-        for (std::size_t begin = 0, end = 0; begin < size(); begin = end) {
-            const vk_SurfaceShader *const surface = myHits[myOrder[begin]].surface;
-            while (end < size() && myHits[myOrder[end]].surface == surface)
-                ++end;
-            surface->shade(&myPoints[begin], &myMaterials[begin], end - begin);
-        }
-    }
-    void clear()
-    {
-        myPaths.clear();
-        myHits.clear();
-        myOrder.clear();
-        myPoints.clear();
-    }
-
-private:
-    // In the order of each surface's first hit: results must not depend on addresses.
-    void sort()
-    {
-        mySurfaces.clear();
-        for (const vk_Hit &hit : myHits)
-            if (std::find(mySurfaces.begin(), mySurfaces.end(), hit.surface) == mySurfaces.end())
-                mySurfaces.push_back(hit.surface);
-        for (const vk_SurfaceShader *const surface : mySurfaces)
-            for (std::size_t i = 0; i < size(); ++i)
-                if (myHits[i].surface == surface) {
-                    myOrder.push_back(i);
-                    myPoints.push_back(myHits[i].point);
-                }
-    }
-
-    std::vector<const vk_SurfaceShader *> mySurfaces;
-    std::vector<vk_Path> myPaths;
-    std::vector<vk_Hit> myHits;
-    std::vector<std::size_t> myOrder;
-    std::vector<vk_SurfacePoint> myPoints;
-    std::vector<vk_Material> myMaterials;
+// What goes on from the vertices of many paths: paths, and light samples on their way.
+struct vk_PathTracer::Outgoing {
+    std::vector<vk_Path> paths;
+    vk_LightQueue lights;
 };
 
 vk_PathTracer::vk_PathTracer(const vk_Scene &scene, const vk_World &world)
@@ -151,21 +100,27 @@ vk_View vk_PathTracer::Li(const vk_Vec &origin, const vk_Vec &direction,
 
 void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
 {
-    Wave wave;
+    vk_HitBatch hits;
+    Outgoing outgoing;
     while (!paths.empty()) {
-        wave.clear();
+        hits.clear();
+        std::size_t arrived = 0;
         for (vk_Path &path : paths) {
             const Meter meter(path.view());
-            vk_Hit hit;
-            if (arrive(path, hit))
-                wave.add(path, hit);
+            if (arrive(path, hits.add()))
+                paths[arrived++] = path;
+            else
+                hits.dropLast();
         }
-        wave.shade();
-        paths.clear();
-        for (std::size_t i = 0; i < wave.size(); ++i) {
-            const Meter meter(wave.path(i).view());
-            leave(wave.vertex(i), wave.path(i), paths);
+        hits.shade();
+        for (std::size_t i = 0; i < arrived; ++i) {
+            vk_Path &path = paths[hits.number(i)];
+            const Meter meter(path.view());
+            leave({hits.hit(i), hits.material(i)}, path, outgoing);
         }
+        myDirectLight.collect(outgoing.lights);
+        paths.swap(outgoing.paths);
+        outgoing.paths.clear();
     }
 }
 
@@ -194,7 +149,7 @@ bool vk_PathTracer::arrive(vk_Path &path, vk_Hit &hit) const
 }
 
 // From a vertex: takes in its light, and sends the path on, or several.
-void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, std::vector<vk_Path> &onwards) const
+void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoing) const
 {
     const vk_Hit &hit = vertex.hit;
     vk_Material material = vertex.material;
@@ -203,19 +158,26 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, std::vector<vk_Pa
     path.add(material.emission);
     if (!material.reflects() || path.bounces() == MOST_BOUNCES)
         return;
+    if (material.isAir()) {
+        path.attenuate(material.clear);
+        path.passHole(hit);
+        if (survives(path))
+            outgoing.paths.push_back(path);
+        return;
+    }
     if (material.isClear() && hit.inside)
         path.attenuate(material.absorbed(hit.distance));
     if (material.isClear() && path.isWide()) {
         lookThrough(hit, material, path);
         if (survives(path))
-            onwards.push_back(path);
+            outgoing.paths.push_back(path);
         return;
     }
     if (path.isWide())
         material.rough = std::max(material.rough, REGULAR);
     // A plane without end gives back as much as it took: the base stands for that.
     if (path.isCameraRay() && !hit.isFloor && vk_largest(material.scatter) > 0)
-        scatterBelow(hit, material, path.fork(2), onwards);
+        scatterBelow(hit, material, path.fork(2), outgoing);
 
     // A smooth normal may face away from the viewer at a silhouette.
     const vk_Vec out = -path.direction();
@@ -224,12 +186,12 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, std::vector<vk_Pa
     const bool splits = material.isSmoothGlass() ? path.dielectricBounces() < MOST_SPLITS
                                                  : path.isCameraRay() && !material.isClear();
     const vk_Bsdf bsdf(material, normal, out, splits, along, hit.inside);
-    scatter(hit, bsdf, path, onwards);
+    scatter(hit, bsdf, path, outgoing);
 }
 
 // Next-event estimation, and a ray that the BSDF draws, or one for each of its two parts.
 void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &path,
-                            std::vector<vk_Path> &onwards) const
+                            Outgoing &outgoing) const
 {
     const vk_NextEvent throughGlass = myDirectLight.throughGlass(path.nextEvent(), hit.distance);
     vk_NextEvent vertex;
@@ -239,14 +201,14 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
         const bool isLitWidely = path.isCameraRay() && bsdf.isDiffuse();
         const int samples = countsLittle ? 1 : isLitWidely ? MOST_LIGHT_SAMPLES : LIGHT_SAMPLES;
         vertex = myDirectLight.atVertex(bsdf, samples, leavesGlass ? throughGlass : vk_NextEvent{});
-        path.add(myDirectLight.scattered(hit, bsdf, vertex, path.isWide(), path.sampler()));
+        myDirectLight.sample(hit, bsdf, vertex, path, outgoing.lights);
     }
     for (int round = 0; round < bsdf.rounds(); ++round) {
         vk_Path next = round == 0 ? path : path.fork(1);
         const float choice = bsdf.isGlass() ? next.sampler().number() : 0;
         const vk_Vec direction = bsdf.sample(next.sampler().square(), round, choice);
         if (next.scatter(hit, bsdf, direction, vertex, throughGlass) && survives(next))
-            onwards.push_back(next);
+            outgoing.paths.push_back(next);
     }
 }
 
@@ -262,7 +224,7 @@ bool vk_PathTracer::survives(vk_Path &path) const
 // Follows what comes out at a hit of light that is scattered below the surface, and takes
 // the base, which this stands for, out of the material.
 void vk_PathTracer::scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Path path,
-                                 std::vector<vk_Path> &onwards) const
+                                 Outgoing &outgoing) const
 {
     constexpr float LEAST = 1e-3f;
     constexpr float DARK = 1e-20f; // less has no inverse to count on
@@ -282,7 +244,7 @@ void vk_PathTracer::scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Pa
     path.moveBelowSurface(entry, albedo * weight);
     vk_Material white;
     white.diffuse = vk_grey(1);
-    this->scatter(entry, vk_Bsdf(white, entry.normal, entry.normal, false), path, onwards);
+    this->scatter(entry, vk_Bsdf(white, entry.normal, entry.normal, false), path, outgoing);
 }
 
 // On behind glass as if it were not there, or, as often as glass does, back from its surface.

@@ -54,19 +54,18 @@ public:
 
 private:
     struct Vertex;
-    class Wave;
+    struct Outgoing;
 
     bool arrive(vk_Path &path, vk_Hit &hit) const;
-    void leave(const Vertex &vertex, vk_Path &path, std::vector<vk_Path> &onwards) const;
+    void leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoing) const;
     void crossFog(vk_Path &path, float distance) const;
     void fadeFloor(vk_Path &path, const vk_Hit &hit) const;
     vk_Colour environment(const vk_Path &path, const vk_Vec &direction) const;
     void lookThrough(const vk_Hit &hit, const vk_Material &material, vk_Path &path) const;
     bool survives(vk_Path &path) const;
     void scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Path path,
-                      std::vector<vk_Path> &onwards) const;
-    void scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &path,
-                 std::vector<vk_Path> &onwards) const;
+                      Outgoing &outgoing) const;
+    void scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &path, Outgoing &outgoing) const;
 
     const vk_Scene &myScene;
     const vk_World &myWorld;

@@ -99,7 +99,10 @@ void vk_World::Embree::attach(const vk_Mesh &mesh)
     rtcReleaseGeometry(geometry);
 }
 
-vk_World::vk_World(const vk_Scene &scene) : myScene(scene), myEmbree(std::make_unique<Embree>())
+vk_World::vk_World(const vk_Scene &scene)
+    : myScene(scene), myEmbree(std::make_unique<Embree>()),
+      myPixel(2 * std::tan(scene.camera.fov * VK_PI / 360) /
+              static_cast<float>(std::min(scene.width, scene.height)))
 {
     if (scene.shapes.empty())
         return;
@@ -272,15 +275,12 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
 // For shaders that look at more of a point than its place.
 void vk_World::describeGeometry(const vk_Vec &direction, vk_Hit &hit) const
 {
-    const vk_Camera &camera = myScene.camera;
-    const float pixel = 2 * std::tan(camera.fov * VK_PI / 360) /
-                        static_cast<float>(std::min(myScene.width, myScene.height));
     vk_SurfacePoint &point = hit.point;
     point.place = hit.position;
     point.normal = hit.normal;
     point.facet = hit.facet;
     point.incoming = direction;
-    point.footprint = pixel * vk_length(hit.position - camera.from);
+    point.footprint = myPixel * vk_length(hit.position - myScene.camera.from);
     point.isBack = hit.inside;
     point.dPdu = {1, 0, 0};
     point.dPdv = {0, 0, 1};
@@ -291,14 +291,14 @@ void vk_World::describeGeometry(const vk_Vec &direction, vk_Hit &hit) const
     }
 }
 
-bool vk_World::occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const
+bool vk_World::occluded(const vk_Segment &way) const
 {
     float toFloor = 0;
-    if (meetFloor(origin, direction, toFloor) && toFloor < distance)
+    if (meetFloor(way.origin, way.direction, toFloor) && toFloor < way.distance)
         return true;
-    if (!mayMeetShapes(origin, direction))
+    if (!mayMeetShapes(way.origin, way.direction))
         return false;
-    RTCRay ray = rayOf(origin, direction, distance);
+    RTCRay ray = rayOf(way.origin, way.direction, way.distance);
     RTCIntersectContext context;
     rtcInitIntersectContext(&context);
     rtcOccluded1(myEmbree->scene, &context, &ray);

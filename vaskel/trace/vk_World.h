@@ -26,6 +26,12 @@ struct vk_Hit {
     vk_Vec start(const vk_Vec &direction) const;
 };
 
+// A way to look along.
+struct vk_Segment {
+    vk_Vec origin, direction; // unit
+    float distance = 0;
+};
+
 class vk_World
 {
 public:
@@ -52,7 +58,7 @@ public:
     float diameter() const { return 2 * std::sqrt(std::max(0.0f, myRadius2)); }
 
     // Whether something lies on the way.
-    bool occluded(const vk_Vec &origin, const vk_Vec &direction, float distance) const;
+    bool occluded(const vk_Segment &way) const;
 
 private:
     struct Shape;
@@ -68,6 +74,7 @@ private:
     const vk_Scene &myScene;
     std::vector<std::unique_ptr<Shape>> myShapes; // by Embree's geometry number
     std::unique_ptr<Embree> myEmbree;
+    float myPixel;        // how wide one is, at a distance of 1 from the camera
     vk_Vec myCentre;      // of a ball around all shapes;
     float myRadius2 = -1; // the square, below 0: no shapes
     bool myHasGlass = false;

@@ -1,0 +1,50 @@
+#include "vaskel/trace/vk_HitBatch.h"
+
+void vk_HitBatch::clear()
+{
+    myHits.clear();
+    myOrder.clear();
+    mySurfaces.clear();
+    myPoints.clear();
+}
+
+// In the order of each surface's first hit: results must not depend on addresses.
+void vk_HitBatch::sort()
+{
+    for (const vk_Hit &hit : myHits)
+        if (std::find(mySurfaces.begin(), mySurfaces.end(), hit.surface) == mySurfaces.end())
+            mySurfaces.push_back(hit.surface);
+    for (const vk_SurfaceShader *const surface : mySurfaces)
+        for (std::size_t i = 0; i < size(); ++i)
+            if (myHits[i].surface == surface) {
+                myOrder.push_back(i);
+                myPoints.push_back(myHits[i].point);
+            }
+}
+
+template <class Ask>
+void vk_HitBatch::askEach(Ask ask)
+{
+    sort();
+    myMaterials.resize(size());
+    for (std::size_t begin = 0, end = 0; begin < size(); begin = end) {
+        const vk_SurfaceShader &surface = *hit(begin).surface;
+        while (end < size() && hit(end).surface == &surface)
+            ++end;
+        ask(surface, &myPoints[begin], &myMaterials[begin], end - begin);
+    }
+}
+
+void vk_HitBatch::shade()
+{
+    askEach([](const vk_SurfaceShader &surface, const vk_SurfacePoint *points,
+               vk_Material *materials,
+               std::size_t count) { surface.shade(points, materials, count); });
+}
+
+void vk_HitBatch::shadeForShadows()
+{
+    askEach([](const vk_SurfaceShader &surface, const vk_SurfacePoint *points,
+               vk_Material *materials,
+               std::size_t count) { surface.shadeForShadows(points, materials, count); });
+}

@@ -1,0 +1,36 @@
+// Hits whose surfaces are asked what they are made of: each surface once for all hits on it.
+#pragma once
+
+#include "vaskel/trace/vk_World.h"
+
+class vk_HitBatch
+{
+public:
+    void clear();
+
+    // One more, to be filled in; and never mind the last.
+    vk_Hit &add() { return myHits.emplace_back(); }
+    void dropLast() { myHits.pop_back(); }
+    std::size_t size() const { return myHits.size(); }
+
+    // Asks, for paths or for shadows (see vk_SurfaceShader).
+    void shade();
+    void shadeForShadows();
+
+    // Once that is done, in the order in which surfaces were asked: a hit, its material, and
+    // the how-manieth it was that was added.
+    const vk_Hit &hit(std::size_t i) const { return myHits[myOrder[i]]; }
+    const vk_Material &material(std::size_t i) const { return myMaterials[i]; }
+    std::size_t number(std::size_t i) const { return myOrder[i]; }
+
+private:
+    void sort();
+    template <class Ask>
+    void askEach(Ask ask);
+
+    std::vector<vk_Hit> myHits;
+    std::vector<std::size_t> myOrder;
+    std::vector<const vk_SurfaceShader *> mySurfaces;
+    std::vector<vk_SurfacePoint> myPoints; // in order,
+    std::vector<vk_Material> myMaterials;  // as these
+};

@@ -1,0 +1,24 @@
+// Light samples of the vertices of many paths, until their shadow rays are cast together.
+// Filled and emptied by vk_DirectLight.
+#pragma once
+
+#include "vaskel/trace/vk_Path.h"
+#include "vaskel/trace/vk_Shadows.h"
+
+struct vk_LightQueue {
+    // What it counts, if nothing is between.
+    struct Sample {
+        vk_Scattered light; // scattered to the path, over the pdf of the sample
+        vk_MisPdfs pdfs;
+        vk_Onwards onwards; // of the path's ray at glass
+    };
+    struct Vertex {
+        vk_Path path; // as it arrived
+        vk_NextEvent nextEvent;
+        std::size_t end; // of its samples
+    };
+
+    std::vector<Vertex> vertices;
+    std::vector<Sample> samples;
+    std::vector<vk_ShadowRay> rays; // of the samples
+};

@@ -1,0 +1,109 @@
+#include "vaskel/trace/vk_Shadows.h"
+
+#include "vaskel/base/vk_Stats.h"
+
+namespace
+{
+constexpr int MOST_LAYERS = 8; // of glass that light passes
+constexpr float DARK = 1e-3f;  // a share that is not worth going on
+
+vk_Between betweenOf(const vk_Material &material)
+{
+    if (material.isAir())
+        return VK_NOTHING;
+    if (!material.isClear())
+        return VK_OTHER_SHAPES;
+    return material.isSmoothGlass() ? VK_SMOOTH_GLASS : VK_ROUGH_GLASS;
+}
+
+void block(vk_ShadowRay &ray)
+{
+    ray.passes = {};
+    ray.between = VK_OTHER_SHAPES;
+}
+} // namespace
+
+vk_Shadows::vk_Shadows(const vk_Scene &scene, const vk_World &world)
+    : myWorld(world), myShadow(scene.shadow->shadow()), myCasts(!(myShadow.left == vk_grey(1))),
+      myAreTransparent(world.hasGlass() || myShadow.tint > 0)
+{
+}
+
+bool vk_Shadows::isOccluded(const vk_Segment &way) const
+{
+    if (!myCasts)
+        return false;
+    ++vk_myRays.shadow;
+    return myWorld.occluded(way);
+}
+
+void vk_Shadows::cast(vk_ShadowRay *rays, std::size_t count) const
+{
+    if (!myCasts)
+        return;
+    std::vector<vk_ShadowRay *> occluded;
+    for (std::size_t i = 0; i < count; ++i) {
+        vk_ShadowRay &ray = rays[i];
+        ray.isOccluded = isOccluded(ray.way);
+        ++ray.cost;
+        if (ray.isOccluded)
+            occluded.push_back(&ray);
+    }
+    if (myAreTransparent)
+        passThrough(occluded);
+    for (vk_ShadowRay *const ray : occluded)
+        block(*ray);
+}
+
+// Straight through all that lies on the ways, layer by layer. Leaves those on the list that
+// do not come through.
+void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &inside) const
+{
+    std::vector<vk_ShadowRay *> met;
+    vk_HitBatch hits;
+    for (int layer = 0; layer < MOST_LAYERS && !inside.empty(); ++layer) {
+        met.clear();
+        hits.clear();
+        for (vk_ShadowRay *const ray : inside) {
+            const vk_Segment &way = ray->way;
+            ++ray->cost;
+            if (myWorld.intersect(way.origin, way.direction, hits.add(), way.distance))
+                met.push_back(ray);
+            else
+                hits.dropLast();
+        }
+        vk_myRays.shadow += inside.size();
+        hits.shadeForShadows();
+        inside.clear();
+        for (std::size_t i = 0; i < hits.size(); ++i)
+            if (cross(*met[hits.number(i)], hits.hit(i), hits.material(i)))
+                inside.push_back(met[hits.number(i)]);
+    }
+}
+
+// Past one surface. False when next to nothing comes through.
+bool vk_Shadows::cross(vk_ShadowRay &ray, const vk_Hit &hit, const vk_Material &material) const
+{
+    ray.between = std::max(ray.between, betweenOf(material));
+    ray.passes = ray.passes * ofSurface(hit, material, ray.way.direction);
+    if (vk_largest(ray.passes) < DARK) {
+        block(ray);
+        return false;
+    }
+    ray.way.distance -= hit.distance;
+    ray.way.origin = hit.start(ray.way.direction);
+    return true;
+}
+
+// What a surface lets pass straight on, and the glass in front of it.
+vk_Colour vk_Shadows::ofSurface(const vk_Hit &hit, const vk_Material &material,
+                                const vk_Vec &direction) const
+{
+    if (material.isAir())
+        return material.clear;
+    if (!material.isClear())
+        return material.diffuse * myShadow.tint;
+    const float cosine = std::abs(vk_dot(hit.normal, direction));
+    const float length = hit.inside ? hit.distance : 0;
+    return material.absorbed(length) * material.passesStraight(cosine) * myShadow.filter;
+}
