@@ -6,13 +6,15 @@
 Rough surfaces of microfacets (vk_Microfacet.h) let light go that would be scattered once
 more between facets. How much is left when it is scattered once, by roughness and by the
 cosine to the normal, is an integral without a formula; the tables hold it, for facets that
-reflect all light and for those of glass. Takes some seconds; a test integrates anew and
-compares.
+reflect all light, also when they are wider along one direction, and for those of glass. Takes
+some seconds; a test integrates anew and compares.
 """
 import math
 
 ROUGHS = COSINES = 16
 ETAS, ETA_ROUGHS, ETA_COSINES = 17, 9, 9  # indices of refraction 1/4 to 4
+BRUSHED_ROUGHS, BRUSHED_RATIOS, BRUSHED_WIDTHS, BRUSHED_COSINES = 9, 4, 3, 9
+BRUSHED_LEAST = .1  # width across over that along
 STEPS = 24  # samples of a facet along each axis
 
 
@@ -22,12 +24,12 @@ def normalize(v):
 
 
 def smith(alpha, v):
-    return math.sqrt(alpha * alpha * (v[0] ** 2 + v[1] ** 2) + v[2] ** 2)
+    return math.sqrt((alpha[0] * v[0]) ** 2 + (alpha[1] * v[1]) ** 2 + v[2] ** 2)
 
 
 def facet(alpha, out, u, v):
     """A visible facet: Heitz, JCGT 7(4), 2018."""
-    s = normalize([alpha * out[0], alpha * out[1], out[2]])
+    s = normalize([alpha[0] * out[0], alpha[1] * out[1], out[2]])
     level = math.hypot(s[0], s[1])
     t1 = [-s[1] / level, s[0] / level, 0] if level > 1e-7 else [1, 0, 0]
     t2 = [s[1] * t1[2] - s[2] * t1[1], s[2] * t1[0] - s[0] * t1[2], s[0] * t1[1] - s[1] * t1[0]]
@@ -37,7 +39,7 @@ def facet(alpha, out, u, v):
     y = (1 - half) * math.sqrt(max(0, 1 - x * x)) + half * y
     z = math.sqrt(max(0, 1 - x * x - y * y))
     h = [t1[i] * x + t2[i] * y + s[i] * z for i in range(3)]
-    return normalize([alpha * h[0], alpha * h[1], max(1e-9, h[2])])
+    return normalize([alpha[0] * h[0], alpha[1] * h[1], max(1e-9, h[2])])
 
 
 def left(alpha, out, way):
@@ -70,9 +72,7 @@ def sent(alpha, out, h, eta):
     return share * left(alpha, out, mirrored) + (1 - share) * left(alpha, out, refracted)
 
 
-def albedo(rough, cosine, eta=None):
-    alpha, cosine = max(.001, rough * rough), max(cosine, 1e-3)
-    out = [math.sqrt(max(0, 1 - cosine * cosine)), 0, cosine]
+def integral(alpha, out, eta=None):
     total = 0
     for i in range(STEPS):
         for j in range(STEPS):
@@ -81,9 +81,33 @@ def albedo(rough, cosine, eta=None):
     return total / STEPS ** 2
 
 
-def row(rough, cosines, eta=None):
-    values = [albedo(rough, c / (cosines - 1), eta) for c in range(cosines)]
+def albedo(rough, cosine, eta=None):
+    alpha, cosine = max(.001, rough * rough), max(cosine, 1e-3)
+    return integral([alpha, alpha], [math.sqrt(max(0, 1 - cosine * cosine)), 0, cosine], eta)
+
+
+def brushed(rough, ratio, width, cosine):
+    """Facets that are wider along y; seen from where they look so wide, 0 as across, 1 as along."""
+    y, cosine = max(.001, rough * rough), max(cosine, 1e-3)
+    x, sine = ratio * y, math.sqrt(max(0, 1 - cosine * cosine))
+    seen = x + (y - x) * width
+    side2 = (seen * seen - x * x) / (y * y - x * x) if ratio < 1 else 0
+    out = [sine * math.sqrt(max(0, 1 - side2)), sine * math.sqrt(side2), cosine]
+    return integral([x, y], out)
+
+
+def braces(values):
     return "{" + ", ".join("%.4ff" % v for v in values) + "}"
+
+
+def row(rough, cosines, eta=None):
+    return braces(albedo(rough, c / (cosines - 1), eta) for c in range(cosines))
+
+
+def brushed_row(i, j, k):
+    ratio = BRUSHED_LEAST + (1 - BRUSHED_LEAST) * j / (BRUSHED_RATIOS - 1)
+    return braces(brushed(i / (BRUSHED_ROUGHS - 1), ratio, k / (BRUSHED_WIDTHS - 1),
+                          c / (BRUSHED_COSINES - 1)) for c in range(BRUSHED_COSINES))
 
 
 def main():
@@ -94,8 +118,16 @@ def main():
     print("};\n")
     means = [sum(2 * (c + .5) / 64 / 64 * albedo(i / (ROUGHS - 1), (c + .5) / 64)
                  for c in range(64)) for i in range(ROUGHS)]
-    print("const float VK_FACET_MEAN[VK_ALBEDO_ROUGHS] = {%s};\n" %
-          ", ".join("%.4ff" % m for m in means))
+    print("const float VK_FACET_MEAN[VK_ALBEDO_ROUGHS] = %s;\n" % braces(means))
+    print("const float VK_BRUSHED_ALBEDO[VK_BRUSHED_ROUGHS][VK_BRUSHED_RATIOS]"
+          "[VK_BRUSHED_WIDTHS][VK_BRUSHED_COSINES] = {")
+    for i in range(BRUSHED_ROUGHS):
+        print("    {")
+        for j in range(BRUSHED_RATIOS):
+            print("        {%s}," % ",\n         ".join(
+                brushed_row(i, j, k) for k in range(BRUSHED_WIDTHS)))
+        print("    },")
+    print("};\n")
     print("const float VK_GLASS_ALBEDO[VK_GLASS_ETAS][VK_GLASS_ROUGHS][VK_GLASS_COSINES] = {")
     for e in range(ETAS):
         eta = 2 ** (4 * e / (ETAS - 1) - 2)

@@ -27,6 +27,10 @@ struct Case {
     {
         return vk_Bsdf(material, UP, out, split, ALONG, inside);
     }
+    bool isCompensatedInTwoWays() const
+    {
+        return !material.isClear() && material.rough >= .15f && material.brushed <= 0;
+    }
 };
 
 // A shader as white and as rough as can be, up to a roughness.
@@ -57,12 +61,66 @@ std::vector<Case> materials()
     return all;
 }
 
-float scattered(const vk_Bsdf &bsdf, const vk_Vec &in)
+vk_Scattered scattered(const vk_Bsdf &bsdf, const vk_Vec &in)
 {
     float density = 0;
-    return bsdf.evaluate(in, density).sum().x;
+    return bsdf.evaluate(in, density);
 }
+// Where light leaves that wanders between facets which reflect all of it: the random walk of
+// Heitz et al., "Multiple-Scattering Microfacet BSDFs with the Smith Model", 2016.
+vk_Vec wander(const vk_Facets &facets, vk_Vec way, vk_Sampler sampler)
+{
+    const float alpha = facets.rough() * facets.rough();
+    float below = 1; // share of the surface that is lower than the light
+    for (int i = 0; i < 100; ++i) {
+        const float slope2 = alpha * alpha * (1 / (way.z * way.z) - 1);
+        const float lambda = .5f * (std::copysign(std::sqrt(1 + slope2), way.z) - 1);
+        const float chance = sampler.number();
+        if (way.z > 0 && chance > 1 - std::pow(below, lambda))
+            return way;
+        below *= std::pow(1 - chance, -1 / lambda);
+        const vk_Vec facet = facets.sample(-way, sampler.square());
+        way = way - facet * (2 * vk_dot(facet, way));
+    }
+    return {};
+}
+
+// Shares of light that go up or sideways, and on or back.
+struct Quarters {
+    float share[4] = {};
+
+    void add(const vk_Vec &out, const vk_Vec &in, float light)
+    {
+        const bool isBack = in.x * out.x + in.y * out.y > 0;
+        share[(in.z > .5f ? 2 : 0) + (isBack ? 1 : 0)] += light;
+    }
+};
 } // namespace
+
+TEST(Bsdf, MetalScattersAsARandomWalkBetweenItsFacets)
+{
+    constexpr std::uint32_t COUNT = 1 << 16;
+    for (const float rough : {.4f, .5f})
+        for (const float cosine : {.2f, .5f}) {
+            vk_Material metal;
+            metal.specular = metal.edge = vk_grey(1);
+            metal.rough = rough;
+            const vk_Vec out = {std::sqrt(1 - cosine * cosine), 0, cosine};
+            const vk_Bsdf bsdf(metal, {0, 0, 1}, out, false);
+            const vk_Facets facets(vk_alpha(rough), vk_alpha(rough));
+            Quarters ofWalk, ofBsdf;
+            for (std::uint32_t i = 0; i < COUNT; ++i) {
+                ofWalk.add(out, wander(facets, -out, vk_Sampler(vk_hash(i), 0)), 1.0f / COUNT);
+                float pdf = 0;
+                const vk_Vec in = bsdf.sample(vk_Sampler(9, i).square());
+                const float light = bsdf.evaluate(in, pdf).specular.x;
+                ofBsdf.add(out, in, pdf > 0 ? light / pdf / COUNT : 0);
+            }
+            for (int i = 0; i < 4; ++i)
+                EXPECT_NEAR(ofWalk.share[i], ofBsdf.share[i], .01f)
+                    << rough << ' ' << cosine << ' ' << i;
+        }
+}
 
 TEST(Bsdf, IsReciprocal)
 {
@@ -74,9 +132,13 @@ TEST(Bsdf, IsReciprocal)
                 const vk_Vec x = around(a, .3f), y = around(b, 2);
                 if (!(c.material.tilt == vk_Vec{}))
                     continue; // cosines are then those to another normal
-                const float xy = scattered(ofX, y) / b / ofX.compensation();
-                const float yx = scattered(ofY, x) / a / ofY.compensation();
-                EXPECT_NEAR(xy, yx, 2e-3f * (xy + yx));
+                const vk_Scattered xy = scattered(ofX, y), yx = scattered(ofY, x);
+                const float even = xy.diffuse.x / b;
+                EXPECT_NEAR(even, yx.diffuse.x / a, 2e-3f * even);
+                if (c.isCompensatedInTwoWays())
+                    continue; // of which one is not symmetric
+                const float once = xy.specular.x / b / ofX.compensation().x;
+                EXPECT_NEAR(once, yx.specular.x / a / ofY.compensation().x, 4e-3f * once);
             }
 }
 
@@ -89,8 +151,9 @@ TEST(Bsdf, GlassIsReciprocalFromBothSides)
     const vk_Vec x = around(.8f, .3f), y = -around(.7f, .9f);
     const vk_Bsdf outside(glass, UP, x, false);
     const vk_Bsdf inside(glass, -UP, y, false, {}, true);
-    const float in = scattered(outside, y) / .7f / (glass.ior * glass.ior) / outside.compensation();
-    const float out = scattered(inside, x) / .8f / inside.compensation();
+    const float in =
+        scattered(outside, y).sum().x / .7f / (glass.ior * glass.ior) / outside.compensation().x;
+    const float out = scattered(inside, x).sum().x / .8f / inside.compensation().x;
     EXPECT_GT(in, .01f);
     EXPECT_NEAR(in, out, 1e-3f * in);
 }
@@ -116,11 +179,11 @@ TEST(Bsdf, SendsOnAtMostWhatArrives)
                         albedo += density > 0 ? static_cast<double>(light.x / density) / COUNT : 0;
                     }
                 }
-                EXPECT_LE(albedo, 1.012);
+                // The table of glass is coarser.
+                EXPECT_LE(albedo, c.material.isClear() ? 1.007 : 1.004);
                 // White metal and glass keep nothing, however rough (at grazing angles about).
-                const bool keepsAll = c.material.isClear() || c.material.specular.x >= 1;
-                const bool isEven = c.material.brushed <= 0 && c.material.coat <= 0;
-                EXPECT_GT(albedo, keepsAll && isEven && cosine > .1f ? .97 : .15);
+                const bool isWhite = c.material.isClear() || c.material.specular.x >= 1;
+                EXPECT_GT(albedo, isWhite && c.material.coat <= 0 && cosine > .1f ? .97 : .15);
             }
 }
 
@@ -155,25 +218,29 @@ TEST(Bsdf, DensityIsThatOfTheSamples)
             }
 }
 
-// The tables of bench/fit.py against the integral that they hold.
+// The tables of bench/fit.py against the integral that they hold, for light along x and y.
 TEST(Microfacet, AlbedoTablesAgreeWithTheirIntegral)
 {
     constexpr int COUNT = 1 << 13;
     for (const float rough : {.2f, .5f, .77f, 1.0f})
-        for (const float cosine : {.25f, .6f, .95f}) {
-            const float alpha = vk_alpha(rough);
-            const vk_Facets facets(alpha, alpha);
-            const vk_Vec out = {std::sqrt(1 - cosine * cosine), 0, cosine};
-            double sum = 0;
-            for (std::uint32_t i = 0; i < COUNT; ++i) {
-                const vk_Vec h = facets.sample(out, vk_Sampler(5, i).square());
-                const vk_Vec in = h * (2 * vk_dot(h, out)) - out;
-                if (in.z > 0)
-                    sum += static_cast<double>(4 * in.z * out.z * facets.shared(in, out) /
-                                               facets.visible(out));
-            }
-            EXPECT_NEAR(vk_facetAlbedo(cosine, rough), sum / COUNT, .012) << rough << ' ' << cosine;
-        }
+        for (const float ratio : {1.0f, .5f, .13f})
+            for (const vk_Vec &across : {vk_Vec{1, 0, 0}, vk_Vec{0, 1, 0}, vk_Vec{.6f, .8f, 0}})
+                for (const float cosine : {.25f, .6f, .95f}) {
+                    const float alpha = vk_alpha(rough);
+                    const vk_Facets facets(alpha * ratio, alpha);
+                    const vk_Vec out =
+                        across * std::sqrt(1 - cosine * cosine) + vk_Vec{0, 0, cosine};
+                    double sum = 0;
+                    for (std::uint32_t i = 0; i < COUNT; ++i) {
+                        const vk_Vec h = facets.sample(out, vk_Sampler(5, i).square());
+                        const vk_Vec in = h * (2 * vk_dot(h, out)) - out;
+                        if (in.z > 0)
+                            sum += static_cast<double>(4 * in.z * out.z * facets.shared(in, out) /
+                                                       facets.visible(out));
+                    }
+                    EXPECT_NEAR(facets.albedo(out), sum / COUNT, .012)
+                        << rough << ' ' << ratio << ' ' << across.y << ' ' << cosine;
+                }
 }
 
 TEST(Subsurface, ProfileIntegratesToWhatLiesWithin)

@@ -35,6 +35,12 @@ vk_Vec mirrored(const vk_Vec &out, const vk_Vec &facet)
     return vk_normalize(facet * (2 * vk_dot(facet, out)) - out);
 }
 
+// Of Schlick's reflectance over all directions.
+float average(float straight, float edge)
+{
+    return straight + (edge - straight) / 21;
+}
+
 float fresnelOfCoat(const vk_Material &material, float cosine)
 {
     if (material.coat <= 0)
@@ -87,26 +93,31 @@ float vk_Bsdf::peakPdf() const
 void vk_Bsdf::compensate()
 {
     constexpr float SMOOTH = .15f; // where facets hardly meet each other's light
+    constexpr float NARROW = .5f;  // share of what they scatter again that goes the same ways
 
     const vk_Material &m = myMaterial;
     if (m.rough < SMOOTH)
         return;
     if (m.isClear()) {
-        myCompensation = 1 / vk_glassAlbedo(myOut.z, m.rough, myEta);
+        myCompensation = vk_grey(1 / vk_glassAlbedo(myOut.z, m.rough, myEta));
         return;
     }
     if (vk_largest(m.specular) <= 0)
         return;
-    const float rough = myFacets.rough(), mean = vk_facetMean(rough);
-    myLost = 1 - vk_facetAlbedo(myLower.z, rough);
+    const bool isBrushed = m.brushed > 0;
+    const float mean = vk_facetMean(myFacets.rough()), narrow = isBrushed ? 1 : NARROW;
+    const float lost = 1 - myFacets.albedo(myLower);
+    myLost = (1 - narrow) * lost;
     myMeanLost = std::max(1 - mean, 1e-6f);
     // Every time that facets scatter it, light loses what they do not reflect.
-    const auto kept = [&](float straight, float edge) {
-        const float reflected = straight + (edge - straight) / 21;
-        return reflected * reflected * mean / (1 - reflected * (1 - mean));
+    const auto each = [&](auto function) {
+        return vk_Colour{function(average(m.specular.x, m.edge.x)),
+                         function(average(m.specular.y, m.edge.y)),
+                         function(average(m.specular.z, m.edge.z))};
     };
-    myMultiple = {kept(m.specular.x, m.edge.x), kept(m.specular.y, m.edge.y),
-                  kept(m.specular.z, m.edge.z)};
+    myCompensation = each([&](float f) { return 1 + narrow * f * lost / (1 - f * lost); });
+    if (!isBrushed)
+        myMultiple = each([&](float f) { return f * f * mean / (1 - f * (1 - mean)); });
 }
 
 // Parts get samples by what they reflect.
@@ -116,7 +127,7 @@ void vk_Bsdf::share(bool split)
 
     const vk_Material &m = myMaterial;
     myShare[COAT] = fresnelOfCoat(m, myOut.z);
-    myShare[BOUNDARY] = vk_luminance(fresnel(myLower.z)) * myBelow;
+    myShare[BOUNDARY] = vk_luminance(fresnel(myLower.z) * myCompensation) * myBelow;
     myShare[MULTIPLE] = vk_luminance(myMultiple) * myLost * myBelow;
     if (vk_largest(m.sheen) > 0)
         myShare[SHEEN] = vk_luminance(m.sheen) * vk_sheenAlbedo(myOut.z, m.sheenRough);
@@ -175,8 +186,8 @@ vk_Scattered vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
     if (myShare[BOUNDARY] > 0) {
         const vk_Vec h = vk_normalize(lower + myLower);
         const float facets = myFacets.density(h);
-        scattered.specular +=
-            fresnel(vk_dot(h, lower)) * (facets * myFacets.shared(lower, myLower) * left);
+        scattered.specular += fresnel(vk_dot(h, lower)) * myCompensation *
+                              (facets * myFacets.shared(lower, myLower) * left);
         density += myShare[BOUNDARY] * facets * myFacets.visible(myLower) / (4 * myLower.z);
     }
     if (myShare[MULTIPLE] > 0) {

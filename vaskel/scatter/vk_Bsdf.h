@@ -9,8 +9,8 @@
 //                           and reciprocally: Ashikhmin and Shirley, "An Anisotropic
 //                           Phong BRDF Model", 2000; without a boundary Lambert's
 //
-// All but glass are symmetric in the two directions; glass is but for compensation(), after
-// division by the square of the index of refraction on the light's side. None sends on more
+// All are symmetric in the two directions but for compensation(), glass after division by the
+// square of the index of refraction on the light's side. None sends on more
 // than arrives, and metal and glass that are white send on all of it. What lies below coat or sheen
 // gets what these do not reflect, on the way in and on the way out.
 #pragma once
@@ -46,9 +46,10 @@ public:
     // About the highest density that evaluate() gives.
     float peakPdf() const;
 
-    // For glass: what is to be added for light that facets scatter more than once, as a
-    // factor to what they scatter once. It knows the viewer's direction only.
-    float compensation() const { return myCompensation; }
+    // What is added for light that facets scatter more than once, as a factor to what they
+    // scatter once. It knows the viewer's direction only. Metal that is not brushed gets
+    // half of it in this way.
+    vk_Colour compensation() const { return myCompensation; }
 
     // Whether it has a part that scatters widely.
     bool isDiffuse() const { return myShare[SHEEN] > 0 || myShare[BASE] > 0; }
@@ -86,7 +87,7 @@ private:
     vk_Vec myLower;    // the same in myBottom
     vk_Facets myFacets, myCoat;
     float myEta; // glass: index of the far side over the near side
-    float myCompensation = 1;
+    vk_Colour myCompensation = {1, 1, 1};
     vk_Colour myMultiple; // of metal: what arrives and is lost when facets scatter it once
     float myLost = 0, myMeanLost = 1; // share of it, for the viewer's and for all directions
     float myBelow = 1;                // share that coat and sheen leave on the way out

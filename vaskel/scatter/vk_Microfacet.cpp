@@ -27,6 +27,19 @@ float lookUp(const float (&table)[ROUGHS][COSINES], float rough, float cosine)
     };
     return down.between(row(table[down.low]), row(table[down.low + 1]));
 }
+
+float brushedAlbedo(float wide, float ratio, float along, float cosine)
+{
+    const Step down(std::sqrt(wide), VK_BRUSHED_ROUGHS);
+    const Step narrower((ratio - VK_BRUSHED_LEAST) / (1 - VK_BRUSHED_LEAST), VK_BRUSHED_RATIOS);
+    const auto of = [&](std::size_t i, std::size_t j) {
+        return lookUp(VK_BRUSHED_ALBEDO[i][j], along, cosine);
+    };
+    const auto row = [&](std::size_t i) {
+        return narrower.between(of(i, narrower.low), of(i, narrower.low + 1));
+    };
+    return down.between(row(down.low), row(down.low + 1));
+}
 } // namespace
 
 float vk_facetAlbedo(float cosine, float rough)
@@ -45,6 +58,19 @@ float vk_glassAlbedo(float cosine, float rough, float eta)
     const Step step(.5f + .25f * std::log2(eta), VK_GLASS_ETAS);
     return step.between(lookUp(VK_GLASS_ALBEDO[step.low], rough, cosine),
                         lookUp(VK_GLASS_ALBEDO[step.low + 1], rough, cosine));
+}
+
+// By the roughness of the wider direction, how much narrower the other is, and how wide the
+// facets are along the way of the light.
+float vk_Facets::albedo(const vk_Vec &out) const
+{
+    const float wide = std::max(myX, myY), ratio = std::min(myX, myY) / wide;
+    const float flat2 = out.x * out.x + out.y * out.y;
+    if (ratio == 1 || flat2 <= 0)
+        return ratio == 1 ? vk_facetAlbedo(out.z, rough()) : brushedAlbedo(wide, ratio, 0, out.z);
+    const float x = myX * out.x, y = myY * out.y;
+    const float along = std::sqrt((x * x + y * y) / flat2) / wide;
+    return brushedAlbedo(wide, ratio, (along - ratio) / (1 - ratio), out.z);
 }
 
 float vk_fresnel(float cosine, float eta)

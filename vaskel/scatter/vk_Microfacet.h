@@ -7,10 +7,13 @@
 //   masking        of Smith, in its height-correlated form: Heitz, JCGT 3(2), 2014
 //   samples        from the visible facets: Heitz, JCGT 7(4), 2018
 //   reflectance    after Fresnel, or his formula as Schlick shortened it, 1994
-//   light that facets scatter more than once   a wide lobe of its own for metal: Kulla and
-//                  Conty, "Revisiting Physically Based Shading at Imageworks", SIGGRAPH 2017
-//                  course; for glass in proportion to what they scatter once: Turquin,
-//                  "Practical Multiple Scattering Compensation for Microfacet Models", 2019
+//   light that facets scatter more than once   for metal half of it as a wide lobe of its own:
+//                  Kulla and Conty, "Revisiting Physically Based Shading at Imageworks",
+//                  SIGGRAPH 2017 course; and half of it in proportion to what they scatter
+//                  once: Turquin, "Practical Multiple Scattering Compensation for Microfacet
+//                  Models", 2019. All of it so for glass and for brushed metal. Halves are
+//                  about what a random walk between facets gives: Heitz et al.,
+//                  "Multiple-Scattering Microfacet BSDFs with the Smith Model", SIGGRAPH 2016
 //
 // Directions are in a frame around the surface's normal z, point away from the
 // surface, and x is the direction along which the boundary may be wider.
@@ -43,7 +46,8 @@ vk_Vec vk_refract(const vk_Vec &out, const vk_Vec &facet, float eta);
 
 // Share of light from a direction that facets send on which reflect all of it, or which are
 // those of glass with an index eta, when it is scattered once; the rest is scattered again.
-// `rough` is perceptual, see vk_alpha().
+// `rough` is perceptual, see vk_alpha(). Facets that are not as wide in all directions:
+// vk_Facets::albedo().
 float vk_facetAlbedo(float cosine, float rough);
 float vk_facetMean(float rough); // over the hemisphere, weighted by the cosine
 float vk_glassAlbedo(float cosine, float rough, float eta);
@@ -56,6 +60,9 @@ public:
 
     // The perceptual roughness of facets that are as wide in all directions.
     float rough() const { return std::sqrt(std::sqrt(myX * myY)); }
+
+    // As vk_facetAlbedo().
+    float albedo(const vk_Vec &out) const;
 
     // Facets that face h, per solid angle and area of the surface. Written so
     // that it does not cancel for small widths.
@@ -76,7 +83,8 @@ public:
     }
 
     // A facet drawn as often as it is seen from `out`: density is
-    // density(h) * visible(out) * dot(out, h) / out.z. REQUIRES: out.z > 0
+    // density(h) * visible(out) * dot(out, h) / out.z. Light between facets may also come
+    // from below, with out.z < 0.
     vk_Vec sample(const vk_Vec &out, const vk_Square &at) const;
 
 private:
