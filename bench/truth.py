@@ -12,7 +12,8 @@ vaskel at default quality over that of Cycles: of the whole picture, and of its 
 straight through (doc/scene.md). --blocks prints the block's ratios as a map.
 
 The furnace needs no Blender. In surroundings of 1 without lights a white surface that
-sends on all that arrives is not to be seen: what is printed is its light, by roughness.
+sends on all that arrives is not to be seen: what is printed is its light, by roughness, with
+64 samples a pixel and no filter, so that it tells of surfaces alone.
 """
 import argparse
 import array
@@ -68,7 +69,7 @@ FURNACE = {
     "v_wax": "v_wax diff 1 scatter .1 rough %g",
 }
 ROUGH = (0, .15, .3, .6, 1)
-ALL_BACK = ("v_metal", "v_frosted")  # must give back .97 of what arrives, however rough
+ALL_BACK = ("v_metal", "v_brushed", "v_frosted")  # must give back .97 of what arrives, however rough
 
 BLENDER = r"""
 import array, bpy, json, math, sys
@@ -409,7 +410,7 @@ def furnace(folder, options):
             surface = text % rough if "%" in text else text
             scene = "size 256 256\ncamera from 0 1 6 at 0 1 0 fov 18\nenvironment v_studio " \
                     "top 1 horizon 1 ground 1\nsurface %s\nsphere" % surface
-            rows = vaskel(scene, folder, *options)
+            rows = vaskel(scene, folder, "--samples", "64", *options)
             disc = [rows[y][x] for y in range(SIDE) for x in range(SIDE)
                     if (x - 127.5) ** 2 + (y - 127.5) ** 2 < 110 ** 2]
             shown.append(sum(disc) / len(disc))

@@ -80,6 +80,7 @@ vk_Filter::vk_Filter(int columns, int rows)
         for (Plane *const plane : {&layer->own, &layer->error, &layer->ofAround})
             plane->resize(size);
     }
+    myIrradiance.sharesOutliers = true;
     for (VecPlane *const plane : {&myAlbedo, &myNormal, &myVisibility, &myLight})
         plane->resize(size);
     for (Plane *const plane : {&myTexture, &myDistance, &myCount, &myBlurred, &myError})
@@ -169,13 +170,17 @@ vk_Lanes vk_Filter::featureWeight(std::size_t here, std::size_t there) const
     return vk_max(vk_lanes(0), turn) * vk_max(vk_lanes(0), 1 - step);
 }
 
+// A pixel that is far off takes its neighbours in. When these take in as much of it, no light
+// is lost, as that of caustics would be, which few samples find.
 vk_Lanes vk_Filter::layerWeight(const Layer &layer, std::size_t here, std::size_t there,
                                 const vk_VecLanes &visibility, const Tolerances &tolerances)
 {
-    const vk_Lanes own = vk_max(vk_load(&layer.own[here]), vk_load(&layer.error[here]));
-    const vk_Lanes ofPixels =
-        agreement(layer.mean.lanes(there) - layer.mean.lanes(here), visibility,
-                  own + vk_load(&layer.error[there]), tolerances.ofPixels);
+    const auto atLeastOwn = [&](std::size_t at) {
+        return vk_max(vk_load(&layer.own[at]), vk_load(&layer.error[at]));
+    };
+    const vk_Lanes its = layer.sharesOutliers ? atLeastOwn(there) : vk_load(&layer.error[there]);
+    const vk_Lanes ofPixels = agreement(layer.mean.lanes(there) - layer.mean.lanes(here),
+                                        visibility, atLeastOwn(here) + its, tolerances.ofPixels);
     const vk_Lanes ofMeans = agreement(
         layer.around.lanes(there) - layer.around.lanes(here), visibility,
         vk_load(&layer.ofAround[here]) + vk_load(&layer.ofAround[there]), tolerances.ofMeans);

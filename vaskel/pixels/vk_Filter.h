@@ -56,9 +56,10 @@ private:
         void store(std::size_t i, const vk_VecLanes &lanes);
     };
     struct Layer {
-        VecPlane mean, around; // of a pixel, and of it with its neighbours
-        Plane own, error;      // errors of one pixel: its own estimate, also as a mean,
-        Plane ofAround;        // and of those means
+        VecPlane mean, around;       // of a pixel, and of it with its neighbours
+        Plane own, error;            // errors of one pixel: its own estimate, also as a mean,
+        Plane ofAround;              // and of those means
+        bool sharesOutliers = false; // a pixel that is far off is taken in by its neighbours
     };
     struct Sum;
     struct Mean {

@@ -14,7 +14,8 @@ constexpr int LIGHT_SAMPLES = 2;      // light; at others; one where paths count
 constexpr int MOST_SPLITS = 2;        // of a path in two at smooth glass; then by chance
 constexpr float FADE_NEAR = 4;        // the floor fades between these
 constexpr float FADE_FAR = 18;        // distances from the origin
-constexpr float REGULAR = .6f;        // least roughness behind a vertex that scattered widely
+constexpr float REGULAR = .6f;        // least roughness behind a vertex that scattered widely,
+constexpr float REGULAR_METAL = .4f;  // and of what only reflects: noise against dim caustics
 constexpr float WIDE_METAL = .35f;    // what is rougher shows no edges, so that
 constexpr float WIDE_GLASS = .2f;     // its light is filtered like a diffuse surface's
 constexpr float GROUND = .35f;        // rougher glass blurs all behind it
@@ -173,8 +174,10 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
             outgoing.paths.push_back(path);
         return;
     }
-    if (path.isWide())
-        material.rough = std::max(material.rough, REGULAR);
+    if (path.isWide()) {
+        const bool onlyReflects = vk_largest(material.diffuse) <= 0;
+        material.rough = std::max(material.rough, onlyReflects ? REGULAR_METAL : REGULAR);
+    }
     // A plane without end gives back as much as it took: the base stands for that.
     if (path.isCameraRay() && !hit.isFloor && vk_largest(material.scatter) > 0)
         scatterBelow(hit, material, path.fork(2), outgoing);
