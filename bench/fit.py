@@ -13,7 +13,7 @@ import math
 
 ROUGHS = COSINES = 16
 ETAS, ETA_ROUGHS, ETA_COSINES = 17, 9, 9  # indices of refraction 1/4 to 4
-BRUSHED_ROUGHS, BRUSHED_RATIOS, BRUSHED_WIDTHS, BRUSHED_COSINES = 9, 4, 3, 9
+BRUSHED_ROUGHS, BRUSHED_RATIOS, BRUSHED_WIDTHS, BRUSHED_COSINES = 9, 6, 3, 9
 BRUSHED_LEAST = .1  # width across over that along
 STEPS = 24  # samples of a facet along each axis
 

@@ -8,7 +8,7 @@
 #pragma once
 
 constexpr int VK_ALBEDO_ROUGHS = 16, VK_ALBEDO_COSINES = 16;
-constexpr int VK_BRUSHED_ROUGHS = 9, VK_BRUSHED_RATIOS = 4, VK_BRUSHED_WIDTHS = 3;
+constexpr int VK_BRUSHED_ROUGHS = 9, VK_BRUSHED_RATIOS = 6, VK_BRUSHED_WIDTHS = 3;
 constexpr int VK_BRUSHED_COSINES = 9;
 constexpr float VK_BRUSHED_LEAST = .1f;
 constexpr int VK_GLASS_ETAS = 17, VK_GLASS_ROUGHS = 9, VK_GLASS_COSINES = 9;
