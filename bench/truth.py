@@ -8,7 +8,9 @@ triangles, camera, environment, radiance of lights and materials. Cycles draws i
 limits and with N samples a pixel (1024), which takes minutes; its pictures stay in FOLDER
 (build/truth), so that the next run compares at once. What is printed is linear light of
 vaskel at default quality over that of Cycles: of the whole picture, and of its blocks of
-16 x 16 pixels. Blocks that show light gathered by glass are left out: vaskel sends light
+16 x 16 pixels. Cycles is noisy too, so it draws two halves of the samples; the half of their
+difference is about the standard error of their mean. A block counts as beyond its limit when
+it is so by two of these, at most by as much as the limit again. Blocks that show light gathered by glass are left out: vaskel sends light
 straight through (doc/scene.md). --blocks prints the block's ratios as a map.
 
 The furnace needs no Blender. In surroundings of 1 without lights a white surface that
@@ -213,6 +215,7 @@ scene.camera = eye
 scene.render.engine = "CYCLES"
 cycles = scene.cycles
 cycles.samples, cycles.use_adaptive_sampling, cycles.use_denoising = job["samples"], False, False
+cycles.seed = job["seed"]
 cycles.max_bounces = cycles.diffuse_bounces = cycles.glossy_bounces = 64
 cycles.transmission_bounces = cycles.transparent_max_bounces = 64
 cycles.caustics_reflective = cycles.caustics_refractive = job["caustics"]
@@ -313,14 +316,20 @@ def stand(points):
     return at
 
 
-def cycles(name, caustics, samples, folder):
+def halves(name, caustics, samples, folder):
+    """Blocks of Cycles, and about their standard errors, as shares of them."""
+    a, b = (blocks(capped(cycles(name, caustics, samples // 2, seed, folder))) for seed in (0, 1))
+    return ([(x + y) / 2 for x, y in zip(a, b)], [abs(x - y) / (x + y) for x, y in zip(a, b)])
+
+
+def cycles(name, caustics, samples, seed, folder):
     """Linear luminance of Cycles' pixels, from the top; drawn if it is not there yet."""
     import json
-    words = "%s %s %d" % (name, "all" if caustics else "no caustics", samples)
+    words = "%s %s %d %d" % (name, "all" if caustics else "no caustics", samples, seed)
     kept = os.path.join(folder, words.replace(" ", "_") + ".raw")
     if not os.path.exists(kept):
         _, node, sockets, _, _ = MATERIALS[name]
-        job = {"node": node, "sockets": sockets, "samples": samples, "side": SIDE,
+        job = {"node": node, "sockets": sockets, "samples": samples, "seed": seed, "side": SIDE,
                "caustics": caustics, "sky": SKY, "level": LEVEL, "haze": haze(),
                "lamps": [lamp(*one) for one in LIGHTS],
                "meshes": [net(144, 72, ball), net(144, 40, stand(stand_outline()))]}
@@ -384,16 +393,17 @@ def capped(rows):
 
 def compare(name, arguments, folder):
     text, node, _, most, mean_most = MATERIALS[name]
-    exact = blocks(capped(cycles(name, True, arguments.samples, folder)))
+    exact, errors = halves(name, True, arguments.samples, folder)
     counts = [True] * len(exact)
     if node == "Glass":
-        dim = blocks(capped(cycles(name, False, arguments.samples, folder)))
+        dim, _ = halves(name, False, arguments.samples, folder)
         counts = [abs(a - b) < .1 * a for a, b in zip(exact, dim)]
     drawn = blocks(vaskel(SCENE + "surface " + text + "\nshaderball", folder, *arguments.vaskel))
     ratios = [a / b for a, b in zip(drawn, exact)]
     kept = [r for r, count in zip(ratios, counts) if count]
     mean = sum(drawn) / sum(exact)
-    beyond = sum(abs(r - 1) > most for r in kept)
+    limits = [most + min(2 * e, most) for e, count in zip(errors, counts) if count]
+    beyond = sum(abs(r - 1) > limit for r, limit in zip(kept, limits))
     print("%-14s %6.3f (%.3f) %7.2f %6.2f (%.2f) %4d of %d" % (
         name, mean, mean_most, min(kept), max(kept), most, beyond, len(kept)), flush=True)
     for row in range(BLOCKS if arguments.blocks else 0):

@@ -198,8 +198,8 @@ TEST(Renderer, ManyLightsInOnePlaceLookLikeOne)
           "shadow v_softshadow soft 3\nsurface v_plastic rough .1\nsphere",
           "shadow v_filtershadow amount 1\nsurface v_matte diff 1 .2 .2\nsphere",
           "surface v_glass tint 1 .5 .2\nsphere"}) {
-        const vk_Film one = drawAll(roomWith(lines, 1), 2, 256);
-        EXPECT_LT(differenceOf(one, drawAll(roomWith(lines, 25), 2, 256)), 6) << lines;
+        const vk_Film one = drawAll(roomWith(lines, 1), 2, 512);
+        EXPECT_LT(differenceOf(one, drawAll(roomWith(lines, 25), 2, 512)), 4) << lines;
     }
 }
 
@@ -329,13 +329,20 @@ TEST(Renderer, FrostedGlassShowsTheLightBehindIt)
 
 TEST(Renderer, TakingNoiseOutLeavesColours)
 {
-    for (const char *const lines :
-         {"surface v_frosted color 1 0 0 tint 1\nsphere",
-          "surface v_metal color 0 rough .6\nsphere", "surface v_velvet diff 0 0 1\nsphere",
-          "surface v_skin\nsphere"})
-        EXPECT_LT(differenceOf(drawAll(roomWith(lines, 1)), drawAll(roomWith(lines, 1), 2, 256)),
-                  20)
-            << lines;
+    const struct {
+        const char *lines;
+        float most;
+    } cases[] = {
+        // Noise that it leaves, which colours of light behind the glass make visible.
+        {"surface v_frosted color 1 0 0 tint 1\nsphere", 20},
+        {"surface v_metal color 0 rough .6\nsphere", 12},
+        {"surface v_velvet diff 0 0 1\nsphere", 12},
+        {"surface v_skin\nsphere", 14},
+    };
+    for (const auto &c : cases) {
+        const std::string room = roomWith(c.lines, 1);
+        EXPECT_LT(differenceOf(drawAll(room), drawAll(room, 2, 256)), c.most) << c.lines;
+    }
 }
 
 TEST(Renderer, OneSampleMoreIsNotWorse)
