@@ -29,8 +29,12 @@
 // Deliberate simplifications keep pictures free of noise; doc/scene.md tells what shows:
 //   - behind a vertex that scattered widely all reflections are blurred (Kaplanyan and
 //     Dachsbacher, "Path Space Regularization for Holistic and Robust Light Transport",
-//     2013) and glass is looked through straight on, as shadows do;
-//   - paths that were scattered widely and come upon something very bright are clamped;
+//     2013) and glass is looked through straight on, as shadows do. Floor beside a mirror
+//     gets .8 % less light for it, the worst block of 16 x 16 pixels 4 % less;
+//   - paths that were scattered widely and come upon something very bright are clamped,
+//     which takes less than .1 %;
+//   - pixels converge by an error that their own samples tell (vk_Allocation.h), so that
+//     those that missed a caustic stop sooner: 2 % of the floor's light, 12 % of a block's;
 //   - fog scatters light of the lights once, and that of the environment as a mean;
 //   - subsurface scattering is that of the first vertex only.
 #pragma once
