@@ -69,6 +69,9 @@ std::string materialText(const vk_Material &m)
         add("ior", vk_grey(m.ior));
     add("scatter", m.scatter);
     add("emission", m.emission);
+    add("passes by", m.passesBy);
+    if (m.presence < 1)
+        text += ", presence " + colourText(vk_grey(m.presence));
     add("tilt", m.tilt);
     return text;
 }
@@ -129,25 +132,6 @@ TEST(Osl, ShadesPointsTogetherAsEachAlone)
         EXPECT_EQ(materialText(scene.shapes[0].surface->shade(points[i])),
                   materialText(together[i]))
             << i;
-}
-
-// Of a mixture each point is one part, and so many are that its mean is the mixture.
-TEST(Osl, MixesTransparencyByChance)
-{
-    for (const char *row : {"surface x() { Ci = .3 * diffuse(N) + .7 * transparent(); }",
-                            "shader x(output color c = .3) {} @show .3 as opacity"}) {
-        vk_Scene scene;
-        ASSERT_EQ("", readScene(sceneWith(row), scene));
-        int clear = 0;
-        constexpr int COUNT = 2000;
-        for (int i = 0; i < COUNT; ++i) {
-            vk_SurfacePoint point = facingPoint();
-            point.position.x = static_cast<float>(i) / COUNT;
-            clear += scene.shapes[0].surface->shade(point).isClear() ? 1 : 0;
-        }
-        EXPECT_NEAR(.7, static_cast<double>(clear) / COUNT, .04) << row;
-        EXPECT_TRUE(scene.shapes[0].surface->mayBeClear()) << row;
-    }
 }
 
 TEST(Osl, ReadsOnlyFilesBesideThePaletteAndBelowTheShaderPath)

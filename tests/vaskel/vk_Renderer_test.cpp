@@ -263,6 +263,33 @@ TEST(Renderer, AHoleIsNotThere)
     }
 }
 
+// What lies behind it, its shadow and what glass shows of it are mixtures, too.
+TEST(Renderer, AShapeThatIsThereInPartShowsThatPart)
+{
+    const auto thread = [](const char *show) {
+        return std::string(
+                   "source thread.osl\nshader thread(output color c = .5) {}\nendsource\n") +
+               "surface thread.osl show 0 as spec " + show + "\n";
+    };
+    const auto scene = [](const std::string &shape, const std::string &where) {
+        const std::string glass = "surface v_glass\ntranslate .9 .4 1.2\nscale .4 .4 .4\nsphere\n";
+        return drawAll(STUDIO + ("size 24 24\n" + glass) + "identity\n" + shape + where + "\n", 2,
+                       128);
+    };
+    const std::string where = "translate -.2 0 0\ngrid";
+    const vk_Film whole = scene(thread(""), where), bare = scene("", "");
+    const vk_Film part = scene(thread("show .4 as opacity"), where);
+    const auto light = [](double byte) { return std::pow(byte / 255, 2.2); };
+    for (double y = 0; y < .95; y += .25)
+        for (double x = 0; x < .95; x += .25) {
+            const auto of = [&](const vk_Film &film) {
+                return light(meanOf(film, x, y, x + .25, y + .25));
+            };
+            EXPECT_NEAR(.4 * of(whole) + .6 * of(bare), of(part), .012) << x << ' ' << y;
+        }
+    EXPECT_GT(differenceOf(whole, bare), 40);
+}
+
 // Where it is so dim that twice as much would show.
 TEST(Renderer, LightThroughGlassCountsOnce)
 {

@@ -7,8 +7,8 @@
 namespace
 {
 // A shader could nest them for ever.
-constexpr int MOST_LAYERS = 8;      // of closures inside closures
-constexpr float LEAST_IOR = 1.003f; // what has none is no glass
+constexpr int MOST_LAYERS = 8; // of closures inside closures
+constexpr float AIR = 1.003f;  // glass needs an index of refraction other than 1
 constexpr float LEAST = 1e-6f;
 
 vk_Colour colourOf(const osl_Colour &c)
@@ -114,15 +114,6 @@ const vk_OslClosures::Row vk_OslClosures::ROWS[] = {
     {"transparent_bsdf", &vk_OslClosures::addTransparent},
 };
 
-vk_Material vk_clearAir(const vk_Colour &passes)
-{
-    vk_Material air;
-    air.clear = clamped(passes);
-    air.ior = 1;
-    air.rough = 0;
-    return air;
-}
-
 vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, float chance)
 {
     // One object serves all points of a batch, which keeps the vectors' memory.
@@ -138,23 +129,16 @@ vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, fl
         myBoundary = {};
         myEdge = {};
     }
-    // A material is one of three kinds. Which one is drawn by chance in proportion to what each
+    // A material is one of two kinds. Which one is drawn by chance in proportion to what each
     // reflects or passes, and gets its light divided by that chance: right on average.
     const float opaque = vk_largest(myDiffuse + myEdge + mySheen.colour);
-    const float glass = vk_largest(myGlass.colour), air = vk_largest(myTransparent);
-    const float all = opaque + glass + air;
+    const float glass = vk_largest(myGlass.colour), all = opaque + glass;
     vk_Material material;
-    float share = 1;
-    if (all > 0 && chance * all < air) {
-        share = air / all;
-        material = vk_clearAir(myTransparent * (1 / share));
-    } else if (all > 0 && chance * all < air + glass) {
-        share = glass / all;
-        fillGlass(share, material);
-    } else if (all > 0) {
-        share = opaque / all;
-        fillOpaque(share, material);
-    }
+    if (all > 0 && chance * all < glass)
+        fillGlass(glass / all, material);
+    else if (all > 0)
+        fillOpaque(opaque / all, material);
+    material.passesBy = clamped(myTransparent);
     material.emission = notNegative(myEmission);
     if (vk_dot(myNormals, myNormals) > 0)
         material.tilt = vk_normalize(myNormals) - normal;
@@ -190,7 +174,7 @@ void vk_OslClosures::fillGlass(float share, vk_Material &material) const
     material.rough = myGlass.mean(myGlass.rough);
     // Below 1 the shader had turned it over, above 4 there is no such glass.
     const float ior = std::clamp(myGlass.mean(myGlass.ior), 1.0f, 4.0f);
-    material.ior = std::max(ior, LEAST_IOR);
+    material.ior = std::max(ior, AIR);
 }
 
 // By names only once: points ask for the same few closures again and again.

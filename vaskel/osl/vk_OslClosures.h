@@ -14,9 +14,9 @@
 //   holdout, debug and those of hair               nothing
 //
 // Closures of one kind merge into one: colours by their sum, roughness, index of refraction
-// and bent normals by the mean of the weights. A material is either opaque, glass or nothing
-// but air; where closures ask for several of these, each point is one of them, by chance with
-// the shares of their weights, so that a pixel's mean is the mixture.
+// and bent normals by the mean of the weights. A material is either opaque or glass; where
+// closures ask for both, each point is one of them, by chance with the shares of their
+// weights, so that a pixel's mean is the mixture.
 #pragma once
 
 #include "osl/OSL_Context.h"
@@ -159,6 +159,3 @@ private:
     vk_Vec myScatter, myNormals;
     Part myBoundary, mySheen, myGlass;
 };
-
-// Air, as a material: what is behind is seen as if there were no surface.
-vk_Material vk_clearAir(const vk_Colour &passes);

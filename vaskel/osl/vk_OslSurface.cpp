@@ -11,8 +11,9 @@ namespace
 enum Target { DIFF, SPEC, ROUGH, IOR, EMISSION, BUMP, OPACITY };
 
 // A number from 0 to 1 that looks random and is the same wherever a point is asked about.
-float chanceAt(const vk_SurfacePoint &point, std::uint32_t seed)
+float chanceAt(const vk_SurfacePoint &point)
 {
+    std::uint32_t seed = 1;
     for (const float x : {point.position.x, point.position.y, point.position.z}) {
         std::uint32_t bits = 0;
         std::memcpy(&bits, &x, sizeof bits);
@@ -30,6 +31,14 @@ float clamped(float x, float least, float most)
 vk_Colour clamped(const vk_Colour &c, float most)
 {
     return {clamped(c.x, 0, most), clamped(c.y, 0, most), clamped(c.z, 0, most)};
+}
+
+// Leaves so much of a material; light passes by the rest.
+void thin(float opacity, vk_Material &material)
+{
+    material.presence = opacity;
+    material.emission = material.emission * opacity;
+    material.passesBy = vk_mix(vk_grey(1), material.passesBy, opacity);
 }
 
 // A point a little further on along the surface.
@@ -101,11 +110,9 @@ bool vk_OslSurface::shade(vk_OslRunner &runner, const vk_SurfacePoint *points,
             material = plastic(runner, i);
         else
             material = runner.closures().materialOf(runner.closure()->ints[i], points[i].normal,
-                                                    chanceAt(points[i], 1));
-        if (opacity.isThere() && chanceAt(points[i], 2) >= opacity.number(i))
-            // By chance, but the same at a place for all rays: so those that cast shadows agree
-            // with those that look.
-            material = vk_clearAir(vk_grey(1));
+                                                    chanceAt(points[i]));
+        if (opacity.isThere())
+            thin(clamped(opacity.number(i), 0, 1), material);
     }
     return true;
 }
@@ -135,10 +142,10 @@ bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
     constexpr float LEAST_STEP = 1e-4f;
 
     const vk_OslFeed &height = runner.feed(BUMP);
-    int solid[vk_OslRunner::MOST_POINTS], size = 0; // glass and holes have no base to turn
+    int solid[vk_OslRunner::MOST_POINTS], size = 0; // glass has no base to turn
     float before[vk_OslRunner::MOST_POINTS];
     for (int i = 0; i < count; ++i)
-        if (!materials[i].isClear()) {
+        if (materials[i].presence > 0 && !materials[i].isClear()) {
             before[size] = height.number(i);
             solid[size++] = i;
         }
@@ -185,6 +192,6 @@ bool vk_OslSurface::mayBeClear() const
     }
     std::vector<vk_Material> materials(points.size());
     shade(points.data(), materials.data(), points.size());
-    const auto isClear = [](const vk_Material &material) { return material.isClear(); };
-    return std::any_of(materials.begin(), materials.end(), isClear);
+    const auto letsLightPass = [](const vk_Material &m) { return m.isClear() || !m.isWhole(); };
+    return std::any_of(materials.begin(), materials.end(), letsLightPass);
 }

@@ -11,7 +11,6 @@
 //   ior          index of refraction of the coat (1.5) opacity    1: opaque, 0: nothing there
 //
 // A bump turns normals by the slope of its output, which takes two more points around each.
-// Where opacity lies between 0 and 1, points are there or not by chance.
 #pragma once
 
 #include "vaskel/osl/vk_OslRunner.h"

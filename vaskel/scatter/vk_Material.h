@@ -12,7 +12,7 @@
 //   clear      in place of boundary and base: glass (clear), which refracts
 //
 // plus light of its own (emission). A shader fills in what it needs; the rest is
-// not there.
+// not there. All of it may be there in part, as lace is (presence, passesBy).
 #pragma once
 
 #include "vaskel/base/vk_Transform.h"
@@ -34,13 +34,17 @@ struct vk_Material {
 
     vk_Colour clear;   // share of light that passes the surface of glass, 0 to 1
     vk_Colour absorbs; // by the glass, per length
-    float ior = 1.5f;  // index of refraction of the glass; 1: there is nothing (isAir)
+    float ior = 1.5f;  // index of refraction of the glass, not 1
 
     vk_Vec scatter; // how far light wanders below the surface, for red, green, blue; 0: not
 
+    // Where a surface is there in part only: how much of all above but emission, and what
+    // light passes by, straight on.
+    float presence = 1;
+    vk_Colour passesBy = {0, 0, 0};
+
     bool isClear() const { return vk_largest(clear) > 0; }
-    // A hole: light goes on as if there were no surface, but for the colour of `clear`.
-    bool isAir() const { return isClear() && ior == 1; }
+    bool isWhole() const { return vk_largest(passesBy) <= 0; }
     // Glass so smooth that it is not lit by lights: rays find what it shows of them.
     bool isSmoothGlass() const { return isClear() && rough < .02f; }
     // What passes straight through the surface of glass at a cosine to its normal, and
@@ -48,10 +52,15 @@ struct vk_Material {
     vk_Colour passesStraight(float cosine) const;
     vk_Colour absorbed(float length) const { return vk_exp(absorbs * -length); }
 
+    // About the largest share of light that it sends on.
+    float reflectance() const
+    {
+        return isClear() || coat > 0 ? 1 : std::min(vk_largest(diffuse + edge + sheen), 1.0f);
+    }
     bool reflects() const
     {
-        return vk_largest(diffuse) > 0 || vk_largest(edge) > 0 || isClear() ||
-               vk_largest(sheen) > 0 || coat > 0;
+        return presence > 0 && (vk_largest(diffuse) > 0 || vk_largest(edge) > 0 || isClear() ||
+                                vk_largest(sheen) > 0 || coat > 0);
     }
 };
 

@@ -48,7 +48,7 @@ void vk_Path::passStraight(const vk_Hit &hit, const vk_NextEvent &next)
     myNextEvent = next;
 }
 
-void vk_Path::passHole(const vk_Hit &hit)
+void vk_Path::passBy(const vk_Hit &hit)
 {
     vk_NextEvent next = myNextEvent;
     next.distance += hit.distance;

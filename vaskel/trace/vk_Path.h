@@ -65,8 +65,8 @@ public:
     // lights behind it is in `next`.
     void passStraight(const vk_Hit &hit, const vk_NextEvent &next);
 
-    // On where there is no surface after all.
-    void passHole(const vk_Hit &hit);
+    // On as if there were no surface.
+    void passBy(const vk_Hit &hit);
 
     // Back from a smooth surface, at which no lights were sampled.
     void reflect(const vk_Hit &hit);

@@ -65,6 +65,7 @@ void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
         view.albedo = material.isClear() ? vk_grey(1) : material.specular + material.edge * .1f;
         path.countAsDiffuse();
     }
+    view.albedo = view.albedo * material.presence;
     view.normal = hit.normal;
     view.distance = hit.distance;
     const bool isGround = material.isClear() && material.rough > GROUND;
@@ -154,18 +155,14 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
 {
     const vk_Hit &hit = vertex.hit;
     vk_Material material = vertex.material;
+    path.add(material.emission);
+    if (path.bounces() == MOST_BOUNCES ||
+        (!material.isWhole() && !meets(hit, material, path, outgoing)))
+        return;
     if (path.isCameraRay())
         describe(hit, material, path);
-    path.add(material.emission);
-    if (!material.reflects() || path.bounces() == MOST_BOUNCES)
+    if (!material.reflects())
         return;
-    if (material.isAir()) {
-        path.attenuate(material.clear);
-        path.passHole(hit);
-        if (survives(path))
-            outgoing.paths.push_back(path);
-        return;
-    }
     if (material.isClear() && hit.inside)
         path.attenuate(material.absorbed(hit.distance));
     if (material.isClear() && path.isWide()) {
@@ -190,6 +187,32 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
                                                  : path.isCameraRay() && !material.isClear();
     const vk_Bsdf bsdf(material, normal, out, splits, along, hit.inside);
     scatter(hit, bsdf, path, outgoing);
+}
+
+// Where a surface is there in part, a camera ray goes both ways, and others go one of them by
+// chance. False when the path went on behind the surface.
+bool vk_PathTracer::meets(const vk_Hit &hit, const vk_Material &material, vk_Path &path,
+                          Outgoing &outgoing) const
+{
+    const auto passBy = [&](vk_Path behind, const vk_Colour &share) {
+        behind.attenuate(share);
+        behind.passBy(hit);
+        if (survives(behind))
+            outgoing.paths.push_back(behind);
+    };
+    if (path.isCameraRay()) {
+        passBy(path.fork(3), material.passesBy);
+        path.attenuate(material.presence);
+        return true;
+    }
+    const float passing = vk_largest(material.passesBy);
+    const float chance = passing / (passing + material.presence * material.reflectance());
+    if (path.sampler().number() < chance) {
+        passBy(path, material.passesBy * (1 / chance));
+        return false;
+    }
+    path.attenuate(material.presence / (1 - chance));
+    return true;
 }
 
 // Next-event estimation, and a ray that the BSDF draws, or one for each of its two parts.

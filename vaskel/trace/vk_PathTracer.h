@@ -62,6 +62,8 @@ private:
 
     bool arrive(vk_Path &path, vk_Hit &hit) const;
     void leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoing) const;
+    bool meets(const vk_Hit &hit, const vk_Material &material, vk_Path &path,
+               Outgoing &outgoing) const;
     void crossFog(vk_Path &path, float distance) const;
     void fadeFloor(vk_Path &path, const vk_Hit &hit) const;
     vk_Colour environment(const vk_Path &path, const vk_Vec &direction) const;

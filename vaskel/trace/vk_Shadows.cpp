@@ -9,11 +9,10 @@ constexpr float DARK = 1e-3f;  // a share that is not worth going on
 
 vk_Between betweenOf(const vk_Material &material)
 {
-    if (material.isAir())
-        return VK_NOTHING;
-    if (!material.isClear())
-        return VK_OTHER_SHAPES;
-    return material.isSmoothGlass() ? VK_SMOOTH_GLASS : VK_ROUGH_GLASS;
+    if (material.isClear())
+        return material.isSmoothGlass() ? VK_SMOOTH_GLASS : VK_ROUGH_GLASS;
+    // What passes by goes the way that the path's ray goes.
+    return material.isWhole() ? VK_OTHER_SHAPES : VK_NOTHING;
 }
 
 void block(vk_ShadowRay &ray)
@@ -99,11 +98,10 @@ bool vk_Shadows::cross(vk_ShadowRay &ray, const vk_Hit &hit, const vk_Material &
 vk_Colour vk_Shadows::ofSurface(const vk_Hit &hit, const vk_Material &material,
                                 const vk_Vec &direction) const
 {
-    if (material.isAir())
-        return material.clear;
     if (!material.isClear())
-        return material.diffuse * myShadow.tint;
+        return material.passesBy + material.diffuse * (myShadow.tint * material.presence);
     const float cosine = std::abs(vk_dot(hit.normal, direction));
     const float length = hit.inside ? hit.distance : 0;
-    return material.absorbed(length) * material.passesStraight(cosine) * myShadow.filter;
+    const vk_Colour through = material.absorbed(length) * material.passesStraight(cosine);
+    return material.passesBy + through * (myShadow.filter * material.presence);
 }
