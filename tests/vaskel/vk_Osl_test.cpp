@@ -134,6 +134,26 @@ TEST(Osl, ShadesPointsTogetherAsEachAlone)
             << i;
 }
 
+// Of a mixture each point is one part, and so many are that its mean is the mixture.
+TEST(Osl, MixesGlassByChance)
+{
+    vk_Scene scene;
+    ASSERT_EQ(
+        "", readScene(sceneWith("surface x() { Ci = .3 * diffuse(N) + .7 * refraction(N, 1.5); }"),
+                      scene));
+    vk_Colour diffuse, clear;
+    constexpr int COUNT = 2000;
+    for (int i = 0; i < COUNT; ++i) {
+        vk_SurfacePoint point = facingPoint();
+        point.position.x = static_cast<float>(i) / COUNT;
+        const vk_Material material = scene.shapes[0].surface->shade(point);
+        diffuse += material.diffuse * (1.0f / COUNT);
+        clear += material.clear * (1.0f / COUNT);
+    }
+    EXPECT_NEAR(.3f, diffuse.x, .04f);
+    EXPECT_NEAR(.7f, clear.x, .04f);
+}
+
 TEST(Osl, ReadsOnlyFilesBesideThePaletteAndBelowTheShaderPath)
 {
     const ScratchDirectory scratch;

@@ -247,20 +247,49 @@ TEST(Renderer, WhatLetsAllLightPassLeavesHighlightsAsTheyAre)
     }
 }
 
-// Neither for who looks through it nor for light, whatever shadows of glass are.
+// So dim that light which is counted twice, or not at all, would show.
 TEST(Renderer, AHoleIsNotThere)
 {
-    const std::string hole = "source hole.osl\nshader hole(output color c = 0) {}\nendsource\n"
-                             "surface hole.osl show 0 as opacity\n" +
-                             BALL;
-    for (const std::string floor :
-         {"floor v_metal color .2 rough .3\n", "shadow v_rayshadow color .5\nfloor v_metal\n",
-          "shadow v_filtershadow filter 0\nfloor v_plastic rough .3\n",
-          "surface v_matte\ntranslate 0 1 -2.5\nsphere radius .4\nidentity\nfloor v_matte\n"}) {
-        const vk_Film alone = drawAll(mirrorRoom(".5", floor), 2, 64);
-        EXPECT_GT(meanOf(alone, 0, 0, 1, 1), 20) << floor;
-        EXPECT_LT(differenceOf(alone, drawAll(mirrorRoom(".5", floor + hole), 2, 64)), 8) << floor;
+    const auto surface = [](const std::string &show) {
+        return "source hole.osl\nsurface hole() { " + show + " }\nendsource\nsurface hole.osl ";
+    };
+    const std::string hole = surface("Ci = transparent();") + "\n" + BALL;
+    const std::string holes = hole + "translate 0 .9 -2.5\nsphere radius .6\nidentity\n";
+    const std::string thin = surface("Ci = refraction(N, 1.003);") + "show .02 as opacity\n" + BALL;
+    const std::string frosted =
+        surface("Ci = microfacet(\"ggx\", N, .1, 1.003, 1);") + "show .02 as opacity\n" + BALL;
+    const std::string metal = "floor v_metal color .9 rough .3\n";
+    const struct {
+        std::string lines, intensity;
+    } rooms[] = {
+        {metal, ".004"},
+        {"floor v_metal rough .1\nshadow v_noshadow\n", ".004"},
+        {"shadow v_rayshadow color .5\n" + metal, ".004"},
+        {"shadow v_filtershadow filter 0\n" + metal, ".004"},
+        {"floor v_plastic rough .3\nfog v_fog density .1\n", ".05"},
+        {"background off 1 0 0\nfloor v_matte\n", ".1"},
+    };
+    for (const auto &room : rooms) {
+        const vk_Film alone = drawAll(mirrorRoom(room.intensity, room.lines), 2, 256);
+        EXPECT_GT(meanOf(alone, 0, 0, 1, 1), 8) << room.lines;
+        for (const std::string &shape : {hole, holes, thin, frosted})
+            EXPECT_LT(differenceOf(alone,
+                                   drawAll(mirrorRoom(room.intensity, room.lines + shape), 2, 256)),
+                      4)
+                << room.lines << shape;
     }
+}
+
+TEST(Renderer, LightPassesByAFloorThatIsNotThere)
+{
+    const std::string sky = "environment v_studio top .4 horizon .4 ground .4\n";
+    const std::string hole = "source hole.osl\nsurface hole() { Ci = transparent(); }\nendsource\n"
+                             "floor hole.osl\n";
+    const std::string ball = "surface v_matte\ntranslate 0 -2 0\nsphere\n";
+    const std::string camera = "picture p.png\nsize 24 24\ncamera from 0 4 6 at 0 -2 0 fov 30\n";
+    EXPECT_LT(differenceOf(drawAll(camera + sky + ball, 2, 64),
+                           drawAll(camera + sky + hole + ball, 2, 64)),
+              4);
 }
 
 // What lies behind it, its shadow and what glass shows of it are mixtures, too.

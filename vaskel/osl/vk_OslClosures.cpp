@@ -27,6 +27,13 @@ vk_Colour notNegative(const vk_Colour &c)
     return {std::max(c.x, 0.0f), std::max(c.y, 0.0f), std::max(c.z, 0.0f)};
 }
 
+// Also what is no number: sums of light stay finite whatever a shader says.
+vk_Colour finite(const vk_Colour &c)
+{
+    const auto of = [](float x) { return x > 0 ? std::min(x, 1e6f) : 0; };
+    return {of(c.x), of(c.y), of(c.z)};
+}
+
 // How much is reflected straight on by a metal of complex index n + ik.
 // Fresnel's formula for a complex index, at a cosine of 1.
 float reflectanceOfMetal(float n, float k)
@@ -139,7 +146,7 @@ vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, fl
     else if (all > 0)
         fillOpaque(opaque / all, material);
     material.passesBy = clamped(myTransparent);
-    material.emission = notNegative(myEmission);
+    material.emission = finite(myEmission);
     if (vk_dot(myNormals, myNormals) > 0)
         material.tilt = vk_normalize(myNormals) - normal;
     return material;

@@ -11,7 +11,7 @@
 //   refraction, dielectric, microfacet             glass
 //   emission, background, uniform_edf              light of its own
 //   transparent                                    lets light straight through
-//   holdout, debug and those of hair               nothing
+//   holdout, debug, chiang_hair_bsdf               nothing
 //
 // Closures of one kind merge into one: colours by their sum, roughness, index of refraction
 // and bent normals by the mean of the weights. A material is either opaque or glass; where

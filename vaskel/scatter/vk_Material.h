@@ -38,8 +38,8 @@ struct vk_Material {
 
     vk_Vec scatter; // how far light wanders below the surface, for red, green, blue; 0: not
 
-    // Where a surface is there in part only: how much of all above but emission, and what
-    // light passes by, straight on.
+    // A surface that is there in part: what light passes by, straight on, and how much there is
+    // of all above but emission, which counts only where light passes by.
     float presence = 1;
     vk_Colour passesBy = {0, 0, 0};
 

@@ -17,7 +17,8 @@ public:
                        std::size_t count) const = 0;
 
     // The same for what shadows ask of a surface: how far it is clear, and what colour light
-    // takes on that comes through (clear, absorbs, ior, rough, diffuse). The rest is not looked at.
+    // takes on that comes through (clear, absorbs, ior, rough, diffuse, presence,
+    // passesBy). The rest is not looked at.
     virtual void shadeForShadows(const vk_SurfacePoint *points, vk_Material *materials,
                                  std::size_t count) const
     {

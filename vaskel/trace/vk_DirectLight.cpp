@@ -9,7 +9,6 @@ bool isInside(const vk_Hit &hit, const vk_Vec &direction)
 {
     return (vk_dot(hit.facet, direction) > 0) == hit.inside;
 }
-
 } // namespace
 
 vk_DirectLight::vk_DirectLight(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog)
@@ -92,6 +91,17 @@ vk_NextEvent vk_DirectLight::throughGlass(vk_NextEvent next, float distance) con
     return next;
 }
 
+// In front of the surface the ray counted what shadows leave of the lights behind it.
+vk_NextEvent vk_DirectLight::passedBy(vk_NextEvent next, float distance) const
+{
+    next.distance += distance;
+    if (next.bsdfPdf > 0 && !next.shadowIsCounted) {
+        next.left = next.left * (vk_grey(1) - myShadows.shadow().left);
+        next.shadowIsCounted = true;
+    }
+    return next;
+}
+
 void vk_DirectLight::sample(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_NextEvent &vertex,
                             vk_Path &path, vk_LightQueue &queue) const
 {
@@ -150,7 +160,8 @@ vk_Scattered vk_DirectLight::arriving(const vk_LightQueue::Sample &sample, const
     const bool wasCountedInFront = ray.between == VK_OTHER_SHAPES && vertex.shadowIsCounted;
     const float ofThrough =
         wasCountedInFront ? 0 : vk_misWeights(ray.between, sample.onwards, sample.pdfs).sample;
-    const vk_Colour share = left * ofOpen + (vk_grey(1) - left) * ray.passes * ofThrough;
+    const vk_Colour passing = ray.by * ofOpen + (ray.passes - ray.by) * ofThrough;
+    const vk_Colour share = left * ofOpen + (vk_grey(1) - left) * passing;
     return {sample.light.specular * share, sample.light.diffuse * share};
 }
 

@@ -30,6 +30,9 @@ public:
     // comes through. The queue is empty then.
     void collect(vk_LightQueue &queue) const;
 
+    // What is left behind a surface that is there in part, for a ray that passes by.
+    vk_NextEvent passedBy(vk_NextEvent next, float distance) const;
+
     // Light of the lights that a ray meets before a distance, as far as it is the ray's to
     // count. In or behind glass that is no light that shadows leave: it was counted in front.
     vk_Colour met(const vk_Vec &origin, const vk_Vec &direction, float distance,

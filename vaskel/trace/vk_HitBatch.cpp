@@ -1,5 +1,7 @@
 #include "vaskel/trace/vk_HitBatch.h"
 
+#include <algorithm>
+
 void vk_HitBatch::clear()
 {
     myHits.clear();

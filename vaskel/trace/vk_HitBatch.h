@@ -3,12 +3,14 @@
 
 #include "vaskel/trace/vk_World.h"
 
+#include <vector>
+
 class vk_HitBatch
 {
 public:
     void clear();
 
-    // One more, to be filled in; and never mind the last.
+    // One more, to be filled in before the next; and takes the last one back.
     vk_Hit &add() { return myHits.emplace_back(); }
     void dropLast() { myHits.pop_back(); }
     std::size_t size() const { return myHits.size(); }
@@ -18,10 +20,10 @@ public:
     void shadeForShadows();
 
     // Once that is done, in the order in which surfaces were asked: a hit, its material, and
-    // the how-manieth it was that was added.
+    // its index in the order of add().
     const vk_Hit &hit(std::size_t i) const { return myHits[myOrder[i]]; }
     const vk_Material &material(std::size_t i) const { return myMaterials[i]; }
-    std::size_t number(std::size_t i) const { return myOrder[i]; }
+    std::size_t index(std::size_t i) const { return myOrder[i]; }
 
 private:
     void sort();

@@ -33,7 +33,7 @@ void vk_Path::add(const vk_Colour &radiance)
 
 void vk_Path::add(const vk_Scattered &radiance)
 {
-    if (myBounces > 0 || !hasSpecularLayer()) {
+    if (!isFirst() || !hasSpecularLayer()) {
         add(radiance.sum());
         return;
     }
@@ -48,11 +48,11 @@ void vk_Path::passStraight(const vk_Hit &hit, const vk_NextEvent &next)
     myNextEvent = next;
 }
 
-void vk_Path::passBy(const vk_Hit &hit)
+void vk_Path::passBy(const vk_Hit &hit, const vk_NextEvent &next)
 {
-    vk_NextEvent next = myNextEvent;
-    next.distance += hit.distance;
-    passStraight(hit, next);
+    myOrigin = hit.start(myDirection);
+    ++myPassings;
+    myNextEvent = next;
 }
 
 void vk_Path::reflect(const vk_Hit &hit)
@@ -75,7 +75,7 @@ bool vk_Path::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &dire
     if (pdf <= 0 || (!isAbove && !bsdf.isGlass()))
         return false;
     const vk_Colour sum = scattered.sum();
-    if (myBounces == 0 && hasSpecularLayer())
+    if (isFirst() && hasSpecularLayer())
         mySpecularShare = shareOf(scattered.specular, sum);
     myThroughput = myThroughput * sum * (1 / pdf);
     ++myBounces;

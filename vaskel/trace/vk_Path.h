@@ -38,10 +38,14 @@ public:
     vk_Sampler &sampler() { return mySampler; }
     vk_View &view() { return *myView; }
 
-    // How often it was scattered, and how often of these by glass.
-    int bounces() const { return myBounces; }
+    // How often it was scattered by glass.
     int dielectricBounces() const { return myDielectricBounces; }
+    // Whether it has not been scattered: it may have passed by what is there in part.
     bool isCameraRay() const { return myBounces == 0; }
+    // Whether it also comes upon the first surface of its view, which the filter is told of.
+    bool isFirst() const { return myBounces == 0 && myPassings == 0; }
+    // So many times it was scattered, or passed by a surface.
+    int vertices() const { return myBounces + myPassings; }
     // Whether little of what it finds reaches the camera.
     static constexpr float FAINT = .12f;
     bool isFaint() const { return vk_largest(myThroughput) < FAINT; }
@@ -54,7 +58,8 @@ public:
     // The same for light that the surface of a vertex scattered towards the ray's origin.
     void add(const vk_Scattered &radiance);
 
-    // A part of the light is held back: by fog, inside glass, where the floor fades.
+    // A part of the light is held back: by fog, inside glass, where the floor fades. Or it is
+    // the share of a way that was chosen, over the chance of that.
     void attenuate(const vk_Colour &transmittance) { myThroughput = myThroughput * transmittance; }
     void attenuate(float transmittance) { myThroughput = myThroughput * transmittance; }
 
@@ -65,8 +70,8 @@ public:
     // lights behind it is in `next`.
     void passStraight(const vk_Hit &hit, const vk_NextEvent &next);
 
-    // On as if there were no surface.
-    void passBy(const vk_Hit &hit);
+    // On as if there were no surface; `next` as above.
+    void passBy(const vk_Hit &hit, const vk_NextEvent &next);
 
     // Back from a smooth surface, at which no lights were sampled.
     void reflect(const vk_Hit &hit);
@@ -97,6 +102,7 @@ private:
     vk_Colour mySpecularShare = {1, 1, 1}; // of what arrives
     vk_NextEvent myNextEvent;
     int myBounces = 0;
+    int myPassings = 0;
     int myDielectricBounces = 0;
     bool myIsWide = false;
 };

@@ -8,7 +8,7 @@
 namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
-constexpr int MOST_BOUNCES = 64;      // a guard: roulette ends nearly all paths before
+constexpr int MOST_VERTICES = 64;     // a guard: roulette ends nearly all paths before
 constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex that is lit widely, each of another
 constexpr int LIGHT_SAMPLES = 2;      // light; at others; one where paths count little
 constexpr int MOST_SPLITS = 2;        // of a path in two at smooth glass; then by chance
@@ -19,6 +19,9 @@ constexpr float REGULAR_METAL = .4f;  // and of what only reflects: noise agains
 constexpr float WIDE_METAL = .35f;    // what is rougher shows no edges, so that
 constexpr float WIDE_GLASS = .2f;     // its light is filtered like a diffuse surface's
 constexpr float GROUND = .35f;        // rougher glass blurs all behind it
+
+// Why a path parts; each way has numbers of its own.
+enum Branch : std::uint32_t { OTHER_LOBE = 1, BELOW, BEHIND };
 
 // The mean over directions that are spread evenly over the sphere along a spiral.
 vk_Colour meanOf(const vk_EnvironmentShader &environment)
@@ -116,7 +119,7 @@ void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
         }
         hits.shade();
         for (std::size_t i = 0; i < arrived; ++i) {
-            vk_Path &path = paths[hits.number(i)];
+            vk_Path &path = paths[hits.index(i)];
             const Meter meter(path.view());
             leave({hits.hit(i), hits.material(i)}, path, outgoing);
         }
@@ -137,7 +140,7 @@ bool vk_PathTracer::arrive(vk_Path &path, vk_Hit &hit) const
         path.add(myDirectLight.met(path.origin(), path.direction(), distance, path.nextEvent()));
     crossFog(path, distance);
     if (!met) {
-        if (path.isCameraRay()) {
+        if (path.isFirst()) {
             // Neighbours help all the same: fog may lie in front.
             path.view().normal = -path.direction();
             path.view().distance = vk_View::NOWHERE;
@@ -156,10 +159,10 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
     const vk_Hit &hit = vertex.hit;
     vk_Material material = vertex.material;
     path.add(material.emission);
-    if (path.bounces() == MOST_BOUNCES ||
-        (!material.isWhole() && !meets(hit, material, path, outgoing)))
+    if (path.vertices() == MOST_VERTICES ||
+        (!material.isWhole() && !choosePart(hit, material, path, outgoing)))
         return;
-    if (path.isCameraRay())
+    if (path.isFirst())
         describe(hit, material, path);
     if (!material.reflects())
         return;
@@ -177,7 +180,7 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
     }
     // A plane without end gives back as much as it took: the base stands for that.
     if (path.isCameraRay() && !hit.isFloor && vk_largest(material.scatter) > 0)
-        scatterBelow(hit, material, path.fork(2), outgoing);
+        scatterBelow(hit, material, path.fork(BELOW), outgoing);
 
     // A smooth normal may face away from the viewer at a silhouette.
     const vk_Vec out = -path.direction();
@@ -191,17 +194,17 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
 
 // Where a surface is there in part, a camera ray goes both ways, and others go one of them by
 // chance. False when the path went on behind the surface.
-bool vk_PathTracer::meets(const vk_Hit &hit, const vk_Material &material, vk_Path &path,
-                          Outgoing &outgoing) const
+bool vk_PathTracer::choosePart(const vk_Hit &hit, const vk_Material &material, vk_Path &path,
+                               Outgoing &outgoing) const
 {
     const auto passBy = [&](vk_Path behind, const vk_Colour &share) {
         behind.attenuate(share);
-        behind.passBy(hit);
+        behind.passBy(hit, myDirectLight.passedBy(behind.nextEvent(), hit.distance));
         if (survives(behind))
             outgoing.paths.push_back(behind);
     };
     if (path.isCameraRay()) {
-        passBy(path.fork(3), material.passesBy);
+        passBy(path.fork(BEHIND), material.passesBy);
         path.attenuate(material.presence);
         return true;
     }
@@ -230,7 +233,7 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
         myDirectLight.sample(hit, bsdf, vertex, path, outgoing.lights);
     }
     for (int round = 0; round < bsdf.rounds(); ++round) {
-        vk_Path next = round == 0 ? path : path.fork(1);
+        vk_Path next = round == 0 ? path : path.fork(OTHER_LOBE);
         const float choice = bsdf.isGlass() ? next.sampler().number() : 0;
         const vk_Vec direction = bsdf.sample(next.sampler().square(), round, choice);
         if (next.scatter(hit, bsdf, direction, vertex, throughGlass) && survives(next))

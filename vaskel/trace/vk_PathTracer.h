@@ -36,6 +36,8 @@
 //   - pixels converge by an error that their own samples tell (vk_Allocation.h), so that
 //     those that missed a caustic stop sooner: 2 % of the floor's light, 12 % of a block's;
 //   - fog scatters light of the lights once, and that of the environment as a mean;
+//   - where shadows are softer or harder than lights are wide, what is there in part and glass
+//     let light pass that a ray beside it meets;
 //   - subsurface scattering is that of the first vertex only.
 #pragma once
 
@@ -62,8 +64,8 @@ private:
 
     bool arrive(vk_Path &path, vk_Hit &hit) const;
     void leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoing) const;
-    bool meets(const vk_Hit &hit, const vk_Material &material, vk_Path &path,
-               Outgoing &outgoing) const;
+    bool choosePart(const vk_Hit &hit, const vk_Material &material, vk_Path &path,
+                    Outgoing &outgoing) const;
     void crossFog(vk_Path &path, float distance) const;
     void fadeFloor(vk_Path &path, const vk_Hit &hit) const;
     vk_Colour environment(const vk_Path &path, const vk_Vec &direction) const;

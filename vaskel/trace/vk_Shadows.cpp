@@ -4,20 +4,19 @@
 
 namespace
 {
-constexpr int MOST_LAYERS = 8; // of glass that light passes
+constexpr int MOST_LAYERS = 8; // that light passes
 constexpr float DARK = 1e-3f;  // a share that is not worth going on
 
 vk_Between betweenOf(const vk_Material &material)
 {
-    if (material.isClear())
-        return material.isSmoothGlass() ? VK_SMOOTH_GLASS : VK_ROUGH_GLASS;
-    // What passes by goes the way that the path's ray goes.
-    return material.isWhole() ? VK_OTHER_SHAPES : VK_NOTHING;
+    if (!material.isClear())
+        return VK_OTHER_SHAPES;
+    return material.isSmoothGlass() ? VK_SMOOTH_GLASS : VK_ROUGH_GLASS;
 }
 
 void block(vk_ShadowRay &ray)
 {
-    ray.passes = {};
+    ray.passes = ray.by = {};
     ray.between = VK_OTHER_SHAPES;
 }
 } // namespace
@@ -56,14 +55,14 @@ void vk_Shadows::cast(vk_ShadowRay *rays, std::size_t count) const
 
 // Straight through all that lies on the ways, layer by layer. Leaves those on the list that
 // do not come through.
-void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &inside) const
+void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &open) const
 {
     std::vector<vk_ShadowRay *> met;
     vk_HitBatch hits;
-    for (int layer = 0; layer < MOST_LAYERS && !inside.empty(); ++layer) {
+    for (int layer = 0; layer < MOST_LAYERS && !open.empty(); ++layer) {
         met.clear();
         hits.clear();
-        for (vk_ShadowRay *const ray : inside) {
+        for (vk_ShadowRay *const ray : open) {
             const vk_Segment &way = ray->way;
             ++ray->cost;
             if (myWorld.intersect(way.origin, way.direction, hits.add(), way.distance))
@@ -71,12 +70,12 @@ void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &inside) const
             else
                 hits.dropLast();
         }
-        vk_myRays.shadow += inside.size();
+        vk_myRays.shadow += open.size();
         hits.shadeForShadows();
-        inside.clear();
+        open.clear();
         for (std::size_t i = 0; i < hits.size(); ++i)
-            if (cross(*met[hits.number(i)], hits.hit(i), hits.material(i)))
-                inside.push_back(met[hits.number(i)]);
+            if (cross(*met[hits.index(i)], hits.hit(i), hits.material(i)))
+                open.push_back(met[hits.index(i)]);
     }
 }
 
@@ -84,7 +83,8 @@ void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &inside) const
 bool vk_Shadows::cross(vk_ShadowRay &ray, const vk_Hit &hit, const vk_Material &material) const
 {
     ray.between = std::max(ray.between, betweenOf(material));
-    ray.passes = ray.passes * ofSurface(hit, material, ray.way.direction);
+    ray.by = ray.by * material.passesBy;
+    ray.passes = ray.passes * (material.passesBy + through(hit, material, ray.way.direction));
     if (vk_largest(ray.passes) < DARK) {
         block(ray);
         return false;
@@ -94,14 +94,14 @@ bool vk_Shadows::cross(vk_ShadowRay &ray, const vk_Hit &hit, const vk_Material &
     return true;
 }
 
-// What a surface lets pass straight on, and the glass in front of it.
-vk_Colour vk_Shadows::ofSurface(const vk_Hit &hit, const vk_Material &material,
-                                const vk_Vec &direction) const
+// What comes straight through a surface, and the glass in front of it.
+vk_Colour vk_Shadows::through(const vk_Hit &hit, const vk_Material &material,
+                              const vk_Vec &direction) const
 {
     if (!material.isClear())
-        return material.passesBy + material.diffuse * (myShadow.tint * material.presence);
+        return material.diffuse * (myShadow.tint * material.presence);
     const float cosine = std::abs(vk_dot(hit.normal, direction));
     const float length = hit.inside ? hit.distance : 0;
-    const vk_Colour through = material.absorbed(length) * material.passesStraight(cosine);
-    return material.passesBy + through * (myShadow.filter * material.presence);
+    return material.absorbed(length) * material.passesStraight(cosine) *
+           (myShadow.filter * material.presence);
 }

@@ -8,6 +8,9 @@
 
 namespace
 {
+// More than vk_Hit::start() moves rays off shapes nearby.
+constexpr float TOUCHING = 5e-5f;
+
 RTCRay rayOf(const vk_Vec &origin, const vk_Vec &direction, float distance)
 {
     RTCRay ray = {};
@@ -104,6 +107,7 @@ vk_World::vk_World(const vk_Scene &scene)
       myPixel(2 * std::tan(scene.camera.fov * VK_PI / 360) /
               static_cast<float>(std::min(scene.width, scene.height)))
 {
+    myHasGlass = scene.floor != nullptr && scene.floor->mayBeClear();
     if (scene.shapes.empty())
         return;
     myEmbree->device = rtcNewDevice(nullptr);
@@ -136,6 +140,9 @@ vk_Vec vk_Hit::start(const vk_Vec &direction) const
     // rounding of the intersection itself.
     const float size =
         vk_largest({std::abs(position.x), std::abs(position.y), std::abs(position.z)});
+    // Past the floor, so far that it is not met again.
+    if (isFloor && direction.y < 0)
+        return position - vk_Vec{0, 2 * TOUCHING * (1 + size), 0};
     const float off = 1e-5f * std::max(size, 1.0f) + 1e-5f * distance;
     return position + facet * (vk_dot(facet, direction) < 0 ? -off : off);
 }
@@ -175,7 +182,6 @@ bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) cons
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
 {
     constexpr float FOREVER = std::numeric_limits<float>::infinity();
-    constexpr float TOUCHING = 5e-5f; // more than vk_Hit::start() moves rays nearby
 
     distance = FOREVER;
     if (myScene.floor == nullptr || direction.y == 0)
