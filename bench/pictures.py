@@ -6,7 +6,7 @@
 Wall times are medians of whole processes that take turns, N rounds (5); what is
 printed is ratios and what we must and want to reach. NAME chooses measurements:
 
-    examples  thumbrender on each example, relative to the default ball
+    examples  thumbrender on each example and its shape, relative to the default ball
     peers     the default ball beside POV-Ray and Blender drawing a comparable scene
     noise     each example against its own reference of 4096 samples a pixel: RMS
               difference of 8-bit values, in per cent of full scale
@@ -113,8 +113,7 @@ def scene_of(example, folder):
     with open(os.path.join(fake, "vaskel"), "w") as out:
         out.write(CAPTURE)
     os.chmod(os.path.join(fake, "vaskel"), 0o755)
-    palette = os.path.join(folder, example + ".palette")
-    subprocess.run(["thumbrender", "-q", palette], cwd=folder, env=environment(fake), check=True)
+    subprocess.run(thumbnail(example), cwd=folder, env=environment(fake), check=True)
     with open(os.path.join(folder, "scene")) as text:
         lines = text.read().splitlines()
     kept = [line for line in lines if not line.startswith("picture") and line != "end"]
@@ -165,14 +164,18 @@ def report(what, value, must, aim, unit=""):
 
 
 def thumbnail(example):
-    return ["thumbrender", "-q", example + ".palette"]
+    """The command, with the shape that the palette's comment asks for."""
+    palette = example + ".palette"
+    shape = subprocess.run([os.path.join(ROOT, "scripts", "shape-of.sh"),
+                            os.path.join(EXAMPLES, palette)], stdout=subprocess.PIPE, check=True)
+    return ["thumbrender", "-q"] + shape.stdout.decode().split() + [palette]
 
 
 def measure_examples(examples, runs, folder):
     names = [DEFAULT] + [e for e in examples if e != DEFAULT]
     times = medians({name: thumbnail(name) for name in names}, runs, folder)
     for name in examples:
-        report(name, times[name] / times[DEFAULT], 4, 2, " x")
+        report(name, times[name] / times[DEFAULT], 3, 2, " x")
 
 
 def measure_peers(_, runs, folder):
