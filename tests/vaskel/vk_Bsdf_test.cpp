@@ -68,11 +68,12 @@ vk_Scattered scattered(const vk_Bsdf &bsdf, const vk_Vec &in)
 }
 // Where light leaves that wanders between facets which reflect all of it: the random walk of
 // Heitz et al., "Multiple-Scattering Microfacet BSDFs with the Smith Model", 2016.
-vk_Vec wander(const vk_Facets &facets, vk_Vec way, vk_Sampler sampler)
+// `met` is how many it met.
+vk_Vec wander(const vk_Facets &facets, vk_Vec way, vk_Sampler sampler, int &met)
 {
     const float alpha = facets.rough() * facets.rough();
     float below = 1; // share of the surface that is lower than the light
-    for (int i = 0; i < 100; ++i) {
+    for (met = 0; met < 100; ++met) {
         const float slope2 = alpha * alpha * (1 / (way.z * way.z) - 1);
         const float lambda = .5f * (std::copysign(std::sqrt(1 + slope2), way.z) - 1);
         const float chance = sampler.number();
@@ -110,7 +111,9 @@ TEST(Bsdf, MetalScattersAsARandomWalkBetweenItsFacets)
             const vk_Facets facets(vk_alpha(rough), vk_alpha(rough));
             Quarters ofWalk, ofBsdf;
             for (std::uint32_t i = 0; i < COUNT; ++i) {
-                ofWalk.add(out, wander(facets, -out, vk_Sampler(vk_hash(i), 0)), 1.0f / COUNT);
+                int met = 0;
+                const vk_Vec up = wander(facets, -out, vk_Sampler(vk_hash(i), 0), met);
+                ofWalk.add(out, up, 1.0f / COUNT);
                 float pdf = 0;
                 const vk_Vec in = bsdf.sample(vk_Sampler(9, i).square());
                 const float light = bsdf.evaluate(in, pdf).specular.x;
@@ -120,6 +123,70 @@ TEST(Bsdf, MetalScattersAsARandomWalkBetweenItsFacets)
                 EXPECT_NEAR(ofWalk.share[i], ofBsdf.share[i], .01f)
                     << rough << ' ' << cosine << ' ' << i;
         }
+}
+
+// Each facet that light meets keeps its share, so that rough metal is of a deeper colour.
+TEST(Bsdf, RoughMetalDeepensItsColourAsARandomWalkDoes)
+{
+    constexpr std::uint32_t COUNT = 1 << 14;
+    constexpr float COLOUR = .5f, ROUGH = .9f;
+    vk_Material metal;
+    metal.specular = metal.edge = {1, COLOUR, 0};
+    metal.rough = ROUGH;
+    const vk_Vec out = {.6f, 0, .8f};
+    const vk_Bsdf bsdf(metal, {0, 0, 1}, out, false);
+    const vk_Facets facets(vk_alpha(ROUGH), vk_alpha(ROUGH));
+    float ofWalk = 0, ofBsdf = 0;
+    for (std::uint32_t i = 0; i < COUNT; ++i) {
+        int met = 0;
+        wander(facets, -out, vk_Sampler(vk_hash(i), 0), met);
+        ofWalk += std::pow(COLOUR, static_cast<float>(met)) / COUNT;
+        float pdf = 0;
+        const vk_Vec in = bsdf.sample(vk_Sampler(9, i).square());
+        const float light = bsdf.evaluate(in, pdf).specular.y;
+        ofBsdf += pdf > 0 ? light / pdf / COUNT : 0;
+    }
+    EXPECT_NEAR(ofWalk, ofBsdf, .02f);
+    EXPECT_LT(ofWalk, .98f * COLOUR);
+}
+
+TEST(Bsdf, BrushedMetalGleamsAcrossItsScratches)
+{
+    vk_Material metal;
+    metal.specular = metal.edge = vk_grey(1);
+    metal.rough = .4f;
+    metal.brushed = .9f;
+    const vk_Bsdf bsdf(metal, {0, 0, 1}, {0, 0, 1}, false, ALONG);
+    const float along = scattered(bsdf, vk_normalize({.5f, 0, 1})).specular.x;
+    const float across = scattered(bsdf, vk_normalize({0, .5f, 1})).specular.x;
+    EXPECT_GT(across, 5 * along);
+}
+
+TEST(Bsdf, HalfACoatShowsHalfAsMuch)
+{
+    const auto gleam = [](float coat) {
+        vk_Material material;
+        material.diffuse = vk_grey(.3f);
+        material.coat = coat;
+        material.coatRough = .3f;
+        return scattered(vk_Bsdf(material, UP, around(.6f, 1), false), around(.7f, 4)).specular.x;
+    };
+    EXPECT_GT(gleam(1), .001f);
+    EXPECT_NEAR(.5f * gleam(1), gleam(.5f), .01f * gleam(1));
+}
+
+// And no more of a colour than its share.
+TEST(Bsdf, GlassTakesItsTintOverOneLength)
+{
+    for (const char *name : {"v_glass", "v_frosted"})
+        for (const auto *table = &VK_SURFACE_SHADERS; table != nullptr; table = table->more)
+            for (const auto &row : *table)
+                if (name == std::string(row.name)) {
+                    const auto shader = row.make();
+                    shader->params().find("tint")->set({.9f, .5f, .2f});
+                    const vk_Colour left = shader->shade(vk_SurfacePoint()).absorbed(1);
+                    EXPECT_LT(vk_length(left - vk_Colour{.9f, .5f, .2f}), 1e-4f) << name;
+                }
 }
 
 TEST(Bsdf, IsReciprocal)

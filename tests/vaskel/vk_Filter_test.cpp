@@ -75,6 +75,21 @@ TEST(Filter, AnEdgeThatErrorsDoNotExplainStays)
         EXPECT_NEAR(i % SIDE < SIDE / 2 ? .2f : .7f, light[static_cast<std::size_t>(i)], .006f);
 }
 
+// As it does so slowly that a wide neighbourhood is about alike.
+TEST(Filter, WhereLightWanderedItLooksFurther)
+{
+    const auto left = [](float blurred) {
+        const vk_Filter filter = filterOf([&](int x, int y) {
+            const float off = (x + y) % 2 == 0 ? .06f : -.06f;
+            vk_Pixel pixel = pixelOf(.5f + off, .5f - off * .2f);
+            pixel.sum.blurred = blurred;
+            return pixel;
+        });
+        return filter.error(SIDE / 2, SIDE / 2);
+    };
+    EXPECT_LT(left(1), .3f * left(0));
+}
+
 // As of a caustic, which few samples find: all of its light stays in the picture.
 TEST(Filter, APixelThatIsFarOffIsSharedOutAmongItsNeighbours)
 {

@@ -70,6 +70,75 @@ TEST(Light, RaysTowardsSamplesHitWithTheSameDensity)
         }
 }
 
+// Of all rays in the wider surroundings of a light: those that samples do not take hit nothing.
+TEST(Light, DensitiesOfItsHitsIntegrateToOne)
+{
+    constexpr std::uint32_t COUNT = 1 << 16;
+    for (const char *line : LIGHTS) {
+        SCOPED_TRACE(line);
+        const auto light = makeLight(line);
+        const vk_Vec axis = light->sample(TARGET, {.5f, .5f}).direction;
+        float reach = 0;
+        for (std::uint32_t i = 0; i < 256; ++i) {
+            const vk_Vec way = light->sample(TARGET, vk_Sampler(9, i).square()).direction;
+            reach = std::max(reach, 1 - vk_dot(axis, way));
+        }
+        const float height = std::min(4 * reach, 1.0f);
+        double sum = 0;
+        for (std::uint32_t i = 0; i < COUNT; ++i) {
+            const vk_Vec way = vk_inCap(axis, height, vk_Sampler(3, i).square());
+            sum +=
+                static_cast<double>(light->hit(TARGET, way).density * 2 * VK_PI * height) / COUNT;
+        }
+        EXPECT_NEAR(1, sum, .03);
+    }
+}
+
+// The share of a wall that fills the angle of a slide.
+TEST(Light, SlidesLetThatShareThroughThatTheirParametersSay)
+{
+    const std::pair<const char *, double> cases[] = {
+        {"v_spot", .785},
+        {"v_window bar 0", 1},
+        {"v_window columns 1 rows 2 bar .2", .72},
+        {"v_blinds gap .2", .2},
+        {"v_blinds gap .9 slats 3", .9},
+    };
+    for (const auto &[line, share] : cases) {
+        SCOPED_TRACE(line);
+        constexpr int SIDE = 200;
+        const auto light = makeLight(line + std::string(" soft .001 angle 45 from 0 0 1 to 0 0 0"));
+        int lit = 0;
+        for (int i = 0; i < SIDE * SIDE; ++i) {
+            const auto at = [](int step) { return (2 * static_cast<float>(step) + 1) / SIDE - 1; };
+            lit += light->sample({at(i % SIDE), at(i / SIDE), 0}, {.5f, .5f}).density > 0 ? 1 : 0;
+        }
+        EXPECT_NEAR(share, static_cast<double>(lit) / SIDE / SIDE, .02);
+    }
+}
+
+TEST(Light, ReachHoldsAllPlacesThatAreLit)
+{
+    for (const char *line : LIGHTS) {
+        SCOPED_TRACE(line);
+        const auto light = makeLight(line);
+        int lit = 0;
+        for (std::uint32_t i = 0; i < 4096; ++i) {
+            vk_Sampler sampler(2, i);
+            const vk_Vec from = vk_inCap({0, 1, 0}, 2, sampler.square()) * 8;
+            const vk_Vec way = vk_normalize(vk_inCap({0, 1, 0}, 2, sampler.square()) * 2 - from);
+            const float distance = 12 * sampler.number();
+            if (light->sample(from + way * distance, sampler.square()).density <= 0)
+                continue;
+            ++lit;
+            const vk_Span reach = light->reach(from, way);
+            EXPECT_LE(reach.begin, distance * 1.001f);
+            EXPECT_GE(reach.end, distance * .999f);
+        }
+        EXPECT_GT(lit, 20);
+    }
+}
+
 TEST(Sampler, EveryPairSpreadsItsFirstSixteenSamplesOverAllCells)
 {
     for (std::uint32_t pixel = 0; pixel < 20; ++pixel)

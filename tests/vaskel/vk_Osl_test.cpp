@@ -115,11 +115,13 @@ TEST(Osl, TakesParametersAndMakesMaterialsByTheTable)
 TEST(Osl, ShadesPointsTogetherAsEachAlone)
 {
     vk_Scene scene;
-    ASSERT_EQ("", readScene(sceneWith("surface x(output float h = 0) { h = noise(P * 9); color c ="
-                                      " noise(P * 5); if (u > .5) c *= Dx(P)[0] * 90;"
-                                      " Ci = c * diffuse(N) + u * transparent(); }"
-                                      " @show h as bump"),
-                            scene));
+    ASSERT_EQ("",
+              readScene(sceneWith("surface x(output float h = 0, output float o = 1)"
+                                  " { h = noise(P * 9); color c ="
+                                  " noise(P * 5); if (u > .5) c *= Dx(P)[0] * 90; o = P[1] > .3;"
+                                  " Ci = c * diffuse(N) + u * transparent(); }"
+                                  " @show h as bump show o as opacity"),
+                        scene));
     std::vector<vk_SurfacePoint> points(37, facingPoint());
     vk_Sampler sampler(1, 1);
     for (vk_SurfacePoint &point : points) {

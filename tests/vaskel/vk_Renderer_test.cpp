@@ -422,11 +422,55 @@ TEST(Renderer, OneSampleMoreIsNotWorse)
     EXPECT_LT(noise("33"), 1.1 * noise("32"));
 }
 
+TEST(Renderer, TheShorterSideHoldsTheAngleOfView)
+{
+    const std::string ball = "samples 16\nbackground off 0\nsurface v_constant\nsphere\n";
+    const vk_Film square = drawAll("picture p.png\ncamera\nsize 32 32\n" + ball);
+    EXPECT_GT(meanOf(square, 0, 0, 1, 1), 20);
+    for (const auto &[size, x, y] :
+         {std::tuple("size 64 32\n", .25, 0.), std::tuple("size 32 64\n", 0., .25)}) {
+        const vk_Film film = drawAll("picture p.png\ncamera\n" + (size + ball));
+        EXPECT_NEAR(meanOf(square, 0, 0, 1, 1), meanOf(film, x, y, 1 - x, 1 - y), 1.5) << size;
+        EXPECT_NEAR(meanOf(square, 0, 0, 1, 1) / 2, meanOf(film, 0, 0, 1, 1), 1) << size;
+    }
+}
+
+// Of a ball's, which hangs above what the camera sees.
+TEST(Renderer, SoftnessIsTheWidthOfAShadowsEdge)
+{
+    const auto edge = [](const std::string &soft) {
+        const vk_Film film =
+            drawAll("picture p.png\nsize 64 64\ncamera from 0 1.5 2 at 0 0 0 fov 25\n"
+                    "environment v_studio intensity 0\nfloor v_matte diff .9\n"
+                    "lightplace from 0 6 0 to 0 0 0\n"
+                    "light v_area width .6 height .6\nshadow v_softshadow soft " +
+                        soft + "\nsurface v_constant color 0\ntranslate 0 2 0\nsphere radius .3\n",
+                    2, 16);
+        const auto between = [](std::uint8_t byte) { return byte > 30 && byte < 130; };
+        return std::count_if(film.bytes.begin(), film.bytes.end(), between) / 3;
+    };
+    const auto hard = edge("0"), half = edge(".5"), whole = edge("1");
+    EXPECT_LT(2 * hard, half);
+    EXPECT_LT(1.3 * static_cast<double>(half), whole);
+}
+
+TEST(Renderer, FogSendsOnItsColourOnly)
+{
+    const std::string fog = "size 16 16\nfog v_fog density 5 radius 4 color ";
+    const vk_Film red = draw(fog + "1 0 0\n");
+    EXPECT_GT(meanOf(red, .3, .3, .7, .7, 0), 60);
+    EXPECT_LT(meanOf(red, .3, .3, .7, .7), 5);
+}
+
 TEST(Renderer, ConstantsBackdropAndExposureShowWhatTheyDo)
 {
     const std::string ball = "size 48 48\nsamples 16\nsphere\n";
     EXPECT_EQ(255, draw("surface v_constant color 100\n" + ball).bytes[3 * (24 * 48 + 24)]);
     EXPECT_NEAR(128, draw("background off\n" + ball).bytes[0], 1);
+    EXPECT_GT(draw("background off 1 0 .2\n" + ball).bytes[0], 200);
+    EXPECT_LT(draw("background off 1 0 .2\n" + ball).bytes[1], 5);
+    // What the exposure makes grey was not cut off before.
+    EXPECT_NEAR(128, draw("exposure -8\nbackground off 54.8\n" + ball).bytes[0], 1);
     EXPECT_GT(meanOf(draw("exposure 1\n" + ball), 0, 0, 1, 1), meanOf(draw(ball), 0, 0, 1, 1) + 20);
 }
 
@@ -453,6 +497,18 @@ TEST(Renderer, ThreadCountFollowsTheSetting)
     for (const auto &[value, count] : {std::pair("7", 7), {"0", detected}, {"-1", detected}}) {
         setting.set(value);
         EXPECT_EQ(count, vk_threadCount()) << value;
+    }
+}
+
+TEST(Film, EachColourBecomesTheNearestByte)
+{
+    for (float x = 0; x < VK_WHITE; x += .037f) {
+        const vk_Colour colour = {x, .5f * x, .2f * x};
+        std::uint8_t bytes[3];
+        vk_develop(colour, bytes);
+        EXPECT_NEAR(255 * vk_toSrgb(vk_toneCurve(colour.x)), bytes[0], .501) << x;
+        EXPECT_NEAR(255 * vk_toSrgb(vk_toneCurve(colour.y)), bytes[1], .501) << x;
+        EXPECT_NEAR(255 * vk_toSrgb(vk_toneCurve(colour.z)), bytes[2], .501) << x;
     }
 }
 

@@ -47,6 +47,20 @@ TEST(SceneReader, TellsMistakesOrTheSceneByTheTable)
     EXPECT_EQ("s:1: error: expected text, found a zero byte\n", told({"cam\0era\n", 8}));
 }
 
+TEST(SceneReader, LightsStandAtTheirOwnPlaceOrElseAtTheLastOne)
+{
+    std::string text = "picture p.jpg\ncamera\nlight v_area\nlightplace from 1 2 3\n"
+                       "light v_area\nlight v_area from 4 5 6\nlight v_area width 2\nend\n";
+    vk_Scene scene;
+    vk_SceneReader reader("s", scene);
+    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
+    ASSERT_TRUE(reader.read(file));
+    std::fclose(file);
+    const vk_Vec places[] = {{1, 2, 3}, {4, 5, 6}, {1, 2, 3}};
+    for (std::size_t i = 0; i < std::size(places); ++i)
+        EXPECT_EQ(places[i], *scene.lights[i + 1]->place()) << i;
+}
+
 TEST(SceneReader, MessagesTakeThePicturesNameWhereTheSceneHasNone)
 {
     const std::pair<std::string, std::string> cases[] = {

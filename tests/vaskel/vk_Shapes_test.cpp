@@ -60,6 +60,68 @@ TEST(Shapes, StandOnTheFloorAndTheirNormalsFit)
     }
 }
 
+TEST(Shapes, AreAsLargeAsTheirParametersSay)
+{
+    const struct {
+        const char *word, *param;
+        float value, width, height;
+    } cases[] = {
+        {"sphere", "radius", .4f, .8f, .8f},   {"tube", "radius", .4f, .8f, 2},
+        {"tube", "height", .5f, 1.5f, .5f},    {"grid", "width", 3, 3, 2},
+        {"grid", "height", .5f, 2, .5f},       {"shaderball", "height", 1, .88f, 1},
+        {"teapot", "width", 1.3f, 1.3f, .63f},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.word) + ' ' + c.param);
+        const auto shape = vk_findShape(c.word)->make();
+        shape->params().find(c.param)->set({c.value, 0, 0});
+        const vk_Transform still;
+        vk_MeshBuilder builder(still, nullptr);
+        shape->build(builder);
+        vk_Vec low = vk_grey(9), high = vk_grey(-9);
+        for (const vk_Vertex &vertex : builder.take().vertices) {
+            const vk_Vec &p = vertex.position;
+            low = {std::min(low.x, p.x), std::min(low.y, p.y), 0};
+            high = {std::max(high.x, p.x), std::max(high.y, p.y), 0};
+        }
+        EXPECT_NEAR(0, low.y, 1e-4f);
+        EXPECT_NEAR(c.width, high.x - low.x, .02f);
+        EXPECT_NEAR(c.height, high.y, .01f);
+    }
+}
+
+// Else a texture was repeated on each of its patches.
+TEST(Shapes, UGoesOnceAroundTheTeapot)
+{
+    const vk_Mesh mesh = build("teapot");
+    float front[2] = {9, -9}, back[2] = {9, -9}; // least and most
+    for (const vk_Vertex &vertex : mesh.vertices)
+        if (std::abs(vertex.position.z) > .7f) {
+            float(&ends)[2] = vertex.position.z > 0 ? front : back;
+            ends[0] = std::min(ends[0], vertex.u);
+            ends[1] = std::max(ends[1], vertex.u);
+        }
+    EXPECT_TRUE(front[1] < back[0] || back[1] < front[0]);
+    EXPECT_LT(front[1] - front[0], .5f);
+}
+
+// On a ball of radius 1, places change by half a turn with v, and by less with u near a pole.
+TEST(Shapes, DisplacementsAreToldTheSlopesOfTheSurface)
+{
+    struct Slopes final : vk_DisplaceShader {
+        float displace(const vk_SurfacePoint &point) const override
+        {
+            // Beyond the poles, and where neighbours are missing, they are about right.
+            if (point.v > .1f && point.v < .9f && point.u > .01f && point.u < .99f) {
+                EXPECT_NEAR(VK_PI, vk_length(point.dPdv), .01f);
+                EXPECT_NEAR(2 * VK_PI * std::sin(VK_PI * point.v), vk_length(point.dPdu), .01f);
+            }
+            return 0;
+        }
+    } slopes;
+    build("sphere", &slopes);
+}
+
 TEST(Shapes, DisplacementsMoveNoFartherThanTheirHeight)
 {
     const auto none = VK_DISPLACE_SHADERS.rows->make();
@@ -95,6 +157,17 @@ TEST(Shapes, NormalsPointOutwards)
             });
         EXPECT_LE(static_cast<double>(inwards), share * static_cast<double>(mesh.vertices.size()));
     }
+}
+
+TEST(Transform, NormalsStaySquareToTheirSurface)
+{
+    const vk_Transform t =
+        vk_Transform::rotation(30, {1, 1, 0}) * vk_Transform::scaling({2, .5f, -1});
+    const vk_Vec a = {.3f, -.7f, 2}, b = {1, .2f, .4f};
+    const vk_Vec normal = t.normal(vk_normalize(vk_cross(a, b)));
+    EXPECT_NEAR(0, vk_dot(normal, t.vector(a)), 1e-5f);
+    EXPECT_NEAR(0, vk_dot(normal, t.vector(b)), 1e-5f);
+    EXPECT_GT(vk_dot(normal, t.vector(vk_cross(a, b))), 0); // to the same side
 }
 
 TEST(Transform, InverseAndNestingUndoAndOrder)

@@ -1,0 +1,49 @@
+#include "vaskel/trace/vk_Shadows.h"
+
+#include "vaskel/scene/vk_SceneReader.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+// What is left of light that goes along z, from 5 in front of the origin, so far.
+vk_Colour passed(const std::string &lines, float distance)
+{
+    std::string text = "picture p.png\ncamera\n" + lines + "\nend\n";
+    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
+    vk_Scene scene;
+    vk_SceneReader reader("s", scene);
+    EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
+    std::fclose(file);
+    const vk_World world(scene);
+    vk_ShadowRay ray;
+    ray.way = {{0, 1, 5}, {0, 0, -1}, distance};
+    vk_Shadows(scene, world).cast(&ray, 1);
+    return ray.passes;
+}
+
+void expectNear(const vk_Colour &expected, const vk_Colour &is)
+{
+    EXPECT_LT(vk_length(expected - is), .01f) << is.x << ' ' << is.y << ' ' << is.z;
+}
+} // namespace
+
+TEST(Shadows, TintTellsByTheWayInsideOfGlass)
+{
+    const std::string glass = "surface v_glass ior 1.01 tint .5 .9 1\nsphere radius ";
+    expectNear({.25f, .81f, 1}, passed(glass + "1", 10));
+    expectNear({.5f, .9f, 1}, passed("translate 0 .5 0\n" + glass + ".5", 10));
+    // Two balls; and a light in the middle of one.
+    expectNear({.125f, .729f, 1}, passed(glass + "1\ntranslate 0 .5 -2\n" + glass + ".5", 10));
+    expectNear({1, 1, 1}, passed(glass + "1", 5));
+}
+
+TEST(Shadows, WhatStandsBehindALightCastsNone)
+{
+    const std::string wall = "surface v_matte\ntranslate 0 0 -3\ngrid wave 0\nidentity\n";
+    const std::string glass = "surface v_glass ior 1.01 tint 1\nsphere\n";
+    for (const std::string &lines : {wall, wall + glass}) {
+        expectNear({1, 1, 1}, passed(lines, 7.5f));
+        expectNear({}, passed(lines, 8.5f));
+    }
+}
