@@ -162,6 +162,31 @@ TEST(Bsdf, BrushedMetalGleamsAcrossItsScratches)
     EXPECT_GT(across, 5 * along);
 }
 
+TEST(Bsdf, GlassReflectsWithoutItsColour)
+{
+    vk_Material glass;
+    glass.clear = {1, 0, 0};
+    glass.rough = .3f;
+    const vk_Bsdf bsdf(glass, UP, around(.6f, 1), false);
+    const vk_Colour back = scattered(bsdf, bsdf.mirror()).sum();
+    EXPECT_GT(back.x, .001f);
+    EXPECT_EQ(back.x, back.y);
+    const vk_Colour on = scattered(bsdf, -around(.85f, 1)).sum();
+    EXPECT_GT(on.x, .001f);
+    EXPECT_EQ(0, on.y);
+}
+
+TEST(Bsdf, ATiltTurnsTheGleamToItsSide)
+{
+    vk_Material metal;
+    metal.specular = metal.edge = vk_grey(1);
+    metal.rough = .3f;
+    metal.tilt = {.3f, 0, 0};
+    const vk_Bsdf bsdf(metal, {0, 0, 1}, {0, 0, 1}, false);
+    const float towards = scattered(bsdf, vk_normalize({.5f, 0, 1})).specular.x;
+    EXPECT_GT(towards, 5 * scattered(bsdf, vk_normalize({-.5f, 0, 1})).specular.x);
+}
+
 TEST(Bsdf, HalfACoatShowsHalfAsMuch)
 {
     const auto gleam = [](float coat) {

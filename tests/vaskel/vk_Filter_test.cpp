@@ -10,13 +10,13 @@ namespace
 {
 constexpr int SIDE = 12;
 
-// A pixel of a matte surface that got two samples.
-vk_Pixel pixelOf(float first, float second)
+// A pixel of a matte surface that got two samples, or both of them several times.
+vk_Pixel pixelOf(float first, float second, int times = 1)
 {
     vk_Pixel pixel;
-    for (const float light : {first, second}) {
+    for (int i = 0; i < 2 * times; ++i) {
         vk_View view;
-        view.diffuse = vk_grey(light);
+        view.diffuse = vk_grey(i % 2 == 0 ? first : second);
         view.albedo = vk_grey(1);
         view.normal = {0, 0, 1};
         view.distance = 5;
@@ -63,6 +63,17 @@ TEST(Filter, NoiseAroundOneLevelBecomesThatLevel)
     });
     for (const float level : light)
         EXPECT_NEAR(.5f, level, .02f);
+}
+
+TEST(Filter, PixelsHelpThoseWithFewerSamples)
+{
+    const auto light = filtered([](int x, int y) {
+        const bool isEven = (x + y) % 2 == 0;
+        const float off = isEven ? .06f : -.06f;
+        return pixelOf(.5f + off, .5f - off * .2f, isEven ? 1 : 4);
+    });
+    for (const float level : light)
+        EXPECT_NEAR(.49f, level, .015f);
 }
 
 TEST(Filter, AnEdgeThatErrorsDoNotExplainStays)

@@ -42,3 +42,41 @@ TEST(Fog, PhaseFunctionsIntegrateToOne)
         EXPECT_NEAR(1, sum, 1e-3);
     });
 }
+
+TEST(Fog, GroundFogThinsOutUpwards)
+{
+    for (const auto &row : VK_FOG_SHADERS)
+        if (row.name == std::string("v_groundfog")) {
+            const auto shader = row.make();
+            shader->params().find("density")->set({.5f, 0, 0});
+            shader->params().find("height")->set({2, 0, 0});
+            for (const float y : {0.0f, 1.0f, 2.0f, 4.0f})
+                EXPECT_NEAR(std::exp(-.5f * std::exp(-y / 2) * 3),
+                            vk_Fog(shader.get()).passes({-1, y, 0}, {1, 0, 0}, 3), 1e-4f)
+                    << y;
+        }
+}
+
+TEST(Fog, LightGoesOnForward)
+{
+    forEachFog([](const vk_Fog &fog) { EXPECT_GE(fog.phase(1), fog.phase(-1)); });
+    const auto shader = VK_FOG_SHADERS.rows[2].make();
+    EXPECT_GT(vk_Fog(shader.get()).phase(1), 2 * vk_Fog(shader.get()).phase(-1));
+}
+
+// However places are drawn, they find the light that fog takes out of a ray.
+TEST(Fog, PlacesCountAllThatIsScattered)
+{
+    forEachFog([](const vk_Fog &fog) {
+        constexpr int COUNT = 4000;
+        const vk_Vec from = {-3, .2f, 1}, way = vk_normalize({1, .1f, 0}), lamp = {0, 1, 1.5f};
+        for (const vk_Vec *const place : {static_cast<const vk_Vec *>(nullptr), &lamp}) {
+            double sum = 0;
+            for (int i = 0; i < COUNT; ++i) {
+                const float at = (static_cast<float>(i) + .5f) / COUNT;
+                sum += static_cast<double>(fog.place(from, way, 5, place, at).weight) / COUNT;
+            }
+            EXPECT_NEAR(1 - fog.passes(from, way, 5), sum, .01) << (place != nullptr);
+        }
+    });
+}

@@ -36,6 +36,7 @@ TEST(Light, IntensityIsWhatWhiteMatteShowsAtTheTarget)
         SCOPED_TRACE(line);
         const auto light = makeLight(line);
         const vk_Vec facing = light->sample(TARGET, {.5f, .5f}).direction;
+        EXPECT_GT(facing.y, .5f); // all stand above it
         double shown = 0;
         for (std::uint32_t i = 0; i < COUNT; ++i) {
             vk_Sampler sampler(5, i);
@@ -45,6 +46,18 @@ TEST(Light, IntensityIsWhatWhiteMatteShowsAtTheTarget)
                 static_cast<double>(sample.radiance.x * cosine / (sample.density * VK_PI)) / COUNT;
         }
         EXPECT_NEAR(.8, shown, .01);
+    }
+}
+
+TEST(Light, AnAreaIsAsWideAndHighAsItSays)
+{
+    const auto light = makeLight("v_area from 0 1 5 to 0 1 0 width 3 height 1");
+    const auto isMet = [&](float x, float y) {
+        return light->hit(TARGET, vk_normalize(vk_Vec{x, y, 5})).density > 0;
+    };
+    for (const float side : {-1.0f, 1.0f}) {
+        EXPECT_TRUE(isMet(1.4f * side, 0) && isMet(0, .4f * side));
+        EXPECT_FALSE(isMet(1.6f * side, 0) || isMet(0, .6f * side));
     }
 }
 

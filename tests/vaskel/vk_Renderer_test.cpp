@@ -462,6 +462,15 @@ TEST(Renderer, FogSendsOnItsColourOnly)
     EXPECT_LT(meanOf(red, .3, .3, .7, .7), 5);
 }
 
+TEST(Renderer, BeamsDoNotShineThroughWhatStandsInFront)
+{
+    const std::string haze = "fog v_litfog density .3\nlightplace from -5 .5 -1.3 to 0 .5 -1.3\n"
+                             "light v_spot angle 4 intensity 100\n";
+    const std::string ball = "surface v_constant color 0\nsphere\n";
+    EXPECT_GT(meanOf(drawAll(roomWith(haze, 0)), .4, .4, .6, .6), 40);
+    EXPECT_LT(meanOf(drawAll(roomWith(haze + ball, 0)), .4, .4, .6, .6), 5);
+}
+
 TEST(Renderer, ConstantsBackdropAndExposureShowWhatTheyDo)
 {
     const std::string ball = "size 48 48\nsamples 16\nsphere\n";

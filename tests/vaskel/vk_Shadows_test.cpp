@@ -38,6 +38,16 @@ TEST(Shadows, TintTellsByTheWayInsideOfGlass)
     expectNear({1, 1, 1}, passed(glass + "1", 5));
 }
 
+// A sheet of a colour that is there by half: the other half passes by.
+TEST(Shadows, ThinSurfacesStainTheirShareOfTheLight)
+{
+    const std::string sheet = "source t.osl\nshader t(output color c = color(.8, .4, 0)) {}\n"
+                              "endsource\nsurface t.osl show .5 as opacity\ngrid wave 0\n";
+    expectNear({.5f, .5f, .5f}, passed(sheet, 10));
+    expectNear({.9f, .7f, .5f}, passed("shadow v_filtershadow amount 1\n" + sheet, 10));
+    expectNear({.7f, .6f, .5f}, passed("shadow v_filtershadow amount .5\n" + sheet, 10));
+}
+
 TEST(Shadows, WhatStandsBehindALightCastsNone)
 {
     const std::string wall = "surface v_matte\ntranslate 0 0 -3\ngrid wave 0\nidentity\n";

@@ -146,6 +146,29 @@ TEST(Shapes, DisplacementsMoveNoFartherThanTheirHeight)
         }
 }
 
+TEST(Shapes, DentsGoInAndBricksStandOut)
+{
+    const auto ends = [](const std::string &name) {
+        float low = 9, high = -9;
+        for (const auto &row : VK_DISPLACE_SHADERS)
+            for (int i = 0; name == row.name && i < 4000; ++i) {
+                vk_SurfacePoint point;
+                const auto at = [i](int step) { return static_cast<float>(i * step % 997) / 997; };
+                point.position = {at(31), at(101), at(7)};
+                point.u = at(31);
+                point.v = at(101);
+                const float by = row.make()->displace(point);
+                low = std::min(low, by);
+                high = std::max(high, by);
+            }
+        return std::pair(low, high);
+    };
+    EXPECT_LT(ends("v_dents").first, -.05f);
+    EXPECT_LE(ends("v_dents").second, 0);
+    EXPECT_GE(ends("v_bricks").first, 0);
+    EXPECT_GT(ends("v_bricks").second, .04f);
+}
+
 TEST(Shapes, NormalsPointOutwards)
 {
     // Of the teapot's vertices some look at its axis.

@@ -7,16 +7,22 @@
 
 namespace
 {
+void readScene(const std::string &lines, vk_Scene &scene)
+{
+    std::string text = "picture p.png\ncamera\n" + lines + "\nend\n";
+    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
+    vk_SceneReader reader("s", scene);
+    EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
+    std::fclose(file);
+}
+} // namespace
+
 // A sphere has as much surface up to a distance as a plane has, so that what wanders no
 // further than its diameter comes out by the same share as on a plane.
 TEST(Subsurface, EachColourFindsOnABallWhatItsProfileHolds)
 {
-    std::string text = "picture p.png\ncamera\nsurface v_wax\nsphere\nend\n";
-    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
     vk_Scene scene;
-    vk_SceneReader reader("s", scene);
-    ASSERT_TRUE(reader.read(file)) << reader.messages()[0];
-    std::fclose(file);
+    readScene("surface v_wax\nsphere", scene);
     const vk_World world(scene);
     vk_Hit exit;
     ASSERT_TRUE(world.intersect({0, 1, 8}, {0, 0, -1}, exit));
@@ -38,4 +44,23 @@ TEST(Subsurface, EachColourFindsOnABallWhatItsProfileHolds)
         EXPECT_NEAR(sum.z, vk_profileWithin(found, scatter.z), .004);
     }
 }
-} // namespace
+
+TEST(Subsurface, LightDoesNotWanderIntoAnotherShape)
+{
+    vk_Scene scene;
+    readScene("surface v_wax\nsphere\nsurface v_matte\ntranslate 0 0 2.1\nsphere", scene);
+    const vk_World world(scene);
+    vk_Hit exit; // where both balls nearly touch
+    ASSERT_TRUE(world.intersect({0, 1, 1.05f}, {0, 0, -1}, exit));
+    int entries = 0;
+    for (std::uint32_t i = 0; i < 4096; ++i) {
+        vk_Sampler sampler(1, i);
+        vk_Hit entry;
+        vk_Colour weight;
+        if (vk_sampleEntry(world, exit, vk_grey(.2f), vk_grey(.5f), sampler, entry, weight)) {
+            ++entries;
+            EXPECT_LT(entry.position.z, 1.02f);
+        }
+    }
+    EXPECT_GT(entries, 1000);
+}
