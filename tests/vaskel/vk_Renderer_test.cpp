@@ -2,7 +2,7 @@
 
 #include "tests/support/Cases.h"
 #include "tests/support/ScopedVariable.h"
-#include "vaskel/scene/vk_SceneReader.h"
+#include "tests/vaskel/readScene.h"
 #include "vaskel/trace/vk_PathTracer.h"
 
 #include <limits>
@@ -16,15 +16,6 @@ constexpr char STUDIO[] = "picture p.png\ncamera\nfloor v_checker\n"
                           "light v_area intensity .07 width 4 height 4\n"
                           "lightplace from 4 5 -4 to 0 1 0\n"
                           "light v_area intensity .35 width 3 height 2\n";
-
-void readScene(std::string text, vk_Scene &scene)
-{
-    text += "\nend\n";
-    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
-    vk_SceneReader reader("s", scene);
-    EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
-    std::fclose(file);
-}
 
 vk_Film drawAll(const std::string &text, int threads = 2, int samples = 0)
 {
@@ -420,6 +411,22 @@ TEST(Renderer, OneSampleMoreIsNotWorse)
     EXPECT_LT(noise("5"), 1.1 * noise("4"));
     EXPECT_LT(noise("17"), 1.1 * noise("16"));
     EXPECT_LT(noise("33"), 1.1 * noise("32"));
+}
+
+// By which the filter divides, so that patterns of what is there stay sharp.
+TEST(Renderer, TheAlbedoOfAThinSurfaceIsOfWhatIsThere)
+{
+    for (const auto &[opacity, albedo] : {std::pair("1", .8f), {".5", .4f}, {".1", .08f}}) {
+        vk_Scene scene;
+        readScene(std::string(STUDIO) + "source t.osl\nshader t(output color c = .8) {}\n" +
+                      "endsource\nsurface t.osl show c as diff show 0 as spec show " + opacity +
+                      " as opacity\nsphere",
+                  scene);
+        const vk_World world(scene);
+        const vk_View view =
+            vk_PathTracer(scene, world).Li({0, 1, 8}, {0, 0, -1}, vk_Sampler(1, 1));
+        EXPECT_NEAR(albedo, view.albedo.x, .001f) << opacity;
+    }
 }
 
 TEST(Renderer, TheShorterSideHoldsTheAngleOfView)

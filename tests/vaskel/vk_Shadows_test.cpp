@@ -1,20 +1,14 @@
 #include "vaskel/trace/vk_Shadows.h"
 
-#include "vaskel/scene/vk_SceneReader.h"
-
-#include <gtest/gtest.h>
+#include "tests/vaskel/readScene.h"
 
 namespace
 {
 // What is left of light that goes along z, from 5 in front of the origin, so far.
 vk_Colour passed(const std::string &lines, float distance)
 {
-    std::string text = "picture p.png\ncamera\n" + lines + "\nend\n";
-    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
     vk_Scene scene;
-    vk_SceneReader reader("s", scene);
-    EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
-    std::fclose(file);
+    readScene("picture p.png\ncamera\n" + lines, scene);
     const vk_World world(scene);
     vk_ShadowRay ray;
     ray.way = {{0, 1, 5}, {0, 0, -1}, distance};

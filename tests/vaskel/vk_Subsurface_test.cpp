@@ -1,28 +1,14 @@
 #include "vaskel/trace/vk_Subsurface.h"
 
-#include "vaskel/scene/vk_SceneReader.h"
+#include "tests/vaskel/readScene.h"
 #include "vaskel/trace/vk_World.h"
-
-#include <gtest/gtest.h>
-
-namespace
-{
-void readScene(const std::string &lines, vk_Scene &scene)
-{
-    std::string text = "picture p.png\ncamera\n" + lines + "\nend\n";
-    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
-    vk_SceneReader reader("s", scene);
-    EXPECT_TRUE(reader.read(file)) << reader.messages()[0];
-    std::fclose(file);
-}
-} // namespace
 
 // A sphere has as much surface up to a distance as a plane has, so that what wanders no
 // further than its diameter comes out by the same share as on a plane.
 TEST(Subsurface, EachColourFindsOnABallWhatItsProfileHolds)
 {
     vk_Scene scene;
-    readScene("surface v_wax\nsphere", scene);
+    readScene("picture p.png\ncamera\nsurface v_wax\nsphere", scene);
     const vk_World world(scene);
     vk_Hit exit;
     ASSERT_TRUE(world.intersect({0, 1, 8}, {0, 0, -1}, exit));
@@ -48,7 +34,9 @@ TEST(Subsurface, EachColourFindsOnABallWhatItsProfileHolds)
 TEST(Subsurface, LightDoesNotWanderIntoAnotherShape)
 {
     vk_Scene scene;
-    readScene("surface v_wax\nsphere\nsurface v_matte\ntranslate 0 0 2.1\nsphere", scene);
+    readScene(
+        "picture p.png\ncamera\nsurface v_wax\nsphere\nsurface v_matte\ntranslate 0 0 2.1\nsphere",
+        scene);
     const vk_World world(scene);
     vk_Hit exit; // where both balls nearly touch
     ASSERT_TRUE(world.intersect({0, 1, 1.05f}, {0, 0, -1}, exit));

@@ -1,18 +1,12 @@
 #include "vaskel/trace/vk_World.h"
 
-#include "vaskel/scene/vk_SceneReader.h"
-
-#include <gtest/gtest.h>
+#include "tests/vaskel/readScene.h"
 
 // In its own space a shape is met where it was before its transforms: patterns go with it.
 TEST(World, PointsOfShapesAreToldInTheirOwnSpace)
 {
-    std::string text = "picture p.png\ncamera\ntranslate 3 0 -1\nscale 2\nsphere\nend\n";
-    std::FILE *const file = fmemopen(text.data(), text.size(), "r");
     vk_Scene scene;
-    vk_SceneReader reader("s", scene);
-    ASSERT_TRUE(reader.read(file)) << reader.messages()[0];
-    std::fclose(file);
+    readScene("picture p.png\ncamera\ntranslate 3 0 -1\nscale 2\nsphere", scene);
     const vk_World world(scene);
     vk_Hit hit;
     ASSERT_TRUE(world.intersect({3, 2, 20}, {0, 0, -1}, hit));
