@@ -1,7 +1,6 @@
 #include "vaskel/osl/vk_OslSurface.h"
 
 #include "vaskel/base/vk_Sampler.h"
-#include "vaskel/scatter/vk_Microfacet.h"
 
 #include <cstring>
 

@@ -47,7 +47,7 @@ constexpr bool vk_isSpecular(float pdf)
 }
 
 // What a ray may still count of the lights. Set where it was scattered, changed where it
-// crosses glass.
+// crosses glass or passes by what is there in part.
 struct vk_NextEvent {
     int samples = 0;            // taken at the vertex; 0: none, so that the ray counts all
     float bsdfPdf = 0;          // of the ray; 0: it counts no light, as the camera's
