@@ -105,10 +105,7 @@ void vk_Bsdf::compensate()
     if (vk_largest(m.specular) <= 0)
         return;
     const bool isBrushed = m.brushed > 0;
-    const float mean = vk_facetMean(myFacets.rough()), narrow = isBrushed ? 1 : NARROW;
-    const float lost = 1 - myFacets.albedo(myLower);
-    myLost = (1 - narrow) * lost;
-    myMeanLost = std::max(1 - mean, 1e-6f);
+    const float narrow = isBrushed ? 1 : NARROW, lost = 1 - myFacets.albedo(myLower);
     // Every time that facets scatter it, light loses what they do not reflect.
     const auto each = [&](auto function) {
         return vk_Colour{function(average(m.specular.x, m.edge.x)),
@@ -116,8 +113,12 @@ void vk_Bsdf::compensate()
                          function(average(m.specular.z, m.edge.z))};
     };
     myCompensation = each([&](float f) { return 1 + narrow * f * lost / (1 - f * lost); });
-    if (!isBrushed)
-        myMultiple = each([&](float f) { return f * f * mean / (1 - f * (1 - mean)); });
+    if (isBrushed)
+        return;
+    const float mean = vk_facetMean(myFacets.rough());
+    myLost = (1 - narrow) * lost;
+    myMeanLost = std::max(1 - mean, 1e-6f);
+    myMultiple = each([&](float f) { return f * f * mean / (1 - f * (1 - mean)); });
 }
 
 // Parts get samples by what they reflect.

@@ -89,8 +89,9 @@ private:
     float myEta; // glass: index of the far side over the near side
     vk_Colour myCompensation = {1, 1, 1};
     vk_Colour myMultiple; // of metal: what arrives and is lost when facets scatter it once
-    float myLost = 0, myMeanLost = 1; // share of it, for the viewer's and for all directions
-    float myBelow = 1;                // share that coat and sheen leave on the way out
+    float myLost = 0;     // what of it the wide lobe gets, for the viewer's direction;
+    float myMeanLost = 1; // all of it, for all directions
+    float myBelow = 1;    // share that coat and sheen leave on the way out
     int myRounds = 1;
     float myShare[PARTS] = {}; // samples of each part
 };
