@@ -36,7 +36,6 @@ std::string_view OSL_Context::text(int32_t handle) const
 
 void OSL_Context::flatten(int32_t closure, std::vector<OSL_ClosureComponent> &components) const
 {
-    components.clear();
     myMachine->closures().flatten(closure, components);
 }
 

@@ -50,7 +50,8 @@ double emittance(double kelvin, double metres)
 {
     constexpr double C1 = 3.74183e-16; // 2 pi h c^2
     constexpr double C2 = 1.4388e-2;   // h c / k
-    return C1 * std::pow(metres, -5.0) / (std::exp(C2 / (metres * kelvin)) - 1);
+    const double square = metres * metres;
+    return C1 / (square * square * metres * (std::exp(C2 / (metres * kelvin)) - 1));
 }
 
 osl_Colour withoutNegative(const osl_Colour &c)

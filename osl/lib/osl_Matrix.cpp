@@ -1,6 +1,7 @@
 #include "osl/lib/osl_Matrix.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace
@@ -123,6 +124,16 @@ osl_Matrix osl_inverse(const osl_Matrix &a)
             inverse.m[r][c] = static_cast<float>(elimination.right[r][c]);
     }
     return inverse;
+}
+
+const osl_Matrix &osl_Inverter::inverse(const osl_Matrix &a)
+{
+    // The bits: a zero's sign is the inverse's too.
+    if (std::memcmp(&a, &myMatrix, sizeof a) != 0) {
+        myMatrix = a;
+        myInverse = osl_inverse(a);
+    }
+    return myInverse;
 }
 
 osl_Matrix osl_transpose(const osl_Matrix &a)

@@ -28,6 +28,17 @@ float osl_determinant(const osl_Matrix &a);
 osl_Matrix osl_div(const osl_Matrix &a, const osl_Matrix &b);
 osl_Matrix osl_div(const osl_Matrix &a, float s);
 
+// Inverts the same few matrices again and again, as those of spaces: the last one is kept.
+class osl_Inverter
+{
+public:
+    const osl_Matrix &inverse(const osl_Matrix &a);
+
+private:
+    osl_Matrix myMatrix = osl_Matrix::diagonal(1);
+    osl_Matrix myInverse = osl_Matrix::diagonal(1);
+};
+
 // A position is divided by its fourth component; the null point where that is 0.
 // A vector takes no translation. A normal goes by the inverse's transpose, so
 // that it stays perpendicular to the surface. T is float or osl_Dual.

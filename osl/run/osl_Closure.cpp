@@ -35,13 +35,16 @@ int osl_ClosureArena::add(const Node &node)
     return static_cast<int>(myNodes.size());
 }
 
-int osl_ClosureArena::component(const osl_ClosureRow *row)
+int osl_ClosureArena::components(const osl_ClosureRow *row, int count)
 {
+    const int first = static_cast<int>(myNodes.size()) + 1;
     Node made;
     made.row = row;
     made.a = static_cast<int>(myWords.size());
-    myWords.resize(myWords.size() + static_cast<size_t>(row->words) + 1);
-    return add(made);
+    myWords.resize(myWords.size() + static_cast<size_t>(row->words * count) + 1);
+    for (int i = 0; i < count; ++i, made.a += row->words)
+        add(made);
+    return first;
 }
 
 int osl_ClosureArena::sum(int a, int b)
@@ -61,29 +64,37 @@ int osl_ClosureArena::product(int closure, const osl_Colour &weight)
         return 0;
     if (weight == osl_Colour{1, 1, 1})
         return closure;
-    Node made;
-    made.kind = Node::PRODUCT;
-    made.a = closure;
-    made.weight = weight;
+    Node made = node(closure);
+    if (made.kind != Node::COMPONENT) {
+        made = {};
+        made.kind = Node::PRODUCT;
+        made.a = closure;
+    }
+    made.weight = made.weight * weight;
     return add(made);
 }
 
 void osl_ClosureArena::flatten(int closure, std::vector<OSL_ClosureComponent> &components) const
 {
-    myOpen.assign(1, {closure, {1, 1, 1}});
-    while (!myOpen.empty()) {
-        const auto [handle, weight] = myOpen.back();
-        myOpen.pop_back();
-        if (handle == 0)
-            continue;
-        const Node &at = node(handle);
-        const osl_Colour scaled = weight * at.weight;
+    components.clear();
+    if (closure == 0)
+        return;
+    myOpen.clear();
+    std::pair<int, osl_Colour> next = {closure, {1, 1, 1}};
+    for (;;) {
+        const Node &at = node(next.first);
+        const osl_Colour weight = next.second * at.weight;
         if (at.kind == Node::SUM)
             myOpen.emplace_back(at.b, weight);
-        if (at.kind != Node::COMPONENT)
-            myOpen.emplace_back(at.a, scaled);
-        else
-            components.push_back({at.row, weight, &myWords[static_cast<size_t>(at.a)]});
+        if (at.kind != Node::COMPONENT) {
+            next = {at.a, weight};
+            continue;
+        }
+        components.push_back({at.row, weight, &myWords[static_cast<size_t>(at.a)]});
+        if (myOpen.empty())
+            return;
+        next = myOpen.back();
+        myOpen.pop_back();
     }
 }
 

@@ -15,8 +15,9 @@ public:
     void clear();
     bool isFull() const { return myNodes.size() > MAX_NODES; }
 
-    // The words of its parameters follow from the row; they are for the caller to fill.
-    int component(const osl_ClosureRow *row);
+    // The first of so many, whose handles follow each other, and so do the words of their
+    // parameters, which are for the caller to fill.
+    int components(const osl_ClosureRow *row, int count);
     int *words(int component) { return &myWords[static_cast<size_t>(node(component).a)]; }
     int sum(int a, int b);
     int product(int closure, const osl_Colour &weight);

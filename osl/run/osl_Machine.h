@@ -265,6 +265,7 @@ private:
     int myFirstPoint = 0;
 
     osl_Texts myTexts;
+    osl_Inverter myInverter; // of the way from a space
     osl_ClosureArena myClosures;
     std::unordered_map<int, std::unique_ptr<osl_Format>> myFormats;
     std::unordered_map<int, std::unique_ptr<osl_Regex>> myRegexes;

@@ -22,7 +22,7 @@ bool osl_Machine::matrixBetween(In in, std::string_view from, std::string_view t
         isGood = false;
     }
     const bool isBack = to != "common" && !to.empty();
-    matrix = isBack ? parts[0] * osl_inverse(parts[1]) : parts[0];
+    matrix = isBack ? parts[0] * myInverter.inverse(parts[1]) : parts[0];
     return isGood;
 }
 
@@ -336,17 +336,24 @@ void osl_Machine::makeClosure(In in)
     const osl_ClosureRow *row = myCode.closures[static_cast<size_t>(in.number)];
     if (myClosures.isFull())
         return stop("makes too many closures");
-    forLanes(in, [&](int lane) {
-        const int made = myClosures.component(row);
-        int *to = myClosures.words(made);
-        for (size_t i = 0; i < row->parameters.size(); ++i) {
-            const osl_ClosureParameter &parameter = row->parameters[i];
-            const osl_Operand &from = o[i + 1];
-            for (int word = 0; word < parameter.type.components(); ++word)
-                to[parameter.at + word] = words(from.at + word * from.step)[lane];
+    int count = 0;
+    forLanes(in, [&](int) { ++count; });
+    const int first = myClosures.components(row, count);
+    for (size_t i = 0; i < row->parameters.size(); ++i) {
+        const osl_ClosureParameter &parameter = row->parameters[i];
+        const osl_Operand &from = o[i + 1];
+        for (int word = 0; word < parameter.type.components(); ++word) {
+            const int *const lanes = words(from.at + word * from.step);
+            int *to = myClosures.words(first) + parameter.at + word;
+            forLanes(in, [&](int lane) {
+                *to = lanes[lane];
+                to += row->words;
+            });
         }
-        setInt(o[0], lane, made);
-    });
+    }
+    // Last, as a parameter may lie where the result goes.
+    int made = first;
+    forLanes(in, [&](int lane) { setInt(o[0], lane, made++); });
 }
 
 void osl_Machine::addClosures(In in)

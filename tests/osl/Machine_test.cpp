@@ -87,6 +87,15 @@ TEST(Machine, GivesOutputsAndClosures)
     EXPECT_EQ(nullptr, components[0].floats("alpha"));
 }
 
+TEST(Machine, AClosureKeepsItsOwnWeightBesideThoseItIsGiven)
+{
+    EXPECT_EQ(
+        "(2, 2, 2) * emission ()\n\t+ (12, 12, 12) * emission ()\n\t+ (1, 1, 1) * emission ()",
+        shade("shader t() { closure color e = emission();"
+              " closure color both = 2 * e + 3 * (4 * e); printf(\"%s\", both + e); }")
+            .printed);
+}
+
 TEST(Machine, RefusesBindingsThatDoNotFit)
 {
     EXPECT_EQ("the shader has no parameter 'b'\n",

@@ -40,6 +40,7 @@ const osl_Matrix TURN = {{{0, 1, 0, 0}, {-1, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1
 TEST(Matrix, InverseUndoesIt)
 {
     Random random;
+    osl_Inverter inverter;
     for (int i = 0; i < 200; ++i) {
         const osl_Matrix a = randomMatrix(random), b = randomMatrix(random);
         const float determinant = osl_determinant(a);
@@ -48,6 +49,8 @@ TEST(Matrix, InverseUndoesIt)
         SCOPED_TRACE(testing::Message() << random.seed() << ": matrix " << i);
         expectNear(osl_Matrix::diagonal(1), a * osl_inverse(a), 1e-4f);
         expectNear(a, osl_inverse(osl_inverse(a)), 1e-3f);
+        for (const osl_Matrix &m : {a, a, b, a})
+            EXPECT_EQ(osl_inverse(m), inverter.inverse(m));
         expectNear(b, osl_div(b, a) * a, 1e-3f);
         EXPECT_NEAR(determinant * osl_determinant(b), osl_determinant(a * b),
                     1e-3f * (1 + std::fabs(osl_determinant(a * b))));

@@ -46,13 +46,13 @@ bool pictureSpace(std::string_view space, const vk_Scene &scene, osl_Matrix &mat
 }
 
 // Transforms are kept from the scene to the shape, which is what hits need; shaders ask
-// for the other way, and seldom.
-osl_Matrix ofShape(const vk_Transform *toShape)
+// for the other way.
+osl_Matrix ofShape(const vk_Transform *toShape, osl_Inverter &inverter)
 {
     if (toShape == nullptr)
         return osl_Matrix::diagonal(1);
     const vk_Transform &to = *toShape;
-    return osl_inverse(
+    return inverter.inverse(
         matrixOf(to.vector({1, 0, 0}), to.vector({0, 1, 0}), to.vector({0, 0, 1}), to.point({})));
 }
 
@@ -181,7 +181,7 @@ bool vk_OslRunner::spaceToCommon(std::string_view space, int point, osl_Matrix &
     else if (space == "camera")
         matrix = ofCamera(myBinding.library().scene().camera);
     else if (space == "object" || space == "shader")
-        matrix = ofShape(mySurface[point].toShape);
+        matrix = ofShape(mySurface[point].toShape, myInverter);
     else
         return pictureSpace(space, myBinding.library().scene(), matrix);
     return true;

@@ -89,6 +89,7 @@ private:
     std::vector<vk_OslFeed> myFeeds;
     const OSL_Output *myClosure = nullptr;
     const vk_SurfacePoint *mySurface = nullptr; // points of the run
+    osl_Inverter myInverter;                    // of the way to their shape
     OSL_Points myPoints;
     Vec myVecs[VECS];
     alignas(64) float myFloats[FLOATS][MOST_POINTS] = {};
