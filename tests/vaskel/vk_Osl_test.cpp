@@ -252,7 +252,8 @@ TEST(Osl, FogsAreWhatClosuresOrOutputsSay)
     expectTable(TEST_DATA "/data/osl_fogs", {{"media", medium}});
 }
 
-// A shader's emission multiplies that of v_area at each place.
+// A shader's emission multiplies that of v_area at each place, and where there is more of it
+// more samples are taken.
 TEST(Osl, LightsShineAsTheirShadersDo)
 {
     const std::string plain = "light v_area from 0 3 0 to 0 0 0 width 2 height 2 intensity .5";
@@ -263,22 +264,28 @@ TEST(Osl, LightsShineAsTheirShadersDo)
                                       " intensity .5",
                                       "light"),
                             scene));
-    vk_Sampler sampler(1, 1);
-    for (int i = 0; i < 50; ++i) {
-        const vk_Square at = sampler.square();
-        const vk_LightSample is = scene.lights[0]->sample({.3f, 0, .2f}, at);
-        const vk_LightSample was = reference.lights[0]->sample({.3f, 0, .2f}, at);
-        EXPECT_EQ(was.direction, is.direction);
-        EXPECT_EQ(was.density, is.density);
-        EXPECT_NEAR(was.radiance.x * 2 * at.u, is.radiance.x, .04f * was.radiance.x);
-        EXPECT_FLOAT_EQ(was.radiance.y, is.radiance.y);
+    const vk_Vec from = {.3f, 0, .2f};
+    vk_Colour sum, plainSum;
+    for (std::uint32_t i = 0; i < 256; ++i) {
+        const vk_Square at = vk_Sampler(1, i).square();
+        const vk_LightSample was = reference.lights[0]->sample(from, at);
+        const vk_LightSample met = scene.lights[0]->hit(from, was.direction);
+        EXPECT_NEAR(was.radiance.x * 2 * at.u, met.radiance.x, .04f * was.radiance.x);
+        EXPECT_FLOAT_EQ(was.radiance.y, met.radiance.y);
         if (std::abs(at.v - .5f) > .02f) {
-            EXPECT_FLOAT_EQ(at.v > .5f ? was.radiance.z : 0, is.radiance.z);
+            EXPECT_FLOAT_EQ(at.v > .5f ? was.radiance.z : 0, met.radiance.z);
+            const float share = (2 * at.u + 1 + (at.v > .5f ? 1.0f : 0)) / 2.5f;
+            EXPECT_NEAR(was.density * share, met.density, .03f * was.density);
         }
-        const vk_LightSample hit = scene.lights[0]->hit({.3f, 0, .2f}, is.direction);
-        EXPECT_NEAR(is.density, hit.density, 1e-3f * is.density);
+        const vk_LightSample is = scene.lights[0]->sample(from, at);
+        const vk_LightSample hit = scene.lights[0]->hit(from, is.direction);
+        EXPECT_NEAR(is.density, hit.density, .04f * is.density);
         EXPECT_NEAR(is.radiance.x, hit.radiance.x, .04f * was.radiance.x);
+        sum += is.radiance * (1 / is.density);
+        plainSum += met.radiance * (1 / was.density);
     }
+    EXPECT_NEAR(plainSum.x, sum.x, .01f * sum.x);
+    EXPECT_NEAR(plainSum.z, sum.z, .02f * sum.z);
     vk_Scene wrong;
     EXPECT_EQ("s:7: error: x.osl has no parameter 'size'; expected f, from, to, color, intensity,"
               " width, height; nearest is 'f'\n",

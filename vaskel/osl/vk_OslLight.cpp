@@ -51,8 +51,18 @@ void vk_OslLight::prepare() const
 
 void vk_OslLight::shine() const
 {
-    vk_OslRunner runner(*myBinding, 1);
     myPicture.assign(std::size_t{SIDE} * SIDE, vk_Colour{});
+    askShader();
+    std::vector<float> brightness;
+    for (const vk_Colour &light : myPicture)
+        brightness.push_back(light.x + light.y + light.z);
+    myBright = vk_Distribution(SIDE, SIDE, brightness);
+}
+
+// One that was stopped leaves the rest dark: the picture is thrown away.
+void vk_OslLight::askShader() const
+{
+    vk_OslRunner runner(*myBinding, 1);
     vk_SurfacePoint point;
     point.normal = point.facet = vk_normalize(myShader->to - myShader->from);
     // As if seen from where it aims.
@@ -86,12 +96,14 @@ vk_LightSample vk_OslLight::coloured(const vk_Vec &from, vk_LightSample sample) 
     const int x = cellOf(vk_dot(off, myAcross) / vk_dot(myAcross, myAcross));
     const int y = cellOf(vk_dot(off, myUp) / vk_dot(myUp, myUp));
     sample.radiance = sample.radiance * myPicture[static_cast<std::size_t>(y * SIDE + x)];
+    sample.density *= myBright.pdf(x, y);
     return sample;
 }
 
 vk_LightSample vk_OslLight::sample(const vk_Vec &from, const vk_Square &at) const
 {
-    return coloured(from, area().sample(from, at));
+    const vk_Light &whole = area();
+    return coloured(from, whole.sample(from, myBright.sample(at)));
 }
 
 vk_LightSample vk_OslLight::hit(const vk_Vec &from, const vk_Vec &direction) const

@@ -6,6 +6,7 @@
 // scene and N along the light's way.
 #pragma once
 
+#include "vaskel/base/vk_Distribution.h"
 #include "vaskel/lights/vk_LightShaders.h"
 #include "vaskel/osl/vk_OslRunner.h"
 
@@ -29,6 +30,7 @@ private:
     const vk_Light &area() const;
     void prepare() const;
     void shine() const;
+    void askShader() const;
     vk_LightSample coloured(const vk_Vec &from, vk_LightSample sample) const;
 
     std::shared_ptr<const vk_OslBinding> myBinding;
@@ -39,4 +41,5 @@ private:
     mutable std::unique_ptr<vk_Light> myArea;
     mutable vk_Vec myAcross, myUp; // over its width and height
     mutable std::vector<vk_Colour> myPicture;
+    mutable vk_Distribution myBright; // where it is seen to shine
 };
