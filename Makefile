@@ -51,4 +51,4 @@ bench: deps
 	@scripts/bench.sh
 
 format:
-	@git ls-files '*.h' '*.cpp' | tr '\n' '\0' | xargs -0 -r clang-format -i
+	@git ls-files '*.h' '*.cpp' ':!osl/headers/[!o]*' ':!osl/headers/osl[!_]*' ':!tests/*/data/*' | tr '\n' '\0' | xargs -0 -r clang-format -i
