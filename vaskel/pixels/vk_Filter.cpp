@@ -5,10 +5,11 @@
 namespace
 {
 constexpr int NEAR_REACH = 2;           // pixels to each side, but where light wandered
-constexpr float SURE = .9f;             // length of a mean of normals that shows no edge
-constexpr float TURN = 100;             // how fast pixels that face elsewhere lose weight
-constexpr float DEPTH = .05f;           // share of the distance that makes two pixels differ
-constexpr float PIXEL_TOLERANCE = 8;    // how many errors apart two pixels may be, and the
+constexpr float SURE = .95f;            // length of a mean of normals that shows no edge
+constexpr float TURN = 200;             // how fast pixels that face elsewhere lose weight,
+constexpr float BLURRED_TURN = 70;      // and where light wandered
+constexpr float DEPTH = .03f;           // share of the distance that makes two pixels differ
+constexpr float PIXEL_TOLERANCE = 6;    // how many errors apart two pixels may be, and the
 constexpr float SPECULAR_TOLERANCE = 3; // means around them
 constexpr float IRRADIANCE_TOLERANCE = 6;
 constexpr float BLURRED_TOLERANCE = 200; // where light wandered
@@ -162,9 +163,9 @@ void vk_Filter::filter(int y)
 }
 
 // How far two pixels show the same surface.
-vk_Lanes vk_Filter::featureWeight(std::size_t here, std::size_t there) const
+vk_Lanes vk_Filter::featureWeight(std::size_t here, std::size_t there, const vk_Lanes &fall) const
 {
-    const vk_Lanes turn = 1 - TURN * (1 - vk_dot(myNormal.lanes(here), myNormal.lanes(there)));
+    const vk_Lanes turn = 1 - fall * (1 - vk_dot(myNormal.lanes(here), myNormal.lanes(there)));
     const vk_Lanes distance = vk_load(&myDistance[here]);
     const vk_Lanes step = vk_abs(distance - vk_load(&myDistance[there])) / (DEPTH * distance);
     return vk_max(vk_lanes(0), turn) * vk_max(vk_lanes(0), 1 - step);
@@ -222,13 +223,14 @@ vk_Filter::Mean vk_Filter::meanAround(int x, int y) const
     const Tolerances ofIrradiance = {
         blurred ? vk_lanes(BLURRED_TOLERANCE) : vk_lanes(PIXEL_TOLERANCE),
         blurred ? vk_lanes(BLURRED_TOLERANCE) : vk_lanes(IRRADIANCE_TOLERANCE)};
+    const vk_Lanes fall = blurred ? vk_lanes(BLURRED_TURN) : vk_lanes(TURN);
     const int reach = vk_any(blurred) ? REACH : NEAR_REACH;
     Sum specular, irradiance;
     for (int j = std::max(-reach, -y); j <= std::min(reach, myRows - 1 - y); ++j)
         for (int i = -reach; i <= reach; ++i) {
             const std::size_t there = index(x + i, y + j);
             const bool isNear = std::max(std::abs(i), std::abs(j)) <= NEAR_REACH;
-            const vk_Lanes alike = featureWeight(here, there) * vk_load(&myCount[there]);
+            const vk_Lanes alike = featureWeight(here, there, fall) * vk_load(&myCount[there]);
             const vk_Lanes feature = isNear ? alike : blurred ? alike : vk_lanes(0);
             if (!vk_any(feature > 0))
                 continue;

@@ -79,7 +79,7 @@ private:
         return mySpecular.mean.lanes(at) + myIrradiance.mean.lanes(at) * myAlbedo.lanes(at);
     }
     void compare(Layer &layer, int x, int y) const;
-    vk_Lanes featureWeight(std::size_t here, std::size_t there) const;
+    vk_Lanes featureWeight(std::size_t here, std::size_t there, const vk_Lanes &fall) const;
     static vk_Lanes layerWeight(const Layer &layer, std::size_t here, std::size_t there,
                                 const vk_VecLanes &visibility, const Tolerances &tolerances);
     Mean meanAround(int x, int y) const;

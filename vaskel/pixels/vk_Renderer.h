@@ -19,7 +19,7 @@ struct vk_Quality {
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
     {"draft", .25f, .011f, 23, false},
-    {"default", 1, .006f, 78, false},
+    {"default", 1, .0063f, 76, false},
     {"final", 8, .0017f, 1550, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
