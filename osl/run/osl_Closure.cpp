@@ -27,6 +27,7 @@ void osl_ClosureArena::clear()
 {
     myNodes.clear();
     myWords.clear();
+    myIsTooWide = false;
 }
 
 int osl_ClosureArena::add(const Node &node)
@@ -55,6 +56,11 @@ int osl_ClosureArena::sum(int a, int b)
     made.kind = Node::SUM;
     made.a = a;
     made.b = b;
+    made.components = node(a).components + node(b).components;
+    if (made.components > MAX_COMPONENTS) {
+        myIsTooWide = true;
+        return a;
+    }
     return add(made);
 }
 
@@ -65,8 +71,7 @@ int osl_ClosureArena::product(int closure, const osl_Colour &weight)
     if (weight == osl_Colour{1, 1, 1})
         return closure;
     Node made = node(closure);
-    if (made.kind != Node::COMPONENT) {
-        made = {};
+    if (made.kind == Node::SUM) {
         made.kind = Node::PRODUCT;
         made.a = closure;
     }

@@ -13,7 +13,7 @@ class osl_ClosureArena
 {
 public:
     void clear();
-    bool isFull() const { return myNodes.size() > MAX_NODES; }
+    bool isFull() const { return myNodes.size() > MAX_NODES || myIsTooWide; }
 
     // The first of so many, whose handles follow each other, and so do the words of their
     // parameters, which are for the caller to fill.
@@ -29,12 +29,14 @@ public:
 
 private:
     static constexpr size_t MAX_NODES = 1 << 20;
+    static constexpr int MAX_COMPONENTS = 1 << 16; // of one closure
 
     struct Node {
         enum Kind : uint8_t { COMPONENT, SUM, PRODUCT };
         Kind kind = COMPONENT;
         int a = 0; // closure, or the first word of the parameters
         int b = 0;
+        int components = 1;
         osl_Colour weight = {1, 1, 1};
         const osl_ClosureRow *row = nullptr;
     };
@@ -43,5 +45,6 @@ private:
 
     std::vector<Node> myNodes; // by handle, from 1
     std::vector<int> myWords;
+    bool myIsTooWide = false; // a closure: sums of sums need few nodes
     mutable std::vector<std::pair<int, osl_Colour>> myOpen; // of flatten(), kept for its memory
 };

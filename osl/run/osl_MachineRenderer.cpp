@@ -338,6 +338,8 @@ void osl_Machine::makeClosure(In in)
         return stop("makes too many closures");
     int count = 0;
     forLanes(in, [&](int) { ++count; });
+    if (count == 0)
+        return; // all lanes have left, or wait elsewhere
     const int first = myClosures.components(row, count);
     for (size_t i = 0; i < row->parameters.size(); ++i) {
         const osl_ClosureParameter &parameter = row->parameters[i];
@@ -359,11 +361,11 @@ void osl_Machine::makeClosure(In in)
 void osl_Machine::addClosures(In in)
 {
     const osl_Operand *o = operands(in);
-    if (myClosures.isFull())
-        return stop("makes too many closures");
     forLanes(in, [&](int lane) {
         setInt(o[0], lane, myClosures.sum(intAt(o[1], lane), intAt(o[2], lane)));
     });
+    if (myClosures.isFull())
+        stop("makes too many closures");
 }
 
 void osl_Machine::scaleClosure(In in)

@@ -96,6 +96,31 @@ TEST(Machine, AClosureKeepsItsOwnWeightBesideThoseItIsGiven)
             .printed);
 }
 
+// Also where all lanes of a branch have left, or differ in what they give.
+TEST(Machine, ClosuresDoNotHangOnTheWidthOfABatch)
+{
+    for (const char *body :
+         {"if (u < .7) { if (v < 2) { return; } Ci = emission(); } Ci = 2 * emission();",
+          "for (int i = 0; i < 2; i++) { if (u < .7) { continue; Ci = emission(); } }",
+          "if (u > .2) Ci = 3 * reflection(N, u); else Ci = u * emission();"}) {
+        const std::string source = "surface t() { " + std::string(body) + " printf(\"%s;\", Ci); }";
+        const std::string alone = shade(source, 3, 1).printed;
+        EXPECT_EQ(alone, shade(source, 3, 8).printed) << body;
+        EXPECT_EQ(alone, shade(source, 3, 16).printed) << body;
+    }
+}
+
+TEST(Machine, ClosuresOfTooManyPartsStopIt)
+{
+    EXPECT_NE(std::string::npos,
+              shade("surface t() { Ci = emission(); for (int i = 0; i < 40; i++) Ci = Ci + Ci; }")
+                  .messages.find("makes too many closures"));
+    EXPECT_EQ("(6, 6, 6) * emission ()\n\t+ (6, 6, 6) * holdout ()",
+              shade("surface t() { closure color c = 3 * (emission() + holdout());"
+                    " printf(\"%s\", 2 * c); }")
+                  .printed);
+}
+
 TEST(Machine, RefusesBindingsThatDoNotFit)
 {
     EXPECT_EQ("the shader has no parameter 'b'\n",
