@@ -286,6 +286,7 @@ TEST(Osl, LightsShineAsTheirShadersDo)
     }
     EXPECT_NEAR(plainSum.x, sum.x, .01f * sum.x);
     EXPECT_NEAR(plainSum.z, sum.z, .02f * sum.z);
+    EXPECT_EQ(reference.lights[0]->middle(from).direction, scene.lights[0]->middle(from).direction);
     vk_Scene wrong;
     EXPECT_EQ("s:7: error: x.osl has no parameter 'size'; expected f, from, to, color, intensity,"
               " width, height; nearest is 'f'\n",

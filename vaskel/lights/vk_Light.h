@@ -25,6 +25,9 @@ public:
     // A place on the light as seen from a point.
     virtual vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const = 0;
 
+    // The middle of the light, wherever it shines most.
+    virtual vk_LightSample middle(const vk_Vec &from) const { return sample(from, {.5f, .5f}); }
+
     // The light's place that a ray meets, if it does: density is that of
     // sample() for the direction, 0 for a miss.
     virtual vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const = 0;

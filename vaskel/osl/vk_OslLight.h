@@ -23,6 +23,7 @@ public:
 
     vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const override;
     vk_LightSample hit(const vk_Vec &from, const vk_Vec &direction) const override;
+    vk_LightSample middle(const vk_Vec &from) const override { return area().middle(from); }
     const vk_Vec *place() const override { return &myShader->from; }
     float size() const override { return area().size(); }
 

@@ -58,7 +58,7 @@ vk_Segment vk_DirectLight::wayTo(const vk_Vec &from, const vk_Light &light,
     vk_Segment way = {from, sample.direction, sample.distance * NOT_QUITE};
     if (soft == 1)
         return way;
-    const vk_LightSample centre = light.sample(from, {.5f, .5f});
+    const vk_LightSample centre = light.middle(from);
     if (centre.density > 0)
         way.direction = vk_normalize(vk_mix(centre.direction, sample.direction, soft));
     return way;

@@ -13,7 +13,7 @@ struct vk_View {
     vk_Colour specular; // all but
     vk_Colour diffuse;  // light that the first surface scattered widely,
     vk_Colour albedo;   // about so much of what arrived there; not 0 where there is such light
-    vk_Vec normal;      // of that surface; to the viewer where there is none
+    vk_Vec normal;      // of that surface, as its bumps turn it; to the viewer where there is none
     float distance = 0;
     float blurred = 0; // how far the diffuse layer is without edges: 1 for subsurface scattering
     float cost = 0;    // rays that it took

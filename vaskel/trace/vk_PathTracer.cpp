@@ -69,7 +69,7 @@ void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
         path.countAsDiffuse();
     }
     view.albedo = view.albedo * material.presence;
-    view.normal = vk_normalize(hit.normal + material.tilt);
+    view.normal = material.isClear() ? hit.normal : vk_normalize(hit.normal + material.tilt);
     view.distance = hit.distance;
     const bool isGround = material.isClear() && material.rough > GROUND;
     view.blurred = isGround ? .5f : vk_largest(material.scatter) > 0 ? 1 : 0;
