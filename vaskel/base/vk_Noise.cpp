@@ -4,6 +4,8 @@
 
 namespace
 {
+// Its slope and how that changes are 0 at both ends, so that cells join without a crease:
+// Perlin, "Improving Noise", 2002.
 float fade(float t)
 {
     return t * t * t * (t * (t * 6 - 15) + 10);
@@ -62,6 +64,7 @@ float vk_noise(const vk_Vec &place)
 float vk_clouds(const vk_Vec &at, int octaves)
 {
     float sum = 0, height = 1, finer = 1;
+    // Half as high and twice as fine each time, as mountains and clouds about are.
     for (int i = 0; i < octaves; ++i, height *= .5f, finer *= 2)
         sum += height * vk_noise(at * finer);
     return sum;
@@ -74,6 +77,7 @@ vk_Cell vk_cell(const vk_Vec &place)
     const int z = static_cast<int>(std::floor(at.z));
     vk_Cell cell;
     float first = 1e9f;
+    // The nearest point may lie in any of the cells around.
     for (int i = 0; i < 27; ++i) {
         const int cx = x + i % 3 - 1, cy = y + i / 3 % 3 - 1, cz = z + i / 9 - 1;
         const std::uint32_t h = vk_hashOf(cx, cy, cz);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+// A histogram over powers of 2: the limit need not be exact, and to sort all pixels anew in
+// every round would cost as much as rays do.
 int vk_Allocation::stepOf(float quotient)
 {
     const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);
@@ -37,6 +39,7 @@ float vk_Allocation::limit(float target, float raysOfPixel) const
 {
     const double most = static_cast<double>(target) * static_cast<double>(myPixels);
     const double budget = static_cast<double>(raysOfPixel) * static_cast<double>(myPixels);
+    // With a lower limit errors fall and rays grow, so halving finds where either is met.
     int low = LOWEST, high = HIGHEST + 1;
     while (high - low > 1) {
         const int middle = (low + high) / 2;

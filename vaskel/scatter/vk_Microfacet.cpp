@@ -28,6 +28,8 @@ float lookUp(const float (&table)[ROUGHS][COSINES], float rough, float cosine)
     return down.between(row(table[down.low]), row(table[down.low + 1]));
 }
 
+// The table goes by the square root of the width, which is a roughness again: by the width
+// itself all that looks smooth would share one step.
 float brushedAlbedo(float wide, float ratio, float along, float cosine)
 {
     const Step down(std::sqrt(wide), VK_BRUSHED_ROUGHS);
@@ -53,6 +55,8 @@ float vk_facetMean(float rough)
     return step.between(VK_FACET_MEAN[step.low], VK_FACET_MEAN[step.low + 1]);
 }
 
+// Even steps of the logarithm from 1/4 to 4: seen from inside an index is 1 / eta, as far from 1
+// as it is from outside.
 float vk_glassAlbedo(float cosine, float rough, float eta)
 {
     const Step step(.5f + .25f * std::log2(eta), VK_GLASS_ETAS);
@@ -77,10 +81,11 @@ float vk_fresnel(float cosine, float eta)
 {
     const float within2 = 1 - (1 - cosine * cosine) / (eta * eta);
     if (within2 <= 0)
-        return 1;
+        return 1; // total reflection
     const float within = std::sqrt(within2);
     const float across = (cosine - eta * within) / (cosine + eta * within);
     const float along = (eta * cosine - within) / (eta * cosine + within);
+    // At grazing angles both are 1 but for rounding.
     return std::min(1.0f, .5f * (across * across + along * along));
 }
 
@@ -104,6 +109,7 @@ vk_Vec vk_Facets::sample(const vk_Vec &out, const vk_Square &at) const
     const vk_Vec t2 = vk_cross(stretched, t1);
     vk_Vec disc = vk_toDisc(at);
     const float s = .5f * (1 + stretched.z);
+    // The half that is turned away shows as much narrower as it is seen aslant.
     disc.y = (1 - s) * std::sqrt(std::max(0.0f, 1 - disc.x * disc.x)) + s * disc.y;
     const float up = std::sqrt(std::max(0.0f, 1 - disc.x * disc.x - disc.y * disc.y));
     const vk_Vec h = t1 * disc.x + t2 * disc.y + stretched * up;

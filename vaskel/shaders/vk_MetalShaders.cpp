@@ -114,6 +114,7 @@ struct CarPaint final : vk_Pointwise<CarPaint> {
         // A hash of its own, so that how many flakes there are does not turn those that stay.
         if (part(vk_hash(hash), 0) >= flakes)
             return material;
+        // To all sides alike, so that on average flakes face as the surface does.
         const vk_Vec to = vk_Vec{part(hash, 0), part(hash, 1), part(hash, 2)} * 2 - vk_grey(1);
         material.tilt = to * spread;
         material.specular = material.edge = flake;

@@ -32,6 +32,8 @@ std::size_t vk_DirectLight::samplesOf(int samples) const
     return std::min(myScene.lights.size(), static_cast<std::size_t>(samples));
 }
 
+// One offset serves all samples of a vertex: they step evenly along the scale of strengths, so
+// that a light gets two only where it has more than its share.
 vk_DirectLight::Choice vk_DirectLight::choose(std::size_t i, int samples, float offset) const
 {
     const bool all = myScene.lights.size() <= static_cast<std::size_t>(samples);
@@ -120,6 +122,7 @@ void vk_DirectLight::sample(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Nex
         const float passes = myFog.passes(from, sample.direction, sample.distance);
         const vk_Colour radiance = vertex.left * sample.radiance * (passes / pdfs.light);
         light = {light.specular * radiance, light.diffuse * radiance};
+        // A glossy vertex sends rays through smooth glass to the same light: these share.
         const bool refracts = !path.isWide() && vk_isSpecular(pdfs.bsdf);
         queue.samples.push_back({light, pdfs, refracts ? VK_REFRACTED : VK_STRAIGHT});
         queue.rays.push_back({wayTo(from, *choice.light, sample)});

@@ -16,6 +16,7 @@ void vk_HitBatch::sort()
     for (const vk_Hit &hit : myHits)
         if (std::find(mySurfaces.begin(), mySurfaces.end(), hit.surface) == mySurfaces.end())
             mySurfaces.push_back(hit.surface);
+    // Surfaces are so few that a walk for each costs less than sorting.
     for (const vk_SurfaceShader *const surface : mySurfaces)
         for (std::size_t i = 0; i < size(); ++i)
             if (myHits[i].surface == surface) {

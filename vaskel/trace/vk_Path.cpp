@@ -72,6 +72,7 @@ bool vk_Path::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &dire
     float pdf = 0;
     const vk_Scattered scattered = bsdf.evaluate(direction, pdf);
     const bool isAbove = vk_dot(hit.facet, direction) > 0;
+    // A smooth normal lets through what would go into the flat facet behind it.
     if (pdf <= 0 || (!isAbove && !bsdf.isGlass()))
         return false;
     const vk_Colour sum = scattered.sum();
@@ -94,18 +95,23 @@ void vk_Path::setNextEvent(const vk_Hit &hit, const vk_Bsdf &bsdf, float pdf, bo
     const bool crosses = bsdf.isGlass() && !isAbove;
     const bool isInside = bsdf.isGlass() && isAbove == hit.inside;
     if (!isInside && !bsdf.isSmoothGlass()) {
+        // Light samples were taken here: they and this ray share what lights bring.
         myIsWide = myIsWide || !vk_isSpecular(pdf);
         myNextEvent = atVertex;
     } else if (crosses) {
+        // What the vertex in front left for rays goes on, less what the glass takes. Rough glass
+        // bends it so that none of that vertex's samples came this way.
         myNextEvent = throughGlass;
         if (!bsdf.isSmoothGlass())
             myNextEvent.samples = 0;
         myNextEvent.isRefracted = myNextEvent.samples > 0;
     } else {
+        // Nobody took samples for where this goes: the ray counts all that it meets.
         myNextEvent = {};
         myNextEvent.glassDims = !isInside;
         myNextEvent.shadowIsCounted = isInside;
     }
+    // Else the density is that with which the vertex in front sent the ray to the glass.
     if (!myNextEvent.isRefracted)
         myNextEvent.bsdfPdf = pdf;
 }

@@ -39,6 +39,7 @@ void vk_Shadows::cast(vk_ShadowRay *rays, std::size_t count) const
 {
     if (!myCasts)
         return;
+    // Most ways are free, and whether they are is asked for less than what lies there.
     std::vector<vk_ShadowRay *> occluded;
     for (std::size_t i = 0; i < count; ++i) {
         vk_ShadowRay &ray = rays[i];
@@ -89,6 +90,7 @@ bool vk_Shadows::cross(vk_ShadowRay &ray, const vk_Hit &hit, const vk_Material &
         block(ray);
         return false;
     }
+    // On from behind the surface, and no further than to the light.
     ray.way.distance -= hit.distance;
     ray.way.origin = hit.start(ray.way.direction);
     return true;
