@@ -430,6 +430,21 @@ TEST(Renderer, TheAlbedoOfAThinSurfaceIsOfWhatIsThere)
     }
 }
 
+// So that it does not blur the rim of a ball, where a lacquer reflects more than it lets out.
+TEST(Renderer, TheAlbedoIsOfWhatTheBoundaryLetsOut)
+{
+    vk_Scene scene;
+    readScene(std::string(STUDIO) + "surface v_plastic diff .8 spec 1 ior 1.5\nsphere", scene);
+    const vk_World world(scene);
+    const vk_PathTracer tracer(scene, world);
+    for (const float off : {0.0f, .9f, .99f}) {
+        const float cosine = std::sqrt(1 - off * off),
+                    passes = .96f * (1 - std::pow(1 - cosine, 5.0f));
+        const vk_View view = tracer.Li({off, 1, 8}, {0, 0, -1}, vk_Sampler(1, 1));
+        EXPECT_NEAR(.8f * passes, view.albedo.x, .01f) << off;
+    }
+}
+
 // Or it would take what a bump shows for noise.
 TEST(Renderer, TheFilterIsToldWhereABumpFaces)
 {

@@ -59,11 +59,23 @@ bool blursAll(const vk_Material &material)
            vk_largest(material.diffuse + material.sheen) <= 0;
 }
 
+// The share of what a surface's base scatters that its boundary lets out towards the viewer.
+// Not quite 0 where it lets out nothing, so that there can be light.
+vk_Colour passesBoundary(const vk_Material &material, float cosine)
+{
+    constexpr float LEAST = .02f;
+
+    const vk_Colour passes = vk_grey(1) - vk_schlick(material.specular, material.edge, cosine);
+    return {std::max(passes.x, LEAST), std::max(passes.y, LEAST), std::max(passes.z, LEAST)};
+}
+
 // What the filter is told of the first vertex.
 void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
 {
     vk_View &view = path.view();
-    view.albedo = material.diffuse + material.sheen;
+    // At a silhouette the boundary darkens the base within a pixel or two.
+    const float cosine = std::max(0.0f, -vk_dot(hit.normal, path.direction()));
+    view.albedo = material.diffuse * passesBoundary(material, cosine) + material.sheen;
     if (material.reflects() && blursAll(material)) {
         view.albedo = material.isClear() ? vk_grey(1) : material.specular + material.edge * .1f;
         path.countAsDiffuse();
