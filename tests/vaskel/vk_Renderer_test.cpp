@@ -430,11 +430,11 @@ TEST(Renderer, TheAlbedoOfAThinSurfaceIsOfWhatIsThere)
     }
 }
 
-// So that it does not blur the rim of a ball, where a lacquer reflects more than it lets out.
-TEST(Renderer, TheAlbedoIsOfWhatTheBoundaryLetsOut)
+// So that the filter does not blur the rim of a ball of wax, where the boundary lets out less.
+TEST(Renderer, TheAlbedoOfWaxIsOfWhatTheBoundaryLetsOut)
 {
     vk_Scene scene;
-    readScene(std::string(STUDIO) + "surface v_plastic diff .8 spec 1 ior 1.5\nsphere", scene);
+    readScene(std::string(STUDIO) + "surface v_wax diff .8 spec 1\nsphere", scene);
     const vk_World world(scene);
     const vk_PathTracer tracer(scene, world);
     for (const float off : {0.0f, .9f, .99f}) {

@@ -59,8 +59,8 @@ bool blursAll(const vk_Material &material)
            vk_largest(material.diffuse + material.sheen) <= 0;
 }
 
-// The share of what a surface's base scatters that its boundary lets out towards the viewer.
-// Not quite 0 where it lets out nothing, so that there can be light.
+// The share of light from below a surface that its boundary lets out towards the viewer. Not quite
+// 0 where it lets out nothing, so that there can be light.
 vk_Colour passesBoundary(const vk_Material &material, float cosine)
 {
     constexpr float LEAST = .02f;
@@ -73,9 +73,14 @@ vk_Colour passesBoundary(const vk_Material &material, float cosine)
 void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
 {
     vk_View &view = path.view();
-    // At a silhouette the boundary darkens the base within a pixel or two.
-    const float cosine = std::max(0.0f, -vk_dot(hit.normal, path.direction()));
-    view.albedo = material.diffuse * passesBoundary(material, cosine) + material.sheen;
+    view.albedo = material.diffuse + material.sheen;
+    // Light that wandered has no edges, but towards a silhouette the boundary darkens it within
+    // a pixel or two.
+    const bool wanders = vk_largest(material.scatter) > 0;
+    if (wanders) {
+        const float cosine = std::max(0.0f, -vk_dot(hit.normal, path.direction()));
+        view.albedo = material.diffuse * passesBoundary(material, cosine) + material.sheen;
+    }
     if (material.reflects() && blursAll(material)) {
         view.albedo = material.isClear() ? vk_grey(1) : material.specular + material.edge * .1f;
         path.countAsDiffuse();
@@ -84,7 +89,7 @@ void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
     view.normal = material.isClear() ? hit.normal : vk_normalize(hit.normal + material.tilt);
     view.distance = hit.distance;
     const bool isGround = material.isClear() && material.rough > GROUND;
-    view.blurred = isGround ? .5f : vk_largest(material.scatter) > 0 ? 1 : 0;
+    view.blurred = isGround ? .5f : wanders ? 1 : 0;
 }
 } // namespace
 
