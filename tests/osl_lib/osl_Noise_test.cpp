@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -80,113 +81,29 @@ void forEachForm(Visit visit)
 // Shaders look the same for ever. At (0.37, -1.62, 5.18, 2.75) and (-13.29, 40.5, 0.031, -7.77).
 TEST(Noise, HasTheseValues)
 {
-    const struct {
-        const char *kind;
-        int dimensions;
-        float number;
-        float first[3], second[3];
-    } cases[] = {
-        {"perlin",
-         1,
-         0.364754f,
-         {0.364754f, -0.633388f, -0.472038f},
-         {-0.033321f, 0.353044f, 0.336383f}},
-        {"perlin",
-         2,
-         0.124296f,
-         {0.124296f, -0.502241f, 0.789509f},
-         {0.453596f, 0.290531f, 0.031282f}},
-        {"perlin",
-         3,
-         0.104111f,
-         {0.104111f, 0.049138f, 0.099689f},
-         {-0.387901f, -0.066459f, -0.015557f}},
-        {"perlin",
-         4,
-         0.045360f,
-         {0.045360f, 0.116608f, -0.278844f},
-         {0.114835f, -0.606937f, 0.205034f}},
-        {"noise",
-         3,
-         0.552056f,
-         {0.552056f, 0.524569f, 0.549844f},
-         {0.306050f, 0.466770f, 0.492222f}},
-        {"cell",
-         1,
-         0.582426f,
-         {0.860313f, 0.842521f, 0.974821f},
-         {0.502154f, 0.420871f, 0.747056f}},
-        {"cell",
-         2,
-         0.382945f,
-         {0.069339f, 0.932472f, 0.280594f},
-         {0.254269f, 0.321632f, 0.620335f}},
-        {"cell",
-         3,
-         0.641864f,
-         {0.144236f, 0.432112f, 0.804048f},
-         {0.446060f, 0.921089f, 0.964614f}},
-        {"cell",
-         4,
-         0.804048f,
-         {0.676821f, 0.043474f, 0.884384f},
-         {0.382120f, 0.485468f, 0.525809f}},
-        {"hash",
-         1,
-         0.975562f,
-         {0.162666f, 0.476915f, 0.446168f},
-         {0.843901f, 0.641861f, 0.500820f}},
-        {"hash",
-         4,
-         0.095721f,
-         {0.750857f, 0.573252f, 0.303462f},
-         {0.537202f, 0.108091f, 0.472099f}},
-        {"simplex",
-         1,
-         -0.205655f,
-         {-0.205655f, -0.101731f, 0.013907f},
-         {-0.174029f, -0.564462f, 0.386613f}},
-        {"simplex",
-         2,
-         -0.202970f,
-         {-0.202970f, -0.367389f, 0.367389f},
-         {0.167553f, -0.525680f, -0.341048f}},
-        {"simplex",
-         3,
-         0.243552f,
-         {0.243552f, -0.277951f, -0.027561f},
-         {-0.414484f, -0.362860f, 0.093544f}},
-        {"simplex",
-         4,
-         -0.033184f,
-         {-0.033184f, 0.045576f, 0.055841f},
-         {-0.010422f, -0.015939f, 0.039478f}},
-        {"usimplex",
-         2,
-         0.398515f,
-         {0.398515f, 0.316306f, 0.683694f},
-         {0.583776f, 0.237160f, 0.329476f}},
-        {"gabor",
-         3,
-         0.105550f,
-         {0.105550f, -0.088867f, -0.015086f},
-         {-0.114400f, 0.043993f, 0.026179f}},
-    };
     const float places[4][2] = {
         {0.37f, -13.29f}, {-1.62f, 40.5f}, {5.18f, 0.031f}, {2.75f, -7.77f}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.kind << " " << c.dimensions);
+    std::ifstream table(TEST_DATA "/noise_values");
+    std::string head, kind;
+    std::getline(table, head);
+    int rows = 0, dimensions = 0;
+    for (float number = 0; table >> kind >> dimensions >> number; ++rows) {
+        SCOPED_TRACE(testing::Message() << kind << " " << dimensions);
+        float first[3], second[3];
+        for (float *const of : {first, second})
+            table >> of[0] >> of[1] >> of[2];
         const float p[] = {0.37f, -1.62f, 5.18f, 2.75f};
-        EXPECT_NEAR(c.number, osl_noise(osl_noiseKind(c.kind), p, c.dimensions), 2e-5);
-        Points points(c.kind, c.dimensions, 3, 2);
+        EXPECT_NEAR(number, osl_noise(osl_noiseKind(kind), p, dimensions), 2e-5);
+        Points points(kind, dimensions, 3, 2);
         for (size_t d = 0; d < 4; ++d)
             points.coord[d].assign(places[d], places[d] + 2);
         points.run();
         for (size_t i = 0; i < 3; ++i) {
-            EXPECT_NEAR(c.first[i], points.out[i][0], 2e-5);
-            EXPECT_NEAR(c.second[i], points.out[i][1], 2e-5);
+            EXPECT_NEAR(first[i], points.out[i][0], 2e-5);
+            EXPECT_NEAR(second[i], points.out[i][1], 2e-5);
         }
     }
+    EXPECT_EQ(17, rows);
 }
 
 TEST(Noise, IsTheSameForEveryProcessorAndNumberOfPoints)
