@@ -48,6 +48,20 @@ int osl_ClosureArena::components(const osl_ClosureRow *row, int count)
     return first;
 }
 
+void osl_ClosureArena::countParameters(int component)
+{
+    Node &made = myNodes[static_cast<size_t>(component) - 1];
+    for (const osl_ClosureParameter &parameter : made.row->parameters) {
+        const int given = words(component)[parameter.at];
+        if (parameter.type.isClosure && given != 0)
+            made.components += node(given).components;
+    }
+    if (made.components > MAX_COMPONENTS) {
+        myIsTooWide = true;
+        made.components = 1; // bounded, whatever is added before the machine stops
+    }
+}
+
 int osl_ClosureArena::sum(int a, int b)
 {
     if (a == 0 || b == 0)
@@ -105,11 +119,13 @@ void osl_ClosureArena::flatten(int closure, std::vector<OSL_ClosureComponent> &c
 
 std::string osl_ClosureArena::text(int closure, const osl_Texts &texts, int depth) const
 {
+    if (depth > MAX_TEXT_DEPTH)
+        return "";
     std::vector<OSL_ClosureComponent> components;
     flatten(closure, components);
     std::string out;
     for (const OSL_ClosureComponent &component : components) {
-        if (out.size() > MAX_TEXT || depth > MAX_TEXT_DEPTH)
+        if (out.size() > MAX_TEXT)
             break;
         out += out.empty() ? "" : "\n\t+ ";
         out += tripleText(component.weight) + " * " + component.closure->name + " (";

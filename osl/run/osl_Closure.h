@@ -19,6 +19,8 @@ public:
     // parameters, which are for the caller to fill.
     int components(const osl_ClosureRow *row, int count);
     int *words(int component) { return &myWords[static_cast<size_t>(node(component).a)]; }
+    // Once they are filled: takes in what closures among the parameters are made of.
+    void countParameters(int component);
     int sum(int a, int b);
     int product(int closure, const osl_Colour &weight);
 

@@ -334,8 +334,6 @@ void osl_Machine::makeClosure(In in)
 {
     const osl_Operand *o = operands(in);
     const osl_ClosureRow *row = myCode.closures[static_cast<size_t>(in.number)];
-    if (myClosures.isFull())
-        return stop("makes too many closures");
     int count = 0;
     forLanes(in, [&](int) { ++count; });
     if (count == 0)
@@ -355,7 +353,12 @@ void osl_Machine::makeClosure(In in)
     }
     // Last, as a parameter may lie where the result goes.
     int made = first;
-    forLanes(in, [&](int lane) { setInt(o[0], lane, made++); });
+    forLanes(in, [&](int lane) {
+        myClosures.countParameters(made);
+        setInt(o[0], lane, made++);
+    });
+    if (myClosures.isFull())
+        stop("makes too many closures");
 }
 
 void osl_Machine::addClosures(In in)

@@ -112,9 +112,13 @@ TEST(Machine, ClosuresDoNotHangOnTheWidthOfABatch)
 
 TEST(Machine, ClosuresOfTooManyPartsStopIt)
 {
-    EXPECT_NE(std::string::npos,
-              shade("surface t() { Ci = emission(); for (int i = 0; i < 40; i++) Ci = Ci + Ci; }")
-                  .messages.find("makes too many closures"));
+    for (const char *body : {"Ci = emission(); for (int i = 0; i < 40; i++) Ci = Ci + Ci;",
+                             "closure color w = emission(); for (int i = 0; i < 15; i++) w = w + w;"
+                             " Ci = layer(w, w); for (int i = 0; i < 15; i++) Ci = Ci + Ci;",
+                             "Ci = emission(); for (int i = 0; i < 40; i++) Ci = layer(Ci, Ci);"})
+        EXPECT_NE(std::string::npos, shade("surface t() { " + std::string(body) + " }")
+                                         .messages.find("makes too many closures"))
+            << body;
     EXPECT_EQ("(6, 6, 6) * emission ()\n\t+ (6, 6, 6) * holdout ()",
               shade("surface t() { closure color c = 3 * (emission() + holdout());"
                     " printf(\"%s\", 2 * c); }")

@@ -445,6 +445,18 @@ TEST(Renderer, TheAlbedoOfWaxIsOfWhatTheBoundaryLetsOut)
     }
 }
 
+// Which spreads it by the albedo of what is in front.
+TEST(Renderer, WaxBehindAHoleKeepsItsLight)
+{
+    const std::string scene =
+        "picture p.png\nsize 24 24\ncamera from 0 1 6 at 0 1 0 fov 25\nenvironment v_studio\n"
+        "source hole.osl\nsurface hole() { Ci = transparent(); }\nendsource\n"
+        "surface v_wax diff .8 .3 .2\nsphere\nsurface hole.osl\ntranslate 0 0 2\ngrid\n";
+    const vk_Film exact = drawAll(scene, 2, 64), film = drawAll(scene);
+    EXPECT_GT(meanOf(exact, .4, .4, .6, .6), 60);
+    EXPECT_NEAR(meanOf(exact, .4, .4, .6, .6), meanOf(film, .4, .4, .6, .6), 4);
+}
+
 // Or it would take what a bump shows for noise.
 TEST(Renderer, TheFilterIsToldWhereABumpFaces)
 {

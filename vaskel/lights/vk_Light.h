@@ -25,7 +25,7 @@ public:
     // A place on the light as seen from a point.
     virtual vk_LightSample sample(const vk_Vec &from, const vk_Square &at) const = 0;
 
-    // The middle of the light, wherever it shines most.
+    // Towards the middle of the light, wherever it shines most; only the way there counts.
     virtual vk_LightSample middle(const vk_Vec &from) const { return sample(from, {.5f, .5f}); }
 
     // The light's place that a ray meets, if it does: density is that of

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-// A histogram over powers of 2: the limit need not be exact, and to sort all pixels anew in
-// every round would cost as much as rays do.
+// Fine enough for a limit, and forecasts then need no sorted pixels.
 int vk_Allocation::stepOf(float quotient)
 {
     const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);

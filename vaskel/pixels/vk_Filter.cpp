@@ -4,15 +4,15 @@
 
 namespace
 {
-constexpr int NEAR_REACH = 2;           // pixels to each side, but where light wandered
+constexpr int NEAR_REACH = 2;           // pixels to each side, but where all is blurred
 constexpr float SURE = .95f;            // length of a mean of normals that shows no edge
 constexpr float TURN = 200;             // how fast pixels that face elsewhere lose weight,
-constexpr float BLURRED_TURN = 70;      // and where light wandered
+constexpr float BLURRED_TURN = 70;      // and where all is blurred
 constexpr float DEPTH = .03f;           // share of the distance that makes two pixels differ
 constexpr float PIXEL_TOLERANCE = 6;    // how many errors apart two pixels may be, and the
 constexpr float SPECULAR_TOLERANCE = 3; // means around them
 constexpr float IRRADIANCE_TOLERANCE = 6;
-constexpr float BLURRED_TOLERANCE = 200; // where light wandered
+constexpr float BLURRED_TOLERANCE = 200; // where all is blurred
 constexpr float INVISIBLE = 1.5e-6f;     // the square of a third of a step of the file
 constexpr float LEAST_ERROR = 1e-8f;
 

@@ -120,7 +120,9 @@ void vk_Path::moveBelowSurface(const vk_Hit &entry, const vk_Colour &weight)
 {
     myThroughput = myThroughput * weight;
     myDirection = -entry.normal;
-    mySpecularShare = {};
+    // The layers are the first surface's, which may be one that this path passed by.
+    if (isFirst())
+        mySpecularShare = {};
 }
 
 // With a chance c the path lives on and counts 1/c times. Its mean is what it was, also when

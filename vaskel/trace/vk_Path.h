@@ -13,10 +13,12 @@ struct vk_View {
     vk_Colour specular; // all but
     vk_Colour diffuse;  // light that the first surface scattered widely,
     vk_Colour albedo;   // about so much of what arrived there; not 0 where there is such light
-    vk_Vec normal;      // of that surface, as its bumps turn it; to the viewer where there is none
+    vk_Vec normal; // of that surface, as bumps turn it, but for glass; to the viewer where there is
+                   // none
     float distance = 0;
-    float blurred = 0; // how far the diffuse layer is without edges: 1 for subsurface scattering
-    float cost = 0;    // rays that it took
+    float blurred =
+        0; // 1: the diffuse layer has no edges, as light below a surface or behind ground glass
+    float cost = 0; // rays that it took
 
     vk_Colour light() const { return specular + diffuse; }
 };

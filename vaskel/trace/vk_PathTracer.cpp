@@ -59,28 +59,29 @@ bool blursAll(const vk_Material &material)
            vk_largest(material.diffuse + material.sheen) <= 0;
 }
 
-// The share of light from below a surface that its boundary lets out towards the viewer. Not quite
-// 0 where it lets out nothing, so that there can be light.
-vk_Colour passesBoundary(const vk_Material &material, float cosine)
+// Whether light wanders below a surface. A plane without end gives back as much as it took: the
+// base stands for that.
+bool scattersBelow(const vk_Hit &hit, const vk_Material &material)
 {
-    constexpr float LEAST = .02f;
+    return !hit.isFloor && vk_largest(material.scatter) > 0;
+}
 
-    const vk_Colour passes = vk_grey(1) - vk_schlick(material.specular, material.edge, cosine);
-    return {std::max(passes.x, LEAST), std::max(passes.y, LEAST), std::max(passes.z, LEAST)};
+// The share of light from below a surface that its boundary lets out along a path.
+vk_Colour passesBoundary(const vk_Hit &hit, const vk_Material &material, const vk_Path &path)
+{
+    const float cosine = -vk_dot(hit.normal, path.direction());
+    return vk_grey(1) - vk_schlick(material.specular, material.edge, cosine);
 }
 
 // What the filter is told of the first vertex.
 void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
 {
     vk_View &view = path.view();
-    view.albedo = material.diffuse + material.sheen;
     // Light that wandered has no edges, but towards a silhouette the boundary darkens it within
     // a pixel or two.
-    const bool wanders = vk_largest(material.scatter) > 0;
-    if (wanders) {
-        const float cosine = std::max(0.0f, -vk_dot(hit.normal, path.direction()));
-        view.albedo = material.diffuse * passesBoundary(material, cosine) + material.sheen;
-    }
+    const bool wanders = scattersBelow(hit, material);
+    const vk_Colour passes = wanders ? passesBoundary(hit, material, path) : vk_grey(1);
+    view.albedo = material.diffuse * passes + material.sheen;
     if (material.reflects() && blursAll(material)) {
         view.albedo = material.isClear() ? vk_grey(1) : material.specular + material.edge * .1f;
         path.countAsDiffuse();
@@ -89,7 +90,7 @@ void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
     view.normal = material.isClear() ? hit.normal : vk_normalize(hit.normal + material.tilt);
     view.distance = hit.distance;
     const bool isGround = material.isClear() && material.rough > GROUND;
-    view.blurred = isGround ? .5f : wanders ? 1 : 0;
+    view.blurred = isGround || wanders ? 1 : 0;
 }
 } // namespace
 
@@ -195,8 +196,7 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
         const bool onlyReflects = vk_largest(material.diffuse) <= 0;
         material.rough = std::max(material.rough, onlyReflects ? REGULAR_METAL : REGULAR);
     }
-    // A plane without end gives back as much as it took: the base stands for that.
-    if (path.isCameraRay() && !hit.isFloor && vk_largest(material.scatter) > 0)
+    if (path.isCameraRay() && scattersBelow(hit, material))
         scatterBelow(hit, material, path.fork(BELOW), outgoing);
 
     // A smooth normal may face away from the viewer at a silhouette.
@@ -278,9 +278,7 @@ void vk_PathTracer::scatterBelow(const vk_Hit &hit, vk_Material &material, vk_Pa
     const vk_Vec scatter = {std::max(material.scatter.x, LEAST),
                             std::max(material.scatter.y, LEAST),
                             std::max(material.scatter.z, LEAST)};
-    const vk_Colour reflectance =
-        vk_schlick(material.specular, material.edge, -vk_dot(hit.normal, path.direction()));
-    const vk_Colour albedo = material.diffuse * (vk_grey(1) - reflectance);
+    const vk_Colour albedo = material.diffuse * passesBoundary(hit, material, path);
     material.diffuse = {};
     vk_Hit entry;
     vk_Colour weight;
