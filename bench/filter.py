@@ -3,8 +3,9 @@
 
     bench/filter.py [--samples N] [NUMBER]...
 
-A copy of the sources is built with half and with twice of each number, or of those named,
-and draws examples of all kinds. Printed is what that does to mean square error times rays
+A copy of the sources is built with half and with twice of each number, or of those named
+(NEAR_REACH: one less and more; SURE: what it lacks of 1), and draws examples of all kinds;
+thumbrender must have been built. Printed is what that does to mean square error times rays
 (below 1 is better): the geometric mean, and the example that fares worst. Errors are against
 references of N samples a pixel (256), whose own error is taken off. Takes half an hour. What
 is kept wins or loses by no more than the few hundredths by which this wavers, or else keeps
@@ -17,6 +18,7 @@ import os
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 
 import pictures
@@ -32,9 +34,15 @@ EXAMPLES = ["agate", "bark", "brick_chimney", "candle", "car_paint", "chrome", "
 
 
 def copy_sources():
-    listed = subprocess.run(["git", "ls-files", "-z"], cwd=pictures.ROOT, check=True,
+    """Into an empty folder but for what was built: builds take all sources that they find."""
+    os.makedirs(COPY, exist_ok=True)
+    for name in set(os.listdir(COPY)) - {"build"}:
+        path = os.path.join(COPY, name)
+        shutil.rmtree(path) if os.path.isdir(path) else os.remove(path)
+    listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "-z"], cwd=pictures.ROOT, check=True,
                             stdout=subprocess.PIPE).stdout.decode()
-    for name in filter(None, listed.split("\0")):
+    there = [n for n in listed.split("\0") if os.path.isfile(os.path.join(pictures.ROOT, n))]
+    for name in there:
         to = os.path.join(COPY, name)
         os.makedirs(os.path.dirname(to), exist_ok=True)
         shutil.copy2(os.path.join(pictures.ROOT, name), to)
@@ -113,6 +121,9 @@ def main():
     options.add_argument("numbers", nargs="*", metavar="NUMBER")
     chosen = options.parse_args()
     numbers = kept()
+    unknown = set(chosen.numbers) - set(NUMBERS)
+    if unknown:
+        sys.exit("no such number: %s; there are %s" % (", ".join(unknown), ", ".join(NUMBERS)))
     with tempfile.TemporaryDirectory() as folder:
         for name in os.listdir(pictures.EXAMPLES):
             shutil.copy(os.path.join(pictures.EXAMPLES, name), folder)
