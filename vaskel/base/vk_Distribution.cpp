@@ -7,6 +7,8 @@ namespace
 // Adds up n weights to n + 1 shares of their sum, which is returned.
 float cumulate(const float *weights, int n, float *shares)
 {
+    // A double, so that roundings of many weights do not add up: densities come from the weights
+    // themselves and have to agree with these shares.
     double sum = 0;
     shares[0] = 0;
     for (int i = 0; i < n; ++i) {
@@ -14,6 +16,7 @@ float cumulate(const float *weights, int n, float *shares)
         shares[i + 1] = static_cast<float>(sum);
     }
     const auto whole = static_cast<float>(sum);
+    // Where nothing weighs anything, even steps: 0 / 0 would send samples nowhere.
     for (int i = 1; i <= n; ++i)
         shares[i] = whole > 0 ? shares[i] / whole : static_cast<float>(i) / static_cast<float>(n);
     return whole;
@@ -27,6 +30,7 @@ int cellAt(const float *shares, int n, float x, float &along)
     for (int left = n; left > 1; left -= left / 2)
         cell += shares[cell + left / 2] <= x ? left / 2 : 0;
     const float width = shares[cell + 1] - shares[cell];
+    // Only the very end of the scale can meet a cell without width.
     along = width > 0 ? std::clamp((x - shares[cell]) / width, 0.0f, 1.0f) : .5f;
     return cell;
 }
@@ -49,6 +53,8 @@ vk_Distribution::vk_Distribution(int columns, int rows, const std::vector<float>
 
 vk_Square vk_Distribution::sample(const vk_Square &at) const
 {
+    // What the choice of a cell leaves of a coordinate tells the place in it: no third number is
+    // drawn, and strata stay strata.
     vk_Square along;
     const int row = cellAt(myUp.data(), myRows, at.v, along.v);
     const float *const shares = &myAcross[static_cast<std::size_t>(row * (myColumns + 1))];

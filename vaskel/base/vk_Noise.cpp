@@ -20,6 +20,8 @@ float mix(float a, float b, float t)
 float slope(int x, int y, int z, const vk_Vec &off)
 {
     const std::uint32_t h = vk_hashOf(x, y, z) & 15;
+    // Sixteen cases for the twelve edges of a cube: four slopes come twice, which shows nowhere and
+    // spares a division by twelve (Perlin, 2002).
     const float u = h < 8 ? off.x : off.y;
     const float v = h < 4 ? off.y : (h == 12 || h == 14 ? off.x : off.z);
     return ((h & 1) != 0 ? -u : u) + ((h & 2) != 0 ? -v : v);
@@ -35,6 +37,9 @@ vk_Vec vk_within(const vk_Vec &at)
 
 std::uint32_t vk_hashOf(int x, int y, int z)
 {
+    // Large odd factors, one for each axis: an odd one loses no bit of a coordinate, and different
+    // ones keep diagonals apart (Ericson, "Real-Time Collision Detection", 2005). Unsigned, as
+    // products may wrap round.
     return vk_hash(static_cast<std::uint32_t>(x) * 0x8da6b343u ^
                    static_cast<std::uint32_t>(y) * 0xd8163841u ^
                    static_cast<std::uint32_t>(z) * 0xcb1ab31fu);
@@ -81,6 +86,7 @@ vk_Cell vk_cell(const vk_Vec &place)
     for (int i = 0; i < 27; ++i) {
         const int cx = x + i % 3 - 1, cy = y + i / 3 % 3 - 1, cz = z + i / 9 - 1;
         const std::uint32_t h = vk_hashOf(cx, cy, cz);
+        // Ten bits for each axis are finer than anything that is drawn of a cell.
         const vk_Vec off = {static_cast<float>(h & 1023) / 1023,
                             static_cast<float>(h >> 10 & 1023) / 1023,
                             static_cast<float>(h >> 20 & 1023) / 1023};
@@ -90,6 +96,7 @@ vk_Cell vk_cell(const vk_Vec &place)
         const float distance = vk_dot(way, way);
         if (distance < first) {
             first = distance;
+            // Hashed again: these bits say where the point lies, which must not colour the cell.
             cell.name = vk_hash(h);
         }
     }

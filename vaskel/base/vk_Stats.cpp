@@ -6,6 +6,7 @@
 std::string vk_Stats::text() const
 {
     const auto mean = static_cast<double>(samples) / static_cast<double>(pixels > 0 ? pixels : 1);
+    // A type that printf() has a letter for on every system.
     const auto count = [](std::uint64_t n) { return static_cast<unsigned long long>(n); };
     char lines[512];
     std::snprintf(lines, sizeof lines,
@@ -24,6 +25,7 @@ std::string vk_Stats::text() const
 
 double vk_seconds()
 {
+    // Not the time of day, which somebody may set while a picture is drawn.
     using Clock = std::chrono::steady_clock;
     return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
 }

@@ -53,6 +53,8 @@ vk_Vec vk_Transform::normal(const vk_Vec &n) const
 
 vk_Transform vk_Transform::inverse() const
 {
+    // Cramer's rule: a row of the inverse is the cross product of the other two axes over the
+    // determinant.
     const float scale = 1 / determinant();
     const vk_Vec a = vk_cross(myY, myZ) * scale;
     const vk_Vec b = vk_cross(myZ, myX) * scale;

@@ -8,6 +8,7 @@ struct Row {
 };
 // Metals by their reflectance straight on, in linear light, out of their measured indices of
 // refraction.
+// Gold's red lies outside of sRGB. It is cut at 1, as no surface may send on more than arrives.
 constexpr Row ROWS[] = {
     {"aluminium", {.913f, .922f, .924f}}, {"black", {0, 0, 0}},
     {"brass", {.887f, .789f, .434f}},     {"chromium", {.549f, .556f, .554f}},

@@ -16,6 +16,7 @@ using Row = std::array<int, LONGEST + 1>;
 std::string lowered(std::string_view word)
 {
     std::string lower(word.substr(0, LONGEST));
+    // ASCII only: tolower() would go by the locale, and words of the language are English.
     for (char &c : lower)
         if (c >= 'A' && c <= 'Z')
             c = static_cast<char>(c - 'A' + 'a');
@@ -42,6 +43,7 @@ int vk_distance(std::string_view a, std::string_view b)
             const int changed = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
             now[j] = std::min({last[j] + 1, now[j - 1] + 1, changed});
             if (swapped(a, b, i, j))
+                // Two letters swapped are one slip of the fingers, not two.
                 now[j] = std::min(now[j], before[j - 2] + 1);
         }
         before = last;
@@ -58,6 +60,7 @@ std::string_view vk_nearest(std::string_view word, const std::vector<std::string
     for (const std::string_view candidate : known) {
         // Letters of another case count half: «Gold» is nearer to "gold" than to "Bold".
         const int distance = vk_distance(word, candidate) + vk_distance(lower, lowered(candidate));
+        // Equals do not replace: the first row of a table is the one to begin with.
         if (distance < least) {
             least = distance;
             best = candidate;
@@ -77,6 +80,7 @@ std::string vk_quoted(std::string_view word)
 
 std::string vk_quotedName(std::string_view name)
 {
+    // Not cut: who looks for a file needs all of its name.
     std::string text(name);
     UTmakePrintable(text.data(), text.size());
     return "'" + text + "'";

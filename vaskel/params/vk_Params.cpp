@@ -29,6 +29,8 @@ bool isGrey(const vk_Param &param, const vk_Words &words, std::size_t at)
 {
     if (param.kind != VK_COLOUR || at >= words.size())
         return false;
+    // The next word's first character decides: .5 .5 is a colour that lacks a number, not a grey in
+    // front of a parameter of that name.
     const bool last = at + 1 == words.size();
     return last || words[at + 1].find_first_of("0123456789+-.") != 0;
 }
@@ -36,6 +38,7 @@ bool isGrey(const vk_Param &param, const vk_Words &words, std::size_t at)
 // No number begins with a letter: «nan» and «inf» are none here.
 bool isName(const std::string &word)
 {
+    // The cast, as isalpha() of a char below 0, which UTF-8 has, is undefined.
     return !word.empty() && std::isalpha(static_cast<unsigned char>(word[0])) != 0;
 }
 
@@ -96,6 +99,8 @@ bool vk_parseParams(vk_ParamList list, const char *owner, const vk_Words &words,
         vk_Vec value;
         if (!parseValue(*param, owner, words, ++at, value, error))
             return false;
+        // At once, so that of a parameter given twice the last counts. When a later one is wrong,
+        // whoever asked throws the object away.
         param->set(value);
     }
     return true;
@@ -106,10 +111,13 @@ bool vk_parseNumber(const std::string &word, const std::string &what, float leas
 {
     // from_chars takes no leading '+' but does take «nan» and «inf», which the
     // digits rule out.
+    // "+-1" stays wrong, so a '+' in front of a '-' is not skipped.
     const char *begin = word.c_str() + (word[0] == '+' && word[1] != '-' ? 1 : 0);
     const char *end = word.c_str() + word.size();
+    // It asks no locale: strtof() may want a comma where a scene has a point.
     const auto read = std::from_chars(begin, end, number);
     const bool decimal = word.find_first_not_of("0123456789+-.eE") == std::string::npos;
+    // Next to 0 as well: 1e-99 must not pass as 0, which some ranges exclude.
     if (decimal && read.ec == std::errc::result_out_of_range && read.ptr == end) {
         error = what + " expected a number that fits a float, found " + vk_quoted(word);
         return false;
@@ -118,6 +126,7 @@ bool vk_parseNumber(const std::string &word, const std::string &what, float leas
         error = what + " expected a number, found " + vk_quoted(word);
         return false;
     }
+    // NaN would pass both comparisons; it has gone by now.
     if (number < least || number > most) {
         error = what + " expected a number from " + vk_numberText(least) + " to " +
                 vk_numberText(most) + ", found " + vk_quoted(word);
@@ -138,8 +147,10 @@ std::string vk_paramText(const vk_Param &param)
 {
     const vk_Vec value = param.value();
     std::string standard = vk_numberText(value.x);
+    // As one would write it: a grey needs one number only.
     if (param.kind == VK_POINT || (param.kind == VK_COLOUR && !(value == vk_grey(value.x))))
         standard += " " + vk_numberText(value.y) + " " + vk_numberText(value.z);
+    // In the order of vk_ParamKind.
     constexpr const char *KINDS[] = {"number", "point", "colour"};
     return "`" + std::string(param.name) + "` " + KINDS[param.kind] + ", " +
            vk_numberText(param.least) + " to " + vk_numberText(param.most) + " (" + standard +

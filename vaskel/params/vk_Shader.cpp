@@ -16,6 +16,7 @@ std::string vk_unknownShader(const char *type, std::string_view word,
     const std::string expected = "expected a " + std::string(type) + " shader: " + list;
     if (word.empty())
         return expected;
+    // The bare name is compared: a shop in front would count as a dozen wrong letters.
     return "unknown " + std::string(type) + " shader " + vk_quoted(word) + "; " + expected +
            "; nearest is " + vk_quoted(vk_nearest(vk_shaderName(word), known));
 }

@@ -12,6 +12,7 @@ struct Step {
     Step(float unit, int steps)
     {
         const float at = std::clamp(unit, 0.0f, 1.0f) * static_cast<float>(steps - 1);
+        // At 1 it is the end of the last interval: none begins there.
         low = static_cast<std::size_t>(std::min(static_cast<int>(at), steps - 2));
         part = at - static_cast<float>(low);
     }
@@ -70,6 +71,8 @@ float vk_Facets::albedo(const vk_Vec &out) const
 {
     const float wide = std::max(myX, myY), ratio = std::min(myX, myY) / wide;
     const float flat2 = out.x * out.x + out.y * out.y;
+    // Facets that are alike in all directions have a finer table. Straight from above there is no
+    // direction along the surface; all widths of the table agree there, so the first will do.
     if (ratio == 1 || flat2 <= 0)
         return ratio == 1 ? vk_facetAlbedo(out.z, rough()) : brushedAlbedo(wide, ratio, 0, out.z);
     const float x = myX * out.x, y = myY * out.y;
@@ -83,6 +86,8 @@ float vk_fresnel(float cosine, float eta)
     if (within2 <= 0)
         return 1; // total reflection
     const float within = std::sqrt(within2);
+    // For light that swings across the plane of both ways, and along it; without polarisation it is
+    // half of each.
     const float across = (cosine - eta * within) / (cosine + eta * within);
     const float along = (eta * cosine - within) / (eta * cosine + within);
     // At grazing angles both are 1 but for rounding.
@@ -103,6 +108,7 @@ vk_Vec vk_Facets::sample(const vk_Vec &out, const vk_Square &at) const
     // Stretch to where both widths are 1, project the visible half disc, go back.
     const vk_Vec stretched = vk_normalize({myX * out.x, myY * out.y, out.z});
     const float level2 = stretched.x * stretched.x + stretched.y * stretched.y;
+    // Seen straight on, any tangent will do: the projected disc is round.
     const float shrink = level2 > 1e-12f ? 1 / std::sqrt(level2) : 0;
     const vk_Vec t1 =
         shrink > 0 ? vk_Vec{-stretched.y * shrink, stretched.x * shrink, 0} : vk_Vec{1, 0, 0};
@@ -113,5 +119,6 @@ vk_Vec vk_Facets::sample(const vk_Vec &out, const vk_Square &at) const
     disc.y = (1 - s) * std::sqrt(std::max(0.0f, 1 - disc.x * disc.x)) + s * disc.y;
     const float up = std::sqrt(std::max(0.0f, 1 - disc.x * disc.x - disc.y * disc.y));
     const vk_Vec h = t1 * disc.x + t2 * disc.y + stretched * up;
+    // No facet of a height field faces down; rounding might make one.
     return vk_normalize({myX * h.x, myY * h.y, std::max(0.0f, h.z)});
 }

@@ -6,6 +6,8 @@ namespace
 {
 // vk_sheen() integrated over the hemisphere, by roughness from 0.2 and by the
 // square root of the cosine from 0, both in even steps.
+// By the root, since nearly all of it changes at grazing angles: even steps of the cosine would
+// leave these one interval.
 constexpr int ROUGHS = 5;
 constexpr int COSINES = 6;
 constexpr float ALBEDO[ROUGHS][COSINES] = {
@@ -26,9 +28,12 @@ float blend(const float *row, float at)
 
 float vk_sheen(float cosIn, float cosOut, float cosHalf, float rough)
 {
+    // The power of a sine whose integral over the hemisphere, weighted by the cosine, is 1. The
+    // exponent is halved, as the sine comes as its square.
     const float inverse = 1 / std::max(rough, VK_LEAST_SHEEN);
     const float sin2 = std::max(0.0f, 1 - cosHalf * cosHalf);
     const float fibres = (2 + inverse) * std::pow(sin2, inverse / 2) / (2 * VK_PI);
+    // In place of masking over 4 cosIn cosOut: it is 0 only where both cosines are.
     return fibres / (4 * (cosIn + cosOut - cosIn * cosOut));
 }
 
