@@ -25,6 +25,8 @@ vk_LightSample vk_BallLight::hit(const vk_Vec &from, const vk_Vec &direction) co
 {
     const vk_Vec way = myCentre - from;
     const float distance2 = vk_dot(way, way);
+    // A cross product: seen from afar, the square of the distance less that of the part along the
+    // ray would leave rounding only.
     const vk_Vec beside = vk_cross(way, direction);
     if (distance2 <= myRadius2 || vk_dot(way, direction) < 0 || vk_dot(beside, beside) > myRadius2)
         return {};

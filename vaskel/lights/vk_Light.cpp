@@ -23,6 +23,7 @@ vk_LightSample vk_capSample(const vk_Vec &direction, float height)
 {
     vk_LightSample sample;
     sample.direction = direction;
+    // Even over the cap, whose solid angle that is.
     sample.density = 1 / (2 * VK_PI * height);
     return sample;
 }

@@ -52,6 +52,7 @@ float rectangleShare(float w, float h, float distance)
 {
     const float a = w / 2 / distance, b = h / 2 / distance;
     const float ra = std::sqrt(1 + a * a), rb = std::sqrt(1 + b * b);
+    // Four times that of a quarter, which the surface faces at a corner.
     return 2 / VK_PI * (a / ra * std::atan(b / ra) + b / rb * std::atan(a / rb));
 }
 
@@ -67,6 +68,7 @@ public:
         const vk_Vec level = vk_cross({0, 1, 0}, myNormal);
         myAcross = vk_dot(level, level) > 1e-6f ? vk_normalize(level) : vk_Vec{1, 0, 0};
         myUp = vk_cross(myNormal, myAcross);
+        // That of an OSL shader may stand where it aims.
         const float distance = std::max(vk_length(target - centre), 1e-3f);
         myRadiance = white * (1 / rectangleShare(width, height, distance));
     }
@@ -103,9 +105,11 @@ private:
         if (sample.distance <= 0)
             return {};
         sample.direction = way * (1 / sample.distance);
+        // Seen edge-on it has no area, and its density no bounds.
         const float facing = -vk_dot(sample.direction, myNormal);
         if (facing <= 1e-6f)
             return {};
+        // From per area to per solid angle.
         sample.density = square / (facing * myWidth * myHeight);
         sample.radiance = myRadiance;
         return sample;
@@ -155,12 +159,14 @@ struct Distant final : vk_LightShader {
     }
     std::unique_ptr<vk_Light> make() const override
     {
+        // Both only tell where light comes from: it has no place.
         const vk_Vec towards = vk_normalize(from - to);
         // As with points: what has no width is never met.
         return std::make_unique<DistantLight>(towards, std::max(angle, .2f), white());
     }
 };
 
+// vk_OslLight makes its area by the name v_area.
 constexpr vk_ShaderRow<vk_LightShader> ROWS[] = {
     vk_row<Area>("v_area", "a glowing rectangle"),
     vk_row<Point>("v_point", "a small glowing ball"),
@@ -174,6 +180,8 @@ void vk_LightShader::describe(vk_ParamList &list)
     list.point("from", from, "where it stands");
     list.point("to", to, "where it aims");
     list.colour("color", color, 0, 1000, "colour");
+    // As it is seen at the target, whatever the distance, so that lights can be swapped without a
+    // new exposure.
     list.number("intensity", intensity, 0, 1000, "what white matte shows at `to`");
 }
 

@@ -15,6 +15,7 @@ struct Slide : vk_LightShader {
     void describe(vk_ParamList &list) override
     {
         vk_LightShader::describe(list);
+        // Less than 90 degrees, where a slide would have no end.
         list.number("angle", angle, 1, 80, "half of its width, degrees");
         list.number("radius", radius, .02f, 1000, "of the glowing ball");
         list.number("soft", soft, .001f, 1, "how softly edges fade");
@@ -54,6 +55,7 @@ public:
     vk_Span reach(const vk_Vec &origin, const vk_Vec &direction) const override
     {
         vk_Span lit = vk_BallLight::reach(origin, direction);
+        // More than a round picture lights, which costs samples of fog but no light.
         for (const vk_Vec &inwards :
              {myAhead + myRight, myAhead - myRight, myAhead + myUp, myAhead - myUp}) {
             const float off = vk_dot(origin - centre(), inwards);
@@ -62,6 +64,7 @@ public:
                 lit.begin = std::max(lit.begin, -off / slope);
             else if (slope < 0)
                 lit.end = std::min(lit.end, -off / slope);
+            // Along a plane, outside of it.
             else if (off < 0)
                 lit.end = 0;
         }
@@ -77,6 +80,8 @@ private:
         // Also what lies behind it: there depth is below 0.
         if (sample.density <= 0 || std::max(std::abs(x), std::abs(y)) >= depth)
             return {};
+        // By the point's place alone, not by the part of the ball that is seen: that keeps the
+        // picture sharp.
         const float share = mySlide.passes(x / depth, y / depth);
         if (share <= 0)
             return {};
@@ -146,6 +151,7 @@ struct Blinds final : SlideOf<Blinds> {
     }
     float passes(float x, float y) const
     {
+        // The slide is 2 high, of which each gap has its part with a slat.
         const float gaps = std::round(slats), shut = (1 - gap) * 2 / gaps;
         return std::abs(y) < 1 ? edge(std::min(insidePane(y, gaps, shut), 1 - std::abs(x))) : 0;
     }

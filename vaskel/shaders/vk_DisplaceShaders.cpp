@@ -23,6 +23,8 @@ struct Bumps final : Relief {
     Bumps() : Relief(.08f) {}
     void describe(vk_ParamList &list) override
     {
+        // The least size of all patterns in space: the net of a displaced ball has steps of .015,
+        // of which a bump takes a few.
         describeHeight(list, "how high the bumps are");
         list.number("size", size, .05f, 100, "how wide a bump is");
     }
@@ -118,6 +120,7 @@ struct Bricks final : Pieces {
         const float side = 2 * (.5f - std::abs(place.across));
         const float edge = std::min(side, .5f - std::abs(place.up - .5f));
         const float joint = mortar / 2;
+        // Round edges: those of a jump would be as ragged as the net.
         return height * vk_smoothStep(joint, joint + .13f, edge);
     }
 };
@@ -137,6 +140,7 @@ struct Scales final : Pieces {
         const float row = rowOf(point);
         const Place place = placeIn(point, row), below = placeIn(point, row - 1);
         const float tip = .5f - std::sqrt(std::max(0.0f, .25f - place.across * place.across));
+        // A slope in place of a jump, which the net would draw as a saw.
         const float free = vk_smoothStep(-.04f, .06f, place.up - tip);
         return height * (rise(below) + (rise(place) - rise(below)) * free);
     }
@@ -165,6 +169,8 @@ struct Weave final : Relief {
     {
         const float x = point.u * 2 * std::round(columns / 2);
         const float y = point.v * std::round(rows);
+        // Shifted by one, so that they take turns: where a thread of one way is up, that of the
+        // other way is down.
         return height * std::max(threadHeight(x, y), threadHeight(y, x + 1));
     }
 

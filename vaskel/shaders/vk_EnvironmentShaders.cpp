@@ -5,6 +5,7 @@
 namespace
 {
 struct Studio final : vk_EnvironmentShader {
+    // With the three lights of doc/scene.md, matte of albedo .5 then shows as about 50 % grey.
     vk_Colour top = {.11f, .125f, .15f};
     vk_Colour horizon = {.40f, .40f, .395f};
     vk_Colour ground = {.08f, .076f, .072f};
@@ -26,6 +27,7 @@ struct Studio final : vk_EnvironmentShader {
     }
 };
 
+// A scene that names none has the first one.
 constexpr vk_ShaderRow<vk_EnvironmentShader> ROWS[] = {
     vk_row<Studio>("v_studio", "a soft sky with a horizon"),
 };

@@ -20,6 +20,7 @@ struct Ball : vk_FogShader {
     void describeBall(vk_ParamList &list, const char *ofDensity)
     {
         list.colour("color", color, 0, 1, "share of the light that it scatters on");
+        // At a hundred, a tenth of a length hides all that is behind it: more would look alike.
         list.number("density", density, 0, 100, ofDensity);
         list.number("radius", radius, 0, 1000, "of the ball around the origin that it fills");
     }
@@ -34,7 +35,7 @@ struct Ball : vk_FogShader {
 };
 
 struct Even final : Ball {
-    // Reaches behind the shape, and not to the camera: the picture's foreground stays clear.
+    // A little further than the usual camera, which is 6.8 from the origin: it begins at the eye.
     Even() : Ball(.9f, .07f, 8) {}
 };
 
@@ -45,6 +46,7 @@ struct Ground final : Ball {
     Ground() : Ball(.9f, .45f, 9) {}
     void describe(vk_ParamList &list) override
     {
+        // A height of 0 would mean an even fog (vk_Medium), so the least is above it.
         describeBall(list, "light that it takes away per length at y = 0");
         list.number("height", height, .01f, 1000, "where it has thinned out to 37 %");
     }
@@ -64,6 +66,8 @@ struct Lit final : Ball {
     void describe(vk_ParamList &list) override
     {
         Ball::describe(list);
+        // Towards 1 the phase function becomes a spike that samples of lights do not find, and at 1
+        // it is 0 / 0.
         list.number("forward", forward, -.9f, .9f,
                     "0: light goes on to all sides, .9: straight on");
     }

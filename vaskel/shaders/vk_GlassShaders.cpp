@@ -16,6 +16,7 @@ float absorption(float tint)
 // What both have.
 struct Body {
     vk_Colour color = vk_grey(1);
+    // Slightly green, as iron in the sand makes it.
     vk_Colour tint = {.93f, .97f, .95f};
     float ior = 1.5f;
 
@@ -24,11 +25,13 @@ struct Body {
         list.colour("color", color, 0, 1, "share that the surface lets pass");
         list.colour("tint", tint, 0, 1,
                     "share that is left after one length; clamped to at least .001");
+        // To 4, as far as the table of what rough glass sends on reaches (vk_AlbedoData.h).
         list.number("ior", ior, 1, 4, "index of refraction; clamped to at least 1.01");
     }
     vk_Material material(float rough) const
     {
         vk_Material material;
+        // No reflectance is given: what glass mirrors follows from its index.
         material.clear = color;
         material.absorbs = {absorption(tint.x), absorption(tint.y), absorption(tint.z)};
         // At 1 nothing bends and nothing reflects, and half vectors do not exist.

@@ -20,6 +20,7 @@ float part(std::uint32_t hash, int which)
 std::uint32_t flakeAt(const vk_Vec &place)
 {
     const vk_Vec at = vk_within(place);
+    // From half a cell back, so that the place is at least half a cell inside of the eight.
     const vk_Vec low = {std::floor(at.x - .5f), std::floor(at.y - .5f), std::floor(at.z - .5f)};
     const int x = static_cast<int>(low.x), y = static_cast<int>(low.y);
     const int z = static_cast<int>(low.z);
@@ -41,6 +42,7 @@ std::uint32_t flakeAt(const vk_Vec &place)
 
 struct Metal final : vk_Pointwise<Metal> {
     vk_Colour color = {.91f, .92f, .92f};
+    // At grazing angles every metal reflects all light, whatever its colour.
     vk_Colour edge = vk_grey(1);
     float rough = .25f;
 
@@ -106,9 +108,11 @@ struct CarPaint final : vk_Pointwise<CarPaint> {
         vk_Material material;
         material.diffuse = color;
         material.coat = coat;
+        // Sprayed lacquer is not quite a mirror.
         material.coatRough = .05f;
+        // By the place in the shape's own space: flakes stay where they are when it is moved.
         const std::uint32_t hash = flakeAt(point.position * (1 / size));
-        // One flake is nearly a mirror, but a pixel of the ball shows many of them.
+        // A real flake is nearly a mirror, but far finer: each of these stands for many.
         material.rough = .45f;
         material.specular = material.edge = flake * .4f; // of flakes further down
         // A hash of its own, so that how many flakes there are does not turn those that stay.
@@ -116,6 +120,7 @@ struct CarPaint final : vk_Pointwise<CarPaint> {
             return material;
         // To all sides alike, so that on average flakes face as the surface does.
         const vk_Vec to = vk_Vec{part(hash, 0), part(hash, 1), part(hash, 2)} * 2 - vk_grey(1);
+        // Added to a normal of length 1: a spread of 1 leans flakes by some 45 degrees.
         material.tilt = to * spread;
         material.specular = material.edge = flake;
         return material;

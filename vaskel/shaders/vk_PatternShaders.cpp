@@ -30,6 +30,7 @@ struct Checker final : vk_Pointwise<Checker> {
         const vk_Vec place = vk_within(point.position) * (1 / size) + vk_grey(1e-3f);
         const float cells = std::floor(place.x) + std::floor(place.y) + std::floor(place.z);
         // Sums of whole numbers below 2^24 are exact, so checks of all sizes close without gaps.
+        // Not compared with 1: below 0 the rest of an odd number is -1.
         return vk_coated(std::fmod(cells, 2.0f) != 0 ? diff2 : diff1, spec, rough);
     }
 };
@@ -63,6 +64,8 @@ struct Marble final : vk_Pointwise<Marble> {
         const float fine =
             std::abs(std::sin(VK_PI * (place.z * 1.3f - place.y * .9f + 2.1f * wander)));
         const float cloud = .18f * (.5f + .5f * vk_clouds(place * 1.9f, 3));
+        // A vein lies where its sine is 0. The larger of both, not their sum: where veins cross
+        // stone gets no darker.
         const float vein = std::max(.85f * (1 - vk_smoothStep(0, .32f, broad)),
                                     .45f * (1 - vk_smoothStep(0, .13f, fine)));
         const vk_Colour base = vk_mix(diff1, diff2, std::clamp(vein + cloud, 0.0f, 1.0f));
@@ -95,12 +98,14 @@ struct Wood final : vk_Pointwise<Wood> {
         // The lean shows the rings as ellipses; off the middle, so that the ball does not show a
         // target.
         const vk_Vec trunk = {place.x + .35f * place.y + .9f, place.z - .18f * place.y - .15f, 0};
+        // Slower along the trunk than across it: rings keep their form from end to end.
         const float bent = vk_clouds({place.x * 1.1f, place.y * .35f, place.z * 1.1f}, 2);
         const float years = vk_length(trunk) / size + 1.1f * bent;
         const float part = years - std::floor(years);
         // Late wood darkens slowly and ends within a winter.
         const float late = vk_smoothStep(.1f, .85f, part) * (1 - vk_smoothStep(.9f, 1, part));
         // Long along the trunk, short across it.
+        // Pores are cells: they do not widen with the years' rings.
         const float pores = vk_noise({place.x * 42, place.y * 3.5f, place.z * 42});
         const float dark = late * .8f + grain * .5f * vk_smoothStep(.1f, .6f, pores);
         return vk_coated(vk_mix(diff1, diff2, std::min(dark, 1.0f)), spec, rough);
@@ -128,6 +133,7 @@ struct Granite final : vk_Pointwise<Granite> {
     vk_Material at(const vk_SurfacePoint &point) const
     {
         const vk_Vec place = vk_within(point.position) * (1 / size);
+        // A place far away in the same noise is as good as another noise.
         const vk_Vec ragged = {vk_noise(place * 2.3f), vk_noise(place * 2.3f + vk_grey(31)), 0};
         const std::uint32_t grain = vk_cell(place + ragged * .35f).name;
         // Two numbers out of one hash: its ends hardly depend on each other.
@@ -140,6 +146,7 @@ struct Granite final : vk_Pointwise<Granite> {
 struct Candy final : vk_Pointwise<Candy> {
     vk_Colour diff1 = {.7f, .03f, .05f};
     vk_Colour diff2 = {.8f, .78f, .75f};
+    // An eighth: a whole number of stripes goes around, so that they meet behind the shape.
     float size = .125f;
     vk_Colour spec = vk_grey(1);
     float rough = .05f;

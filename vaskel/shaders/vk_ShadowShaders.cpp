@@ -5,6 +5,7 @@
 namespace
 {
 struct RayShadow : vk_ShadowShader {
+    // Black: what is seen in a full shadow comes from other lights and the surroundings.
     vk_Colour color;
     float filter = 1;
 
@@ -17,12 +18,14 @@ struct RayShadow : vk_ShadowShader {
     {
         vk_Shadow shadow;
         shadow.left = color;
+        // Straight through glass: bright spots, where it gathers light, are not drawn.
         shadow.filter = filter;
         return shadow;
     }
 };
 
 struct SoftShadow final : RayShadow {
+    // More than 1, as lights have it: shadow rays then aim beyond the light's rim.
     float soft = 2.5f;
 
     void describe(vk_ParamList &list) override
@@ -39,6 +42,8 @@ struct SoftShadow final : RayShadow {
 };
 
 struct FilterShadow final : RayShadow {
+    // Each surface on the way takes its share, so a closed shape lets through the square of this.
+    // Metal has no base, and lets nothing through.
     float amount = .6f;
 
     void describe(vk_ParamList &list) override
@@ -64,6 +69,7 @@ struct NoShadow final : vk_ShadowShader {
     }
 };
 
+// The first one is that of a scene that names none.
 constexpr vk_ShaderRow<vk_ShadowShader> ROWS[] = {
     vk_row<RayShadow>("v_rayshadow", "shadows as lights cast them"),
     vk_row<SoftShadow>("v_softshadow", "shadows with wider or with harder edges"),

@@ -21,6 +21,7 @@ struct Velvet final : vk_Pointwise<Velvet> {
     }
     vk_Material at(const vk_SurfacePoint &) const
     {
+        // Without a boundary: fibres have no smooth side that could mirror.
         vk_Material material;
         material.diffuse = diff;
         material.sheen = sheen;
@@ -41,6 +42,7 @@ struct Translucent : vk_Pointwise<Translucent> {
     void describe(vk_ParamList &list) override
     {
         list.colour("diff", diff, 0, 1, "colour");
+        // In lengths of the scene, whatever `scale` makes of the shape.
         list.colour("scatter", scatter, 0, 10, "how far light wanders, by colour");
         list.colour("spec", spec, 0, 1, "how much it shines");
         list.number("rough", rough, 0, 1, "roughness");
@@ -58,7 +60,8 @@ struct Translucent : vk_Pointwise<Translucent> {
     }
 };
 
-// Lengths as if the ball were a head: millimetres would not show at its size.
+// Lengths as in a ball the size of a marble: in one the size of a head they would not show. Red
+// goes furthest, since blood absorbs it least.
 struct Skin final : Translucent {
     Skin() : Translucent({.75f, .43f, .3f}, {.12f, .06f, .035f}, .8f, .42f) {}
 };

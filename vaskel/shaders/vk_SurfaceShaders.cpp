@@ -24,6 +24,7 @@ struct Plastic final : vk_Pointwise<Plastic> {
 };
 
 struct Matte final : vk_Pointwise<Matte> {
+    // The grey by which the studio's lights are set (vk_EnvironmentShaders.cpp).
     vk_Colour diff = vk_grey(.5f);
 
     void describe(vk_ParamList &list) override { list.colour("diff", diff, 0, 1, "colour"); }
@@ -40,16 +41,20 @@ struct Constant final : vk_Pointwise<Constant> {
 
     void describe(vk_ParamList &list) override
     {
+        // Above 1 it lights its surroundings, as far as rays meet it: no samples are aimed at it,
+        // so a small bright one is noisy.
         list.colour("color", color, 0, 1000, "radiance, whatever the light");
     }
     vk_Material at(const vk_SurfacePoint &) const
     {
         vk_Material material;
+        // It reflects nothing, so paths end here and no light is asked.
         material.emission = color;
         return material;
     }
 };
 
+// The first one is that of shapes before any `surface` statement.
 constexpr vk_ShaderRow<vk_SurfaceShader> ROWS[] = {
     vk_row<Plastic>("v_plastic", "a coloured base under a clear coat"),
     vk_row<Matte>("v_matte", "scatters evenly, no highlight"),
@@ -62,6 +67,8 @@ vk_Material vk_coated(const vk_Colour &base, const vk_Colour &coat, float rough,
 {
     vk_Material material;
     material.diffuse = base;
+    // The same factor for both ends of Schlick's curve: half a coat is half as bright at every
+    // angle.
     material.edge = coat;
     material.specular = coat * vk_straightReflectance(ior);
     material.rough = rough;

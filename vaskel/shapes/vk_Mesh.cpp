@@ -10,6 +10,8 @@ vk_Vec normalAmong(const vk_Vec &along, const vk_Vec &up, const vk_Vec &before)
 {
     const vk_Vec normal = vk_cross(along, up);
     const float area2 = vk_dot(normal, normal);
+    // Where the sine between them is below a thousandth, rounding decides. Written so that NaN,
+    // too, keeps the one before.
     if (!(area2 > 1e-6f * vk_dot(along, along) * vk_dot(up, up)))
         return before;
     return vk_normalize(vk_dot(normal, before) < 0 ? -normal : normal);
@@ -26,6 +28,8 @@ vk_SurfacePoint pointOf(const std::vector<vk_Vertex> &net, std::size_t width, st
 {
     const std::size_t column = i % width, last = net.size() - 1;
     const vk_Vertex &vertex = net[i];
+    // At the net's rim a vertex stands for the neighbour that it lacks; those of the rim are
+    // dropped later.
     const vk_Vertex &left = net[column > 0 ? i - 1 : i];
     const vk_Vertex &right = net[column + 1 < width ? i + 1 : i];
     const vk_Vertex &below = net[i >= width ? i - width : i];
@@ -86,6 +90,7 @@ void vk_MeshBuilder::add(const std::vector<vk_Vertex> &net, std::uint32_t column
     }
     for (std::uint32_t row = 0; row < rows; ++row)
         for (std::uint32_t column = 0; column < columns; ++column) {
+            // Anticlockwise as seen from outside, until a transform mirrors the shape.
             const std::uint32_t a = first + row * (columns + 1) + column;
             const std::uint32_t b = a + columns + 1;
             myMesh.quads.push_back({a, a + 1, b + 1, b});

@@ -42,6 +42,7 @@ vk_Vertex standVertex(float u, float v, float scale)
     // At v = 1 the last curve's end, not the first point of one that is not there.
     const float along = std::clamp(v * STAND_CURVES, 0.0f, STAND_CURVES - .001f);
     const int curve = static_cast<int>(along);
+    // Not clamped: beyond its ends, where displacements ask, the first and the last curve go on.
     const Bernstein b(v * STAND_CURVES - static_cast<float>(curve));
     vk_Vec at, slope; // x is the radius
     for (int i = 0; i < 4; ++i) {
@@ -107,6 +108,7 @@ struct Grid final : vk_Shape {
     void build(vk_MeshBuilder &builder) const override
     {
         builder.patch(160, 120, [&](float u, float v) {
+            // Two whole waves, so that both side edges swing alike.
             const float fold = TURN * 2 * u + 1.4f * v, reach = wave * (1.1f - .85f * v);
             const vk_Vec at = {width * (u - .5f), height * v, reach * std::sin(fold)};
             const float slope = reach * std::cos(fold);
@@ -185,6 +187,7 @@ struct Teapot final : vk_Shape {
     }
     void build(vk_MeshBuilder &builder) const override
     {
+        // The outermost control points, which the spout's lip does not quite reach.
         constexpr float LEFT = -3, RIGHT = 3.525f; // of the data
 
         const float scale = width / (RIGHT - LEFT);
