@@ -41,6 +41,7 @@ float vk_toneCurve(float linear)
 
 float vk_toSrgb(float linear)
 {
+    // Straight next to black, where the slope of a power alone has no bound.
     return linear <= 0.0031308f ? 12.92f * linear : 1.055f * std::pow(linear, 1 / 2.4f) - 0.055f;
 }
 

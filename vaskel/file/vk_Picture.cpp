@@ -43,6 +43,7 @@ extern "C" void escapeFromJpeg(j_common_ptr info)
     std::longjmp(errors->escape, 1);
 }
 
+// It owns nothing: escapeFromJpeg() leaves it by a jump, past all destructors.
 void compressRows(jpeg_compress_struct &info, const vk_Film &film, const std::string &comment)
 {
     info.image_width = static_cast<JDIMENSION>(film.width);
@@ -50,12 +51,14 @@ void compressRows(jpeg_compress_struct &info, const vk_Film &film, const std::st
     info.input_components = 3;
     info.in_color_space = JCS_RGB;
     jpeg_set_defaults(&info);
+    // TRUE keeps to the baseline of T.81, tables of 8 bits, which every decoder reads.
     jpeg_set_quality(&info, JPEG_QUALITY, TRUE);
     // A second pass over a small picture costs a millisecond and saves a tenth of the file.
     info.optimize_coding = TRUE;
     // Chroma at full resolution: red edges stay sharp.
     info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
     jpeg_start_compress(&info, TRUE);
+    // libjpeg takes markers only between the start, which writes JFIF's own, and the first row.
     jpeg_write_marker(&info, JPEG_APP0 + 1, EXIF_SRGB, sizeof EXIF_SRGB);
     if (!comment.empty())
         jpeg_write_marker(&info, JPEG_COM, reinterpret_cast<const JOCTET *>(comment.data()),
@@ -89,6 +92,7 @@ bool encodeJpeg(const vk_Film &film, const std::string &comment, Bytes &file, st
     jpeg_mem_dest(&info, &memory, &size);
     compressRows(info, film, comment);
     jpeg_destroy_compress(&info);
+    // A copy, as libjpeg's memory comes from malloc().
     file.assign(memory, memory + size);
     std::free(memory);
     return true;
@@ -107,6 +111,7 @@ extern "C" void escapeFromPng(png_structp png, png_const_charp)
 
 void writeComment(png_structp png, png_infop info, const std::string &comment)
 {
+    // One of those that RFC 2083 lists. libpng wants to be given what it could write to.
     char keyword[] = "Comment";
     png_text text = {};
     // Plain, so that anybody finds it with grep.
@@ -131,6 +136,7 @@ bool encodePng(const vk_Film &film, const std::string &comment, Bytes &file, std
     png_set_IHDR(png, info, static_cast<png_uint_32>(film.width),
                  static_cast<png_uint_32>(film.height), 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    // The intent that the format recommends for pictures like photographs.
     png_set_sRGB(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
     if (!comment.empty())
         writeComment(png, info, comment);

@@ -2,6 +2,7 @@
 
 namespace
 {
+// With the carriage return: lines may come from a system that ends them with two characters.
 constexpr std::string_view BLANKS = " \t\r\n\v\f";
 
 bool isBlank(char c)
@@ -30,6 +31,7 @@ bool takeWord(std::string_view line, std::size_t &at, std::string &word)
             word += line[at++];
             continue;
         }
+        // No escapes: a backslash is a character of names like any other.
         const std::size_t close = line.find(line[at], at + 1);
         if (close == std::string_view::npos)
             return false;
@@ -49,6 +51,8 @@ bool vk_splitLine(std::string_view line, vk_Words &words, std::string &error)
         return false;
     }
     line = trimmed(line);
+    // At the line's start only, where a preprocessor leaves its line markers: elsewhere a '#' may
+    // belong to a name.
     if (!line.empty() && line[0] == '#')
         return true;
     std::size_t at = 0;
@@ -81,6 +85,7 @@ bool vk_fileName(std::string_view line, std::string &name, std::string &error)
         if (last != 0 && last == rest.size() - 1 && !name.empty())
             return true;
     }
+    // Also where something stands behind the last quote, a comment mostly.
     vk_Words words;
     if (!vk_splitLine(rest, words, error))
         return false;

@@ -73,6 +73,7 @@ vk_SceneReader::vk_SceneReader(const char *name, vk_Scene &scene)
     : myName(name != nullptr ? name : ""), myScene(&scene)
 {
     scene.backdrop = vk_grey(NEUTRAL);
+    // What a scene does not mention is the first row of its table.
     scene.environment = VK_ENVIRONMENT_SHADERS.rows->make();
     scene.shadow = VK_SHADOW_SHADERS.rows->make();
     myState.surface = VK_SURFACE_SHADERS.rows->make();
@@ -104,6 +105,7 @@ bool vk_SceneReader::read(std::FILE *file)
     }
     if (std::ferror(file) != 0)
         report(std::string("cannot be read: ") + std::strerror(errno));
+    // After a mistake what seems to be missing may only not have been understood.
     if (myMessages.empty())
         checkWhole();
     return myMessages.empty();
@@ -114,6 +116,7 @@ bool vk_SceneReader::read(std::FILE *file)
 void vk_SceneReader::takeName()
 {
     std::string name, ignored;
+    // By its first letters: other lines of what is given up are not worth taking apart.
     if (myLine.compare(0, 8, "picture ") == 0 && vk_fileName(myLine, name, ignored) &&
         vk_isPictureName(name))
         myScene->picture = name;
@@ -127,6 +130,7 @@ bool vk_SceneReader::readLine(std::FILE *file)
     if (c == EOF)
         return false;
     // A line that has no end must not fill the memory.
+    // Byte by byte: fgets() would lose what stands behind a zero byte.
     for (; c != EOF && c != '\n' && myLine.size() <= LONGEST_LINE; c = std::getc(file))
         myLine += static_cast<char>(c);
     return true;
@@ -135,6 +139,7 @@ bool vk_SceneReader::readLine(std::FILE *file)
 void vk_SceneReader::takeLine()
 {
     if (myLine.size() > LONGEST_LINE) {
+        // The rest of it would be read as further lines.
         report("expected a line of at most a million bytes");
         isGivenUp = true;
         return;
@@ -143,6 +148,7 @@ void vk_SceneReader::takeLine()
         checkBehindEnd();
         return;
     }
+    // Before it is split: within a source, quotes are the shader's.
     if (!mySourceName.empty()) {
         takeSourceLine();
         return;
@@ -154,6 +160,8 @@ void vk_SceneReader::takeLine()
     }
     if (myWords.empty())
         return;
+    // A copy, as handlers change the words. Of a default it is "default", so that those do not
+    // displace one another.
     const std::string word = myWords[0];
     if (!obey())
         report(myError);
@@ -217,6 +225,7 @@ void vk_SceneReader::checkWhole()
         report("expected the statement 'end' as the last one, found the end of the text");
         return;
     }
+    // Each by itself: one run tells of both.
     if (myScene->picture.empty())
         report("expected a statement 'picture NAME' before the end");
     if (!myScene->hasCamera)
@@ -232,6 +241,7 @@ void vk_SceneReader::loadShaders()
         return;
     myScene->osl = myOsl;
     myOsl->open(*myScene);
+    // Those of defaults that gave way, too: they are checked all the same.
     for (const Bound &bound : myBound) {
         std::vector<std::string> messages;
         if (bound.binding->load(messages))
@@ -248,6 +258,7 @@ void vk_SceneReader::checkBehindEnd()
     const std::size_t first = myLine.find_first_not_of(" \t\r\v\f");
     if (first == std::string::npos)
         return;
+    // Text in front of a scene may have ended it: the picture's own name then follows.
     takeName();
     isGivenUp = true;
     report("expected nothing behind 'end', found " + vk_quoted(myLine.substr(first)));
@@ -285,6 +296,7 @@ bool vk_SceneReader::doPicture()
     myScene->picture = name;
     if (!isFirst)
         return wrong("picture expected only once in a scene");
+    // Without folders: a picture that goes out into the world must not tell where its palette lay.
     // Where comments leave no room it goes without.
     static_cast<void>(!keepComment("picture " + name.substr(name.rfind('/') + 1))); // npos + 1: 0
     return true;
@@ -292,6 +304,7 @@ bool vk_SceneReader::doPicture()
 
 bool vk_SceneReader::doComment()
 {
+    // From the line, as quotes and slashes belong to the text.
     const std::size_t start = myLine.find_first_not_of(" \t", myLine.find("comment") + 7);
     return keepComment(start == std::string::npos ? "" : myLine.substr(start)) ||
            wrong("comment expected texts of at most " + std::to_string(VK_LONGEST_COMMENT) +
@@ -300,6 +313,7 @@ bool vk_SceneReader::doComment()
 
 bool vk_SceneReader::keepComment(std::string text)
 {
+    // Whoever looks at the picture's file later may do so on a terminal.
     UTmakePrintable(text.data(), text.size());
     if (!myScene->comment.empty())
         text.insert(0, "\n");
@@ -335,6 +349,7 @@ bool vk_SceneReader::doSamples()
 
 bool vk_SceneReader::doExposure()
 {
+    // Beyond, all is white or all is black.
     if (!takesNumbers(1, 1, -20, 20))
         return false;
     myScene->exposure = myNumbers[0];
@@ -343,13 +358,15 @@ bool vk_SceneReader::doExposure()
 
 bool vk_SceneReader::doCamera()
 {
+    // A new one: what this line leaves out does not come from an earlier one.
     vk_Camera camera;
     if (!vk_parseParams(camera.params(), "camera", myWords, 1, myError))
         return false;
     const vk_Vec view = vk_normalize(camera.at - camera.from);
     if (vk_length(camera.at - camera.from) < 1e-4f)
         return wrong("camera expected 'from' and 'at' to be apart");
-    // Else no direction of the picture would be up.
+    // Else no direction of the picture would be up. A null vector's direction is z, so its length
+    // is asked as well.
     if (vk_length(vk_cross(view, vk_normalize(camera.up))) < 1e-3f || vk_length(camera.up) < 1e-6f)
         return wrong("camera expected 'up' to point away from the way it looks");
     myScene->camera = camera;
@@ -359,6 +376,7 @@ bool vk_SceneReader::doCamera()
 bool vk_SceneReader::doBackground()
 {
     const std::string choice = myWords.size() > 1 ? myWords[1] : "";
+    // The colour is that of "off": behind "on" it would be lost without a word.
     if (choice == "on" && myWords.size() == 2)
         return myScene->showsEnvironment = true;
     if (choice != "off")
@@ -394,6 +412,7 @@ bool vk_SceneReader::isOsl() const
 std::shared_ptr<const vk_OslBinding> vk_SceneReader::bindOsl(const vk_OslTargets &targets,
                                                              std::shared_ptr<vk_Parametrised> own)
 {
+    // Only for who needs it: most scenes have no shader of their own.
     if (myOsl == nullptr)
         myOsl = std::make_shared<vk_OslLibrary>();
     vk_Words words(myWords.begin() + 1, myWords.end());
@@ -425,6 +444,7 @@ bool vk_SceneReader::doFog()
 {
     if (!isOsl())
         return doShader(VK_FOG_SHADERS, myScene->fog);
+    // The binding fills them when it is loaded; the fog reads them later still.
     const auto params = std::make_shared<vk_OslFogParams>();
     myScene->fog = std::make_unique<vk_OslFog>(bindOsl(vk_OslFog::TARGETS, params), params);
     return true;
@@ -480,6 +500,7 @@ bool vk_SceneReader::doLight()
 
 bool vk_SceneReader::doTransform(const vk_Transform &by)
 {
+    // The statement nearest to the shape touches it first, as in other scene languages.
     const vk_Transform nested = myState.transform * by;
     // Floats near the limits would tear shapes apart, and no message would tell why.
     if (!nested.isUsable())
@@ -500,6 +521,7 @@ bool vk_SceneReader::doRotate()
     // For its message.
     if (myWords.size() != 5)
         return takesNumbers(4, 4, -1e6f, 1e6f);
+    // Up to a hundred turns: a larger angle has few bits left for its fraction.
     float degrees = 0;
     if (!vk_parseNumber(myWords[1], "rotate", -36000, 36000, degrees, myError))
         return false;
@@ -517,6 +539,7 @@ bool vk_SceneReader::doScale()
 {
     if (myWords.size() == 2)
         myWords.insert(myWords.end(), 2, myWords[1]);
+    // Factors below 0 mirror.
     return takesNumbers(3, 3, -1e4f, 1e4f) &&
            doTransform(vk_Transform::scaling({myNumbers[0], myNumbers[1], myNumbers[2]}));
 }
@@ -531,6 +554,7 @@ bool vk_SceneReader::doIdentity()
 bool vk_SceneReader::doShape()
 {
     vk_ShapeEntry entry;
+    // It is there: a shape's word is that of its statement.
     const vk_ShaderRow<vk_Shape> &row = *vk_findShape(myWords[0]);
     entry.shape = row.make();
     if (!vk_parseParams(entry.shape->params(), row.name, myWords, 1, myError))
@@ -557,6 +581,7 @@ bool vk_SceneReader::doSource()
 
 bool vk_SceneReader::doEndSource()
 {
+    // Within a source its line is not obeyed: it ends the source.
     return wrong("expected a statement 'source NAME.osl' before endsource");
 }
 
@@ -567,6 +592,7 @@ void vk_SceneReader::takeSourceLine()
     std::string ignored;
     // A line of C may hold a lone quote; only a line that is nothing but "endsource" ends it.
     static_cast<void>(vk_splitLine(myLine, words, ignored));
+    // Of all sources: many short ones take as long to compile as a long one.
     mySourceSize += myLine.size() + 1;
     if (words.size() != 1 || words[0] != "endsource") {
         // Beyond, lines are only counted, so that one message comes at the end.
@@ -587,6 +613,7 @@ bool vk_SceneReader::doDefault()
     // Statements that take the whole line look for their own word in it.
     myLine.erase(0, myLine.find("default") + 7);
     myWords.erase(myWords.begin());
+    // A source has many lines, of which only the first would give way.
     if (myWords.empty() || myWords[0] == "default" || myWords[0] == "source")
         return wrong("default expected a statement behind it");
     if (mySeen.count(myWords[0]) == 0)
@@ -606,5 +633,6 @@ bool vk_SceneReader::doDefault()
 
 bool vk_SceneReader::doEnd()
 {
+    // With words behind it it is no end, and what follows is looked at, too.
     return myEnded = takesNumbers(0, 0, 0, 0);
 }

@@ -17,6 +17,7 @@ void append(std::string &text, const vk_ShaderRow<Type> &row)
     const std::unique_ptr<Type> made = row.make();
     vk_ParamList params = made->params();
     text += "\n### " + std::string(row.name) + ": " + row.what + "\n";
+    // Markdown wants a blank line between a heading and a list.
     if (!params.isEmpty())
         text += "\n";
     for (const vk_Param &param : params)
@@ -27,6 +28,7 @@ template <class Type>
 void append(std::string &text, const vk_ShaderTable<Type> &table)
 {
     text += "\n## Type " + std::string(table.type) + "\n";
+    // A type's rows come from several sources, but who reads the list does not care.
     for (const auto *part = &table; part != nullptr; part = part->more)
         for (const vk_ShaderRow<Type> &row : *part)
             append(text, row);
@@ -35,6 +37,7 @@ void append(std::string &text, const vk_ShaderTable<Type> &table)
 
 std::string vk_listShaders()
 {
+    // A test compares doc/shaders.md with this text; `vaskel --list-shaders` renews it.
     std::string text = "# Shaders and shapes of vaskel\n\n"
                        "A parameter's line: its name and kind, its range, in brackets the value\n"
                        "that it has when it is not given, and what it means.\n";
@@ -44,6 +47,7 @@ std::string vk_listShaders()
     append(text, VK_SHADOW_SHADERS);
     append(text, VK_FOG_SHADERS);
     append(text, VK_ENVIRONMENT_SHADERS);
+    // Shapes have no table with a type: their words are statements.
     text += "\n## Shapes\n";
     for (const vk_ShaderRow<vk_Shape> &row : VK_SHAPES)
         append(text, row);
