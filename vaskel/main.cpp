@@ -84,6 +84,7 @@ void setTimer(const vk_Options &options)
     itimerval timer = {};
     timer.it_value.tv_sec = static_cast<time_t>(seconds);
     // Zero would stop the timer in place of setting it.
+    // A whole million is no valid fraction: hence 999999.
     timer.it_value.tv_usec = std::max(1L, std::lround(std::fmod(seconds, 1.f) * 999999));
     setitimer(ITIMER_REAL, &timer, nullptr);
 }
@@ -143,6 +144,7 @@ bool write(const std::vector<std::uint8_t> &bytes, UT_SafeFile &file)
     std::FILE *const out = file.open();
     if (out == nullptr)
         return false;
+    // A write that fails is remembered by the stream: commit() asks it.
     std::fwrite(bytes.data(), 1, bytes.size(), out);
     return file.commit();
 }
@@ -230,6 +232,7 @@ int main(int argc, char *argv[])
         std::fputs(vk_usage().c_str(), stderr);
         return BAD_COMMAND;
     }
+    // Before the scene is read: a writer that hangs counts, too.
     setTimer(options);
     switch (options.action) {
     case VK_HELP:

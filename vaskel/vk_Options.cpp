@@ -11,6 +11,7 @@
 
 namespace
 {
+// The words of somebody who starts vaskel by way of another program.
 const char *const VARIABLE = "VELDRIN_VASKEL_OPTIONS";
 
 // The last of them wins, as with all options.
@@ -30,8 +31,10 @@ bool takeStats(vk_Options &options, const std::string &, std::string &)
 bool takeCount(const std::string &value, const char *name, int most, int &count, std::string &error)
 {
     float number = 0;
+    // From 1 on: 0 stands for an option that was not given.
     if (!vk_parseNumber(value, name, 1, static_cast<float>(most), number, error))
         return false;
+    // Counts are read as numbers are, so that messages about them are alike; all fit a float.
     count = static_cast<int>(number);
     if (static_cast<float>(count) == number)
         return true;
@@ -52,6 +55,7 @@ bool takeSize(vk_Options &options, const std::string &value, std::string &error)
 
 bool takeLimit(vk_Options &options, const std::string &value, std::string &error)
 {
+    // Here 0 is a value, no limit; what was not given is below 0.
     return vk_parseNumber(value, "--limit", 0, vk_Options::LONGEST_LIMIT, options.limit, error);
 }
 
@@ -83,6 +87,7 @@ bool takeQuality(vk_Options &options, const std::string &value, std::string &err
     return false;
 }
 
+// In the order of --help: what is drawn, how well, and then what is only told.
 constexpr UT_Option<vk_Options> ROWS[] = {
     {"-o", nullptr, "FILE", takeOutput, "write this picture, whatever the scene says"},
     {"--size", nullptr, "N", takeSize, "pixels of the longer side, whatever the scene says"},
@@ -105,6 +110,7 @@ bool takeWords(const vk_Words &words, vk_Options &options, std::string &error)
 {
     bool good = true;
     for (std::size_t i = 0; good && i < words.size(); ++i) {
+        // take() leaves `i` at the last word of the option.
         good = OPTIONS.isOption(words[i]) && OPTIONS.take(words, i, options, error);
         if (!good && error.empty())
             error = "expected options, found " + vk_quoted(words[i]);
@@ -126,6 +132,7 @@ bool takeEnvironment(vk_Options &options, std::string &error)
     }
     good = good && takeWords(words, options, error);
     if (!good)
+        // Nobody sees these words on the command line, so the message says where they stand.
         error = std::string(VARIABLE) + ": " + error;
     return good;
 }
@@ -133,6 +140,7 @@ bool takeEnvironment(vk_Options &options, std::string &error)
 
 bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, std::string &error)
 {
+    // A program may be started without even its own name (POSIX execve).
     const vk_Words words(argv + std::min(argc, 1), argv + argc);
     int scenes = 0;
     bool inOptions = true;
@@ -141,6 +149,7 @@ bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, st
     static_cast<void>(takeEnvironment(options, first));
     for (std::size_t i = 0; i < words.size(); ++i) {
         std::string wrong;
+        // Behind it a scene's name may begin with '-'.
         if (inOptions && words[i] == "--")
             inOptions = false;
         else if (inOptions && OPTIONS.isOption(words[i]))
@@ -149,6 +158,7 @@ bool vk_parseOptions(int argc, const char *const argv[], vk_Options &options, st
             options.scene = words[i];
         else
             wrong = "expected one scene, found " + vk_quoted(words[i]) + " too";
+        // The first mistake: later ones are often its consequences.
         if (first.empty())
             first = wrong;
     }

@@ -30,6 +30,7 @@ std::string nearestOf(const std::string &word, const std::vector<std::string_vie
 }
 } // namespace
 
+// Keeps the words only: a source may stand behind the statement that names it.
 vk_OslBinding::vk_OslBinding(std::shared_ptr<vk_OslLibrary> library, const vk_Words &words,
                              const vk_OslTargets &targets, std::shared_ptr<vk_Parametrised> own)
     : myLibrary(std::move(library)), myName(words.empty() ? "" : words[0]), myWords(words),
@@ -55,6 +56,7 @@ bool vk_OslBinding::load(std::vector<std::string> &messages)
         messages = {error};
         return false;
     }
+    // To the compiler values are constants: what follows from them is worked out once.
     myProgram = shader->link(myValues);
     if (myProgram == nullptr) {
         messages = {shader->messages()};
@@ -67,6 +69,7 @@ bool vk_OslBinding::load(std::vector<std::string> &messages)
 // The default of the first target and the closure, as far as nothing else is shown.
 void vk_OslBinding::chooseOutputs(const OSL_Shader &shader)
 {
+    // Not an array: what is fed is one number or one colour.
     const auto first = [&](auto fits) {
         for (const OSL_Parameter &parameter : shader.parameters())
             if (parameter.isOutput && !parameter.type.isArray() && fits(parameter.type))
@@ -98,6 +101,7 @@ void vk_OslBinding::chooseOutputs(const OSL_Shader &shader)
 
 std::string vk_OslBinding::feedOf(std::size_t target) const
 {
+    // Only the first target has something that it shows by itself.
     return target == 0 && myShown[0].empty() ? myDefault : myShown[target];
 }
 
@@ -108,6 +112,7 @@ bool vk_OslBinding::parse(OSL_Shader &shader, std::string &error)
         // The shader's own parameters come first: its author did not know our words.
         const OSL_Parameter *const parameter = shader.findParameter(word);
         bool isGood = false;
+        // An output is worked out by the shader: a value for it would be lost.
         if (parameter != nullptr && !parameter->isOutput)
             isGood = parseParameter(shader, at, error);
         else if (word == "show")
@@ -128,6 +133,7 @@ bool vk_OslBinding::parseParameter(const OSL_Shader &shader, std::size_t &at, st
     OSL_Value value;
     if (!vk_takeOslValue(parameter, myName, myWords, at, value, error))
         return false;
+    // Of a name that is given twice the last one counts (OSL_Shader::link).
     myValues.emplace_back(parameter.name, std::move(value));
     return true;
 }
@@ -136,6 +142,8 @@ bool vk_OslBinding::parseParameter(const OSL_Shader &shader, std::size_t &at, st
 bool vk_OslBinding::parseOwn(std::size_t &at, std::string &error)
 {
     const std::size_t begin = at++;
+    // Cut out, since vk_parseParams() would go on with the shader's parameters. A word may be a
+    // colour's name; when it is none, that is told there.
     if (at < myWords.size() && !startsNumber(myWords[at]))
         ++at;
     else
@@ -152,6 +160,7 @@ bool vk_OslBinding::parseShow(const OSL_Shader &shader, std::size_t &at, std::st
         error = "show expected 'show OUTPUT as PARAMETER'";
         return false;
     }
+    // A target may be shown twice; the last one counts, as with parameters.
     const std::string what = myWords[at + 1], target = myWords[at + 3];
     at += 4;
     std::vector<std::string_view> targets;
@@ -167,10 +176,12 @@ bool vk_OslBinding::parseShow(const OSL_Shader &shader, std::size_t &at, std::st
     // A target may be fed with a constant, too.
     float number = 0;
     if (startsNumber(what))
+        // Only checked: a feed reads it again when it is made.
         return vk_parseNumber(what, "show", -LARGEST, LARGEST, number, error);
     std::vector<std::string_view> outputs;
     for (const OSL_Parameter &parameter : shader.parameters()) {
         const osl_Type &type = parameter.type;
+        // Texts, closures and arrays feed nothing.
         if (!parameter.isOutput || !(type.isTriple() || type.isScalar()))
             continue;
         outputs.push_back(parameter.name);
@@ -188,6 +199,7 @@ std::string vk_OslBinding::unknown(const OSL_Shader &shader, const std::string &
     for (const OSL_Parameter &parameter : shader.parameters())
         if (!parameter.isOutput)
             names.push_back(parameter.name);
+    // Those of the statement, too: whoever writes the line need not know whose they are.
     vk_ParamList own;
     if (myOwn != nullptr)
         own = myOwn->params();

@@ -18,6 +18,7 @@ vk_Colour colourOf(const osl_Colour &c)
 
 vk_Colour clamped(const vk_Colour &c)
 {
+    // Written so that NaN becomes 0.
     const auto of = [](float x) { return x > 0 ? std::min(x, 1.0f) : 0; };
     return {of(c.x), of(c.y), of(c.z)};
 }
@@ -145,9 +146,11 @@ vk_Material vk_OslClosures::materialOf(int32_t closure, const vk_Vec &normal, fl
         fillGlass(glass / all, material);
     else if (all > 0)
         fillOpaque(opaque / all, material);
+    // For either kind of point: weights add up, so that both leave room for it.
     material.passesBy = clamped(myTransparent);
     material.emission = finite(myEmission);
     if (vk_dot(myNormals, myNormals) > 0)
+        // vk_Bsdf adds the smooth normal, which gives the mean again.
         material.tilt = vk_normalize(myNormals) - normal;
     return material;
 }
@@ -198,6 +201,7 @@ const vk_OslClosures::Kind &vk_OslClosures::kindOf(const OSL_ClosureComponent &c
         const int32_t *const values = component.ints(PARAMETERS[i]);
         made.at[i] = values == nullptr ? -1 : static_cast<int>(values - component.words);
     }
+    // A deque, as lobes refer to kinds while further ones are met.
     myKinds.push_back(made);
     return myKinds.back();
 }
@@ -233,10 +237,11 @@ vk_OslClosures::Widths vk_OslClosures::widthsOf(const Lobe &lobe)
                           std::clamp(lobe.number(way.across), 0.0f, 1.0f)};
         return way.isAlpha ? Widths{std::sqrt(w.along), std::sqrt(w.across)} : w;
     }
+    // Behind all widths: the exponent of generalized_schlick_bsdf is Fresnel's.
     if (!lobe.has(EXPONENT))
         return {0, 0};
-    // The lobe of Blinn and Phong that is as wide.
-    // Where both their peaks fall as fast: 2 / (exponent + 2) is the square of alpha.
+    // The lobe of Blinn and Phong that is as wide: where both their peaks fall as fast, 2 /
+    // (exponent + 2) is the square of alpha (Walter et al., EGSR 2007).
     const float exponent = std::max(lobe.number(EXPONENT), 0.0f);
     const float rough = std::pow(2 / (exponent + 2), .25f);
     return {rough, rough};
@@ -287,6 +292,8 @@ void vk_OslClosures::addSubsurface(const Lobe &lobe, const vk_Colour &weight)
     const float depth = lobe.number(TRANSMISSION_DEPTH, 0);
     // Closures call it by several names.
     const vk_Colour reach = vk_largest(radius) > 0 ? radius : vk_grey(depth);
+    // A material has one profile: the widest shows most. Beyond half of a usual shape's height
+    // light would come out anywhere.
     myScatter = {std::max(myScatter.x, std::min(reach.x, 1.0f)),
                  std::max(myScatter.y, std::min(reach.y, 1.0f)),
                  std::max(myScatter.z, std::min(reach.z, 1.0f))};
@@ -300,6 +307,7 @@ void vk_OslClosures::addBoundary(const Lobe &lobe, const vk_Colour &straight, co
     // Only across the scratches, which run along u, is a boundary rougher.
     // The other way round u would have to be turned, which needs the shape: left even.
     const float ratio = w.across > w.along ? w.along / w.across : 1;
+    // The inverse of Burley's aspect, which vk_Bsdf gives to alphas, the squares of these widths.
     myBoundary.brushed += std::clamp((1 - ratio * ratio) / .9f, 0.0f, 1.0f) * weight;
     myEdge += edge;
     bend(lobe, straight);
@@ -365,6 +373,7 @@ void vk_OslClosures::addSchlick(const Lobe &lobe, const vk_Colour &weight)
     const vk_Colour f0 = lobe.colour(F0, vk_grey(.04f));
     if (vk_largest(passes) > 0) {
         // The index of refraction that reflects as much straight on.
+        // At most .3, an index of 3.4.
         const float root = std::sqrt(std::clamp(vk_luminance(f0), 0.0f, .3f));
         addGlass(lobe, passes, (1 + root) / (1 - root));
         return;

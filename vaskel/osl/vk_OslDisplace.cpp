@@ -43,6 +43,7 @@ void vk_OslDisplace::move(const vk_SurfacePoint *points, vk_Vec *moved, std::siz
         const std::size_t size = std::min(width, count - i);
         // All lanes of a run are read before the next one.
         if (lane == 0 && !runner->run(points + i, static_cast<int>(size)))
+            // The rest keeps a place that no picture shows: there will be none.
             break;
         vk_Vec step;
         if (place != nullptr)

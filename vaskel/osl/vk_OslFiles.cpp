@@ -79,6 +79,7 @@ void vk_OslFiles::takeFolders()
 {
     if (!myFolders.empty())
         return;
+    // From here on it is not empty, which tells that this was done.
     myFolders = {myHome};
     for (const UT_KnownPath path : PATHS) {
         const UT_StringList &dirs = UT_PathSearch::getInstance(path).getDirs();
@@ -117,6 +118,7 @@ bool vk_OslFiles::mayReadLocked(Kind kind, const std::string &path, std::string 
         return false;
     }
     const auto holds = [&](const std::string &root) { return isBelow(real, root); };
+    // The real name's: a link called wood.png must not lead to something else.
     const auto fits = [&](const std::string &ending) { return endsWith(real, ending); };
     if (std::none_of(myRoots.begin(), myRoots.end(), holds))
         error = "lies neither beside the palette nor below the shader path";
@@ -134,6 +136,7 @@ bool vk_OslFiles::mayReadLocked(Kind kind, const std::string &path, std::string 
 bool vk_OslFiles::mayRead(Kind kind, const std::string &path)
 {
     const std::lock_guard<std::mutex> lock(myMutex);
+    // The compiler has a message of its own for an include that it did not get.
     std::string ignored;
     return mayReadLocked(kind, path, ignored);
 }
@@ -145,6 +148,7 @@ std::string vk_OslFiles::find(Kind kind, const std::string &name, std::string &e
     std::string first;
     const bool isAbsolute = !name.empty() && name[0] == '/';
     for (const std::string &folder : myFolders) {
+        // No look for "..": what counts is where the name leads in the end.
         const std::string path = isAbsolute ? name : in(folder, name);
         std::string why;
         if (mayReadLocked(kind, path, why))
@@ -163,5 +167,6 @@ std::string vk_OslFiles::find(Kind kind, const std::string &name, std::string &e
 std::vector<std::string> vk_OslFiles::opened()
 {
     const std::lock_guard<std::mutex> lock(myMutex);
+    // A copy, as other threads may go on to open files.
     return myOpened;
 }

@@ -30,6 +30,7 @@ void Sum::add(const OSL_ClosureComponent &component)
     const std::string_view name = component.name();
     if (name == "isotropic")
         scatter(weight, 0);
+    // Their g is the mean cosine, which is what a medium has.
     if (name == "henyey_greenstein")
         scatter(weight, *component.floats("g"));
     if (name == "absorption")
@@ -42,17 +43,20 @@ void Sum::add(const OSL_ClosureComponent &component)
     } else {
         const vk_Colour left = colourOf(component.floats("transmission_color"));
         const float depth = std::max(*component.floats("transmission_depth"), 1e-3f);
+        // Black would absorb without bounds, and more than white would add light.
         const auto of = [&](float x) { return -std::log(std::clamp(x, 1e-3f, 1.0f)) / depth; };
         // Given is what is left after a depth, in place of how fast it goes.
         extinction = weight * vk_Colour{of(left.x), of(left.y), of(left.z)};
     }
     const vk_Colour albedo = colourOf(component.floats("albedo"));
+    // Extinction is both; the albedo is what scattering has of it.
     scatter(extinction * albedo, *component.floats("anisotropy"));
     absorbed += extinction * (vk_grey(1) - albedo);
 }
 
 float shareOf(float part, float rest)
 {
+    // Absorption below 0, which a weight may make, would send on more than arrives.
     return part > 0 ? std::min(part / (part + std::max(rest, 0.0f)), 1.0f) : 0;
 }
 
@@ -63,6 +67,7 @@ void fill(const Sum &sum, vk_Medium &medium)
     // One for all colours, as paths cross fog with one distance; the colour lies in the albedo.
     medium.extinction = scattered + vk_luminance(a);
     medium.albedo = {shareOf(s.x, a.x), shareOf(s.y, a.y), shareOf(s.z, a.z)};
+    // The mean cosine of all that scatters, each by how much it does.
     medium.forward = scattered > 0 ? sum.forward / scattered : 0;
 }
 
@@ -96,6 +101,7 @@ vk_Medium vk_OslFog::medium() const
     vk_OslRunner runner(*myBinding, 1);
     // Asked once: fog is even, or thins out with the height that the statement says.
     const vk_SurfacePoint origin;
+    // It was stopped, so there will be no picture: any fog will do.
     if (!runner.run(&origin, 1))
         return medium;
     if (runner.closure() != nullptr) {

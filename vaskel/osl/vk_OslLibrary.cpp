@@ -16,6 +16,7 @@ constexpr std::size_t MOST_SAID = 100;   // lines of running shaders
 std::string withoutSeverity(std::string line, const std::string &severity)
 {
     const std::size_t at = line.find(severity);
+    // What stays of it is the colon and the blank behind a line's number.
     return at == std::string::npos ? line : line.erase(at, severity.size() - 2);
 }
 
@@ -45,6 +46,7 @@ OSL_Shader *vk_OslLibrary::shader(const std::string &name, std::vector<std::stri
 {
     // Several statements may use one shader: it is compiled once.
     const bool isNew = myEntries.count(name) == 0;
+    // One that failed is kept, too, so that each statement that names it gets its messages.
     Entry &entry = myEntries[name];
     if (isNew)
         compile(name, entry);
@@ -56,6 +58,7 @@ void vk_OslLibrary::compile(const std::string &name, Entry &entry)
 {
     OSL_CompileOptions options;
     for (const std::string &folder : myFiles->folders())
+        // That of the palette may be "", which is where we are.
         options.includePaths.push_back(folder.empty() ? "." : folder);
     options.mayRead = [this](const std::string &path) {
         return myFiles->mayRead(vk_OslFiles::INCLUDE, path);
@@ -76,6 +79,7 @@ void vk_OslLibrary::compile(const std::string &name, Entry &entry)
     for (const std::string &line : linesOf(entry.shader.messages())) {
         const std::string warning = withoutSeverity(line, ": warning: ");
         if (warning != line)
+            // Said at once, as it does not stop the scene.
             say("warning", warning);
         else if (line[0] != ' ' && entry.messages.size() < MOST_MESSAGES) // no notes
             entry.messages.push_back(withoutSeverity(line, ": error: "));
@@ -101,9 +105,11 @@ bool vk_OslLibrary::dictionary(const std::string &name, std::string &text)
 
 void vk_OslLibrary::say(const char *kind, std::string_view text)
 {
+    // What a shader prints may end its line; what it warns of does not.
     while (!text.empty() && text.back() == '\n')
         text.remove_suffix(1);
     std::string line(text);
+    // Line ends inside as well: what a shader prints must not pass for a message of ours.
     UTmakePrintable(line.data(), line.size());
     line = mySubject + ": " + kind + ": " + line + "\n";
     const std::lock_guard<std::mutex> lock(myMutex);
@@ -111,11 +117,13 @@ void vk_OslLibrary::say(const char *kind, std::string_view text)
     if (text.empty() || mySaid.size() > MOST_SAID || !mySaid.insert(line).second)
         return;
     if (mySaid.size() > MOST_SAID)
+        // In place of the one that is too many.
         line = mySubject + ": shaders say more than is shown\n";
     std::fputs(line.c_str(), stderr);
 }
 
 std::vector<std::string> vk_OslLibrary::opened() const
 {
+    // Until the scene is whole nothing may be opened.
     return myFiles == nullptr ? std::vector<std::string>() : myFiles->opened();
 }

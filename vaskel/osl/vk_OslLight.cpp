@@ -5,7 +5,7 @@ namespace
 // Cells of the picture to each side. A shader costs too much for every sample; and a light
 // seen in a mirror is hardly sharper than that.
 constexpr int SIDE = 64;
-constexpr float STRENGTH = .8f; // that of v_area, until its parameters are known
+constexpr float STRENGTH = .8f; // v_area's as it comes: parameters are read later
 
 // 0 to SIDE - 1 in a direction of length 1 over the whole light.
 int cellOf(float offset)
@@ -55,6 +55,7 @@ void vk_OslLight::shine() const
     askShader();
     std::vector<float> brightness;
     for (const vk_Colour &light : myPicture)
+        // Not the luminance: a blue pane would get hardly any samples.
         brightness.push_back(light.x + light.y + light.z);
     myBright = vk_Distribution(SIDE, SIDE, brightness);
 }
@@ -69,6 +70,7 @@ void vk_OslLight::askShader() const
     point.incoming = -point.normal;
     point.dPdu = myAcross;
     point.dPdv = myUp;
+    // As wide as a cell, so that the shader can smooth what no cell shows.
     point.footprint = vk_length(myAcross) / SIDE;
     for (int i = 0; i < SIDE * SIDE; ++i) {
         point.u = (static_cast<float>(i % SIDE) + .5f) / SIDE;
@@ -93,6 +95,7 @@ vk_LightSample vk_OslLight::coloured(const vk_Vec &from, vk_LightSample sample) 
     if (sample.density <= 0)
         return sample;
     const vk_Vec off = from + sample.direction * sample.distance - myShader->from;
+    // The same cells for light and density, so that hits and samples agree.
     const int x = cellOf(vk_dot(off, myAcross) / vk_dot(myAcross, myAcross));
     const int y = cellOf(vk_dot(off, myUp) / vk_dot(myUp, myUp));
     sample.radiance = sample.radiance * myPicture[static_cast<std::size_t>(y * SIDE + x)];

@@ -14,6 +14,7 @@ constexpr int LANGUAGE_VERSION = 11400;
 
 osl_Matrix matrixOf(const vk_Vec &x, const vk_Vec &y, const vk_Vec &z, const vk_Vec &origin)
 {
+    // Rows, as points are rows that a matrix follows (osl_Matrix.h).
     return {{{x.x, x.y, x.z, 0},
              {y.x, y.y, y.z, 0},
              {z.x, z.y, z.z, 0},
@@ -24,6 +25,7 @@ osl_Matrix ofCamera(const vk_Camera &camera)
 {
     const vk_Vec ahead = vk_normalize(camera.at - camera.from);
     const vk_Vec right = vk_normalize(vk_cross(ahead, camera.up));
+    // With x to the right and z ahead this space is left-handed.
     return matrixOf(right, vk_cross(right, ahead), ahead, camera.from);
 }
 
@@ -41,6 +43,7 @@ bool pictureSpace(std::string_view space, const vk_Scene &scene, osl_Matrix &mat
     osl_Matrix toCamera;
     if (!osl_spaceToCamera(lens, space, toCamera))
         return false;
+    // Read from the left: to the camera, and from there to the scene.
     matrix = toCamera * ofCamera(scene.camera);
     return true;
 }
@@ -52,6 +55,7 @@ osl_Matrix ofShape(const vk_Transform *toShape, osl_Inverter &inverter)
     if (toShape == nullptr)
         return osl_Matrix::diagonal(1);
     const vk_Transform &to = *toShape;
+    // Neighbours mostly lie on one shape, whose inverse is kept.
     return inverter.inverse(
         matrixOf(to.vector({1, 0, 0}), to.vector({0, 1, 0}), to.vector({0, 0, 1}), to.point({})));
 }
@@ -115,6 +119,7 @@ void vk_OslRunner::bind()
     bindVec(myPoints.Ng, FACET);
     bindVec(myPoints.dPdu, ALONG_U);
     bindVec(myPoints.dPdv, ALONG_V);
+    // Those of N and I are not known: null is 0.
     for (int i = 0; i < 3; ++i) {
         myPoints.P.dx[i] = myVecs[PLACE_DX].axis[i];
         myPoints.P.dy[i] = myVecs[PLACE_DY].axis[i];
@@ -132,6 +137,7 @@ bool vk_OslRunner::run(const vk_SurfacePoint *points, int count)
     // One shader that ran for too long ends the picture: the others need not go on.
     if (myBinding.library().isStopped())
         return false;
+    // The shader asks about points by their numbers in the middle of the run.
     mySurface = points;
     myPoints.count = count;
     for (int i = 0; i < count; ++i)
@@ -200,6 +206,7 @@ bool vk_OslRunner::attribute(std::string_view object, std::string_view name, int
     else if (name == "camera:projection")
         value = OSL_Value::ofString("perspective");
     else if (name == "camera:fov")
+        // Of the picture's shorter side; the language leaves that open.
         value = OSL_Value::ofFloat(scene.camera.fov);
     else
         return false;
@@ -266,5 +273,6 @@ std::unique_ptr<vk_OslRunner> vk_OslRunners::borrow(bool isForMany)
 void vk_OslRunners::giveBack(std::unique_ptr<vk_OslRunner> runner)
 {
     const std::lock_guard<std::mutex> lock(myMutex);
+    // The machine's own width is above 1 everywhere.
     myIdle[runner->width() > 1 ? 1 : 0].push_back(std::move(runner));
 }

@@ -12,6 +12,7 @@ enum Target { DIFF, SPEC, ROUGH, IOR, EMISSION, BUMP, OPACITY };
 // A number from 0 to 1 that looks random and is the same wherever a point is asked about.
 float chanceAt(const vk_SurfacePoint &point)
 {
+    // Not 0, whose hash is 0: the origin would always get the least chance.
     std::uint32_t seed = 1;
     for (const float x : {point.position.x, point.position.y, point.position.z}) {
         std::uint32_t bits = 0;
@@ -36,6 +37,7 @@ vk_Colour clamped(const vk_Colour &c, float most)
 void thin(float opacity, vk_Material &material)
 {
     material.presence = opacity;
+    // Presence is not about emission (vk_Material.h).
     material.emission = material.emission * opacity;
     material.passesBy = vk_mix(vk_grey(1), material.passesBy, opacity);
 }
@@ -44,6 +46,7 @@ void thin(float opacity, vk_Material &material)
 vk_SurfacePoint moved(const vk_SurfacePoint &from, const vk_Vec &by)
 {
     vk_SurfacePoint to = from;
+    // Not the position: runners tell the place, from which the shape's own space follows.
     to.place += by;
     const float uu = vk_dot(from.dPdu, from.dPdu), vv = vk_dot(from.dPdv, from.dPdv);
     // As if u and v were straight and square to each other there, which they nearly are over half
@@ -126,6 +129,7 @@ vk_Material vk_OslSurface::plastic(const vk_OslRunner &runner, int point)
         const vk_OslFeed &feed = runner.feed(target);
         return feed.isThere() ? feed.number(point) : other;
     };
+    // Where the shader says nothing it is v_plastic as it comes.
     vk_Material material =
         vk_coated(clamped(colourOf(DIFF, .6f), 1), clamped(colourOf(SPEC, 1), 1),
                   clamped(numberOf(ROUGH, .2f), 0, 1), clamped(numberOf(IOR, 1.5f), 1, 4));
@@ -145,6 +149,7 @@ bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
     float before[vk_OslRunner::MOST_POINTS];
     for (int i = 0; i < count; ++i)
         if (materials[i].presence > 0 && !materials[i].isClear()) {
+            // The next run writes over what feeds point to.
             before[size] = height.number(i);
             solid[size++] = i;
         }
@@ -164,6 +169,7 @@ bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
             return false;
         for (int i = 0; i < size; ++i) {
             const float rise = height.number(i) - before[i];
+            // Against the slope: a normal leans away from where the height grows.
             materials[solid[i]].tilt += steps[i] * (-rise / vk_dot(steps[i], steps[i]));
         }
     }
@@ -191,6 +197,7 @@ bool vk_OslSurface::mayBeClear() const
     }
     std::vector<vk_Material> materials(points.size());
     shade(points.data(), materials.data(), points.size());
+    // Holes between these points are missed: shadows then take the surface for opaque.
     const auto letsLightPass = [](const vk_Material &m) { return m.isClear() || !m.isWhole(); };
     return std::any_of(materials.begin(), materials.end(), letsLightPass);
 }

@@ -25,9 +25,11 @@ public:
         value.type = myParameter.type;
         const osl_Type element = value.type.element();
         if (!value.type.isArray())
+            // Only a colour by itself may be a grey or a name.
             return element.base == osl_Type::COLOR ? takeColour(value)
                                                    : takeElements(element.components(), value);
         // Brackets are a must only where nothing else tells how many there are.
+        // A word may be empty, as '' is; its first character is then a zero.
         if (myAt < myWords.size() && myWords[myAt][0] == '[')
             return takeBrackets(value);
         if (value.type.array == osl_Type::UNSIZED)
@@ -42,6 +44,8 @@ private:
         for (const OSL_Metadatum &item : myParameter.metadata) {
             const osl_Type &type = item.value.type;
             if (item.name == name && type.isScalar())
+                // Authors write 0 for 0.0: what the limit's own type is says nothing about the
+                // parameter.
                 return type.isInt() ? static_cast<float>(item.value.ints[0]) : item.value.floats[0];
         }
         return otherwise;
@@ -49,6 +53,7 @@ private:
 
     bool wrong(const std::string &expected)
     {
+        // Still at the word at fault: none is stepped over before it is taken.
         const bool isEnd = myAt >= myWords.size();
         myError = myWhat + " expected " + expected + ", found " +
                   (isEnd ? "the end of the line" : vk_quoted(myWords[myAt]));
@@ -95,6 +100,7 @@ private:
 
     bool takeElement(const std::string &word, OSL_Value &value)
     {
+        // Any word is a text, a number as well.
         if (value.type.base == osl_Type::STRING) {
             value.strings.push_back(word);
             return true;
@@ -106,7 +112,8 @@ private:
             value.floats.push_back(number);
             return true;
         }
-        // A float holds every number that fits; from 2^31 on it would not fit an int.
+        // From 2^31 on it would not fit an int. Beyond 2^24 floats hold only some of the whole
+        // numbers: the nearest counts.
         if (std::floor(number) != number || std::abs(number) >= 0x1p31f)
             return wrong("a whole number");
         value.ints.push_back(static_cast<int>(number));
@@ -121,6 +128,7 @@ private:
             if (myAt >= myWords.size())
                 return wrong("a bracket that closes");
             std::string word = myWords[myAt].substr(isFirst ? 1 : 0);
+            // So a text in brackets cannot end with one.
             if (!word.empty() && word.back() == ']') {
                 isOpen = false;
                 word.pop_back();
@@ -128,12 +136,14 @@ private:
             if (!word.empty() && !takeElement(word, value))
                 return false;
         }
+        // Only one of the three is filled.
         const std::size_t all = value.ints.size() + value.floats.size() + value.strings.size();
         const auto size = static_cast<std::size_t>(value.type.components());
         const int length = static_cast<int>(all / size);
         const int wanted = value.type.array == osl_Type::UNSIZED ? length : value.type.array;
         // An array of points is counted in points, not in floats.
         if (all % size == 0 && length > 0 && length == wanted) {
+            // An array without a length of its own gets that of its value.
             value.type.array = length;
             return true;
         }
