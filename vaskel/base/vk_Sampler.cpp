@@ -2,12 +2,21 @@
 
 namespace
 {
+// Reverses the bits of each byte. A sum, as the parts share no bits: one instruction adds and
+// shifts.
+template <class Word>
+Word reverseBytes(Word x)
+{
+    constexpr Word ALL = ~Word{0};
+    constexpr Word ONES = ALL / 3, TWOS = ALL / 5, FOURS = ALL / 17; // 0x55..., 0x33..., 0x0f...
+    x = ((x >> 1) & ONES) + 2 * (x & ONES);
+    x = ((x >> 2) & TWOS) + 4 * (x & TWOS);
+    return ((x >> 4) & FOURS) + 16 * (x & FOURS);
+}
+
 std::uint32_t reverseBits(std::uint32_t x)
 {
-    x = ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
-    x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
-    x = ((x >> 4) & 0x0f0f0f0fu) | ((x & 0x0f0f0f0fu) << 4);
-    return __builtin_bswap32(x);
+    return __builtin_bswap32(reverseBytes(x));
 }
 
 // Scrambles the bits of a reversed number from the lowest up, each by those
@@ -21,11 +30,6 @@ std::uint32_t scrambleReversed(std::uint32_t x, std::uint32_t seed)
     x ^= x * 0xc7afe638u;
     x ^= x * 0x8d22f6e6u;
     return x;
-}
-
-std::uint32_t scramble(std::uint32_t x, std::uint32_t seed)
-{
-    return reverseBits(scrambleReversed(reverseBits(x), seed));
 }
 
 // The second dimension of Sobol's sequence, with its bits reversed: its
@@ -56,15 +60,34 @@ std::uint32_t vk_hash(std::uint32_t x)
     return x ^ (x >> 15);
 }
 
-vk_Square vk_Sampler::square()
+vk_Sampler::vk_Sampler(std::uint32_t seed, std::uint32_t index)
+    : mySeed(seed), myReversed(reverseBits(index))
+{
+}
+
+vk_Sampler::Pair vk_Sampler::next()
 {
     const std::uint32_t seed = vk_hash(mySeed + 0x9e3779b9u * ++myPair);
-    const std::uint32_t index = scramble(myIndex, seed);
-    // The first dimension is the index with its bits reversed, so reversing
-    // before scrambling cancels out.
-    const std::uint32_t first = scrambleReversed(index, seed * 0x9e3779b1u);
-    const std::uint32_t second = scrambleReversed(secondReversed(index), seed * 0x85ebca6bu);
-    return {unit(reverseBits(first)), unit(reverseBits(second))};
+    return {seed, reverseBits(scrambleReversed(myReversed, seed))};
+}
+
+// The first dimension is the index with its bits reversed, so reversing before scrambling
+// cancels out.
+float vk_Sampler::number()
+{
+    const Pair pair = next();
+    return unit(reverseBits(scrambleReversed(pair.index, pair.seed * 0x9e3779b1u)));
+}
+
+// Both numbers are reversed at once, as one of 64 bits.
+vk_Square vk_Sampler::square()
+{
+    const Pair pair = next();
+    const std::uint64_t first = scrambleReversed(pair.index, pair.seed * 0x9e3779b1u);
+    const std::uint64_t second =
+        scrambleReversed(secondReversed(pair.index), pair.seed * 0x85ebca6bu);
+    const std::uint64_t both = __builtin_bswap64(reverseBytes(second << 32 | first));
+    return {unit(static_cast<std::uint32_t>(both >> 32)), unit(static_cast<std::uint32_t>(both))};
 }
 
 // All samples of a pixel fork alike, so that their points stay well spread.

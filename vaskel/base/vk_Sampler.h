@@ -16,18 +16,24 @@ class vk_Sampler
 {
 public:
     // The seed is the pixel's, the index counts its samples from 0.
-    vk_Sampler(std::uint32_t seed, std::uint32_t index) : mySeed(seed), myIndex(index) {}
+    vk_Sampler(std::uint32_t seed, std::uint32_t index);
 
     // The next pair and the next single number, each in [0, 1).
     vk_Square square();
-    float number() { return square().u; }
+    float number();
 
     // Goes on with other pairs than a copy of this sampler does, for a path that parts.
     void fork(std::uint32_t branch);
 
 private:
+    struct Pair {
+        std::uint32_t seed;  // what its coordinates are scrambled with
+        std::uint32_t index; // as it is shuffled for this pair
+    };
+    Pair next();
+
     std::uint32_t mySeed;
-    std::uint32_t myIndex;
+    std::uint32_t myReversed; // the index, from its lowest bit to its highest
     std::uint32_t myPair = 0;
 };
 
