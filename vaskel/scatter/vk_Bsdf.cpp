@@ -8,9 +8,11 @@ constexpr float COAT_STRAIGHT = .04f; // reflectance straight on
 constexpr float ALMOST_ONE = 1 - 0x1p-24f;
 constexpr float LEAST_COSINE = 1e-4f;
 
-float fifthPower(float x)
+// What a boundary lets pass, before a factor that it has for both directions together.
+float passedBoundary(float cosine)
 {
-    return x * x * x * x * x;
+    const float x = 1 - cosine / 2;
+    return 1 - x * x * x * x * x;
 }
 
 vk_Facets facetsOf(const vk_Material &material)
@@ -61,18 +63,25 @@ vk_Colour vk_Material::passesStraight(float cosine) const
 
 vk_Bsdf::vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split,
                  const vk_Vec &along, bool inside)
-    : myMaterial(material), myTop(frameAround(normal, material, along)), myBottom(myTop),
-      myOut(lifted(myTop.toLocal(out))), myLower(myOut), myFacets(facetsOf(material)),
+    : myMaterial(material), myIsGlass(material.isClear()),
+      myHasBoundary(vk_largest(material.edge) > 0 || vk_largest(material.specular) > 0),
+      myTop(frameAround(normal, material, along)), myOut(lifted(myTop.toLocal(out))),
+      myLower(myOut), myFacets(facetsOf(material)),
       myCoat(vk_alpha(material.coatRough), vk_alpha(material.coatRough)),
       myEta(inside ? 1 / material.ior : material.ior)
 {
     if (!(material.tilt == vk_Vec{})) {
-        myBottom = frameAround(vk_normalize(normal + material.tilt), material, along);
-        myLower = lifted(myBottom.toLocal(out));
+        myTilted = frameAround(vk_normalize(normal + material.tilt), material, along);
+        myLower = lifted(myTilted->toLocal(out));
     }
     compensate();
-    myBelow = below(myOut.z);
-    if (material.isClear())
+    if (myHasBoundary)
+        myPassed = passedBoundary(myLower.z);
+    myIsPlain = myMultiple == vk_Colour{} && !myTilted && material.coat <= 0 &&
+                vk_largest(material.sheen) <= 0;
+    if (!myIsPlain)
+        myBelow = below(myOut.z);
+    if (myIsGlass)
         myRounds = split ? 2 : 1;
     else
         share(split);
@@ -98,7 +107,7 @@ void vk_Bsdf::compensate()
     const vk_Material &m = myMaterial;
     if (m.rough < SMOOTH)
         return;
-    if (m.isClear()) {
+    if (myIsGlass) {
         myCompensation = vk_grey(1 / vk_glassAlbedo(myOut.z, m.rough, myEta));
         return;
     }
@@ -127,11 +136,14 @@ void vk_Bsdf::share(bool split)
     constexpr float LEAST = 1e-20f; // less has no inverse to count on
 
     const vk_Material &m = myMaterial;
-    myShare[COAT] = fresnelOfCoat(m, myOut.z);
-    myShare[BOUNDARY] = vk_luminance(fresnel(myLower.z) * myCompensation) * myBelow;
-    myShare[MULTIPLE] = vk_luminance(myMultiple) * myLost * myBelow;
-    if (vk_largest(m.sheen) > 0)
-        myShare[SHEEN] = vk_luminance(m.sheen) * vk_sheenAlbedo(myOut.z, m.sheenRough);
+    if (myHasBoundary)
+        myShare[BOUNDARY] = vk_luminance(fresnel(myLower.z) * myCompensation) * myBelow;
+    if (!myIsPlain) {
+        myShare[COAT] = fresnelOfCoat(m, myOut.z);
+        myShare[MULTIPLE] = vk_luminance(myMultiple) * myLost * myBelow;
+        if (vk_largest(m.sheen) > 0)
+            myShare[SHEEN] = vk_luminance(m.sheen) * vk_sheenAlbedo(myOut.z, m.sheenRough);
+    }
     myShare[BASE] = vk_luminance(m.diffuse) * myBelow;
     const float specular = myShare[COAT] + myShare[BOUNDARY] + myShare[MULTIPLE];
     const float diffuse = myShare[SHEEN] + myShare[BASE];
@@ -146,7 +158,7 @@ void vk_Bsdf::share(bool split)
         myShare[part] *= part <= MULTIPLE ? toSpecular : toDiffuse;
 }
 
-vk_Colour vk_Bsdf::fresnel(float cosine) const
+inline vk_Colour vk_Bsdf::fresnel(float cosine) const
 {
     return vk_schlick(myMaterial.specular, myMaterial.edge, cosine);
 }
@@ -161,45 +173,68 @@ float vk_Bsdf::below(float cosine) const
     return left;
 }
 
-vk_Colour vk_Bsdf::base(float cosIn) const
+inline vk_Colour vk_Bsdf::base(float cosIn) const
 {
-    const float through =
-        28.0f / 23 * (1 - fifthPower(1 - cosIn / 2)) * (1 - fifthPower(1 - myLower.z / 2));
+    if (!myHasBoundary)
+        return myMaterial.diffuse * (1 / VK_PI);
+    const float through = 28.0f / 23 * passedBoundary(cosIn) * myPassed;
     const vk_Colour &edge = myMaterial.edge, &straight = myMaterial.specular;
     // What Schlick's formula leaves: 1 less `edge` everywhere, and of the rest what is not
     // reflected straight on, less towards the edge.
     return myMaterial.diffuse * (vk_grey(1) - edge + (edge - straight) * through) * (1 / VK_PI);
 }
 
+inline void vk_Bsdf::addBoundary(const vk_Vec &in, float left, vk_Scattered &scattered,
+                                 float &density) const
+{
+    const vk_Vec h = vk_normalize(in + myLower);
+    const float facets = myFacets.density(h);
+    scattered.specular +=
+        fresnel(vk_dot(h, in)) * myCompensation * (facets * myFacets.shared(in, myLower) * left);
+    density += myShare[BOUNDARY] * facets * myFacets.visible(myLower) / (4 * myLower.z);
+}
+
+inline void vk_Bsdf::addBase(float cosine, float left, vk_Scattered &scattered,
+                             float &density) const
+{
+    scattered.diffuse += base(cosine) * left;
+    density += myShare[BASE] * cosine / VK_PI;
+}
+
 vk_Scattered vk_Bsdf::evaluate(const vk_Vec &in, float &density) const
 {
     density = 0;
-    if (myMaterial.isClear())
+    if (myIsGlass)
         return evaluateGlass(myTop.toLocal(in), density);
-    const vk_Vec local = myTop.toLocal(in);
-    if (local.z <= 0)
+    const float cosine = vk_dot(in, normal());
+    if (cosine <= 0)
         return {};
+    if (!myIsPlain)
+        return evaluateLayers(in, density);
+    vk_Scattered scattered;
+    if (myShare[BOUNDARY] > 0)
+        addBoundary(myTop.toLocal(in), cosine, scattered, density);
+    if (myShare[BASE] > 0)
+        addBase(cosine, cosine, scattered, density);
+    return scattered;
+}
+
+vk_Scattered vk_Bsdf::evaluateLayers(const vk_Vec &in, float &density) const
+{
+    const vk_Vec local = myTop.toLocal(in), lower = bottom().toLocal(in);
     vk_Scattered scattered = evaluateTop(local, density);
-    const vk_Vec lower = myBottom.toLocal(in);
     if (lower.z <= 0)
         return scattered;
     const float left = myBelow * below(local.z) * lower.z;
-    if (myShare[BOUNDARY] > 0) {
-        const vk_Vec h = vk_normalize(lower + myLower);
-        const float facets = myFacets.density(h);
-        scattered.specular += fresnel(vk_dot(h, lower)) * myCompensation *
-                              (facets * myFacets.shared(lower, myLower) * left);
-        density += myShare[BOUNDARY] * facets * myFacets.visible(myLower) / (4 * myLower.z);
-    }
+    if (myShare[BOUNDARY] > 0)
+        addBoundary(lower, left, scattered, density);
     if (myShare[MULTIPLE] > 0) {
         const float lost = 1 - vk_facetAlbedo(lower.z, myFacets.rough());
         scattered.specular += myMultiple * (myLost * lost / (myMeanLost * VK_PI) * left);
         density += myShare[MULTIPLE] * lower.z / VK_PI;
     }
-    if (myShare[BASE] > 0) {
-        scattered.diffuse += base(lower.z) * left;
-        density += myShare[BASE] * lower.z / VK_PI;
-    }
+    if (myShare[BASE] > 0)
+        addBase(lower.z, left, scattered, density);
     return scattered;
 }
 
@@ -262,17 +297,17 @@ vk_Vec vk_Bsdf::samplePart(Part part, const vk_Square &at) const
     if (part == COAT)
         return myTop.toWorld(mirrored(myOut, myCoat.sample(myOut, at)));
     if (part == BOUNDARY)
-        return myBottom.toWorld(mirrored(myLower, myFacets.sample(myLower, at)));
+        return bottom().toWorld(mirrored(myLower, myFacets.sample(myLower, at)));
     if (part == SHEEN)
         return myTop.toWorld(vk_toCap(at, 1));
     vk_Vec disc = vk_toDisc(at);
     disc.z = std::sqrt(std::max(0.0f, 1 - disc.x * disc.x - disc.y * disc.y));
-    return myBottom.toWorld(disc);
+    return bottom().toWorld(disc);
 }
 
 vk_Vec vk_Bsdf::sample(const vk_Square &at, int round, float choice) const
 {
-    if (myMaterial.isClear())
+    if (myIsGlass)
         return sampleGlass(at, round, choice);
     // The choice takes its number from the first coordinate and stretches the
     // rest, which keeps all parts well spread.

@@ -18,6 +18,8 @@
 #include "vaskel/scatter/vk_Material.h"
 #include "vaskel/scatter/vk_Microfacet.h"
 
+#include <optional>
+
 // What reaches the viewer by way of the coat, the boundary and the glass (specular),
 // and by way of the base and the sheen (diffuse).
 struct vk_Scattered {
@@ -53,8 +55,10 @@ public:
 
     // Whether it has a part that scatters widely.
     bool isDiffuse() const { return myShare[SHEEN] > 0 || myShare[BASE] > 0; }
-    bool isGlass() const { return myMaterial.isClear(); }
-    bool isSmoothGlass() const { return myMaterial.isSmoothGlass(); }
+    // Above which evaluate() gives something, but for glass.
+    const vk_Vec &normal() const { return myTop.normal; }
+    bool isGlass() const { return myIsGlass; }
+    bool isSmoothGlass() const { return myIsGlass && myMaterial.isSmoothGlass(); }
 
     // Reflected or refracted radiance per irradiance from `in`, times the cosine
     // there; and the density, per solid angle, with which sample() draws it. Both
@@ -75,23 +79,32 @@ private:
     vk_Colour fresnel(float cosine) const;
     vk_Colour base(float cosIn) const;
     float below(float cosine) const;
+    const vk_Frame &bottom() const { return myTilted ? *myTilted : myTop; }
+    // Apart from plain surfaces, whose evaluate() then needs no room on the stack.
+    [[gnu::noinline]] vk_Scattered evaluateLayers(const vk_Vec &in, float &density) const;
+    [[gnu::noinline]] vk_Scattered evaluateGlass(const vk_Vec &in, float &density) const;
     vk_Scattered evaluateTop(const vk_Vec &in, float &density) const;
-    vk_Scattered evaluateGlass(const vk_Vec &in, float &density) const;
+    void addBoundary(const vk_Vec &in, float left, vk_Scattered &scattered, float &density) const;
+    void addBase(float cosine, float left, vk_Scattered &scattered, float &density) const;
     vk_Vec sampleGlass(const vk_Square &at, int round, float choice) const;
     vk_Vec samplePart(Part part, const vk_Square &at) const;
 
     const vk_Material &myMaterial;
-    vk_Frame myTop;    // of the coat and the sheen,
-    vk_Frame myBottom; // and of what lies below
-    vk_Vec myOut;      // in myTop
-    vk_Vec myLower;    // the same in myBottom
+    bool myIsGlass;
+    bool myHasBoundary;
+    bool myIsPlain = false;           // has a boundary and a base at most, around the same normal
+    vk_Frame myTop;                   // of the coat and the sheen, and of what lies below
+    std::optional<vk_Frame> myTilted; // where that is not turned
+    vk_Vec myOut;                     // in myTop
+    vk_Vec myLower;                   // in bottom()
     vk_Facets myFacets, myCoat;
     float myEta; // glass: index of the far side over the near side
     vk_Colour myCompensation = {1, 1, 1};
     vk_Colour myMultiple; // of metal: what arrives and is lost when facets scatter it once
     float myLost = 0;     // what of it the wide lobe gets, for the viewer's direction;
     float myMeanLost = 1; // all of it, for all directions
-    float myBelow = 1;    // share that coat and sheen leave on the way out
+    float myPassed = 1;   // share that the boundary lets pass on the way out, before a factor,
+    float myBelow = 1;    // and that coat and sheen leave on the way out
     int myRounds = 1;
     float myShare[PARTS] = {}; // samples of each part
 };
