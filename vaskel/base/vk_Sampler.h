@@ -21,6 +21,8 @@ public:
     // The next pair and the next single number, each in [0, 1).
     vk_Square square();
     float number();
+    // Leaves out one of either, for which nobody has use.
+    void skip() { ++myPair; }
 
     // Goes on with other pairs than a copy of this sampler does, for a path that parts.
     void fork(std::uint32_t branch);

@@ -14,8 +14,10 @@ bool isInside(const vk_Hit &hit, const vk_Vec &direction)
 vk_DirectLight::vk_DirectLight(const vk_Scene &scene, const vk_World &world, const vk_Fog &fog)
     : myScene(scene), myFog(fog), myShadows(scene, world)
 {
-    for (const auto &light : scene.lights)
+    for (const auto &light : scene.lights) {
         myTotal += light->strength();
+        myBounds.emplace_back(*light);
+    }
 }
 
 // How many samples a light gets on average.
@@ -38,8 +40,8 @@ vk_DirectLight::Choice vk_DirectLight::choose(std::size_t i, int samples, float 
 {
     const bool all = myScene.lights.size() <= static_cast<std::size_t>(samples);
     const float at = (static_cast<float>(i) + offset) / static_cast<float>(samples);
-    const vk_Light &light = *myScene.lights[all ? i : pick(at)];
-    return {&light, expected(light, samples)};
+    const std::size_t light = all ? i : pick(at);
+    return {light, expected(*myScene.lights[light], samples)};
 }
 
 // The light at a place from 0 to 1 on the scale of all strengths.
@@ -52,18 +54,23 @@ std::size_t vk_DirectLight::pick(float at) const
     return i;
 }
 
-// Of a shadow ray: beside the sample when shadows are softer or harder than lights are wide.
-vk_Segment vk_DirectLight::wayTo(const vk_Vec &from, const vk_Light &light,
-                                 const vk_LightSample &sample) const
+// Beside the direction of a sample, as shadows are softer or harder than lights are wide.
+vk_Vec vk_DirectLight::softened(const vk_Vec &from, const vk_Light &light,
+                                const vk_Vec &direction) const
 {
-    const float soft = myShadows.shadow().soft;
-    vk_Segment way = {from, sample.direction, sample.distance * NOT_QUITE};
-    if (soft == 1)
-        return way;
     const vk_LightSample centre = light.middle(from);
-    if (centre.density > 0)
-        way.direction = vk_normalize(vk_mix(centre.direction, sample.direction, soft));
-    return way;
+    if (centre.density <= 0)
+        return direction;
+    return vk_normalize(vk_mix(centre.direction, direction, myShadows.shadow().soft));
+}
+
+// Of a shadow ray.
+inline vk_Segment vk_DirectLight::wayTo(const vk_Vec &from, const vk_Light &light,
+                                        const vk_LightSample &sample) const
+{
+    const bool isAimed = myShadows.shadow().soft == 1;
+    return {from, isAimed ? sample.direction : softened(from, light, sample.direction),
+            sample.distance * NOT_QUITE};
 }
 
 vk_NextEvent vk_DirectLight::atVertex(const vk_Bsdf &bsdf, int samples,
@@ -111,7 +118,12 @@ void vk_DirectLight::sample(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Nex
     const float offset = count < myScene.lights.size() ? path.sampler().number() : 0;
     for (std::size_t i = 0; i < count; ++i) {
         const Choice choice = choose(i, vertex.samples, offset);
-        const vk_LightSample sample = choice.light->sample(hit.position, path.sampler().square());
+        if (!bsdf.isGlass() && myBounds[choice.light].isBelow(hit.position, bsdf.normal())) {
+            path.sampler().skip();
+            continue;
+        }
+        const vk_Light &lamp = *myScene.lights[choice.light];
+        const vk_LightSample sample = lamp.sample(hit.position, path.sampler().square());
         vk_MisPdfs pdfs = {sample.density * choice.expected, 0, vertex.peakPdf};
         if (pdfs.light <= 0 || (bsdf.isGlass() && isInside(hit, sample.direction)))
             continue;
@@ -125,10 +137,10 @@ void vk_DirectLight::sample(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Nex
         // A glossy vertex sends rays through smooth glass to the same light: these share.
         const bool refracts = !path.isWide() && vk_isSpecular(pdfs.bsdf);
         queue.samples.push_back({light, pdfs, refracts ? VK_REFRACTED : VK_STRAIGHT});
-        queue.rays.push_back({wayTo(from, *choice.light, sample)});
+        queue.rays.emplace_back().way = wayTo(from, lamp, sample);
     }
     if (queue.samples.size() > before)
-        queue.vertices.push_back({path, vertex, queue.samples.size()});
+        queue.vertices.emplace_back(path, vertex, queue.samples.size());
 }
 
 void vk_DirectLight::collect(vk_LightQueue &queue) const
@@ -174,21 +186,24 @@ vk_Colour vk_DirectLight::met(const vk_Vec &origin, const vk_Vec &direction, flo
     const vk_Shadow &shadow = myShadows.shadow();
     const vk_Colour whenHidden = next.shadowIsCounted ? vk_Colour{} : shadow.left;
     vk_Colour sum;
-    for (const auto &light : myScene.lights) {
-        const vk_LightSample seen = light->hit(origin, direction);
+    for (std::size_t i = 0; i < myBounds.size(); ++i) {
+        if (!myBounds[i].mayMeet(origin, direction))
+            continue;
+        const vk_Light &light = *myScene.lights[i];
+        const vk_LightSample seen = light.hit(origin, direction);
         if (seen.density <= 0)
             continue;
         // The vertex saw the light in about the same direction, had the way been straight.
         const vk_Vec vertex = origin - direction * next.distance;
         const float density =
-            next.distance > 0 ? light->hit(vertex, direction).density : seen.density;
+            next.distance > 0 ? light.hit(vertex, direction).density : seen.density;
         const vk_Between between = next.isRefracted ? VK_SMOOTH_GLASS : VK_NOTHING;
-        const vk_MisPdfs pdfs = {density * expected(*light, next.samples), next.bsdfPdf,
+        const vk_MisPdfs pdfs = {density * expected(light, next.samples), next.bsdfPdf,
                                  next.peakPdf};
         const float weight = vk_misWeights(between, next.onwards(), pdfs).ray;
         const float passes = myFog.passes(origin, direction, seen.distance);
         const bool hidden = shadow.soft == 1 ? seen.distance >= distance
-                                             : myShadows.isOccluded(wayTo(origin, *light, seen));
+                                             : myShadows.isOccluded(wayTo(origin, light, seen));
         sum += seen.radiance * (hidden ? whenHidden : vk_grey(1)) * (weight * passes);
     }
     return sum * next.left;
@@ -196,8 +211,9 @@ vk_Colour vk_DirectLight::met(const vk_Vec &origin, const vk_Vec &direction, flo
 
 bool vk_DirectLight::isAhead(const vk_Vec &origin, const vk_Vec &direction) const
 {
-    for (const auto &light : myScene.lights)
-        if (light->hit(origin, direction).density > 0)
+    for (std::size_t i = 0; i < myBounds.size(); ++i)
+        if (myBounds[i].mayMeet(origin, direction) &&
+            myScene.lights[i]->hit(origin, direction).density > 0)
             return true;
     return false;
 }

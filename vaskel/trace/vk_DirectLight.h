@@ -5,6 +5,7 @@
 // what is left for the ray that goes on is shared out in vk_NextEvent.h.
 #pragma once
 
+#include "vaskel/lights/vk_LightBound.h"
 #include "vaskel/trace/vk_Fog.h"
 #include "vaskel/trace/vk_LightQueue.h"
 
@@ -48,7 +49,7 @@ public:
 
 private:
     struct Choice {
-        const vk_Light *light;
+        std::size_t light;
         float expected; // samples of it on average
     };
     Choice choose(std::size_t i, int samples, float offset) const;
@@ -57,6 +58,7 @@ private:
     std::size_t pick(float at) const;
     vk_Colour inScattered(const vk_Light &light, const vk_Vec &origin, const vk_Vec &direction,
                           float distance, vk_Sampler &sampler) const;
+    vk_Vec softened(const vk_Vec &from, const vk_Light &light, const vk_Vec &direction) const;
     vk_Segment wayTo(const vk_Vec &from, const vk_Light &light, const vk_LightSample &sample) const;
     vk_Scattered arriving(const vk_LightQueue::Sample &sample, const vk_ShadowRay &ray,
                           const vk_NextEvent &vertex) const;
@@ -64,5 +66,6 @@ private:
     const vk_Scene &myScene;
     const vk_Fog &myFog;
     vk_Shadows myShadows;
-    float myTotal = 0; // strength of all lights
+    std::vector<vk_LightBound> myBounds; // of the scene's lights, one by one
+    float myTotal = 0;                   // strength of all lights
 };

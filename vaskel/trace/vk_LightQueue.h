@@ -13,6 +13,10 @@ struct vk_LightQueue {
         vk_Onwards onwards; // of the path's ray at glass
     };
     struct Vertex {
+        Vertex(const vk_Path &p, const vk_NextEvent &next, std::size_t endOfSamples)
+            : path(p), nextEvent(next), end(endOfSamples)
+        {
+        }
         vk_Path path; // as it arrived
         vk_NextEvent nextEvent;
         std::size_t end; // of its samples
