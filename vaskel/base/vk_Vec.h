@@ -71,7 +71,9 @@ inline float vk_length(const vk_Vec &a)
 }
 inline float vk_largest(const vk_Vec &a)
 {
-    return std::max(a.x, std::max(a.y, a.z));
+    // By value, not std::max: it leaves no branch.
+    const float ofTwo = a.y < a.z ? a.z : a.y;
+    return a.x < ofTwo ? ofTwo : a.x;
 }
 inline bool vk_isFinite(const vk_Vec &a)
 {

@@ -4,18 +4,25 @@
 
 void vk_HitBatch::clear()
 {
-    myHits.clear();
+    mySize = 0;
     myOrder.clear();
     mySurfaces.clear();
     myPoints.clear();
 }
 
+vk_Hit &vk_HitBatch::add()
+{
+    if (mySize == myHits.size())
+        myHits.emplace_back();
+    return myHits[mySize++];
+}
+
 // In the order of each surface's first hit: results must not depend on addresses.
 void vk_HitBatch::sort()
 {
-    for (const vk_Hit &hit : myHits)
-        if (std::find(mySurfaces.begin(), mySurfaces.end(), hit.surface) == mySurfaces.end())
-            mySurfaces.push_back(hit.surface);
+    for (std::size_t i = 0; i < size(); ++i)
+        if (std::find(mySurfaces.begin(), mySurfaces.end(), myHits[i].surface) == mySurfaces.end())
+            mySurfaces.push_back(myHits[i].surface);
     // Surfaces are so few that a walk for each costs less than sorting.
     for (const vk_SurfaceShader *const surface : mySurfaces)
         for (std::size_t i = 0; i < size(); ++i)

@@ -11,9 +11,9 @@ public:
     void clear();
 
     // One more, to be filled in before the next; and takes the last one back.
-    vk_Hit &add() { return myHits.emplace_back(); }
-    void dropLast() { myHits.pop_back(); }
-    std::size_t size() const { return myHits.size(); }
+    vk_Hit &add();
+    void dropLast() { --mySize; }
+    std::size_t size() const { return mySize; }
 
     // Asks, for paths or for shadows (see vk_SurfaceShader).
     void shade();
@@ -23,6 +23,7 @@ public:
     // its index in the order of add().
     const vk_Hit &hit(std::size_t i) const { return myHits[myOrder[i]]; }
     const vk_Material &material(std::size_t i) const { return myMaterials[i]; }
+    vk_Material &material(std::size_t i) { return myMaterials[i]; }
     std::size_t index(std::size_t i) const { return myOrder[i]; }
 
 private:
@@ -30,7 +31,9 @@ private:
     template <class Ask>
     void askEach(Ask ask);
 
+    // Never shrinks: to set up hits anew, only to be filled in, takes as long as to fill them in.
     std::vector<vk_Hit> myHits;
+    std::size_t mySize = 0; // of them are there
     std::vector<std::size_t> myOrder;
     std::vector<const vk_SurfaceShader *> mySurfaces;
     std::vector<vk_SurfacePoint> myPoints; // in order,

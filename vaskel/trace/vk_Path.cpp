@@ -20,7 +20,7 @@ vk_Colour shareOf(const vk_Colour &part, const vk_Colour &whole)
 }
 } // namespace
 
-void vk_Path::add(const vk_Colour &radiance)
+void vk_Path::addLight(const vk_Colour &radiance)
 {
     vk_Colour arrived = myThroughput * radiance;
     // What the first wide vertex finds is kept quiet by MIS. In the scene's units, whatever

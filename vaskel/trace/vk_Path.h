@@ -51,12 +51,21 @@ public:
     // Whether little of what it finds reaches the camera.
     static constexpr float FAINT = .12f;
     bool isFaint() const { return vk_largest(myThroughput) < FAINT; }
+    // Whether it may meet a light before it is scattered again; so it may until somebody finds
+    // that it does not.
+    bool mayMeetLight() const { return myMayMeetLight; }
+    void findLight(bool isAhead) { myMayMeetLight = isAhead; }
     // Whether it was scattered widely. Behind that, all is blurred (see vk_PathTracer.h).
     bool isWide() const { return myIsWide; }
     bool hasSpecularLayer() const { return !(mySpecularShare == vk_Colour{}); }
 
     // Light that arrives along the ray, sent on to the camera.
-    void add(const vk_Colour &radiance);
+    void add(const vk_Colour &radiance)
+    {
+        // Most surfaces give no light of their own, and most rays meet no light.
+        if (!(radiance == vk_Colour{}))
+            addLight(radiance);
+    }
     // The same for light that the surface of a vertex scattered towards the ray's origin.
     void add(const vk_Scattered &radiance);
 
@@ -94,6 +103,7 @@ public:
     vk_Path fork(std::uint32_t branch) const;
 
 private:
+    void addLight(const vk_Colour &radiance);
     void setNextEvent(const vk_Hit &hit, const vk_Bsdf &bsdf, float pdf, bool isAbove,
                       const vk_NextEvent &atVertex, const vk_NextEvent &throughGlass);
 
@@ -107,4 +117,5 @@ private:
     int myPassings = 0;
     int myDielectricBounces = 0;
     bool myIsWide = false;
+    bool myMayMeetLight = true;
 };

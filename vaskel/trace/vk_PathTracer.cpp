@@ -42,7 +42,11 @@ class Meter
 {
 public:
     explicit Meter(vk_View &view) : myView(view), myBegin(vk_myRays.sum()) {}
-    ~Meter() { myView.cost += static_cast<float>(vk_myRays.sum() - myBegin); }
+    ~Meter()
+    {
+        // A signed number becomes a float at once, one without a sign by cases.
+        myView.cost += static_cast<float>(static_cast<std::int64_t>(vk_myRays.sum() - myBegin));
+    }
     Meter(const Meter &) = delete;
     Meter &operator=(const Meter &) = delete;
 
@@ -97,7 +101,7 @@ void describe(const vk_Hit &hit, const vk_Material &material, vk_Path &path)
 // A path that has met a surface, and what the surface is made of there.
 struct vk_PathTracer::Vertex {
     const vk_Hit &hit;
-    const vk_Material &material;
+    vk_Material &material; // for this path alone
 };
 
 // What goes on from the vertices of many paths: paths, and light samples on their way.
@@ -123,8 +127,10 @@ vk_View vk_PathTracer::Li(const vk_Vec &origin, const vk_Vec &direction,
 
 void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
 {
-    vk_HitBatch hits;
-    Outgoing outgoing;
+    // One of each thread: to set them up for every wave takes as long as the arithmetic at a
+    // tenth of its vertices. What is called from here must not wait for tasks of other waves.
+    thread_local vk_HitBatch hits;
+    thread_local Outgoing outgoing;
     while (!paths.empty()) {
         hits.clear();
         std::size_t arrived = 0;
@@ -154,7 +160,7 @@ bool vk_PathTracer::arrive(vk_Path &path, vk_Hit &hit) const
     ++(path.isCameraRay() ? vk_myRays.camera : vk_myRays.scattered);
     const bool met = myWorld.intersect(path.origin(), path.direction(), hit);
     const float distance = met ? hit.distance : FOREVER;
-    if (path.nextEvent().bsdfPdf > 0)
+    if (path.nextEvent().bsdfPdf > 0 && path.mayMeetLight())
         path.add(myDirectLight.met(path.origin(), path.direction(), distance, path.nextEvent()));
     crossFog(path, distance);
     if (!met) {
@@ -175,7 +181,8 @@ bool vk_PathTracer::arrive(vk_Path &path, vk_Hit &hit) const
 void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoing) const
 {
     const vk_Hit &hit = vertex.hit;
-    vk_Material material = vertex.material;
+    vk_Material &material = vertex.material;
+    const bool isGlass = material.isClear();
     path.add(material.emission);
     if (path.vertices() == MOST_VERTICES ||
         (!material.isWhole() && !choosePart(hit, material, path, outgoing)))
@@ -184,9 +191,9 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
         describe(hit, material, path);
     if (!material.reflects())
         return;
-    if (material.isClear() && hit.inside)
+    if (isGlass && hit.inside)
         path.attenuate(material.absorbed(hit.distance));
-    if (material.isClear() && path.isWide()) {
+    if (isGlass && path.isWide()) {
         lookThrough(hit, material, path);
         if (survives(path))
             outgoing.paths.push_back(path);
@@ -203,8 +210,8 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
     const vk_Vec out = -path.direction();
     const vk_Vec &normal = vk_dot(hit.normal, out) > 0 ? hit.normal : hit.facet;
     const vk_Vec along = material.brushed > 0 ? myWorld.along(hit) : vk_Vec{};
-    const bool splits = material.isSmoothGlass() ? path.dielectricBounces() < MOST_SPLITS
-                                                 : path.isCameraRay() && !material.isClear();
+    const bool splits = isGlass ? material.isSmoothGlass() && path.dielectricBounces() < MOST_SPLITS
+                                : path.isCameraRay();
     const vk_Bsdf bsdf(material, normal, out, splits, along, hit.inside);
     scatter(hit, bsdf, path, outgoing);
 }
@@ -239,8 +246,9 @@ bool vk_PathTracer::choosePart(const vk_Hit &hit, const vk_Material &material, v
 void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &path,
                             Outgoing &outgoing) const
 {
-    const vk_NextEvent throughGlass = myDirectLight.throughGlass(path.nextEvent(), hit.distance);
-    vk_NextEvent vertex;
+    vk_NextEvent throughGlass, vertex;
+    if (bsdf.isGlass())
+        throughGlass = myDirectLight.throughGlass(path.nextEvent(), hit.distance);
     if (!bsdf.isSmoothGlass()) {
         const bool leavesGlass = bsdf.isGlass() && hit.inside;
         const bool countsLittle = path.isWide() || path.isFaint();
@@ -250,11 +258,12 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
         myDirectLight.sample(hit, bsdf, vertex, path, outgoing.lights);
     }
     for (int round = 0; round < bsdf.rounds(); ++round) {
-        vk_Path next = round == 0 ? path : path.fork(OTHER_LOBE);
+        outgoing.paths.push_back(round == 0 ? path : path.fork(OTHER_LOBE));
+        vk_Path &next = outgoing.paths.back();
         const float choice = bsdf.isGlass() ? next.sampler().number() : 0;
         const vk_Vec direction = bsdf.sample(next.sampler().square(), round, choice);
-        if (next.scatter(hit, bsdf, direction, vertex, throughGlass) && survives(next))
-            outgoing.paths.push_back(next);
+        if (!next.scatter(hit, bsdf, direction, vertex, throughGlass) || !survives(next))
+            outgoing.paths.pop_back();
     }
 }
 
@@ -262,7 +271,8 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
 // brighter than all else; and most others find what the environment shows.
 bool vk_PathTracer::survives(vk_Path &path) const
 {
-    if (!path.isFaint() || myDirectLight.isAhead(path.origin(), path.direction()))
+    path.findLight(!path.isFaint() || myDirectLight.isAhead(path.origin(), path.direction()));
+    if (path.mayMeetLight())
         return true;
     return path.survivesRoulette(myScene.environment->light(path.direction()));
 }

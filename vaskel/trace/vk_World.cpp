@@ -8,21 +8,20 @@
 
 namespace
 {
-// More than vk_Hit::start() moves rays off shapes nearby.
-constexpr float TOUCHING = 5e-5f;
-
-RTCRay rayOf(const vk_Vec &origin, const vk_Vec &direction, float distance)
+void aim(RTCRay &ray, const vk_Vec &origin, const vk_Vec &direction, float distance)
 {
-    RTCRay ray = {};
     ray.org_x = origin.x;
     ray.org_y = origin.y;
     ray.org_z = origin.z;
     ray.dir_x = direction.x;
     ray.dir_y = direction.y;
     ray.dir_z = direction.z;
+    ray.tnear = 0;
     ray.tfar = distance;
+    ray.time = 0;
     ray.mask = ~0u;
-    return ray;
+    ray.id = 0;
+    ray.flags = 0;
 }
 } // namespace
 
@@ -134,19 +133,6 @@ vk_World::vk_World(const vk_Scene &scene)
 
 vk_World::~vk_World() = default;
 
-vk_Vec vk_Hit::start(const vk_Vec &direction) const
-{
-    // Floats near the position are this far apart, with a margin for the
-    // rounding of the intersection itself.
-    const float size =
-        vk_largest({std::abs(position.x), std::abs(position.y), std::abs(position.z)});
-    // Past the floor, so far that it is not met again.
-    if (isFloor && direction.y < 0)
-        return position - vk_Vec{0, 2 * TOUCHING * (1 + size), 0};
-    const float off = 1e-5f * std::max(size, 1.0f) + 1e-5f * distance;
-    return position + facet * (vk_dot(facet, direction) < 0 ? -off : off);
-}
-
 void vk_World::encloseShapes()
 {
     constexpr float FAR = std::numeric_limits<float>::max();
@@ -167,16 +153,6 @@ void vk_World::encloseShapes()
         }
 }
 
-// Most rays of a small scene miss everything; this is cheaper than asking.
-bool vk_World::mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const
-{
-    const vk_Vec way = myCentre - origin;
-    if (vk_dot(way, way) <= myRadius2)
-        return true;
-    const vk_Vec beside = vk_cross(way, direction);
-    return vk_dot(way, direction) > 0 && vk_dot(beside, beside) <= myRadius2;
-}
-
 // A shape that stands on the floor touches it: rays that leave its bottom begin a little
 // below the floor, and meet it there.
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const
@@ -184,10 +160,11 @@ bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &d
     constexpr float FOREVER = std::numeric_limits<float>::infinity();
 
     distance = FOREVER;
-    if (myScene.floor == nullptr || direction.y == 0)
+    if (myScene.floor == nullptr || direction.y == 0 || (direction.y > 0 && origin.y >= 0))
         return false;
     const float size = std::max(std::abs(origin.x), std::abs(origin.z));
-    const bool touches = direction.y < 0 && origin.y <= 0 && origin.y > -TOUCHING * (1 + size);
+    const bool touches =
+        direction.y < 0 && origin.y <= 0 && origin.y > -vk_Hit::TOUCHING * (1 + size);
     const float to = touches ? 0 : -origin.y / direction.y;
     if (!touches && !(to > 0 && to < FOREVER))
         return false;
@@ -241,10 +218,10 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
 {
     float toFloor = 0;
     const bool onFloor = meetFloor(origin, direction, toFloor) && toFloor <= length;
-    RTCRayHit query = {};
-    query.ray = rayOf(origin, direction, std::min(toFloor, length));
+    RTCRayHit query;
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
     if (mayMeetShapes(origin, direction)) {
+        aim(query.ray, origin, direction, std::min(toFloor, length));
         RTCIntersectContext context;
         rtcInitIntersectContext(&context);
         rtcIntersect1(myEmbree->scene, &context, &query);
@@ -304,7 +281,8 @@ bool vk_World::occluded(const vk_Segment &way) const
         return true;
     if (!mayMeetShapes(way.origin, way.direction))
         return false;
-    RTCRay ray = rayOf(way.origin, way.direction, way.distance);
+    RTCRay ray;
+    aim(ray, way.origin, way.direction, way.distance);
     RTCIntersectContext context;
     rtcInitIntersectContext(&context);
     rtcOccluded1(myEmbree->scene, &context, &ray);

@@ -23,7 +23,21 @@ struct vk_Hit {
     unsigned shape = 0, triangle = 0; // of the world's
 
     // Where rays start that leave to a direction: off the surface, on that side.
-    vk_Vec start(const vk_Vec &direction) const;
+    vk_Vec start(const vk_Vec &direction) const
+    {
+        // Floats near the position are this far apart, with a margin for the
+        // rounding of the intersection itself.
+        const float size =
+            vk_largest({std::abs(position.x), std::abs(position.y), std::abs(position.z)});
+        // Past the floor, so far that it is not met again.
+        if (isFloor && direction.y < 0)
+            return position - vk_Vec{0, 2 * TOUCHING * (1 + size), 0};
+        const float off = 1e-5f * std::max(size, 1.0f) + 1e-5f * distance;
+        return position + facet * (vk_dot(facet, direction) < 0 ? -off : off);
+    }
+
+    // More than start() moves rays off shapes nearby.
+    static constexpr float TOUCHING = 5e-5f;
 };
 
 // A way to look along.
@@ -66,7 +80,16 @@ private:
 
     // False, with an infinite distance, when the floor is not on the way.
     bool meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const;
-    bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const;
+    // Whether a ray goes through the ball around all shapes. Most rays of a small scene miss
+    // everything; this is cheaper than asking.
+    bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const
+    {
+        constexpr float ROUNDING = 1e-5f;
+        const vk_Vec way = myCentre - origin;
+        const float along = vk_dot(way, direction), far2 = vk_dot(way, way);
+        return far2 <= myRadius2 ||
+               (along > 0 && far2 - along * along <= myRadius2 + ROUNDING * far2);
+    }
     void encloseShapes();
     void describeGeometry(const vk_Vec &direction, vk_Hit &hit) const;
     void describeShape(unsigned geometry, unsigned quad, float u, float v, vk_Hit &hit) const;
@@ -74,9 +97,9 @@ private:
     const vk_Scene &myScene;
     std::vector<std::unique_ptr<Shape>> myShapes; // by Embree's geometry number
     std::unique_ptr<Embree> myEmbree;
-    float myPixel;        // how wide one is, at a distance of 1 from the camera
-    vk_Vec myCentre;      // of a ball around all shapes;
-    float myRadius2 = -1; // the square, below 0: no shapes
+    float myPixel;   // how wide one is, at a distance of 1 from the camera
+    vk_Vec myCentre; // of a ball around all shapes;
+    float myRadius2 = -std::numeric_limits<float>::infinity(); // the square; or no shapes
     bool myHasGlass = false;
     std::string myError;
 };
