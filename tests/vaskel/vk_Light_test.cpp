@@ -1,5 +1,6 @@
 #include "tests/support/PlainText.h"
 #include "vaskel/base/vk_Sampler.h"
+#include "vaskel/lights/vk_LightBound.h"
 #include "vaskel/lights/vk_LightShaders.h"
 
 #include <gtest/gtest.h>
@@ -169,4 +170,30 @@ TEST(Sampler, EveryPairSpreadsItsFirstSixteenSamplesOverAllCells)
                 EXPECT_TRUE(cells[i] == 1 && columns[i] == 1 && rows[i] == 1)
                     << pixel << " " << pair;
         }
+}
+
+TEST(LightBound, RulesOutMostRaysAndNoneThatMeetTheLight)
+{
+    constexpr std::uint32_t COUNT = 4096;
+    for (const char *line : LIGHTS) {
+        SCOPED_TRACE(line);
+        const auto light = makeLight(line);
+        const vk_LightBound bound(*light);
+        std::uint32_t ruledOut = 0;
+        for (std::uint32_t i = 0; i < COUNT; ++i) {
+            vk_Sampler sampler(7, i);
+            const vk_Vec place = vk_toDisc(sampler.square()) * 8;
+            const vk_Vec direction = vk_toCap(sampler.square(), 2);
+            const vk_LightSample sample = light->sample(place, sampler.square());
+            const bool mayMeet = bound.mayMeet(place, direction);
+            ruledOut += mayMeet ? 0 : 1;
+            EXPECT_TRUE(mayMeet || light->hit(place, direction).density <= 0);
+            if (sample.density <= 0)
+                continue;
+            EXPECT_TRUE(bound.mayMeet(place, sample.direction));
+            EXPECT_TRUE(!bound.isBelow(place, direction) ||
+                        vk_dot(direction, sample.direction) <= 0);
+        }
+        EXPECT_EQ(light->place() != nullptr, ruledOut > COUNT / 2);
+    }
 }
