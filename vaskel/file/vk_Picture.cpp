@@ -2,7 +2,6 @@
 
 #include <csetjmp>
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 #include <jpeglib.h>
@@ -43,6 +42,36 @@ extern "C" void escapeFromJpeg(j_common_ptr info)
     std::longjmp(errors->escape, 1);
 }
 
+// Appends to a file in memory. Not jpeg_mem_dest(), which tells its caller of a buffer that grew
+// only at the end: after an error in between the caller would free one that is gone.
+struct JpegFile {
+    jpeg_destination_mgr base; // first, as above
+    Bytes *file;
+    JOCTET buffer[4096];
+};
+
+extern "C" void beginJpegFile(j_compress_ptr info)
+{
+    auto *const to = reinterpret_cast<JpegFile *>(info->dest);
+    to->base.next_output_byte = to->buffer;
+    to->base.free_in_buffer = sizeof to->buffer;
+}
+
+// All of the buffer is full then, whatever free_in_buffer says.
+extern "C" boolean appendJpegBuffer(j_compress_ptr info)
+{
+    auto *const to = reinterpret_cast<JpegFile *>(info->dest);
+    to->file->insert(to->file->end(), to->buffer, to->buffer + sizeof to->buffer);
+    beginJpegFile(info);
+    return TRUE;
+}
+
+extern "C" void endJpegFile(j_compress_ptr info)
+{
+    auto *const to = reinterpret_cast<JpegFile *>(info->dest);
+    to->file->insert(to->file->end(), to->buffer, to->base.next_output_byte);
+}
+
 // It owns nothing: escapeFromJpeg() leaves it by a jump, past all destructors.
 void compressRows(jpeg_compress_struct &info, const vk_Film &film, const std::string &comment)
 {
@@ -77,24 +106,19 @@ bool encodeJpeg(const vk_Film &film, const std::string &comment, Bytes &file, st
 {
     jpeg_compress_struct info = {};
     JpegErrors errors = {};
-    unsigned char *memory = nullptr;
-    unsigned long size = 0;
+    JpegFile to = {{nullptr, 0, beginJpegFile, appendJpegBuffer, endJpegFile}, &file, {}};
     info.err = jpeg_std_error(&errors.base);
     errors.base.error_exit = escapeFromJpeg;
     // No object with a destructor comes to life between here and the jump.
     if (setjmp(errors.escape) != 0) {
         jpeg_destroy_compress(&info);
-        std::free(memory);
         error = errors.message;
         return false;
     }
     jpeg_create_compress(&info);
-    jpeg_mem_dest(&info, &memory, &size);
+    info.dest = &to.base;
     compressRows(info, film, comment);
     jpeg_destroy_compress(&info);
-    // A copy, as libjpeg's memory comes from malloc().
-    file.assign(memory, memory + size);
-    std::free(memory);
     return true;
 }
 
