@@ -1,6 +1,5 @@
 #include "tests/support/PlainText.h"
 #include "vaskel/base/vk_Sampler.h"
-#include "vaskel/lights/vk_LightBound.h"
 #include "vaskel/lights/vk_LightShaders.h"
 
 #include <gtest/gtest.h>
@@ -172,13 +171,13 @@ TEST(Sampler, EveryPairSpreadsItsFirstSixteenSamplesOverAllCells)
         }
 }
 
-TEST(LightBound, RulesOutMostRaysAndNoneThatMeetTheLight)
+TEST(Lights, HaveABoundThatRulesOutMostRaysAndNoneThatMeetTheLight)
 {
     constexpr std::uint32_t COUNT = 4096;
     for (const char *line : LIGHTS) {
         SCOPED_TRACE(line);
         const auto light = makeLight(line);
-        const vk_LightBound bound(*light);
+        const vk_Ball bound = light->bound();
         std::uint32_t ruledOut = 0;
         for (std::uint32_t i = 0; i < COUNT; ++i) {
             vk_Sampler sampler(7, i);

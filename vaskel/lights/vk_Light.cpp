@@ -7,6 +7,13 @@ vk_Span vk_Light::reach(const vk_Vec &, const vk_Vec &) const
     return {0, std::numeric_limits<float>::infinity()};
 }
 
+vk_Ball vk_Light::bound() const
+{
+    constexpr float MARGIN = 1.01f; // for rounding: what is left out is lost
+
+    return place() != nullptr ? vk_Ball{*place(), MARGIN * size()} : vk_Ball::endless();
+}
+
 float vk_capHeight(float sin2)
 {
     // 1 - sqrt(1 - x) written as x / (1 + sqrt(1 - x)): for a sun of half a degree the first

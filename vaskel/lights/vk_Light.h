@@ -4,7 +4,7 @@
 // but not by the camera itself. Densities are per solid angle.
 #pragma once
 
-#include "vaskel/base/vk_Vec.h"
+#include "vaskel/base/vk_Ball.h"
 
 struct vk_LightSample {
     vk_Vec direction; // unit, towards the light
@@ -39,6 +39,9 @@ public:
 
     // How far its parts lie from its place at most; 0 when it has no place.
     virtual float size() const { return 0; }
+
+    // Around all of it, endless when it is far away.
+    vk_Ball bound() const;
 
     // How much light it gives to the scene, roughly, for choosing one of many.
     float strength() const { return myStrength; }

@@ -379,6 +379,8 @@ bool vk_SceneReader::doBackground()
     // The colour is that of "off": behind "on" it would be lost without a word.
     if (choice == "on" && myWords.size() == 2)
         return myScene->showsEnvironment = true;
+    if (choice == "on")
+        return wrong("background expected nothing after 'on', found " + vk_quoted(myWords[2]));
     if (choice != "off")
         return wrong("background expected 'on', or 'off' and a colour" +
                      (choice.empty() ? "" : ", found " + vk_quoted(choice)));
@@ -475,11 +477,10 @@ bool vk_SceneReader::doLightPlace()
 
 bool vk_SceneReader::doLight()
 {
-    // The place goes before the light's own parameters, so that those win.
-    if (myWords.size() > 2)
+    // The place goes before the light's own parameters, so that those win. Without a name it would
+    // be taken for that.
+    if (myWords.size() > 1)
         myWords.insert(myWords.begin() + 2, myState.lightPlace.begin(), myState.lightPlace.end());
-    else
-        myWords.insert(myWords.end(), myState.lightPlace.begin(), myState.lightPlace.end());
     if (myScene->lights.size() == vk_Scene::MOST_LIGHTS)
         return wrong("expected at most " + std::to_string(vk_Scene::MOST_LIGHTS) + " lights");
     if (isOsl()) {

@@ -16,7 +16,7 @@ vk_DirectLight::vk_DirectLight(const vk_Scene &scene, const vk_World &world, con
 {
     for (const auto &light : scene.lights) {
         myTotal += light->strength();
-        myBounds.emplace_back(*light);
+        myBounds.push_back(light->bound());
     }
 }
 

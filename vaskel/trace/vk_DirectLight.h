@@ -5,7 +5,6 @@
 // what is left for the ray that goes on is shared out in vk_NextEvent.h.
 #pragma once
 
-#include "vaskel/lights/vk_LightBound.h"
 #include "vaskel/trace/vk_Fog.h"
 #include "vaskel/trace/vk_LightQueue.h"
 
@@ -66,6 +65,6 @@ private:
     const vk_Scene &myScene;
     const vk_Fog &myFog;
     vk_Shadows myShadows;
-    std::vector<vk_LightBound> myBounds; // of the scene's lights, one by one
-    float myTotal = 0;                   // strength of all lights
+    std::vector<vk_Ball> myBounds; // of the scene's lights, one by one
+    float myTotal = 0;             // strength of all lights
 };

@@ -145,12 +145,14 @@ void vk_World::encloseShapes()
             low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
             high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
         }
-    myCentre = (low + high) * .5f;
+    myBall.centre = (low + high) * .5f;
+    float radius2 = 0;
     for (const auto &shape : myShapes)
         for (const vk_Vertex &vertex : shape->mesh.vertices) {
-            const vk_Vec off = vertex.position - myCentre;
-            myRadius2 = std::max(myRadius2, vk_dot(off, off) * (1 + MARGIN));
+            const vk_Vec off = vertex.position - myBall.centre;
+            radius2 = std::max(radius2, vk_dot(off, off));
         }
+    myBall.radius = std::sqrt(radius2 * (1 + MARGIN));
 }
 
 // A shape that stands on the floor touches it: rays that leave its bottom begin a little

@@ -69,7 +69,7 @@ public:
     bool hasGlass() const { return myHasGlass; }
 
     // Of a ball around all shapes.
-    float diameter() const { return 2 * std::sqrt(std::max(0.0f, myRadius2)); }
+    float diameter() const { return 2 * myBall.radius; }
 
     // Whether something lies on the way.
     bool occluded(const vk_Segment &way) const;
@@ -80,15 +80,10 @@ private:
 
     // False, with an infinite distance, when the floor is not on the way.
     bool meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const;
-    // Whether a ray goes through the ball around all shapes. Most rays of a small scene miss
-    // everything; this is cheaper than asking.
+    // Most rays of a small scene miss all shapes; this is cheaper than asking Embree.
     bool mayMeetShapes(const vk_Vec &origin, const vk_Vec &direction) const
     {
-        constexpr float ROUNDING = 1e-5f;
-        const vk_Vec way = myCentre - origin;
-        const float along = vk_dot(way, direction), far2 = vk_dot(way, way);
-        return far2 <= myRadius2 ||
-               (along > 0 && far2 - along * along <= myRadius2 + ROUNDING * far2);
+        return !myShapes.empty() && myBall.mayMeet(origin, direction);
     }
     void encloseShapes();
     void describeGeometry(const vk_Vec &direction, vk_Hit &hit) const;
@@ -97,9 +92,8 @@ private:
     const vk_Scene &myScene;
     std::vector<std::unique_ptr<Shape>> myShapes; // by Embree's geometry number
     std::unique_ptr<Embree> myEmbree;
-    float myPixel;   // how wide one is, at a distance of 1 from the camera
-    vk_Vec myCentre; // of a ball around all shapes;
-    float myRadius2 = -std::numeric_limits<float>::infinity(); // the square; or no shapes
+    float myPixel;  // how wide one is, at a distance of 1 from the camera
+    vk_Ball myBall; // around all shapes
     bool myHasGlass = false;
     std::string myError;
 };
