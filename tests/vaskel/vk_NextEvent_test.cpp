@@ -5,8 +5,8 @@
 // However a light may be found, it counts once; but behind rough glass, which samples it anew.
 TEST(NextEvent, WeightsComeToOne)
 {
-    for (const float light : {.01f, 1.0f, 1e4f})
-        for (const float bsdf : {.1f, 1.0f, 300.0f})
+    for (const float light : {.01f, 1.0f, 1e4f, 1e30f})
+        for (const float bsdf : {.1f, 1.0f, 300.0f, 1e30f})
             for (const float peak : {0.0f, 3.0f, 1e5f})
                 for (const vk_Onwards onwards : {VK_STRAIGHT, VK_REFRACTED})
                     for (const vk_Between between :
@@ -18,6 +18,13 @@ TEST(NextEvent, WeightsComeToOne)
                         EXPECT_NEAR(w.sample + w.ray, isSampledAnew ? 0 : 1, 1e-6)
                             << between << onwards;
                     }
+}
+
+// What seldom finds a light, and counts much of it then, is noise.
+TEST(NextEvent, TheLikelierWayCountsNearlyAll)
+{
+    EXPECT_GT(vk_misWeights(VK_NOTHING, VK_STRAIGHT, {10, 1}).sample, .98f);
+    EXPECT_GT(vk_misWeights(VK_NOTHING, VK_STRAIGHT, {1, 10}).ray, .98f);
 }
 
 TEST(NextEvent, WithoutARaySamplesCountAll)

@@ -2,10 +2,12 @@
 
 namespace
 {
-vk_MisWeights balanced(const vk_MisPdfs &pdfs)
+// Squares of the parts of a sum, as those of pdfs may overflow.
+vk_MisWeights byPower(const vk_MisPdfs &pdfs)
 {
-    const float sample = pdfs.light / (pdfs.light + pdfs.bsdf);
-    return {sample, 1 - sample};
+    const float sample = pdfs.light / (pdfs.light + pdfs.bsdf), ray = 1 - sample;
+    const float weight = sample * sample / (sample * sample + ray * ray);
+    return {weight, 1 - weight};
 }
 
 // Rays share a light among each other when the lobe is narrower than the light, and would
@@ -29,9 +31,9 @@ vk_MisWeights byGlass(const vk_MisPdfs &)
 using Heuristic = vk_MisWeights (*)(const vk_MisPdfs &);
 constexpr Heuristic HEURISTICS[][2] = {
     // straight  refracted
-    {balanced, balanced}, // nothing
-    {balanced, bySize},   // smooth glass
-    {balanced, byGlass},  // rough glass
+    {byPower, byPower},   // nothing
+    {byPower, bySize},    // smooth glass
+    {byPower, byGlass},   // rough glass
     {bySample, bySample}, // other shapes
 };
 } // namespace
