@@ -25,3 +25,29 @@ TEST(Path, OnlyWhatIsFoundBehindTheFirstWideVertexIsClamped)
     ASSERT_TRUE(path.scatter(hit, bsdf, up, {}, {}));
     EXPECT_LT(brought(), 10);
 }
+
+// As a metal does beside its highlight: what it mirrors there is as sharp as elsewhere.
+TEST(Path, TheTailOfANarrowLobeIsWideButNotDiffuse)
+{
+    const vk_Vec up = {0, 0, 1};
+    vk_Hit hit;
+    hit.facet = hit.normal = up;
+    vk_Material metal, white;
+    metal.specular = metal.edge = vk_grey(.9f);
+    metal.rough = .2f;
+    white.diffuse = vk_grey(1);
+    vk_View view;
+    const vk_Path camera({0, 0, 1}, -up, vk_Sampler(1, 1), view);
+    const vk_Bsdf ofMetal(metal, up, up, false), ofWhite(white, up, up, false);
+    float pdf = 0;
+    const vk_Vec aside = vk_normalize(vk_Vec{.25f, 0, 1});
+    static_cast<void>(ofMetal.evaluate(aside, pdf));
+    ASSERT_TRUE(pdf > .35f && pdf < .95f) << pdf;
+    vk_Path path = camera;
+    ASSERT_TRUE(path.scatter(hit, ofMetal, aside, {}, {}));
+    EXPECT_TRUE(path.isWide());
+    EXPECT_FALSE(path.isDiffuse());
+    path = camera;
+    ASSERT_TRUE(path.scatter(hit, ofWhite, up, {}, {}));
+    EXPECT_TRUE(path.isDiffuse());
+}

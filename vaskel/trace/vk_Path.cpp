@@ -97,6 +97,7 @@ void vk_Path::setNextEvent(const vk_Hit &hit, const vk_Bsdf &bsdf, float pdf, bo
     if (!isInside && !bsdf.isSmoothGlass()) {
         // Light samples were taken here: they and this ray share what lights bring.
         myIsWide = myIsWide || !vk_isSpecular(pdf);
+        myIsDiffuse = myIsDiffuse || pdf <= 1 / VK_PI;
         myNextEvent = atVertex;
     } else if (crosses) {
         // What the vertex in front left for rays goes on, less what the glass takes. Rough glass

@@ -55,8 +55,12 @@ public:
     // that it does not.
     bool mayMeetLight() const { return myMayMeetLight; }
     void findLight(bool isAhead) { myMayMeetLight = isAhead; }
-    // Whether it was scattered widely. Behind that, all is blurred (see vk_PathTracer.h).
+    // Whether it was scattered widely, so that it looks through glass straight on.
     bool isWide() const { return myIsWide; }
+    // Whether it was once scattered no more narrowly than by a matte surface. Behind that, all
+    // reflections are blurred (see vk_PathTracer.h); not so behind the tails of a metal's lobe,
+    // which would brighten what metals mirror in each other by a tenth.
+    bool isDiffuse() const { return myIsDiffuse; }
     bool hasSpecularLayer() const { return !(mySpecularShare == vk_Colour{}); }
 
     // Light that arrives along the ray, sent on to the camera.
@@ -117,5 +121,6 @@ private:
     int myPassings = 0;
     int myDielectricBounces = 0;
     bool myIsWide = false;
+    bool myIsDiffuse = false;
     bool myMayMeetLight = true;
 };

@@ -199,7 +199,7 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
             outgoing.paths.push_back(path);
         return;
     }
-    if (path.isWide()) {
+    if (path.isDiffuse()) {
         const bool onlyReflects = vk_largest(material.diffuse) <= 0;
         material.rough = std::max(material.rough, onlyReflects ? REGULAR_METAL : REGULAR);
     }

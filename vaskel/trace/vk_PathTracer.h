@@ -27,14 +27,14 @@
 // for all hits on it. They end by roulette, which is unbiased, and after 64 bounces.
 //
 // Deliberate simplifications keep pictures free of noise; doc/scene.md tells what shows:
-//   - behind a vertex that scattered widely all reflections are blurred (Kaplanyan and
+//   - behind a vertex that scattered as widely as matte does all reflections are blurred (Kaplanyan and
 //     Dachsbacher, "Path Space Regularization for Holistic and Robust Light Transport",
 //     2013) and glass is looked through straight on, as shadows do. Floor beside a mirror
 //     gets .8 % less light for it, the worst block of 16 x 16 pixels 4 % less;
 //   - paths that were scattered widely and come upon something very bright are clamped,
 //     which takes less than .1 %;
-//   - pixels converge by an error that their own samples tell (vk_Allocation.h), so that
-//     those that missed a caustic stop sooner: 2 % of the floor's light, 12 % of a block's;
+//   - pixels converge by an error that their own samples tell for a half (vk_ErrorMap.h), so
+//     that those that missed a caustic stop sooner: .5 % of the floor's light, 8 % of a block's;
 //   - fog scatters light of the lights once, and that of the environment as a mean;
 //   - where shadows are softer or harder than lights are wide, what is there in part and glass
 //     let light pass that a ray beside it meets;
