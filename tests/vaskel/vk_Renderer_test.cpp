@@ -569,6 +569,14 @@ TEST(Film, EachColourBecomesTheNearestByte)
     }
 }
 
+TEST(Film, TheTableOfWhatIsShownIsExactToATenthOfAByte)
+{
+    EXPECT_EQ(0, vk_shown(-1));
+    EXPECT_NEAR(1, vk_shown(1e30f), 1e-4);
+    for (float x = 1e-5f; x < VK_WHITE; x *= 1.01f)
+        EXPECT_NEAR(vk_toSrgb(vk_toneCurve(x)), vk_shown(x), .1 / 255) << x;
+}
+
 TEST(Film, CurveKeepsMiddleGreyAndRisesToWhite)
 {
     EXPECT_NEAR(.214, vk_toneCurve(.214f), 1e-3);

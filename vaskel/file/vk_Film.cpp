@@ -24,6 +24,21 @@ struct Curve {
     }
 };
 
+// Of what a linear colour shows as, evenly along its square root, of which that is nearly a
+// straight line.
+struct Shown {
+    static constexpr int STEPS = 256;
+    float at[STEPS + 2]; // one more than a colour of VK_WHITE asks for
+
+    Shown()
+    {
+        for (int i = 0; i < STEPS + 2; ++i) {
+            const float root = static_cast<float>(i) / STEPS;
+            at[i] = vk_toSrgb(vk_toneCurve(root * root * VK_WHITE));
+        }
+    }
+};
+
 std::uint8_t toByte(float unit)
 {
     return static_cast<std::uint8_t>(std::clamp(unit, 0.0f, 1.0f) * 255 + 0.5f);
@@ -51,4 +66,15 @@ void vk_develop(const vk_Colour &colour, std::uint8_t *bytes)
     bytes[0] = toByte(vk_toSrgb(vk_toneCurve(colour.x)));
     bytes[1] = toByte(vk_toSrgb(vk_toneCurve(colour.y)));
     bytes[2] = toByte(vk_toSrgb(vk_toneCurve(colour.z)));
+}
+
+float vk_shown(float linear)
+{
+    static const Shown SHOWN;
+
+    const float root = std::sqrt(std::clamp(linear * (1 / VK_WHITE), 0.0f, 1.0f));
+    const float place = root * Shown::STEPS;
+    const auto step = static_cast<int>(place);
+    const float *const at = SHOWN.at + step;
+    return at[0] + (place - static_cast<float>(step)) * (at[1] - at[0]);
 }

@@ -24,3 +24,7 @@ float vk_toSrgb(float linear);
 
 // A linear colour as three bytes, by both of the above.
 void vk_develop(const vk_Colour &colour, std::uint8_t *bytes);
+
+// One linear colour by both of the above, from 0 to 1, out of a table: faster, and right to a
+// tenth of a byte's step.
+float vk_shown(float linear);

@@ -34,10 +34,13 @@ public:
     // Filters all pixels of a row.
     void filter(int y);
 
-    // The light of a pixel, and about its squared error on the scale of the file, as they
+    // The light of a pixel, and about its squared error on the scale of vk_visible(), as they
     // came out of the last of the two.
     vk_Colour at(int x, int y) const { return myLight.at(index(x, y)); }
     float error(int x, int y) const { return myError[index(x, y)]; }
+
+    // Whether a pixel shows one surface, so that neighbours can help, or an edge.
+    bool isSmooth(int x, int y) const { return mySmooth[index(x, y)] > 0; }
 
 private:
     // Numbers of all pixels, row by row. Rows have room to both sides, so that those

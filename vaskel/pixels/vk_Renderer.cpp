@@ -2,7 +2,7 @@
 
 #include "UT/UT_EnvControl.h"
 #include "vaskel/pixels/vk_Allocation.h"
-#include "vaskel/pixels/vk_Filter.h"
+#include "vaskel/pixels/vk_ErrorMap.h"
 #include "vaskel/pixels/vk_LinearPicture.h"
 #include "vaskel/pixels/vk_Tile.h"
 
@@ -17,8 +17,9 @@
 
 namespace
 {
-// Rows around a band; the filter compares errors with those one row further.
-constexpr int MARGIN = vk_Filter::REACH + 1 + vk_LinearPicture::REACH;
+// Rows around a band; the filter compares errors with those one row further, and what it leaves
+// is spread.
+constexpr int MARGIN = vk_Filter::REACH + 1 + vk_ErrorMap::REACH + vk_LinearPicture::REACH;
 
 // Draws a picture, band by band, and keeps count of what that took.
 class Drawing
@@ -53,8 +54,9 @@ private:
             parts.emplace_back(myCanvas, band, i % across * vk_Tile::SIDE,
                                i / across * vk_Tile::SIDE);
         vk_Filter filter(band.columns, band.rows);
+        vk_ErrorMap errors(band.columns, band.rows);
         drawTiles(parts);
-        while (myCanvas.filters() && choosePixels(band, filter))
+        while (myCanvas.filters() && choosePixels(band, filter, errors))
             drawTiles(parts);
         for (const vk_Tile &tile : parts)
             add(tile);
@@ -89,32 +91,36 @@ private:
     }
 
     // Tells which pixels have converged. False when all have.
-    bool choosePixels(vk_Band &band, vk_Filter &filter)
+    bool choosePixels(vk_Band &band, vk_Filter &filter, vk_ErrorMap &errors)
     {
         const auto each = [&](auto &&row) { tbb::parallel_for(0, band.rows, row); };
         each([&](int y) { filter.take(&band.at(0, y), y); });
         each([&](int y) { filter.compare(y); });
-        each([&](int y) { filter.estimate(y); });
-        const float limit = limitFor(band, filter);
+        each([&](int y) {
+            filter.estimate(y);
+            errors.take(filter, y);
+        });
+        each([&](int y) { errors.spread(y); });
+        const float limit = limitFor(band, errors);
         std::atomic<bool> more = false;
         each([&](int y) {
             for (int x = 0; x < band.columns; ++x) {
                 vk_Pixel &now = band.at(x, y);
                 now.converged = now.converged || now.count >= myCanvas.mostSamples() ||
-                                filter.error(x, y) < limit * now.sum.cost;
+                                errors.at(x, y) < limit * now.sum.cost;
                 if (!now.converged)
                     more = true;
             }
         });
         return more;
     }
-    float limitFor(vk_Band &band, const vk_Filter &filter)
+    float limitFor(vk_Band &band, const vk_ErrorMap &errors)
     {
         vk_Allocation allocation;
         for (int y = 0; y < band.rows; ++y)
             for (int x = 0; x < band.columns; ++x) {
                 const vk_Pixel &now = band.at(x, y);
-                allocation.add(filter.error(x, y), now.sum.cost, now.converged);
+                allocation.add(errors.at(x, y), now.sum.cost, now.converged);
             }
         const vk_Quality &quality = *mySettings.quality;
         const float limit = allocation.limit(quality.error * quality.error, quality.rays);

@@ -8,8 +8,8 @@
 #include <string>
 
 // How much work goes into a picture: rays are sent where they help most until its
-// error, as far as they tell, is about as large as asked for. No pixel gets more samples than
-// the scene allows, times a factor.
+// error, as the file shows it and as far as they tell, is about as large as asked for. No pixel
+// gets more samples than the scene allows, times a factor.
 struct vk_Quality {
     const char *name;
     float samples;      // factor for the scene's most samples
@@ -18,9 +18,9 @@ struct vk_Quality {
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .011f, 23, false},
-    {"default", 1, .0063f, 76, false},
-    {"final", 8, .0017f, 1550, true},
+    {"draft", .25f, .012f, 23, false},
+    {"default", 1, .0066f, 70, false},
+    {"final", 8, .0018f, 1550, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 

@@ -1,0 +1,51 @@
+// How far off the pixels of a picture are, as the file shows it and apart from luck.
+//
+// Pixels that have converged get no more samples. Were that left to what their own samples
+// tell, those that missed a caustic would stop, for all seems well, and those that found it would
+// go on until it counts no more than it should: light is lost. So half of what a pixel is told is
+// the mean of the pixels around it that are of its kind, in which its own luck counts little.
+// Those that show an edge are of one kind, all others of another.
+#pragma once
+
+#include "vaskel/pixels/vk_Filter.h"
+
+class vk_ErrorMap
+{
+public:
+    static constexpr int REACH = 4; // pixels to each side that a mean is taken of
+
+    vk_ErrorMap(int columns, int rows);
+
+    // Each for one row, in any order and on any thread, but for all rows before the next: takes
+    // in what the filter leaves, and spreads it.
+    void take(const vk_Filter &filter, int y);
+    void spread(int y);
+
+    // The squared error, of full scale.
+    float at(int x, int y) const { return mySpread[index(x, y)]; }
+
+private:
+    enum Kind : std::uint8_t { EDGE, SMOOTH, KINDS };
+
+    struct Sum {
+        float error = 0;
+        int pixels = 0;
+
+        void add(float e, int count)
+        {
+            error += e;
+            pixels += count;
+        }
+    };
+
+    std::size_t index(int x, int y) const { return static_cast<std::size_t>(y * myColumns + x); }
+
+    int myColumns, myRows;
+    std::vector<float> myOwn, mySpread;
+    std::vector<Kind> myKind;
+    std::vector<Sum> myAcross[KINDS]; // along the row to both sides
+};
+
+// What a squared error, on the scale of vk_visible(), is on that of the file where there is so
+// much light. That scale knows nothing of film: on its shoulder, errors hardly show.
+float vk_shownError(float error, const vk_Colour &light);
