@@ -21,13 +21,20 @@ inline vk_Pixel pixelOf(float first, float second, int times = 1)
     return pixel;
 }
 
-// A filter that has done its work on pixels.
 template <class Function>
-vk_Filter filterOf(const Function &pixelAt)
+std::vector<vk_Pixel> pixelsOf(const Function &pixelAt)
 {
     std::vector<vk_Pixel> pixels;
     for (int i = 0; i < SIDE * SIDE; ++i)
         pixels.push_back(pixelAt(i % SIDE, i / SIDE));
+    return pixels;
+}
+
+// A filter that has done its work on pixels.
+template <class Function>
+vk_Filter filterOf(const Function &pixelAt)
+{
+    const std::vector<vk_Pixel> pixels = pixelsOf(pixelAt);
     vk_Filter filter(SIDE, SIDE);
     for (int y = 0; y < SIDE; ++y)
         filter.take(&pixels[static_cast<std::size_t>(y * SIDE)], y);

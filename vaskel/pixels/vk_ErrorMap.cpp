@@ -6,22 +6,24 @@ vk_ErrorMap::vk_ErrorMap(int columns, int rows) : myColumns(columns), myRows(row
 {
     const auto size = static_cast<std::size_t>(columns * rows);
     myOwn.resize(size);
+    myCount.resize(size);
     mySpread.resize(size);
     myKind.resize(size);
     for (std::vector<Sum> &sums : myAcross)
         sums.resize(size);
 }
 
-void vk_ErrorMap::take(const vk_Filter &filter, int y)
+void vk_ErrorMap::take(const vk_Filter &filter, const vk_Pixel *row, int y)
 {
     for (int x = 0; x < myColumns; ++x) {
+        myCount[index(x, y)] = static_cast<float>(row[x].count);
         myOwn[index(x, y)] = vk_shownError(filter.error(x, y), filter.at(x, y));
         myKind[index(x, y)] = filter.isSmooth(x, y) ? SMOOTH : EDGE;
     }
     for (int x = 0; x < myColumns; ++x) {
         Sum sums[KINDS];
         for (int i = std::max(0, x - REACH); i <= std::min(x + REACH, myColumns - 1); ++i)
-            sums[myKind[index(i, y)]].add(myOwn[index(i, y)], 1);
+            sums[myKind[index(i, y)]].add({myOwn[index(i, y)], myCount[index(i, y)], 1});
         for (int kind = 0; kind < KINDS; ++kind)
             myAcross[kind][index(x, y)] = sums[kind];
     }
@@ -33,9 +35,11 @@ void vk_ErrorMap::spread(int y)
         const std::vector<Sum> &across = myAcross[myKind[index(x, y)]];
         Sum sum;
         for (int j = std::max(0, y - REACH); j <= std::min(y + REACH, myRows - 1); ++j)
-            sum.add(across[index(x, j)].error, across[index(x, j)].pixels);
-        const float mean = sum.error / static_cast<float>(sum.pixels);
-        mySpread[index(x, y)] = .5f * (myOwn[index(x, y)] + mean);
+            sum.add(across[index(x, j)]);
+        const float share = 1 / static_cast<float>(sum.pixels);
+        // With more samples than those around, it would have less of their error.
+        const float left = std::min(1.0f, sum.samples * share / myCount[index(x, y)]);
+        mySpread[index(x, y)] = .5f * (myOwn[index(x, y)] + sum.error * share * left);
     }
 }
 

@@ -3,8 +3,8 @@
 // Pixels that have converged get no more samples. Were that left to what their own samples
 // tell, those that missed a caustic would stop, for all seems well, and those that found it would
 // go on until it counts no more than it should: light is lost. So half of what a pixel is told is
-// the mean of the pixels around it that are of its kind, in which its own luck counts little.
-// Those that show an edge are of one kind, all others of another.
+// what the pixels around it that are of its kind would have with as many samples, in which its own
+// luck counts little. Those that show an edge are of one kind, all others of another.
 #pragma once
 
 #include "vaskel/pixels/vk_Filter.h"
@@ -17,8 +17,8 @@ public:
     vk_ErrorMap(int columns, int rows);
 
     // Each for one row, in any order and on any thread, but for all rows before the next: takes
-    // in what the filter leaves, and spreads it.
-    void take(const vk_Filter &filter, int y);
+    // in what the filter leaves of these pixels' errors, and spreads it.
+    void take(const vk_Filter &filter, const vk_Pixel *row, int y);
     void spread(int y);
 
     // The squared error, of full scale.
@@ -28,20 +28,21 @@ private:
     enum Kind : std::uint8_t { EDGE, SMOOTH, KINDS };
 
     struct Sum {
-        float error = 0;
+        float error = 0, samples = 0;
         int pixels = 0;
 
-        void add(float e, int count)
+        void add(const Sum &other)
         {
-            error += e;
-            pixels += count;
+            error += other.error;
+            samples += other.samples;
+            pixels += other.pixels;
         }
     };
 
     std::size_t index(int x, int y) const { return static_cast<std::size_t>(y * myColumns + x); }
 
     int myColumns, myRows;
-    std::vector<float> myOwn, mySpread;
+    std::vector<float> myOwn, myCount, mySpread;
     std::vector<Kind> myKind;
     std::vector<Sum> myAcross[KINDS]; // along the row to both sides
 };

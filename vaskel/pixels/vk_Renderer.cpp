@@ -98,7 +98,7 @@ private:
         each([&](int y) { filter.compare(y); });
         each([&](int y) {
             filter.estimate(y);
-            errors.take(filter, y);
+            errors.take(filter, &band.at(0, y), y);
         });
         each([&](int y) { errors.spread(y); });
         const float limit = limitFor(band, errors);
