@@ -6,6 +6,7 @@
 // Fine enough for a limit, and forecasts then need no sorted pixels.
 int vk_Allocation::stepOf(float quotient)
 {
+    // A pixel without error, as of a plain backdrop, has no logarithm.
     const float least = std::exp2(static_cast<float>(LOWEST) / STEPS);
     const auto step = static_cast<int>(std::floor(STEPS * std::log2(std::max(quotient, least))));
     return std::clamp(step, LOWEST, HIGHEST);
@@ -24,6 +25,8 @@ vk_Allocation::Share vk_Allocation::forecast(int limit) const
 {
     constexpr int DOUBLING = 2 * STEPS;
 
+    // Those of a step are as far above the limit as its lower end: they need one doubling to come
+    // below it, and one more for every factor of 4.
     Share sum = myFixed;
     for (int i = 0; i <= HIGHEST - LOWEST; ++i) {
         const int above = i + LOWEST - limit;
@@ -51,6 +54,7 @@ float vk_Allocation::limit(float target, float raysOfPixel) const
     return std::exp2(static_cast<float>(low) / STEPS);
 }
 
+// A limit that all are below asks for nothing more.
 double vk_Allocation::rays() const
 {
     return forecast(HIGHEST + 1).rays;

@@ -20,6 +20,8 @@ void vk_ErrorMap::take(const vk_Filter &filter, const vk_Pixel *row, int y)
         myOwn[index(x, y)] = vk_shownError(filter.error(x, y), filter.at(x, y));
         myKind[index(x, y)] = filter.isSmooth(x, y) ? SMOOTH : EDGE;
     }
+    // Along the row first and then across rows: eighteen terms in place of eighty-one. Of both
+    // kinds, as a pixel of either may ask above and below.
     for (int x = 0; x < myColumns; ++x) {
         Sum sums[KINDS];
         for (int i = std::max(0, x - REACH); i <= std::min(x + REACH, myColumns - 1); ++i)
@@ -49,6 +51,7 @@ float vk_shownError(float error, const vk_Colour &light)
 {
     const vk_Vec visibility = vk_visibility(light);
     const auto of = [&](float level, float visible) {
+        // As vk_visible() counts it, if all colours are as far off.
         const float off = std::sqrt(error / visible);
         const float half = .5f * (vk_shown(level + off) - vk_shown(level - off));
         return half * half;

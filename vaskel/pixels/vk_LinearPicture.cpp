@@ -6,6 +6,7 @@ namespace
 {
 constexpr float SIDE = vk_LinearPicture::SIDE, MIDDLE = vk_LinearPicture::MIDDLE;
 
+// Three weights that come to 1 stand for a Gaussian: both axes have the same, so that it is round.
 vk_Colour blend(const vk_Colour &before, const vk_Colour &middle, const vk_Colour &after)
 {
     return middle * MIDDLE + (before + after) * SIDE;

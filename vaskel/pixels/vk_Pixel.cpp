@@ -4,6 +4,7 @@ void vk_Pixel::add(const vk_View &view)
 {
     ++count;
     sum.cost += view.cost; // also of a bad sample: it was paid for
+    // One such sample would spoil the mean for good; the pixel is reported instead.
     if (!vk_isFinite(view.light())) {
         bad = true;
         return;
@@ -47,6 +48,7 @@ void vk_Pixel::estimate()
             estimated((now.albedo - myFirstHalf.albedo) * now.irradiance, errors.albedo)};
         myIsEstimated = true;
     }
+    // As samples double, all of them are the first half next time.
     myFirstHalf = now;
     myFirstCount = count;
 }

@@ -33,6 +33,8 @@ public:
     }
     void draw()
     {
+        // However wide the picture, a band is so high that its margins, which are drawn again for
+        // the next one, are not most of the work.
         const int most = std::max(4 * MARGIN, mySettings.bandPixels / myColumns);
         for (int top = 0; top < myRows; top += most)
             drawBand(top, std::min(top + most, myRows));
@@ -55,6 +57,7 @@ private:
                                i / across * vk_Tile::SIDE);
         vk_Filter filter(band.columns, band.rows);
         vk_ErrorMap errors(band.columns, band.rows);
+        // All tiles before any is judged: the limit depends on the whole band.
         drawTiles(parts);
         while (myCanvas.filters() && choosePixels(band, filter, errors))
             drawTiles(parts);
@@ -71,7 +74,7 @@ private:
     void drawTiles(std::vector<vk_Tile> &tiles)
     {
         tbb::parallel_for(std::size_t{0}, tiles.size(), [&](std::size_t i) {
-            vk_myRays = {};
+            vk_myRays = {}; // this thread's, which had other tiles before
             tiles[i].draw();
             const std::lock_guard<std::mutex> lock(myMutex);
             if (mySettings.stats != nullptr)
@@ -93,6 +96,7 @@ private:
     // Tells which pixels have converged. False when all have.
     bool choosePixels(vk_Band &band, vk_Filter &filter, vk_ErrorMap &errors)
     {
+        // Each step reads what the one before wrote to rows around.
         const auto each = [&](auto &&row) { tbb::parallel_for(0, band.rows, row); };
         each([&](int y) { filter.take(&band.at(0, y), y); });
         each([&](int y) { filter.compare(y); });
@@ -106,6 +110,8 @@ private:
         each([&](int y) {
             for (int x = 0; x < band.columns; ++x) {
                 vk_Pixel &now = band.at(x, y);
+                // For good: a pixel that went on when others moved the limit would keep all busy
+                // for a few.
                 now.converged = now.converged || now.count >= myCanvas.mostSamples() ||
                                 errors.at(x, y) < limit * now.sum.cost;
                 if (!now.converged)
@@ -116,6 +122,7 @@ private:
     }
     float limitFor(vk_Band &band, const vk_ErrorMap &errors)
     {
+        // In one order, whatever the threads: sums of fractions depend on it.
         vk_Allocation allocation;
         for (int y = 0; y < band.rows; ++y)
             for (int x = 0; x < band.columns; ++x) {
@@ -140,6 +147,7 @@ private:
     // Fixed samples are taken as they are.
     void develop(vk_Band &band, vk_Filter &filter, int top, int bottom)
     {
+        // All light before any of it is developed: pixels are blended with those around.
         vk_LinearPicture light(band.columns, band.rows);
         tbb::parallel_for(0, band.rows, [&](int y) {
             if (myCanvas.filters())

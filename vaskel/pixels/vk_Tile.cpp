@@ -13,6 +13,7 @@ vk_Lens::vk_Lens(const vk_Scene &scene)
 {
     const vk_Vec forward = vk_normalize(scene.camera.at - scene.camera.from);
     const vk_Vec right = vk_normalize(vk_cross(forward, scene.camera.up));
+    // Measured at a distance of 1, where the film stands.
     const float pixel = 2 * std::tan(scene.camera.fov * VK_PI / 360) / std::min(myWidth, myHeight);
     myForward = forward;
     myRight = right * pixel;
@@ -24,6 +25,7 @@ vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
     : myScene(scene), myTracer(scene, world), myLens(scene), myFilm(film),
       myGain(std::exp2(scene.exposure)), myFilters(settings.samples <= 0)
 {
+    // A draft takes a part of what the scene allows, but never nothing.
     const float most = static_cast<float>(scene.samples) * settings.quality->samples;
     myMostSamples = std::clamp(static_cast<int>(most), 1, vk_Scene::MOST_SAMPLES);
     myFirstSamples = std::min(FIRST_SAMPLES, myMostSamples);
@@ -33,6 +35,8 @@ vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
 
 vk_Path vk_Canvas::path(int x, int y, int sample, vk_View &view) const
 {
+    // By its place in the picture, whatever band or tile it is drawn in. Not 0, which the hash
+    // leaves as it is.
     const std::uint32_t seed = vk_hash(static_cast<std::uint32_t>(y * myScene.width + x) + 1);
     vk_Sampler sampler(seed, static_cast<std::uint32_t>(sample));
     const vk_Square at = sampler.square();
@@ -81,7 +85,8 @@ void vk_Tile::draw()
     });
 }
 
-// The paths of a tile are followed together.
+// The paths of a tile are followed together, so many at once that each surface has a batch to
+// shade and that what they hold stays in the cache.
 template <class Function>
 void vk_Tile::drawUpTo(Function count)
 {
@@ -94,7 +99,7 @@ void vk_Tile::drawUpTo(Function count)
         for (int i = now.count; !now.converged && i < count(now); ++i)
             samples.push_back({&now, myLeft + x, myBand.top + myTop + y, i});
     });
-    std::vector<vk_View> views;
+    std::vector<vk_View> views; // which the paths point to, so it must not grow meanwhile
     std::vector<vk_Path> paths;
     for (std::size_t begin = 0; begin < samples.size(); begin += WAVE) {
         const std::size_t size = std::min(WAVE, samples.size() - begin);
@@ -109,6 +114,7 @@ void vk_Tile::drawUpTo(Function count)
             samples[begin + i].pixel->add(views[i]);
         }
     }
+    // Of those alone that got samples: the others' second half is the one that they had.
     each([&](vk_Pixel &now, int, int) {
         if (!now.converged)
             now.estimate();
