@@ -16,17 +16,21 @@ vk_ErrorMap::vk_ErrorMap(int columns, int rows) : myColumns(columns), myRows(row
 void vk_ErrorMap::take(const vk_Filter &filter, const vk_Pixel *row, int y)
 {
     for (int x = 0; x < myColumns; ++x) {
-        myCount[index(x, y)] = static_cast<float>(row[x].count);
+        if (row[x].converged)
+            continue; // as it was
+        myCount[index(x, y)] = row[x].count;
         myOwn[index(x, y)] = vk_shownError(filter.error(x, y), filter.at(x, y));
         myKind[index(x, y)] = filter.isSmooth(x, y) ? SMOOTH : EDGE;
     }
-    // Along the row first and then across rows: eighteen terms in place of eighty-one. Of both
-    // kinds, as a pixel of either may ask above and below.
-    for (int x = 0; x < myColumns; ++x) {
-        Sum sums[KINDS];
-        for (int i = std::max(0, x - REACH); i <= std::min(x + REACH, myColumns - 1); ++i)
-            sums[myKind[index(i, y)]].add({myOwn[index(i, y)], myCount[index(i, y)], 1});
-        for (int kind = 0; kind < KINDS; ++kind)
+    // Along the row first and then across rows, and from one pixel to the next only what comes in
+    // and what goes out. Of both kinds, as a pixel of either may ask above and below.
+    Sum sums[KINDS];
+    for (int x = -REACH; x < myColumns; ++x) {
+        if (x + REACH < myColumns)
+            sums[myKind[index(x + REACH, y)]].add(own(x + REACH, y));
+        if (x > REACH)
+            sums[myKind[index(x - REACH - 1, y)]].add(own(x - REACH - 1, y), -1);
+        for (int kind = 0; x >= 0 && kind < KINDS; ++kind)
             myAcross[kind][index(x, y)] = sums[kind];
     }
 }
@@ -38,10 +42,10 @@ void vk_ErrorMap::spread(int y)
         Sum sum;
         for (int j = std::max(0, y - REACH); j <= std::min(y + REACH, myRows - 1); ++j)
             sum.add(across[index(x, j)]);
-        const float share = 1 / static_cast<float>(sum.pixels);
         // With more samples than those around, it would have less of their error.
-        const float left = std::min(1.0f, sum.samples * share / myCount[index(x, y)]);
-        mySpread[index(x, y)] = .5f * (myOwn[index(x, y)] + sum.error * share * left);
+        const double count = sum.pixels, mean = sum.error / count;
+        const double left = std::min(1.0, sum.samples / (count * myCount[index(x, y)]));
+        mySpread[index(x, y)] = .5f * (myOwn[index(x, y)] + static_cast<float>(mean * left));
     }
 }
 

@@ -17,7 +17,8 @@ public:
     vk_ErrorMap(int columns, int rows);
 
     // Each for one row, in any order and on any thread, but for all rows before the next: takes
-    // in what the filter leaves of these pixels' errors, and spreads it.
+    // in what the filter leaves of these pixels' errors, and spreads it; may be done again when
+    // those that have not converged got more samples.
     void take(const vk_Filter &filter, const vk_Pixel *row, int y);
     void spread(int y);
 
@@ -28,21 +29,26 @@ private:
     enum Kind : std::uint8_t { EDGE, SMOOTH, KINDS };
 
     struct Sum {
-        float error = 0, samples = 0;
-        int pixels = 0;
+        double error = 0; // so exact that what is taken out of a sum leaves nothing
+        int samples = 0, pixels = 0;
 
-        void add(const Sum &other)
+        void add(const Sum &other, int times = 1)
         {
-            error += other.error;
-            samples += other.samples;
-            pixels += other.pixels;
+            error += times * other.error;
+            samples += times * other.samples;
+            pixels += times * other.pixels;
         }
     };
 
     std::size_t index(int x, int y) const { return static_cast<std::size_t>(y * myColumns + x); }
+    Sum own(int x, int y) const
+    {
+        return {static_cast<double>(myOwn[index(x, y)]), myCount[index(x, y)], 1};
+    }
 
     int myColumns, myRows;
-    std::vector<float> myOwn, myCount, mySpread;
+    std::vector<float> myOwn, mySpread;
+    std::vector<int> myCount;
     std::vector<Kind> myKind;
     std::vector<Sum> myAcross[KINDS]; // along the row to both sides
 };
