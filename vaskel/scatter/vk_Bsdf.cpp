@@ -4,11 +4,12 @@
 
 namespace
 {
-constexpr float COAT_STRAIGHT = .04f; // reflectance straight on
-constexpr float ALMOST_ONE = 1 - 0x1p-24f;
+constexpr float COAT_STRAIGHT = .04f;      // reflectance straight on, for an index of 1.5
+constexpr float ALMOST_ONE = 1 - 0x1p-24f; // the largest float below 1
 constexpr float LEAST_COSINE = 1e-4f;
 
-// What a boundary lets pass, before a factor that it has for both directions together.
+// What a boundary lets pass, before a factor that it has for both directions together: from the
+// diffuse term of Ashikhmin and Shirley.
 float passedBoundary(float cosine)
 {
     const float x = 1 - cosine / 2;
@@ -22,10 +23,11 @@ vk_Facets facetsOf(const vk_Material &material)
         return {alpha, alpha};
     // Burley's aspect, with the scratches along u.
     const float aspect = std::sqrt(1 - .9f * std::min(material.brushed, 1.0f));
+    // The tables of albedo end at a width of 1.
     return {std::max(.001f, alpha * aspect), std::min(1.0f, alpha / aspect)};
 }
 
-// Above the horizon, where a smooth normal lets a viewer look from below.
+// Above the horizon, where a smooth normal lets a viewer look from below; pdfs are divided by z.
 vk_Vec lifted(vk_Vec v)
 {
     v.z = std::max(v.z, LEAST_COSINE);
@@ -37,7 +39,8 @@ vk_Vec mirrored(const vk_Vec &out, const vk_Vec &facet)
     return vk_normalize(facet * (2 * vk_dot(facet, out)) - out);
 }
 
-// Of Schlick's reflectance over all directions.
+// Of Schlick's reflectance over the hemisphere, weighted by the cosine c: 2 times the integral of
+// (1 - c)^5 c from 0 to 1 is 1/21.
 float average(float straight, float edge)
 {
     return straight + (edge - straight) / 21;
@@ -58,6 +61,8 @@ vk_Frame frameAround(const vk_Vec &normal, const vk_Material &material, const vk
 
 vk_Colour vk_Material::passesStraight(float cosine) const
 {
+    // As on entering, also where the way leaves: not being bent it would meet total reflection
+    // there, while light that a pane or a ball refracts loses as much as where it entered.
     return clear * (1 - vk_fresnel(cosine, ior));
 }
 
@@ -95,6 +100,7 @@ vk_Vec vk_Bsdf::mirror() const
 float vk_Bsdf::peakPdf() const
 {
     float density = 0;
+    // The pdf of visible normals is highest where the half vector is the normal; a tilt moves that.
     static_cast<void>(evaluate(mirror(), density));
     return density;
 }
@@ -108,6 +114,7 @@ void vk_Bsdf::compensate()
     if (m.rough < SMOOTH)
         return;
     if (myIsGlass) {
+        // Turquin's factor for facets that absorb nothing: as much as is lost comes back.
         myCompensation = vk_grey(1 / vk_glassAlbedo(myOut.z, m.rough, myEta));
         return;
     }
@@ -115,22 +122,25 @@ void vk_Bsdf::compensate()
         return;
     const bool isBrushed = m.brushed > 0;
     const float narrow = isBrushed ? 1 : NARROW, lost = 1 - myFacets.albedo(myLower);
-    // Every time that facets scatter it, light loses what they do not reflect.
+    // Every time that facets scatter it, light loses what they do not reflect. The geometric
+    // series of all times after the first comes to f lost / (1 - f lost).
     const auto each = [&](auto function) {
         return vk_Colour{function(average(m.specular.x, m.edge.x)),
                          function(average(m.specular.y, m.edge.y)),
                          function(average(m.specular.z, m.edge.z))};
     };
     myCompensation = each([&](float f) { return 1 + narrow * f * lost / (1 - f * lost); });
+    // The wide lobe needs the mean over all directions, of which there is no table for these.
     if (isBrushed)
         return;
     const float mean = vk_facetMean(myFacets.rough());
     myLost = (1 - narrow) * lost;
     myMeanLost = std::max(1 - mean, 1e-6f);
+    // Kulla and Conty's factor; f squared, as what is in this lobe has met two facets at least.
     myMultiple = each([&](float f) { return f * f * mean / (1 - f * (1 - mean)); });
 }
 
-// Parts get samples by what they reflect.
+// Parts get samples by what they reflect. Those that get none are not evaluated either.
 void vk_Bsdf::share(bool split)
 {
     constexpr float LEAST = 1e-20f; // less has no inverse to count on
@@ -150,6 +160,8 @@ void vk_Bsdf::share(bool split)
     const bool both = specular > LEAST && diffuse > LEAST;
     // By chance, the specular ones are drawn often enough to keep them quiet.
     const float ofSpecular = both ? std::clamp(specular / (specular + diffuse), .2f, .9f) : 1;
+    // Split, the shares of each round come to 1, and the density to that of two samples: light over
+    // it is the balance heuristic of both.
     myRounds = split && both ? 2 : 1;
     const float toSpecular = specular > LEAST ? (myRounds == 2 ? 1 : ofSpecular) / specular : 0;
     const float toDiffuse =
@@ -167,6 +179,7 @@ inline vk_Colour vk_Bsdf::fresnel(float cosine) const
 float vk_Bsdf::below(float cosine) const
 {
     float left = 1 - fresnelOfCoat(myMaterial, cosine);
+    // By its strongest colour: each by itself would leave the opposite colour to what lies below.
     const float sheen = vk_largest(myMaterial.sheen);
     if (sheen > 0)
         left *= 1 - sheen * vk_sheenAlbedo(cosine, myMaterial.sheenRough);
@@ -177,6 +190,7 @@ inline vk_Colour vk_Bsdf::base(float cosIn) const
 {
     if (!myHasBoundary)
         return myMaterial.diffuse * (1 / VK_PI);
+    // Over the hemisphere, weighted by the cosine, passedBoundary() has a mean of 23/28.
     const float through = 28.0f / 23 * passedBoundary(cosIn) * myPassed;
     const vk_Colour &edge = myMaterial.edge, &straight = myMaterial.specular;
     // What Schlick's formula leaves: 1 less `edge` everywhere, and of the rest what is not
@@ -191,6 +205,8 @@ inline void vk_Bsdf::addBoundary(const vk_Vec &in, float left, vk_Scattered &sca
     const float facets = myFacets.density(h);
     scattered.specular +=
         fresnel(vk_dot(h, in)) * myCompensation * (facets * myFacets.shared(in, myLower) * left);
+    // The Jacobian of reflection, 1 / (4 dot(out, h)), takes that cosine out of the pdf of visible
+    // normals.
     density += myShare[BOUNDARY] * facets * myFacets.visible(myLower) / (4 * myLower.z);
 }
 
@@ -229,6 +245,7 @@ vk_Scattered vk_Bsdf::evaluateLayers(const vk_Vec &in, float &density) const
     if (myShare[BOUNDARY] > 0)
         addBoundary(lower, left, scattered, density);
     if (myShare[MULTIPLE] > 0) {
+        // Reciprocal: facets scatter light again towards where they would lose it from.
         const float lost = 1 - vk_facetAlbedo(lower.z, myFacets.rough());
         scattered.specular += myMultiple * (myLost * lost / (myMeanLost * VK_PI) * left);
         density += myShare[MULTIPLE] * lower.z / VK_PI;
@@ -254,6 +271,7 @@ vk_Scattered vk_Bsdf::evaluateTop(const vk_Vec &in, float &density) const
     if (myShare[SHEEN] > 0) {
         scattered.diffuse +=
             myMaterial.sheen * (vk_sheen(in.z, myOut.z, h.z, myMaterial.sheenRough) * in.z);
+        // Drawn evenly: most of it is at grazing angles, where a cosine would seldom look.
         density += myShare[SHEEN] / (2 * VK_PI);
     }
     return scattered;
@@ -261,9 +279,11 @@ vk_Scattered vk_Bsdf::evaluateTop(const vk_Vec &in, float &density) const
 
 vk_Scattered vk_Bsdf::evaluateGlass(const vk_Vec &in, float &density) const
 {
+    // Also (0 0 0), which stands for total reflection among samples.
     if (in.z == 0)
         return {};
     const bool reflects = in.z > 0;
+    // (13) and (16) of Walter; the latter points to the side of the lower index.
     vk_Vec h = reflects ? in + myOut : in * -myEta - myOut;
     h = vk_normalize(h.z < 0 ? -h : h);
     const float outH = vk_dot(myOut, h), inH = vk_dot(in, h);
@@ -279,6 +299,8 @@ vk_Scattered vk_Bsdf::evaluateGlass(const vk_Vec &in, float &density) const
     const float facets = myFacets.density(h) * jacobian;
     const vk_Vec above = {in.x, in.y, std::abs(in.z)};
     density = facets * myFacets.visible(myOut) / myOut.z * (myRounds == 2 ? 1 : share);
+    // Without the square of the index by which radiance grows where light enters: camera and lights
+    // are outside of glass, so that it has left again.
     const float passed = 4 * facets * myFacets.shared(above, myOut) * above.z * share;
     return {(reflects ? vk_grey(1) : myMaterial.clear) * myCompensation * passed, {}};
 }
@@ -300,6 +322,7 @@ vk_Vec vk_Bsdf::samplePart(Part part, const vk_Square &at) const
         return bottom().toWorld(mirrored(myLower, myFacets.sample(myLower, at)));
     if (part == SHEEN)
         return myTop.toWorld(vk_toCap(at, 1));
+    // By the cosine: Malley's method.
     vk_Vec disc = vk_toDisc(at);
     disc.z = std::sqrt(std::max(0.0f, 1 - disc.x * disc.x - disc.y * disc.y));
     return bottom().toWorld(disc);
@@ -316,6 +339,7 @@ vk_Vec vk_Bsdf::sample(const vk_Square &at, int round, float choice) const
     float left = at.u;
     while (part < last && left >= myShare[part])
         left -= myShare[part++];
+    // Rounding may leave a number for a last part that has no share.
     const float share = std::max(myShare[part], 1e-6f);
     return samplePart(static_cast<Part>(part), {std::min(left / share, ALMOST_ONE), at.v});
 }
