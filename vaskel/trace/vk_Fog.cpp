@@ -38,7 +38,8 @@ struct vk_Fog::Chord {
     }
 };
 
-// Places on a chord by the angle under which a lamp sees them.
+// Places on a chord by the angle under which a lamp sees them: equiangular, so that the pdf cancels
+// the inverse square of their distance to the lamp.
 struct vk_Fog::Angles {
     float along;  // nearest place to the lamp, from where the chord begins,
     float beside; // and how near
@@ -46,6 +47,7 @@ struct vk_Fog::Angles {
 
     Angles(const vk_Vec &begin, const vk_Vec &direction, float length, const vk_Vec &lamp)
         : along(vk_dot(lamp - begin, direction)),
+          // A lamp on the ray itself would see all places at right angles.
           beside(std::max(vk_length(lamp - begin - direction * along), 1e-3f)),
           low(std::atan2(-along, beside)), high(std::atan2(length - along, beside))
     {

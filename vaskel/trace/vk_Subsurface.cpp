@@ -29,6 +29,8 @@ public:
     // the rest slowly.
     float sample(float u) const
     {
+        // One number picks an exponential and, stretched over its share, is put through the
+        // inverse.
         const float at = u * myWithin;
         if (at < myFast)
             return std::min(-myScatter * std::log(1 - 4 * at), myMost);
@@ -38,7 +40,8 @@ public:
     // Of places `distance` away that a ray passes at `radius`.
     float density(float radius, float distance) const
     {
-        // A place that was drawn at the end may lie beyond it by rounding.
+        // Rays end at a ball of that radius: counting places beyond, which they cannot find, would
+        // darken the colour that wanders furthest. At the very end rounding may put one there.
         return distance <= 1.001f * myMost ? vk_profile(radius, myScatter) / myWithin : 0;
     }
 
@@ -84,6 +87,7 @@ float densityAt(const vk_Frame &frame, const vk_Vec &off, const vk_Vec &facet,
         const vk_Frame axis = turned(frame, i);
         const vk_Vec local = axis.toLocal(off);
         const float r = std::sqrt(local.x * local.x + local.y * local.y);
+        // The Jacobian from the plane that the ray crosses to the surface.
         const float facing = std::abs(vk_dot(axis.normal, facet)) * component(AXIS_SHARES, i);
         for (int colour = 0; colour < 3; ++colour)
             density += facing * component(shares, colour) * profiles[colour].density(r, distance);
@@ -102,7 +106,7 @@ int pickLayer(const vk_World &world, vk_Vec origin, const vk_Vec &direction, flo
         ++vk_myRays.scattered;
         if (!world.intersect(origin, direction, hit, length))
             break;
-        // Nothing below the floor is lit; and a ray that goes down stays at the floor.
+        // Nothing below the floor is lit: layers there would only take chances from others.
         if (hit.isFloor && direction.y < 0)
             break;
         length -= hit.distance;
@@ -117,6 +121,7 @@ int pickLayer(const vk_World &world, vk_Vec origin, const vk_Vec &direction, flo
 
 float vk_profile(float distance, float scatter)
 {
+    // Per area it has a pole at 0; within a thousandth of `scatter` lies .05 % of the light.
     const float r = std::max(distance, scatter * 1e-3f);
     return (std::exp(-r / scatter) + std::exp(-r / (3 * scatter))) / (8 * VK_PI * scatter * r);
 }
@@ -140,6 +145,7 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
     const int colour = pick(shares, left);
     const Profile &profile = profiles[colour];
     const float r = profile.sample(place.u);
+    // The ray's chord of the ball that holds all of the profile: half of it, squared.
     const float far2 = profile.most() * profile.most() - r * r;
     if (far2 <= 0)
         return false;
@@ -148,10 +154,12 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
     const float half = std::sqrt(far2), around = 2 * VK_PI * place.v;
     const vk_Vec start = exit.position + probe.tangent * (r * std::cos(around)) +
                          probe.bitangent * (r * std::sin(around)) + probe.normal * half;
+    // What the choice of a colour left of its number picks the layer.
     const float at = left / std::max(component(shares, colour), 1e-6f);
     const int layers = pickLayer(world, start, -probe.normal, 2 * half, at, entry);
     if (layers == 0 || entry.surface != exit.surface)
         return false;
+    // Normals of a hit face the ray, which meets the shape from its other side too.
     if (entry.inside != exit.inside) {
         entry.normal = -entry.normal;
         entry.facet = -entry.facet;
@@ -159,6 +167,7 @@ bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &sca
     const vk_Vec off = entry.position - exit.position;
     const float distance = vk_length(off);
     const float density = densityAt(frame, off, entry.facet, profiles, shares);
+    // Times the layers, of which each was picked with the same chance.
     weight = vk_Colour{vk_profile(distance, scatter.x), vk_profile(distance, scatter.y),
                        vk_profile(distance, scatter.z)} *
              (static_cast<float>(layers) / std::max(density, 1e-12f));
