@@ -4,6 +4,7 @@
 
 void vk_HitBatch::clear()
 {
+    // Hits stay, to be written over.
     mySize = 0;
     myOrder.clear();
     mySurfaces.clear();
@@ -28,16 +29,20 @@ void vk_HitBatch::sort()
         for (std::size_t i = 0; i < size(); ++i)
             if (myHits[i].surface == surface) {
                 myOrder.push_back(i);
+                // Copied, as shaders take points that lie side by side.
                 myPoints.push_back(myHits[i].point);
             }
 }
 
+// ask(surface, points, materials, count) for each surface: a shader that has to set something up
+// does so once a batch, and may work on several points at a time.
 template <class Ask>
 void vk_HitBatch::askEach(Ask ask)
 {
     sort();
     myMaterials.resize(size());
     for (std::size_t begin = 0, end = 0; begin < size(); begin = end) {
+        // After sort() all hits of a surface follow each other.
         const vk_SurfaceShader &surface = *hit(begin).surface;
         while (end < size() && hit(end).surface == &surface)
             ++end;

@@ -43,11 +43,13 @@ void vk_Shadows::cast(vk_ShadowRay *rays, std::size_t count) const
     std::vector<vk_ShadowRay *> occluded;
     for (std::size_t i = 0; i < count; ++i) {
         vk_ShadowRay &ray = rays[i];
+        // It stays so where light comes through: what shadows leave counts for such ways too.
         ray.isOccluded = isOccluded(ray.way);
         ++ray.cost;
         if (ray.isOccluded)
             occluded.push_back(&ray);
     }
+    // Takes those off the list that light comes through.
     if (myAreTransparent)
         passThrough(occluded);
     for (vk_ShadowRay *const ray : occluded)
@@ -66,6 +68,7 @@ void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &open) const
         for (vk_ShadowRay *const ray : open) {
             const vk_Segment &way = ray->way;
             ++ray->cost;
+            // A way that meets nothing more has come to its light, and keeps what it has.
             if (myWorld.intersect(way.origin, way.direction, hits.add(), way.distance))
                 met.push_back(ray);
             else
@@ -83,6 +86,7 @@ void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &open) const
 // Past one surface. False when next to nothing comes through.
 bool vk_Shadows::cross(vk_ShadowRay &ray, const vk_Hit &hit, const vk_Material &material) const
 {
+    // One surface that bends or stops a path's ray is enough to keep it from the light.
     ray.between = std::max(ray.between, betweenOf(material));
     ray.by = ray.by * material.passesBy;
     ray.passes = ray.passes * (material.passesBy + through(hit, material, ray.way.direction));
@@ -102,7 +106,9 @@ vk_Colour vk_Shadows::through(const vk_Hit &hit, const vk_Material &material,
 {
     if (!material.isClear())
         return material.diffuse * (myShadow.tint * material.presence);
+    // Normals are to the ray's side, against its direction.
     const float cosine = std::abs(vk_dot(hit.normal, direction));
+    // From the surface in front, or from where the way begins within the glass.
     const float length = hit.inside ? hit.distance : 0;
     return material.absorbed(length) * material.passesStraight(cosine) *
            (myShadow.filter * material.presence);

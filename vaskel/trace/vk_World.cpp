@@ -16,6 +16,7 @@ void aim(RTCRay &ray, const vk_Vec &origin, const vk_Vec &direction, float dista
     ray.dir_x = direction.x;
     ray.dir_y = direction.y;
     ray.dir_z = direction.z;
+    // No margin: vk_Hit::start() has moved the origin off its surface.
     ray.tnear = 0;
     ray.tfar = distance;
     ray.time = 0;
@@ -39,6 +40,7 @@ struct vk_World::Shape {
         const vk_Vertex &c = mesh.vertices[corners[2]];
         const vk_Vec ab = b.position - a.position, ac = c.position - a.position;
         const float u1 = b.u - a.u, v1 = b.v - a.v, u2 = c.u - a.u, v2 = c.v - a.v;
+        // Solves ab = u1 dPdu + v1 dPdv, and ac alike, by Cramer's rule.
         const float area = u1 * v2 - u2 * v1;
         const float inverse = area != 0 ? 1 / area : 0;
         dPdu = (ab * v2 - ac * v1) * inverse;
@@ -64,7 +66,7 @@ struct vk_World::Embree {
         if (device != nullptr)
             rtcReleaseDevice(device);
     }
-    // Once, after all is built.
+    // Once, after all is built: Embree keeps its first error until it is asked.
     void check() { failed = device == nullptr || rtcGetDeviceError(device) != RTC_ERROR_NONE; }
     // A good tree, not the best: that one takes longer than the rays of a small picture
     // repay.
@@ -86,7 +88,8 @@ void vk_World::Embree::build() const
     alone.execute([&] { rtcJoinCommitScene(scene); });
 }
 
-// The mesh stays ours, and must not move or go before the tree does.
+// The mesh stays ours, and must not move or go before the tree does. Embree reads 16 bytes for the
+// 12 of a position; behind the last one there is the rest of its vertex.
 void vk_World::Embree::attach(const vk_Mesh &mesh)
 {
     const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_QUAD);
@@ -98,6 +101,7 @@ void vk_World::Embree::attach(const vk_Mesh &mesh)
     rtcSetGeometryBuildQuality(geometry, RTC_BUILD_QUALITY_MEDIUM);
     rtcCommitGeometry(geometry);
     rtcAttachGeometry(scene, geometry);
+    // The scene holds on to it.
     rtcReleaseGeometry(geometry);
 }
 
@@ -107,6 +111,7 @@ vk_World::vk_World(const vk_Scene &scene)
               static_cast<float>(std::min(scene.width, scene.height)))
 {
     myHasGlass = scene.floor != nullptr && scene.floor->mayBeClear();
+    // A floor may be all there is, and it needs no Embree.
     if (scene.shapes.empty())
         return;
     myEmbree->device = rtcNewDevice(nullptr);
@@ -145,6 +150,7 @@ void vk_World::encloseShapes()
             low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
             high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
         }
+    // The box tells the centre only: half of its diagonal is sqrt(3) times the radius of a sphere.
     myBall.centre = (low + high) * .5f;
     float radius2 = 0;
     for (const auto &shape : myShapes)
@@ -168,6 +174,7 @@ bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &d
     const bool touches =
         direction.y < 0 && origin.y <= 0 && origin.y > -vk_Hit::TOUCHING * (1 + size);
     const float to = touches ? 0 : -origin.y / direction.y;
+    // For a ray that is all but level the quotient may overflow.
     if (!touches && !(to > 0 && to < FOREVER))
         return false;
     distance = to;
@@ -179,6 +186,7 @@ bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &d
 void vk_World::describeShape(unsigned geometry, unsigned quad, float u, float v, vk_Hit &hit) const
 {
     const Shape &shape = *myShapes[geometry];
+    // The first triangle lacks the third corner, where u and v are 1, the second one the first.
     const bool isSecond = u + v > 1;
     const unsigned triangle = 2 * quad + (isSecond ? 1 : 0);
     if (isSecond) {
@@ -191,9 +199,10 @@ void vk_World::describeShape(unsigned geometry, unsigned quad, float u, float v,
     const vk_Vertex &b = shape.mesh.vertices[corners[1]];
     const vk_Vertex &c = shape.mesh.vertices[corners[2]];
     const float w = 1 - u - v;
-    // More exact than along the ray.
+    // More exact than along the ray, whose rounding grows with the distance.
     hit.position = a.position * w + b.position * u + c.position * v;
     hit.normal = vk_normalize(a.normal * w + b.normal * u + c.normal * v);
+    // Patterns stay with the shape, wherever its transforms take it.
     hit.point = {shape.toShape.point(hit.position), a.u * w + b.u * u + c.u * v,
                  a.v * w + b.v * u + c.v * v};
     hit.surface = shape.surface;
@@ -210,6 +219,7 @@ vk_Vec vk_World::along(const vk_Hit &hit) const
     const vk_Vertex &a = mesh.vertices[corners[0]];
     const vk_Vertex &b = mesh.vertices[corners[1]];
     const vk_Vertex &c = mesh.vertices[corners[2]];
+    // dPdu as in slopes(), but for the size of its determinant: a length does not matter here.
     const float v1 = b.v - a.v, v2 = c.v - a.v;
     const float area = (b.u - a.u) * v2 - (c.u - a.u) * v1;
     return ((b.position - a.position) * v2 - (c.position - a.position) * v1) * (area < 0 ? -1 : 1);
@@ -220,9 +230,11 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
 {
     float toFloor = 0;
     const bool onFloor = meetFloor(origin, direction, toFloor) && toFloor <= length;
+    // Not set up: Embree fills in the rest where something is met, and most rays do not ask it.
     RTCRayHit query;
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
     if (mayMeetShapes(origin, direction)) {
+        // What lies behind the floor need not be found.
         aim(query.ray, origin, direction, std::min(toFloor, length));
         RTCIntersectContext context;
         rtcInitIntersectContext(&context);
@@ -236,6 +248,7 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
     } else if (onFloor) {
         hit.distance = toFloor;
         hit.position = origin + direction * toFloor;
+        // Exactly: patterns in space may have an edge there, which rounding would fray.
         hit.position.y = 0;
         hit.facet = hit.normal = {0, 1, 0};
         hit.point = {hit.position, hit.position.x, hit.position.z};
@@ -244,9 +257,10 @@ bool vk_World::intersect(const vk_Vec &origin, const vk_Vec &direction, vk_Hit &
     } else {
         return false;
     }
-    // Smooth normals know the outside, triangles do not.
+    // Smooth normals know the outside, triangles do not: a transform that mirrors turns them round.
     if (vk_dot(hit.facet, hit.normal) < 0)
         hit.facet = -hit.facet;
+    // By the facet: smooth normals may turn away from the ray at a silhouette.
     hit.inside = vk_dot(hit.facet, direction) > 0;
     if (hit.inside) {
         hit.facet = -hit.facet;
@@ -265,8 +279,10 @@ void vk_World::describeGeometry(const vk_Vec &direction, vk_Hit &hit) const
     point.normal = hit.normal;
     point.facet = hit.facet;
     point.incoming = direction;
+    // As if seen straight from the camera, also after bounces, where no width is followed.
     point.footprint = myPixel * vk_length(hit.position - myScene.camera.from);
     point.isBack = hit.inside;
+    // The floor's u and v are x and z.
     point.dPdu = {1, 0, 0};
     point.dPdv = {0, 0, 1};
     if (!hit.isFloor) {
@@ -279,6 +295,7 @@ void vk_World::describeGeometry(const vk_Vec &direction, vk_Hit &hit) const
 bool vk_World::occluded(const vk_Segment &way) const
 {
     float toFloor = 0;
+    // First what takes no walk through the tree.
     if (meetFloor(way.origin, way.direction, toFloor) && toFloor < way.distance)
         return true;
     if (!mayMeetShapes(way.origin, way.direction))
@@ -288,5 +305,6 @@ bool vk_World::occluded(const vk_Segment &way) const
     RTCIntersectContext context;
     rtcInitIntersectContext(&context);
     rtcOccluded1(myEmbree->scene, &context, &ray);
+    // Embree puts it to minus infinity when it met something.
     return ray.tfar < 0;
 }
