@@ -25,6 +25,7 @@ float vk_DirectLight::expected(const vk_Light &light, int samples) const
 {
     if (myScene.lights.size() <= static_cast<std::size_t>(samples))
         return 1;
+    // 0 for no samples: the weight of a ray is 1 then.
     return myTotal > 0 ? static_cast<float>(samples) * light.strength() / myTotal : 0;
 }
 
@@ -47,6 +48,7 @@ vk_DirectLight::Choice vk_DirectLight::choose(std::size_t i, int samples, float 
 // The light at a place from 0 to 1 on the scale of all strengths.
 std::size_t vk_DirectLight::pick(float at) const
 {
+    // A walk: a scene has 64 lights at most.
     float left = at * myTotal;
     std::size_t i = 0;
     while (i + 1 < myScene.lights.size() && left >= myScene.lights[i]->strength())
@@ -59,6 +61,7 @@ vk_Vec vk_DirectLight::softened(const vk_Vec &from, const vk_Light &light,
                                 const vk_Vec &direction) const
 {
     const vk_LightSample centre = light.middle(from);
+    // Within a lamp, for example, there is no direction towards its middle.
     if (centre.density <= 0)
         return direction;
     return vk_normalize(vk_mix(centre.direction, direction, myShadows.shadow().soft));
@@ -78,6 +81,7 @@ vk_NextEvent vk_DirectLight::atVertex(const vk_Bsdf &bsdf, int samples,
 {
     vk_NextEvent next;
     next.samples = samples;
+    // Only weights behind glass ask for it, and it takes an evaluation.
     if (myShadows.areTransparent() && !bsdf.isGlass())
         next.peakPdf = bsdf.peakPdf();
     // Where rough glass is left, its vertex in front has counted what shadows leave, when
@@ -91,6 +95,8 @@ vk_NextEvent vk_DirectLight::atVertex(const vk_Bsdf &bsdf, int samples,
 vk_NextEvent vk_DirectLight::throughGlass(vk_NextEvent next, float distance) const
 {
     next.distance += distance;
+    // In front of the glass the ray counted what shadows leave of a light; of the rest goes on what
+    // the shadow of glass would let pass.
     if (next.glassDims) {
         const vk_Shadow &shadow = myShadows.shadow();
         const vk_Colour counted = next.shadowIsCounted ? vk_Colour{} : shadow.left;
@@ -119,12 +125,16 @@ void vk_DirectLight::sample(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Nex
     for (std::size_t i = 0; i < count; ++i) {
         const Choice choice = choose(i, vertex.samples, offset);
         if (!bsdf.isGlass() && myBounds[choice.light].isBelow(hit.position, bsdf.normal())) {
+            // One pair of numbers must mean the same in all samples of a pixel, or points that are
+            // well spread no longer help.
             path.sampler().skip();
             continue;
         }
         const vk_Light &lamp = *myScene.lights[choice.light];
         const vk_LightSample sample = lamp.sample(hit.position, path.sampler().square());
+        // Each counts over n times its pdf, so that the n samples expected come to one estimate.
         vk_MisPdfs pdfs = {sample.density * choice.expected, 0, vertex.peakPdf};
+        // What arrives through the glass is left to the ray that goes on into it.
         if (pdfs.light <= 0 || (bsdf.isGlass() && isInside(hit, sample.direction)))
             continue;
         vk_Scattered light = bsdf.evaluate(sample.direction, pdfs.bsdf);
@@ -171,10 +181,14 @@ vk_Scattered vk_DirectLight::arriving(const vk_LightQueue::Sample &sample, const
     const float ofOpen = vk_misWeights(VK_NOTHING, sample.onwards, sample.pdfs).sample;
     if (!ray.isOccluded)
         return {sample.light.specular * ofOpen, sample.light.diffuse * ofOpen};
+    // What shadows leave counts as if nothing were there, for rays as well (see met()).
     const vk_Colour left = vertex.shadowIsCounted ? vk_Colour{} : myShadows.shadow().left;
+    // Where rough glass is left, the vertex in front of it has counted what comes through other
+    // shapes: their row gives all of that to its sample.
     const bool wasCountedInFront = ray.between == VK_OTHER_SHAPES && vertex.shadowIsCounted;
     const float ofThrough =
         wasCountedInFront ? 0 : vk_misWeights(ray.between, sample.onwards, sample.pdfs).sample;
+    // A ray passes by holes as a sample does, and shares that with it as in the open.
     const vk_Colour passing = ray.by * ofOpen + (ray.passes - ray.by) * ofThrough;
     const vk_Colour share = left * ofOpen + (vk_grey(1) - left) * passing;
     return {sample.light.specular * share, sample.light.diffuse * share};
@@ -202,6 +216,8 @@ vk_Colour vk_DirectLight::met(const vk_Vec &origin, const vk_Vec &direction, flo
                                  next.peakPdf};
         const float weight = vk_misWeights(between, next.onwards(), pdfs).ray;
         const float passes = myFog.passes(origin, direction, seen.distance);
+        // Samples of softer or harder shadows look beside the light; a ray must find the same ones,
+        // or what both count would not come to the whole.
         const bool hidden = shadow.soft == 1 ? seen.distance >= distance
                                              : myShadows.isOccluded(wayTo(origin, light, seen));
         sum += seen.radiance * (hidden ? whenHidden : vk_grey(1)) * (weight * passes);
@@ -230,6 +246,7 @@ vk_Colour vk_DirectLight::inScattered(const vk_Vec &origin, const vk_Vec &direct
     if (count <= FEW)
         return sum;
     const vk_Light &light = *myScene.lights[pick(sampler.number())];
+    // Over the chance that this light was picked.
     const float chance = expected(light, 1);
     return chance > 0 ? inScattered(light, origin, direction, distance, sampler) * (1 / chance)
                       : sum;
@@ -248,6 +265,7 @@ vk_Colour vk_DirectLight::inScattered(const vk_Light &light, const vk_Vec &origi
         return {};
     const vk_Vec begin = origin + direction * lit.begin;
     const float passes = myFog.passes(origin, direction, lit.begin);
+    // The others follow at equal steps, round the end, so that each quarter of the scale has one.
     const float first = sampler.number();
     vk_Colour arriving[PLACES];
     vk_ShadowRay rays[PLACES];
@@ -261,6 +279,7 @@ vk_Colour vk_DirectLight::inScattered(const vk_Light &light, const vk_Vec &origi
         // Most places lie outside the beam of a lamp, and need no ray to tell.
         if (place.weight <= 0 || sample.density <= 0 || vk_largest(sample.radiance) <= 0)
             continue;
+        // Both directions point against the light that goes along them.
         const float phase = myFog.phase(vk_dot(direction, sample.direction));
         const float open = myFog.passes(at, sample.direction, sample.distance);
         arriving[count] =

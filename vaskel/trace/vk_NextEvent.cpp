@@ -18,6 +18,7 @@ vk_MisWeights bySize(const vk_MisPdfs &pdfs)
     return {1 - ray, ray};
 }
 
+// No ray comes through other shapes: what their shadows let pass only a sample can count.
 vk_MisWeights bySample(const vk_MisPdfs &)
 {
     return {1, 0};
