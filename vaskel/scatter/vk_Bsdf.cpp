@@ -205,8 +205,8 @@ inline void vk_Bsdf::addBoundary(const vk_Vec &in, float left, vk_Scattered &sca
     const float facets = myFacets.density(h);
     scattered.specular +=
         fresnel(vk_dot(h, in)) * myCompensation * (facets * myFacets.shared(in, myLower) * left);
-    // The Jacobian of reflection, 1 / (4 dot(out, h)), takes that cosine out of the pdf of visible
-    // normals.
+    // The Jacobian of reflection, 1 / (4 dot(out, h)), cancels that cosine in the pdf of visible
+    // normals, which is then one of directions.
     density += myShare[BOUNDARY] * facets * myFacets.visible(myLower) / (4 * myLower.z);
 }
 
