@@ -50,4 +50,12 @@ TEST(Path, TheTailOfANarrowLobeIsWideButNotDiffuse)
     path = camera;
     ASSERT_TRUE(path.scatter(hit, ofWhite, up, {}, {}));
     EXPECT_TRUE(path.isDiffuse());
+    // Of a rough boundary that is hardly there, both parts are drawn all the same.
+    white.specular = vk_grey(1e-4f);
+    white.rough = .8f;
+    const vk_Bsdf ofBoth(white, up, up, true);
+    ASSERT_EQ(2, ofBoth.rounds());
+    path = camera;
+    ASSERT_TRUE(path.scatter(hit, ofBoth, up, {}, {}));
+    EXPECT_TRUE(path.isDiffuse());
 }

@@ -97,7 +97,8 @@ void vk_Path::setNextEvent(const vk_Hit &hit, const vk_Bsdf &bsdf, float pdf, bo
     if (!isInside && !bsdf.isSmoothGlass()) {
         // Light samples were taken here: they and this ray share what lights bring.
         myIsWide = myIsWide || !vk_isSpecular(pdf);
-        myIsDiffuse = myIsDiffuse || pdf <= 1 / VK_PI;
+        // Of a split BSDF it is the sum of two samples' pdfs.
+        myIsDiffuse = myIsDiffuse || pdf <= static_cast<float>(bsdf.rounds()) / VK_PI;
         myNextEvent = atVertex;
     } else if (crosses) {
         // What the vertex in front left for rays goes on, less what the glass takes. Rough glass
