@@ -572,6 +572,7 @@ TEST(Film, EachColourBecomesTheNearestByte)
 TEST(Film, TheTableOfWhatIsShownIsExactToATenthOfAByte)
 {
     EXPECT_EQ(0, vk_shown(-1));
+    EXPECT_EQ(0, vk_shown(std::numeric_limits<float>::quiet_NaN()));
     EXPECT_NEAR(1, vk_shown(1e30f), 1e-4);
     for (float x = 1e-5f; x < VK_WHITE; x *= 1.01f)
         EXPECT_NEAR(vk_toSrgb(vk_toneCurve(x)), vk_shown(x), .1 / 255) << x;

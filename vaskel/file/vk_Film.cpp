@@ -72,7 +72,8 @@ float vk_shown(float linear)
 {
     static const Shown SHOWN;
 
-    const float root = std::sqrt(std::clamp(linear * (1 / VK_WHITE), 0.0f, 1.0f));
+    // What is no number shows as black.
+    const float root = linear > 0 ? std::sqrt(std::min(linear * (1 / VK_WHITE), 1.0f)) : 0;
     const float place = root * Shown::STEPS;
     const auto step = static_cast<int>(place);
     const float *const at = SHOWN.at + step;

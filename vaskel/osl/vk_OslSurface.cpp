@@ -9,6 +9,16 @@ namespace
 // In the order of TARGETS.
 enum Target { DIFF, SPEC, ROUGH, IOR, EMISSION, BUMP, OPACITY };
 
+// How steep a bump is that rises so much on so long a step. One that is no number is none, and
+// beyond the steepest all face the horizon.
+float slopeOf(float rise, float step)
+{
+    constexpr float STEEPEST = 1e3f;
+
+    const float slope = rise / step;
+    return std::isnan(slope) ? 0 : std::clamp(slope, -STEEPEST, STEEPEST);
+}
+
 // A number from 0 to 1 that looks random and is the same wherever a point is asked about.
 float chanceAt(const vk_SurfacePoint &point)
 {
@@ -169,8 +179,9 @@ bool vk_OslSurface::bump(vk_OslRunner &runner, const vk_SurfacePoint *points,
             return false;
         for (int i = 0; i < size; ++i) {
             const float rise = height.number(i) - before[i];
+            const float slope = slopeOf(rise, vk_length(steps[i]));
             // Against the slope: a normal leans away from where the height grows.
-            materials[solid[i]].tilt += steps[i] * (-rise / vk_dot(steps[i], steps[i]));
+            materials[solid[i]].tilt += vk_normalize(steps[i]) * -slope;
         }
     }
     return true;

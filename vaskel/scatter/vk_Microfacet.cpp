@@ -9,9 +9,10 @@ struct Step {
     std::size_t low;
     float part; // of the way to the next
 
+    // What is no number counts as 0: as a place it would lie far outside the table.
     Step(float unit, int steps)
     {
-        const float at = std::clamp(unit, 0.0f, 1.0f) * static_cast<float>(steps - 1);
+        const float at = unit > 0 ? std::min(unit, 1.0f) * static_cast<float>(steps - 1) : 0;
         // At 1 it is the end of the last interval: none begins there.
         low = static_cast<std::size_t>(std::min(static_cast<int>(at), steps - 2));
         part = at - static_cast<float>(low);
