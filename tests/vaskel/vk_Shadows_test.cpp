@@ -32,6 +32,17 @@ TEST(Shadows, TintTellsByTheWayInsideOfGlass)
     expectNear({1, 1, 1}, passed(glass + "1", 5));
 }
 
+// Of four balls; light that would have to pass more is not worth looking for.
+TEST(Shadows, EightSurfacesOfGlassLetLightPass)
+{
+    std::string balls = "surface v_glass ior 1.01 tint 1\n";
+    for (int i = 0; i < 4; ++i)
+        balls += "sphere radius .1\ntranslate 0 0 -1\n";
+    const auto at = [](const std::string &lines) { return "translate 0 .9 3\n" + lines; };
+    expectNear({1, 1, 1}, passed(at(balls), 10));
+    expectNear({}, passed(at(balls + "sphere radius .1\n"), 10));
+}
+
 // A sheet of a colour that is there by half: the other half passes by.
 TEST(Shadows, ThinSurfacesStainTheirShareOfTheLight)
 {

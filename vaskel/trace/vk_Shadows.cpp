@@ -62,7 +62,8 @@ void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &open) const
 {
     std::vector<vk_ShadowRay *> met;
     vk_HitBatch hits;
-    for (int layer = 0; layer < MOST_LAYERS && !open.empty(); ++layer) {
+    // Once more than that: behind the last one that it passes a way must be free.
+    for (int layer = 0; layer <= MOST_LAYERS && !open.empty(); ++layer) {
         met.clear();
         hits.clear();
         for (vk_ShadowRay *const ray : open) {
