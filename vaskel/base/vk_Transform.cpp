@@ -69,13 +69,14 @@ vk_Transform vk_Transform::inverse() const
 
 bool vk_Transform::isUsable() const
 {
-    constexpr float SHORTEST = 1e-3f * (1 - 1e-4f); // a thousandth, as it is after some rounding
+    constexpr float ROUNDING = 1e-4f; // of a few transforms in a row
+    constexpr float SHORTEST = 1e-3f * (1 - ROUNDING), LONGEST = 1e4f * (1 + ROUNDING);
 
     const auto [shortest, longest] = std::minmax({vk_length(myX), vk_length(myY), vk_length(myZ)});
     const float volume = std::abs(determinant());
     // A volume that is small against the longest side is a sheet without an inside: its inverse
     // would be noise.
-    return shortest >= SHORTEST && longest < 1e4f && vk_largest(myOrigin) < 1e6f &&
+    return shortest >= SHORTEST && longest <= LONGEST && vk_largest(myOrigin) < 1e6f &&
            vk_largest(-myOrigin) < 1e6f && volume > 1e-3f * longest * longest * 1e-3f &&
            volume > 1e-9f;
 }

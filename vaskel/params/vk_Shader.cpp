@@ -1,5 +1,7 @@
 #include "vaskel/params/vk_Shader.h"
 
+#include <cstring>
+
 std::string_view vk_shaderName(std::string_view word)
 {
     // How shop networks write the name of a shader.
@@ -13,7 +15,8 @@ std::string vk_unknownShader(const char *type, std::string_view word,
     std::string list;
     for (const std::string_view name : known)
         list += (list.empty() ? "" : ", ") + std::string(name);
-    const std::string expected = "expected a " + std::string(type) + " shader: " + list;
+    const char *const article = std::strchr("aeiou", type[0]) != nullptr ? "an " : "a ";
+    const std::string expected = "expected " + (article + std::string(type)) + " shader: " + list;
     if (word.empty())
         return expected;
     // The bare name is compared: a shop in front would count as a dozen wrong letters.

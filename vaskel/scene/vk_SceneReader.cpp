@@ -506,7 +506,8 @@ bool vk_SceneReader::doTransform(const vk_Transform &by)
     // Floats near the limits would tear shapes apart, and no message would tell why.
     if (!nested.isUsable())
         return wrong(myWords[0] + " expected a shape that stays between a thousandth and ten "
-                                  "thousand lengths in size, and within a million of the origin");
+                                  "thousand lengths in size, is no sheet or thread, and lies "
+                                  "within a million of the origin");
     myState.transform = nested;
     return true;
 }
