@@ -178,7 +178,7 @@ TEST(Lights, HaveABoundThatRulesOutMostRaysAndNoneThatMeetTheLight)
         SCOPED_TRACE(line);
         const auto light = makeLight(line);
         const vk_Ball bound = light->bound();
-        std::uint32_t ruledOut = 0;
+        std::uint32_t ruledOut = 0, below = 0;
         for (std::uint32_t i = 0; i < COUNT; ++i) {
             vk_Sampler sampler(7, i);
             const vk_Vec place = vk_toDisc(sampler.square()) * 8;
@@ -190,9 +190,12 @@ TEST(Lights, HaveABoundThatRulesOutMostRaysAndNoneThatMeetTheLight)
             if (sample.density <= 0)
                 continue;
             EXPECT_TRUE(bound.mayMeet(place, sample.direction));
+            below += bound.isBelow(place, direction) ? 1u : 0u;
             EXPECT_TRUE(!bound.isBelow(place, direction) ||
                         vk_dot(direction, sample.direction) <= 0);
         }
-        EXPECT_EQ(light->place() != nullptr, ruledOut > COUNT / 2);
+        const bool isSomewhere = light->place() != nullptr;
+        EXPECT_EQ(isSomewhere, ruledOut > COUNT / 2);
+        EXPECT_EQ(isSomewhere, below > COUNT / 64);
     }
 }

@@ -94,7 +94,7 @@ private:
     bool myHasBoundary;
     bool myIsPlain = false;           // has a boundary and a base at most, around the same normal
     vk_Frame myTop;                   // of the coat and the sheen, and of what lies below
-    std::optional<vk_Frame> myTilted; // where that is not turned
+    std::optional<vk_Frame> myTilted; // unless that is turned: of that
     vk_Vec myOut;                     // in myTop
     vk_Vec myLower;                   // in bottom()
     vk_Facets myFacets, myCoat;

@@ -2,7 +2,7 @@
 
 namespace
 {
-constexpr float NOT_QUITE = 1 - 1e-5f; // a light must not hide itself
+constexpr float NOT_QUITE = 1 - 1e-5f; // what a light lies on must not hide it
 
 // Whether a direction leads into the shape.
 bool isInside(const vk_Hit &hit, const vk_Vec &direction)
@@ -169,9 +169,7 @@ void vk_DirectLight::collect(vk_LightQueue &queue) const
         vertex.path.view().cost += static_cast<float>(cost);
         vertex.path.add(sum);
     }
-    queue.vertices.clear();
-    queue.samples.clear();
-    queue.rays.clear();
+    queue.clear();
 }
 
 // What shadows leave of a sample, and what comes through the shapes that cast them.

@@ -22,6 +22,13 @@ struct vk_LightQueue {
         std::size_t end; // of its samples
     };
 
+    void clear()
+    {
+        vertices.clear();
+        samples.clear();
+        rays.clear();
+    }
+
     std::vector<Vertex> vertices;
     std::vector<Sample> samples;
     std::vector<vk_ShadowRay> rays; // of the samples

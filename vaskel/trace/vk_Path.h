@@ -55,7 +55,8 @@ public:
     // that it does not.
     bool mayMeetLight() const { return myMayMeetLight; }
     void findLight(bool isAhead) { myMayMeetLight = isAhead; }
-    // Whether it was scattered widely, so that it looks through glass straight on.
+    // Whether it was scattered widely. Then it looks through glass straight on, takes few light
+    // samples, and what it brings from further on is clamped.
     bool isWide() const { return myIsWide; }
     // Whether it was once scattered no more narrowly than by a matte surface. Behind that, all
     // reflections are blurred (see vk_PathTracer.h); not so behind the tails of a metal's lobe,

@@ -14,7 +14,7 @@ constexpr int LIGHT_SAMPLES = 2;      // light; at others; one where paths count
 constexpr int MOST_SPLITS = 2;        // of a path in two at smooth glass; then by chance
 constexpr float FADE_NEAR = 4;        // the floor fades between these
 constexpr float FADE_FAR = 18;        // distances from the origin
-constexpr float REGULAR = .6f;        // least roughness behind a vertex that scattered widely,
+constexpr float REGULAR = .6f;        // least roughness behind what scattered like matte does,
 constexpr float REGULAR_METAL = .4f;  // and of what only reflects: noise against dim caustics
 constexpr float WIDE_METAL = .35f;    // what is rougher shows no edges, so that
 constexpr float WIDE_GLASS = .2f;     // its light is filtered like a diffuse surface's
@@ -131,6 +131,8 @@ void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
     // tenth of its vertices. What is called from here must not wait for tasks of other waves.
     thread_local vk_HitBatch hits;
     thread_local Outgoing outgoing;
+    outgoing.paths.clear(); // an exception may have left some
+    outgoing.lights.clear();
     while (!paths.empty()) {
         hits.clear();
         std::size_t arrived = 0;

@@ -27,10 +27,11 @@
 // for all hits on it. They end by roulette, which is unbiased, and after 64 bounces.
 //
 // Deliberate simplifications keep pictures free of noise; doc/scene.md tells what shows:
-//   - behind a vertex that scattered as widely as matte does all reflections are blurred (Kaplanyan and
-//     Dachsbacher, "Path Space Regularization for Holistic and Robust Light Transport",
-//     2013) and glass is looked through straight on, as shadows do. Floor beside a mirror
-//     gets .8 % less light for it, the worst block of 16 x 16 pixels 4 % less;
+//   - behind a vertex that scattered as widely as matte does all reflections are blurred
+//     (Kaplanyan and Dachsbacher, "Path Space Regularization for Holistic and Robust Light
+//     Transport", 2013). Floor beside a mirror gets .8 % less light for it, the worst block of
+//     16 x 16 pixels 4 % less;
+//   - behind one that scattered widely, glass is looked through straight on, as shadows do;
 //   - paths that were scattered widely and come upon something very bright are clamped,
 //     which takes less than .1 %;
 //   - pixels converge by an error that their own samples tell for a half (vk_ErrorMap.h), so

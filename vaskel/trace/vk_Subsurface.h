@@ -17,8 +17,8 @@ float vk_profile(float distance, float scatter);
 float vk_profileWithin(float distance, float scatter);
 
 // Puts a place where light goes in to come out at `exit` into `entry`, with its
-// normals to the outside, and how much each colour counts there. Colours are looked for as
-// far as they wander, and as often as `albedo` makes them seen. False when the ray
-// through the shape found none. REQUIRES: all of scatter > 0, an albedo with an inverse
+// normals to the same side of the shape as there, and how much each colour counts there. Colours
+// are looked for as far as they wander, and as often as `albedo` makes them seen. False when the
+// ray through the shape found none. REQUIRES: all of scatter > 0, an albedo with an inverse
 bool vk_sampleEntry(const vk_World &world, const vk_Hit &exit, const vk_Vec &scatter,
                     const vk_Colour &albedo, vk_Sampler &sampler, vk_Hit &entry, vk_Colour &weight);
