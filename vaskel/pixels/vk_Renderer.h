@@ -19,7 +19,7 @@ struct vk_Quality {
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
     {"draft", .25f, .012f, 23, false},
-    {"default", 1, .0065f, 74, false},
+    {"default", 1, .0065f, 70, false},
     {"final", 8, .0018f, 1550, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
