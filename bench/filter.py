@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Tries the numbers of vaskel's filter (vaskel/pixels/vk_Filter.cpp) again.
+"""Tries the numbers of vaskel's filter (vaskel/pixels/vk_Filter.cpp) and of how errors are
+spread (vk_ErrorMap) again.
 
     bench/filter.py [--samples N] [NUMBER]...
 
@@ -10,7 +11,8 @@ thumbrender must have been built. Printed is what that does to mean square error
 references of N samples a pixel (256), whose own error is taken off. Takes half an hour. What
 is kept wins or loses by no more than the few hundredths by which this wavers, or else keeps
 all examples about as good as each other, or what the eye asks for: rings on the stands of
-frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE.
+frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE. SPREAD and REACH
+cost a little here, and are for the light of caustics that bench/truth.py counts.
 """
 import argparse
 import math
@@ -24,9 +26,10 @@ import tempfile
 import pictures
 
 COPY = os.path.join(pictures.ROOT, "build", "filter")
-FILTER = "vaskel/pixels/vk_Filter.cpp"
+FILES = ["vaskel/pixels/" + name for name in
+         ("vk_Filter.cpp", "vk_ErrorMap.cpp", "vk_ErrorMap.h")]
 NUMBERS = ["NEAR_REACH", "SURE", "TURN", "BLURRED_TURN", "DEPTH", "PIXEL_TOLERANCE",
-           "SPECULAR_TOLERANCE", "IRRADIANCE_TOLERANCE", "BLURRED_TOLERANCE"]
+           "SPECULAR_TOLERANCE", "IRRADIANCE_TOLERANCE", "BLURRED_TOLERANCE", "SPREAD", "REACH"]
 EXAMPLES = ["agate", "bark", "brick_chimney", "candle", "car_paint", "chrome", "clear_glass",
             "frosted_glass", "gold", "ivy", "oak", "planet", "red_plastic", "rust",
             "satin_copper", "scratched_paint", "skin", "stained_shade", "thin_haze",
@@ -48,15 +51,26 @@ def copy_sources():
         shutil.copy2(os.path.join(pictures.ROOT, name), to)
 
 
+def sources():
+    """Texts of the files with numbers, by path."""
+    texts = {}
+    for path in FILES:
+        with open(os.path.join(pictures.ROOT, path)) as file:
+            texts[path] = file.read()
+    return texts
+
+
 def build(numbers):
-    """The program with other numbers in its filter."""
-    with open(os.path.join(pictures.ROOT, FILTER)) as file:
-        text = file.read()
+    """The program with other numbers in its files."""
+    texts = sources()
     for name, value in numbers.items():
-        text, count = re.subn(r"(\b%s =) [^;]+;" % name, r"\1 %s;" % value, text)
-        assert count == 1, name
-    with open(os.path.join(COPY, FILTER), "w") as file:
-        file.write(text)
+        pattern = re.compile(r"(constexpr \w+ %s =) [^;]+;" % name)
+        found = [path for path, text in texts.items() if pattern.search(text)]
+        assert len(found) == 1, name
+        texts[found[0]] = pattern.sub(r"\1 %s;" % value, texts[found[0]])
+    for path, text in texts.items():
+        with open(os.path.join(COPY, path), "w") as file:
+            file.write(text)
     for command in (["cmake", "--preset", "release"],
                     ["cmake", "--build", "--preset", "release", "--target", "vaskel"]):
         subprocess.run(command, cwd=COPY, check=True, stdout=subprocess.DEVNULL)
@@ -65,14 +79,17 @@ def build(numbers):
 
 def kept():
     """The numbers of the sources, by name."""
-    with open(os.path.join(pictures.ROOT, FILTER)) as file:
-        found = dict(re.findall(r"constexpr \w+ (\w+) = ([-.\de]+)f?;", file.read()))
+    found = {}
+    for text in sources().values():
+        found.update(re.findall(r"constexpr \w+ (\w+) = ([-.\de]+)f?;", text))
     return {name: float(found[name]) for name in NUMBERS}
 
 
 def other(name, value, factor):
     if name == "NEAR_REACH":
         return "%d" % (value + (1 if factor > 1 else -1))
+    if name == "REACH":
+        return "%d" % (value * factor)
     if name == "SURE":  # the part that is missing of 1
         return "%gf" % (1 - (1 - value) * factor)
     return "%sf" % repr(value * factor)

@@ -2,6 +2,13 @@
 
 #include "vaskel/file/vk_Film.h"
 
+namespace
+{
+// What a pixel is told of those around it; all of it would deal rays out regardless of edges of
+// light and shadow. bench/filter.py tries other numbers.
+constexpr float SPREAD = .5f;
+} // namespace
+
 vk_ErrorMap::vk_ErrorMap(int columns, int rows) : myColumns(columns), myRows(rows)
 {
     const auto size = static_cast<std::size_t>(columns * rows);
@@ -45,7 +52,8 @@ void vk_ErrorMap::spread(int y)
         // With more samples than those around, it would have less of their error.
         const double count = sum.pixels, mean = sum.error / count;
         const double left = std::min(1.0, sum.samples / (count * myCount[index(x, y)]));
-        mySpread[index(x, y)] = .5f * (myOwn[index(x, y)] + static_cast<float>(mean * left));
+        mySpread[index(x, y)] =
+            (1 - SPREAD) * myOwn[index(x, y)] + SPREAD * static_cast<float>(mean * left);
     }
 }
 
