@@ -414,6 +414,21 @@ TEST(Renderer, OneSampleMoreIsNotWorse)
     EXPECT_LT(noise("33"), 1.1 * noise("32"));
 }
 
+// Most of this picture is sky that shows no noise at all, so that its mean would allow for dots.
+TEST(Renderer, NoPixelIsFarOffAlone)
+{
+    const std::string glass =
+        "picture p.png\nsize 128 128\ncamera from 0 2.3 6.4 at 0 .95 0 fov 22\n"
+        "environment v_studio intensity .65\nlightplace from -5.5 5.2 4.2 to 0 1 0\n"
+        "light v_area intensity .68 width 3.4 height 3.4\n"
+        "surface v_glass tint 1\ntranslate 0 1 0\nsphere";
+    const vk_Film film = drawAll(glass), truth = drawAll(glass, 2, 512);
+    int most = 0;
+    for (std::size_t i = 0; i < film.bytes.size(); ++i)
+        most = std::max(most, std::abs(film.bytes[i] - truth.bytes[i]));
+    EXPECT_LT(most, 60);
+}
+
 // By which the filter divides, so that patterns of what is there stay sharp.
 TEST(Renderer, TheAlbedoOfAThinSurfaceIsOfWhatIsThere)
 {

@@ -12,6 +12,7 @@
 #include <tbb/task_arena.h>
 
 #include <atomic>
+#include <limits>
 #include <mutex>
 #include <new>
 
@@ -105,7 +106,7 @@ private:
             errors.take(filter, &band.at(0, y), y);
         });
         each([&](int y) { errors.spread(y); });
-        const float limit = limitFor(band, errors);
+        const float limit = limitFor(band, errors), most = mostFor(band);
         std::atomic<bool> more = false;
         each([&](int y) {
             for (int x = 0; x < band.columns; ++x) {
@@ -113,7 +114,7 @@ private:
                 // For good: a pixel that went on when others moved the limit would keep all busy
                 // for a few.
                 now.converged = now.converged || now.count >= myCanvas.mostSamples() ||
-                                errors.at(x, y) < limit * now.sum.cost;
+                                errors.at(x, y) < std::min(limit * now.sum.cost, most);
                 if (!now.converged)
                     more = true;
             }
@@ -134,6 +135,19 @@ private:
         myDrawn = allocation.rays();
         myForecast = allocation.rays(limit);
         return limit;
+    }
+    // The squared error of one pixel, as long as there are rays to spare: alone it shows, as a
+    // white dot at the rim of glass does, however right all others are.
+    float mostFor(const vk_Band &band) const
+    {
+        constexpr float ALONE = 6;    // times that of the picture
+        constexpr float SPARE = .15f; // of its rays
+
+        const vk_Quality &quality = *mySettings.quality;
+        const float pixels = static_cast<float>(band.columns * band.rows);
+        if (myForecast > static_cast<double>((1 - SPARE) * quality.rays * pixels))
+            return std::numeric_limits<float>::infinity();
+        return ALONE * quality.error * ALONE * quality.error;
     }
     void add(const vk_Tile &tile)
     {

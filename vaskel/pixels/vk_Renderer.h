@@ -8,8 +8,9 @@
 #include <string>
 
 // How much work goes into a picture: rays are sent where they help most until its
-// error, as the file shows it and as far as they tell, is about as large as asked for. No pixel
-// gets more samples than the scene allows, times a factor.
+// error, as the file shows it and as far as they tell, is about as large as asked for, and that
+// of no pixel many times as large. No pixel gets more samples than the scene allows, times a
+// factor.
 struct vk_Quality {
     const char *name;
     float samples;      // factor for the scene's most samples
