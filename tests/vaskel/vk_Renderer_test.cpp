@@ -422,7 +422,7 @@ TEST(Renderer, NoPixelIsFarOffAlone)
         "environment v_studio intensity .65\nlightplace from -5.5 5.2 4.2 to 0 1 0\n"
         "light v_area intensity .68 width 3.4 height 3.4\n"
         "surface v_glass tint 1\ntranslate 0 1 0\nsphere";
-    const vk_Film film = drawAll(glass), truth = drawAll(glass, 2, 512);
+    const vk_Film film = drawAll(glass), truth = drawAll(glass, 2, 256);
     int most = 0;
     for (std::size_t i = 0; i < film.bytes.size(); ++i)
         most = std::max(most, std::abs(film.bytes[i] - truth.bytes[i]));
