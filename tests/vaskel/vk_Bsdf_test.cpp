@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace
 {
 const vk_Vec UP = vk_normalize({.3f, .8f, -.5f});
@@ -174,6 +176,14 @@ TEST(Bsdf, GlassReflectsWithoutItsColour)
     const vk_Colour on = scattered(bsdf, -around(.85f, 1)).sum();
     EXPECT_GT(on.x, .001f);
     EXPECT_EQ(0, on.y);
+}
+
+// As a normal of a bump without bounds: as a place it would lie far outside the tables.
+TEST(Microfacet, WhatIsNoNumberHasAnAlbedoAllTheSame)
+{
+    constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(vk_facetAlbedo(0, .5f), vk_facetAlbedo(NONE, .5f));
+    EXPECT_EQ(vk_glassAlbedo(.5f, 0, 1.5f), vk_glassAlbedo(.5f, NONE, 1.5f));
 }
 
 TEST(Bsdf, ATiltTurnsTheGleamToItsSide)

@@ -37,6 +37,16 @@ TEST(ErrorMap, PixelsThatSeemRightAreNoBetterThanThoseAround)
     EXPECT_GT(still.at(8, 6), 0);
 }
 
+TEST(ErrorMap, ReachesAsFarToEitherSide)
+{
+    const auto withNoiseAt = [](int column) {
+        return mapOf([&](int x, int) { return pixelOf(.5f, x == column ? .9f : .5f); });
+    };
+    const vk_ErrorMap left = withNoiseAt(1), right = withNoiseAt(SIDE - 2);
+    for (int x = 0; x < SIDE; ++x)
+        EXPECT_NEAR(left.at(x, 6), right.at(SIDE - 1 - x, 6), 1e-3f * left.at(1, 6)) << x;
+}
+
 // Or it would go on for ever beside those that have converged early.
 TEST(ErrorMap, APixelOfManySamplesHasLittleOfTheErrorAroundIt)
 {
