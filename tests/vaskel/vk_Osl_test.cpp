@@ -287,10 +287,12 @@ TEST(Osl, LightsShineAsTheirShadersDo)
     EXPECT_NEAR(plainSum.x, sum.x, .01f * sum.x);
     EXPECT_NEAR(plainSum.z, sum.z, .02f * sum.z);
     EXPECT_EQ(reference.lights[0]->middle(from).direction, scene.lights[0]->middle(from).direction);
-    vk_Scene wrong;
+    vk_Scene wrong, pointless;
     EXPECT_EQ("s:7: error: x.osl has no parameter 'size'; expected f, from, to, color, intensity,"
               " width, height; nearest is 'f'\n",
               readScene(sceneWith("surface x(float f = 1) {} @size 3", "light"), wrong));
+    EXPECT_EQ("s:7: error: x.osl expected 'from' and 'to' to be apart\n",
+              readScene(sceneWith("surface x() {} @from 0 3 0 to 0 3 0", "light"), pointless));
 }
 
 // What shaders say comes once, and no picture comes of one that never ends.

@@ -175,6 +175,13 @@ constexpr vk_ShaderRow<vk_LightShader> ROWS[] = {
 };
 } // namespace
 
+std::string vk_LightShader::expectation() const
+{
+    constexpr float NEAREST = 1e-3f; // a light that is nearer aims nowhere
+
+    return vk_length(to - from) < NEAREST ? "expected 'from' and 'to' to be apart" : "";
+}
+
 void vk_LightShader::describe(vk_ParamList &list)
 {
     list.point("from", from, "where it stands");

@@ -82,6 +82,9 @@ public:
     // Adds the parameters, which then lead to this very object.
     virtual void describe(vk_ParamList &) {}
 
+    // What is wrong with their values together, as a message expects it; "" for nothing.
+    virtual std::string expectation() const { return ""; }
+
     vk_ParamList params()
     {
         vk_ParamList list;

@@ -493,8 +493,8 @@ bool vk_SceneReader::doLight()
     if (!doShader(VK_LIGHT_SHADERS, light))
         return false;
     // After all parameters: each alone may be what makes them differ.
-    if (vk_length(light->to - light->from) < 1e-3f)
-        return wrong("light expected 'from' and 'to' to be apart");
+    if (const std::string expected = light->expectation(); !expected.empty())
+        return wrong("light " + expected);
     myScene->lights.push_back(light->make());
     return true;
 }
