@@ -78,5 +78,5 @@ bool vk_Transform::isUsable() const
     // would be noise.
     return shortest >= SHORTEST && longest <= LONGEST && vk_largest(myOrigin) < 1e6f &&
            vk_largest(-myOrigin) < 1e6f && volume > 1e-3f * longest * longest * 1e-3f &&
-           volume > 1e-9f;
+           volume >= SHORTEST * SHORTEST * SHORTEST;
 }
