@@ -584,6 +584,14 @@ TEST(Film, EachColourBecomesTheNearestByte)
     }
 }
 
+TEST(Film, WhatIsNoNumberIsBlack)
+{
+    constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
+    std::uint8_t bytes[] = {7, 7, 7};
+    vk_develop({NONE, NONE, 0}, bytes);
+    EXPECT_TRUE(bytes[0] == 0 && bytes[1] == 0 && bytes[2] == 0);
+}
+
 TEST(Film, TheTableOfWhatIsShownIsExactToATenthOfAByte)
 {
     EXPECT_EQ(0, vk_shown(-1));

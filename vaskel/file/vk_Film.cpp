@@ -41,7 +41,8 @@ struct Shown {
 
 std::uint8_t toByte(float unit)
 {
-    return static_cast<std::uint8_t>(std::clamp(unit, 0.0f, 1.0f) * 255 + 0.5f);
+    // What is no number is black: as a byte it would be anything.
+    return unit > 0 ? static_cast<std::uint8_t>(std::min(unit, 1.0f) * 255 + 0.5f) : 0;
 }
 } // namespace
 
