@@ -175,7 +175,7 @@ constexpr vk_ShaderRow<vk_LightShader> ROWS[] = {
 };
 } // namespace
 
-std::string vk_LightShader::expectation() const
+std::string vk_LightShader::fault() const
 {
     constexpr float NEAREST = 1e-3f; // a light that is nearer aims nowhere
 

@@ -20,7 +20,7 @@ public:
     float intensity = .8f;
 
     void describe(vk_ParamList &list) override;
-    std::string expectation() const override;
+    std::string fault() const override;
 
     // The light, with the parameters that the shader has now.
     virtual std::unique_ptr<vk_Light> make() const = 0;

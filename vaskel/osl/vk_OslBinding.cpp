@@ -124,10 +124,10 @@ bool vk_OslBinding::parse(OSL_Shader &shader, std::string &error)
         if (!isGood)
             return false;
     }
-    const std::string expected = myOwn != nullptr ? myOwn->expectation() : "";
-    if (!expected.empty())
-        error = myName + ' ' + expected;
-    return expected.empty();
+    const std::string fault = myOwn != nullptr ? myOwn->fault() : "";
+    if (!fault.empty())
+        error = myName + ' ' + fault;
+    return fault.empty();
 }
 
 bool vk_OslBinding::parseParameter(const OSL_Shader &shader, std::size_t &at, std::string &error)

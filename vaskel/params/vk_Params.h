@@ -82,8 +82,8 @@ public:
     // Adds the parameters, which then lead to this very object.
     virtual void describe(vk_ParamList &) {}
 
-    // What is wrong with their values together, as a message expects it; "" for nothing.
-    virtual std::string expectation() const { return ""; }
+    // What is wrong with their values together, as a message behind a name; "" when nothing is.
+    virtual std::string fault() const { return ""; }
 
     vk_ParamList params()
     {

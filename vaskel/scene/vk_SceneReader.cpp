@@ -401,6 +401,9 @@ bool vk_SceneReader::doShader(const vk_ShaderTable<Type> &table, Pointer &shader
     std::unique_ptr<Type> made = vk_parseShader(table, myWords, myError);
     if (made == nullptr)
         return false;
+    // After all parameters: each alone may be what makes them right together.
+    if (const std::string fault = made->fault(); !fault.empty())
+        return wrong(myWords[0] + ' ' + fault);
     shader = std::move(made);
     return true;
 }
@@ -492,9 +495,6 @@ bool vk_SceneReader::doLight()
     std::unique_ptr<vk_LightShader> light;
     if (!doShader(VK_LIGHT_SHADERS, light))
         return false;
-    // After all parameters: each alone may be what makes them differ.
-    if (const std::string expected = light->expectation(); !expected.empty())
-        return wrong("light " + expected);
     myScene->lights.push_back(light->make());
     return true;
 }
