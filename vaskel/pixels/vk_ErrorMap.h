@@ -3,8 +3,9 @@
 // Pixels that have converged get no more samples. Were that left to what their own samples
 // tell, those that missed a caustic would stop, for all seems well, and those that found it would
 // go on until it counts no more than it should: light is lost. So half of what a pixel is told is
-// what the pixels around it that are of its kind would have with as many samples, in which its own
-// luck counts little. Those that show an edge are of one kind, all others of another.
+// the mean error of the pixels around it that are of its kind, in which its own luck counts little,
+// over how many times as many samples as these it has, if it has more. Those that show an edge are
+// of one kind, all others of another.
 #pragma once
 
 #include "vaskel/pixels/vk_Filter.h"
@@ -18,7 +19,7 @@ public:
 
     // Each for one row, in any order and on any thread, but for all rows before the next: takes
     // in what the filter leaves of these pixels' errors, and spreads it; may be done again when
-    // those that have not converged got more samples.
+    // those that have not converged got more samples; the others keep what they had.
     void take(const vk_Filter &filter, const vk_Pixel *row, int y);
     void spread(int y);
 
@@ -29,7 +30,7 @@ private:
     enum Kind : std::uint8_t { EDGE, SMOOTH, KINDS };
 
     struct Sum {
-        double error = 0; // so exact that what is taken out of a sum leaves nothing
+        double error = 0; // so exact that what is taken out of a sum leaves next to nothing
         int samples = 0, pixels = 0;
 
         void add(const Sum &other, int times = 1)
