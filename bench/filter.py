@@ -5,13 +5,14 @@ spread (vk_ErrorMap) again.
     bench/filter.py [--samples N] [NUMBER]...
 
 A copy of the sources is built with half and with twice of each number, or of those named
-(NEAR_REACH: one less and more; SURE: what it lacks of 1), and draws examples of all kinds;
+(reaches of windows: one less and more; SURE: what it lacks of 1), and draws examples of all kinds;
 thumbrender must have been built. Printed is what that does to mean square error times rays
 (below 1 is better): the geometric mean, and the example that fares worst. Errors are against
 references of N samples a pixel (256), whose own error is taken off. Takes half an hour. What
 is kept wins or loses by no more than the few hundredths by which this wavers, or else keeps
 all examples about as good as each other, or what the eye asks for: rings on the stands of
-frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE. SPREAD and REACH
+frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE. Larger reaches
+help further, and cost more time than they are worth. SPREAD and REACH
 cost a little here, and are for the light of caustics that bench/truth.py counts.
 """
 import argparse
@@ -27,9 +28,11 @@ import pictures
 
 COPY = os.path.join(pictures.ROOT, "build", "filter")
 FILES = ["vaskel/pixels/" + name for name in
-         ("vk_Filter.cpp", "vk_ErrorMap.cpp", "vk_ErrorMap.h")]
-NUMBERS = ["NEAR_REACH", "SURE", "TURN", "BLURRED_TURN", "DEPTH", "PIXEL_TOLERANCE",
-           "SPECULAR_TOLERANCE", "IRRADIANCE_TOLERANCE", "BLURRED_TOLERANCE", "SPREAD", "REACH"]
+         ("vk_Filter.cpp", "vk_PlaneFit.cpp", "vk_ErrorMap.cpp", "vk_ErrorMap.h")]
+REACHES = ["SPECULAR_REACH", "LAST_SPECULAR_REACH", "IRRADIANCE_REACH", "LAST_IRRADIANCE_REACH"]
+NUMBERS = ["SURE", "DEPTH", "TURN", *REACHES, "SPECULAR_PIXELS", "SPECULAR_MEANS",
+           "IRRADIANCE_PIXELS", "IRRADIANCE_MEANS", "BLURRED_TURN", "BLURRED_TOLERANCE",
+           "LEVELLING", "SPREAD", "REACH"]
 EXAMPLES = ["agate", "bark", "brick_chimney", "candle", "car_paint", "chrome", "clear_glass",
             "frosted_glass", "gold", "ivy", "oak", "planet", "red_plastic", "rust",
             "satin_copper", "scratched_paint", "skin", "stained_shade", "thin_haze",
@@ -86,7 +89,7 @@ def kept():
 
 
 def other(name, value, factor):
-    if name == "NEAR_REACH":
+    if name in REACHES:
         return "%d" % (value + (1 if factor > 1 else -1))
     if name == "REACH":
         return "%d" % (value * factor)

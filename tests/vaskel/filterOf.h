@@ -3,7 +3,7 @@
 
 #include "vaskel/pixels/vk_Filter.h"
 
-constexpr int SIDE = 12;
+constexpr int SIDE = 24;
 
 // A pixel of a matte surface that got two samples, or both of them several times.
 inline vk_Pixel pixelOf(float first, float second, int times = 1)
@@ -30,9 +30,9 @@ std::vector<vk_Pixel> pixelsOf(const Function &pixelAt)
     return pixels;
 }
 
-// A filter that has done its work on pixels.
+// A filter that has done its work on pixels, or has only told what it would leave of their errors.
 template <class Function>
-vk_Filter filterOf(const Function &pixelAt)
+vk_Filter filterOf(const Function &pixelAt, bool onlyEstimates = false)
 {
     const std::vector<vk_Pixel> pixels = pixelsOf(pixelAt);
     vk_Filter filter(SIDE, SIDE);
@@ -41,6 +41,6 @@ vk_Filter filterOf(const Function &pixelAt)
     for (int y = 0; y < SIDE; ++y)
         filter.compare(y);
     for (int y = 0; y < SIDE; ++y)
-        filter.filter(y);
+        onlyEstimates ? filter.estimate(y) : filter.filter(y);
     return filter;
 }

@@ -41,6 +41,33 @@ TEST(Filter, PixelsHelpThoseWithFewerSamples)
         EXPECT_NEAR(.49f, level, .015f);
 }
 
+// A mean over neighbours would level it off where they end, as at the border of the picture.
+TEST(Filter, LightThatRisesEvenlyGoesOnRising)
+{
+    const auto levelAt = [](int x) { return .3f + .01f * static_cast<float>(x); };
+    const auto light = filtered([&](int x, int y) {
+        const float off = (x + y) % 2 == 0 ? .06f : -.06f;
+        return pixelOf(levelAt(x) + off, levelAt(x) - off * .2f);
+    });
+    for (int x = 0; x < SIDE; ++x) {
+        float sum = 0;
+        for (int y = 0; y < SIDE; ++y)
+            sum += light[static_cast<std::size_t>(y * SIDE + x)];
+        EXPECT_NEAR(levelAt(x), sum / SIDE, .005f) << x;
+    }
+}
+
+// Though planes through few neighbours may.
+TEST(Filter, NoLightBecomesLessThanNone)
+{
+    const auto light = filtered([](int x, int y) {
+        const float far = static_cast<float>(std::abs(x - y));
+        return pixelOf(.002f * far, .004f * far);
+    });
+    for (const float level : light)
+        EXPECT_GE(level, 0);
+}
+
 TEST(Filter, AnEdgeThatErrorsDoNotExplainStays)
 {
     const auto light = filtered([](int x, int y) {
@@ -55,15 +82,15 @@ TEST(Filter, AnEdgeThatErrorsDoNotExplainStays)
 TEST(Filter, WhereLightWanderedItLooksFurther)
 {
     const auto left = [](float blurred) {
-        const vk_Filter filter = filterOf([&](int x, int y) {
+        const auto pixelAt = [&](int x, int y) {
             const float off = (x + y) % 2 == 0 ? .06f : -.06f;
             vk_Pixel pixel = pixelOf(.5f + off, .5f - off * .2f);
             pixel.sum.blurred = blurred;
             return pixel;
-        });
-        return filter.error(SIDE / 2, SIDE / 2);
+        };
+        return filterOf(pixelAt, true).error(SIDE / 2, SIDE / 2);
     };
-    EXPECT_LT(left(1), .3f * left(0));
+    EXPECT_LT(left(1), .5f * left(0));
 }
 
 // As of a caustic, which few samples find: all of its light stays in the picture.
@@ -72,10 +99,10 @@ TEST(Filter, APixelThatIsFarOffIsSharedOutAmongItsNeighbours)
     constexpr float FOUND = 2.5f;
     const auto light = filtered([](int x, int y) {
         const float off = (x + y) % 2 == 0 ? .03f : -.03f;
-        return x == 6 && y == 6 ? pixelOf(.5f, .5f + FOUND) : pixelOf(.5f + off, .5f - off);
+        return x == 12 && y == 12 ? pixelOf(.5f, .5f + FOUND) : pixelOf(.5f + off, .5f - off);
     });
-    EXPECT_LT(light[6 * SIDE + 6], .7f);
-    EXPECT_NEAR(.5f, light[6 * SIDE + 3], .01f); // too far away
+    EXPECT_LT(light[12 * SIDE + 12], .7f);
+    EXPECT_NEAR(.5f, light[12 * SIDE + 4], .01f); // too far away
     float more = 0;
     for (const float level : light)
         more += level - .5f;
@@ -83,25 +110,26 @@ TEST(Filter, APixelThatIsFarOffIsSharedOutAmongItsNeighbours)
 }
 
 // Random light of two samples a pixel, of which errors are hardly known: it tells no less than
-// half of the mean square that is left.
-TEST(Filter, TellsTheErrorThatItLeaves)
+// two fifths of the mean square that is left.
+TEST(Filter, TellsTheErrorThatItWillLeave)
 {
     constexpr float LEVEL = .5f;
     const vk_Vec visibility = vk_visibility(vk_grey(LEVEL));
     float told = 0, left = 0;
     for (std::uint32_t picture = 0; picture < 32; ++picture) {
-        const vk_Filter filter = filterOf([&](int x, int y) {
+        const auto pixelAt = [&](int x, int y) {
             const auto place = static_cast<std::uint32_t>(y * SIDE + x);
             vk_Sampler sampler(vk_hash(place * 32 + picture), 0);
             const float first = sampler.number() - .5f, second = sampler.number() - .5f;
             return pixelOf(LEVEL + .2f * first, LEVEL + .2f * second);
-        });
+        };
+        const vk_Filter before = filterOf(pixelAt, true), after = filterOf(pixelAt);
         for (int i = 0; i < SIDE * SIDE; ++i) {
-            told += filter.error(i % SIDE, i / SIDE);
-            left += vk_visible(filter.at(i % SIDE, i / SIDE) - vk_grey(LEVEL), visibility);
+            told += before.error(i % SIDE, i / SIDE);
+            left += vk_visible(after.at(i % SIDE, i / SIDE) - vk_grey(LEVEL), visibility);
         }
     }
-    EXPECT_GT(told, .5f * left);
+    EXPECT_GT(told, .4f * left);
     EXPECT_LT(told, 1.25f * left);
 }
 

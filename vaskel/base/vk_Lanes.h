@@ -73,6 +73,10 @@ inline vk_VecLanes vk_min(const vk_VecLanes &a, const vk_VecLanes &b)
 {
     return {vk_min(a.x, b.x), vk_min(a.y, b.y), vk_min(a.z, b.z)};
 }
+inline vk_VecLanes vk_max(const vk_VecLanes &a, const vk_VecLanes &b)
+{
+    return {vk_max(a.x, b.x), vk_max(a.y, b.y), vk_max(a.z, b.z)};
+}
 inline vk_Lanes vk_dot(const vk_VecLanes &a, const vk_VecLanes &b)
 {
     return a.x * b.x + a.y * b.y + a.z * b.z;

@@ -4,17 +4,23 @@
 
 namespace
 {
-constexpr int NEAR_REACH = 2;           // pixels to each side, but where all is blurred
-constexpr float SURE = .95f;            // length of a mean of normals that shows no edge
-constexpr float TURN = 200;             // how fast pixels that face elsewhere lose weight,
-constexpr float BLURRED_TURN = 70;      // and where all is blurred
-constexpr float DEPTH = .03f;           // share of the distance that makes two pixels differ
-constexpr float PIXEL_TOLERANCE = 6;    // how many errors apart two pixels may be, and the
-constexpr float SPECULAR_TOLERANCE = 3; // means around them
-constexpr float IRRADIANCE_TOLERANCE = 6;
-constexpr float BLURRED_TOLERANCE = 200; // where all is blurred
-constexpr float INVISIBLE = 1.5e-6f;     // the square of a third of a step of the file
+constexpr float SURE = .95f;         // length of a mean of normals that shows no edge
+constexpr float DEPTH = .03f;        // share of the distance that makes two pixels differ
+constexpr float INVISIBLE = 1.5e-6f; // the square of a third of a step of the file
 constexpr float LEAST_ERROR = 1e-8f;
+
+// For the windows below. Reflections have edges that noise hides, so they get narrower ones.
+constexpr float TURN = 200;
+constexpr int SPECULAR_REACH = 3;
+constexpr int LAST_SPECULAR_REACH = 4;
+constexpr float SPECULAR_PIXELS = 4;
+constexpr float SPECULAR_MEANS = 9;
+constexpr int IRRADIANCE_REACH = 4;
+constexpr int LAST_IRRADIANCE_REACH = 6;
+constexpr float IRRADIANCE_PIXELS = 6;
+constexpr float IRRADIANCE_MEANS = 12;
+constexpr float BLURRED_TURN = 40;
+constexpr float BLURRED_TOLERANCE = 200;
 
 constexpr float OUTSIDE = -1; // smooth: there is no pixel
 
@@ -24,32 +30,24 @@ vk_Lanes visible(const vk_VecLanes &difference, const vk_VecLanes &visibility)
     return vk_dot(difference * difference, visibility) * (1.0f / 3);
 }
 
-// 1 for values of two pixels that agree within both their errors, squared, falling to 0 for
-// those that these do not explain.
+// 1 for values of two pixels that agree within both their errors, falling to 0 or less for those
+// that these do not explain.
 vk_Lanes agreement(const vk_VecLanes &difference, const vk_VecLanes &visibility,
                    const vk_Lanes &error, const vk_Lanes &tolerance)
 {
     const vk_Lanes beyond = visible(difference, visibility) - error;
-    const vk_Lanes left = 1 - beyond / (tolerance * (error + LEAST_ERROR));
-    const vk_Lanes kept = vk_min(vk_lanes(1), vk_max(vk_lanes(0), left));
-    return kept * kept;
+    return 1 - beyond / (tolerance * (error + LEAST_ERROR));
 }
 } // namespace
 
-// A layer's mean over neighbours of four pixels, and what that leaves of their errors.
-struct vk_Filter::Sum {
-    vk_VecLanes light = {};
-    vk_Lanes weight = {}, error = {};
-
-    void add(const vk_VecLanes &ofNeighbour, const vk_Lanes &w, const vk_Lanes &itsError)
-    {
-        light = light + ofNeighbour * w;
-        weight += w;
-        error += w * w * itsError;
-    }
-    vk_VecLanes mean() const { return light * (1 / weight); }
-    vk_Lanes remaining() const { return error / (weight * weight); }
-};
+constexpr vk_Filter::Windows vk_Filter::ESTIMATED = {
+    {SPECULAR_REACH, TURN, SPECULAR_PIXELS, SPECULAR_MEANS},
+    {IRRADIANCE_REACH, TURN, IRRADIANCE_PIXELS, IRRADIANCE_MEANS}};
+constexpr vk_Filter::Windows vk_Filter::FILTERED = {
+    {LAST_SPECULAR_REACH, TURN, SPECULAR_PIXELS, SPECULAR_MEANS},
+    {LAST_IRRADIANCE_REACH, TURN, IRRADIANCE_PIXELS, IRRADIANCE_MEANS}};
+constexpr vk_Filter::Window vk_Filter::BLURRED = {REACH, BLURRED_TURN, BLURRED_TOLERANCE,
+                                                  BLURRED_TOLERANCE};
 
 void vk_Filter::VecPlane::resize(std::size_t size)
 {
@@ -81,7 +79,6 @@ vk_Filter::vk_Filter(int columns, int rows)
         for (Plane *const plane : {&layer->own, &layer->error, &layer->ofAround})
             plane->resize(size);
     }
-    myIrradiance.sharesOutliers = true;
     for (VecPlane *const plane : {&myAlbedo, &myNormal, &myVisibility, &myLight})
         plane->resize(size);
     for (Plane *const plane : {&myTexture, &myDistance, &myCount, &myBlurred, &myError})
@@ -152,23 +149,23 @@ void vk_Filter::estimate(int y)
     for (int x = 0; x < myColumns; x += VK_LANES) {
         const auto at = myConverged.begin() + static_cast<std::ptrdiff_t>(index(x, y));
         if (std::find(at, at + VK_LANES, 0) != at + VK_LANES)
-            filterFour(x, y);
+            filterFour(ESTIMATED, x, y);
     }
 }
 
 void vk_Filter::filter(int y)
 {
     for (int x = 0; x < myColumns; x += VK_LANES)
-        filterFour(x, y);
+        filterFour(FILTERED, x, y);
 }
 
 // How far two pixels show the same surface.
-vk_Lanes vk_Filter::featureWeight(std::size_t here, std::size_t there, const vk_Lanes &fall) const
+vk_Lanes vk_Filter::featureWeight(std::size_t here, std::size_t there, const vk_Lanes &turn) const
 {
-    const vk_Lanes turn = 1 - fall * (1 - vk_dot(myNormal.lanes(here), myNormal.lanes(there)));
+    const vk_Lanes same = 1 - turn * (1 - vk_dot(myNormal.lanes(here), myNormal.lanes(there)));
     const vk_Lanes distance = vk_load(&myDistance[here]);
     const vk_Lanes step = vk_abs(distance - vk_load(&myDistance[there])) / (DEPTH * distance);
-    return vk_max(vk_lanes(0), turn) * vk_max(vk_lanes(0), 1 - step);
+    return vk_max(vk_lanes(0), same) * vk_max(vk_lanes(0), 1 - step);
 }
 
 // A pixel that is far off takes its neighbours in. When these take in as much of it, no light
@@ -179,17 +176,18 @@ vk_Lanes vk_Filter::layerWeight(const Layer &layer, std::size_t here, std::size_
     const auto atLeastOwn = [&](std::size_t at) {
         return vk_max(vk_load(&layer.own[at]), vk_load(&layer.error[at]));
     };
-    const vk_Lanes its = layer.sharesOutliers ? atLeastOwn(there) : vk_load(&layer.error[there]);
-    const vk_Lanes ofPixels = agreement(layer.mean.lanes(there) - layer.mean.lanes(here),
-                                        visibility, atLeastOwn(here) + its, tolerances.ofPixels);
+    const vk_Lanes ofPixels =
+        agreement(layer.mean.lanes(there) - layer.mean.lanes(here), visibility,
+                  atLeastOwn(here) + atLeastOwn(there), tolerances.ofPixels);
     const vk_Lanes ofMeans = agreement(
         layer.around.lanes(there) - layer.around.lanes(here), visibility,
         vk_load(&layer.ofAround[here]) + vk_load(&layer.ofAround[there]), tolerances.ofMeans);
-    return vk_min(ofPixels, ofMeans);
+    const vk_Lanes agree = vk_min(vk_lanes(1), vk_max(vk_lanes(0), vk_min(ofPixels, ofMeans)));
+    return agree * agree;
 }
 
 // Blending of pixels takes errors away from those that do not depend on each other.
-void vk_Filter::filterFour(int x, int y)
+void vk_Filter::filterFour(const Windows &windows, int x, int y)
 {
     constexpr float BLENDED = vk_LinearPicture::REMAINS;
 
@@ -202,48 +200,68 @@ void vk_Filter::filterFour(int x, int y)
     vk_VecLanes light = lightOf(here);
     vk_Lanes error = (ofSpecular + ofDiffuse) * BLENDED + texture;
     if (vk_any(isNoisy)) {
-        const Mean mean = meanAround(x, y);
-        light = vk_pick(isNoisy, mean.light, light);
-        error = isNoisy ? mean.error + texture : error;
+        const vk_PlaneFit::Value around = lightAround(windows, x, y);
+        light = vk_pick(isNoisy, around.light, light);
+        error = isNoisy ? around.error + texture : error;
     }
     myLight.store(here, light);
     vk_store(error, &myError[here]);
 }
 
+vk_PlaneFit::Value vk_Filter::lightAround(const Windows &windows, int x, int y) const
+{
+    const Window &sharp = windows.specular;
+    const vk_VecLanes albedo = myAlbedo.lanes(index(x, y));
+    const vk_VecLanes all = {vk_lanes(1), vk_lanes(1), vk_lanes(1)};
+    const auto specular = layerAround(mySpecular, all, sharp, sharp, x, y);
+    const auto irradiance =
+        layerAround(myIrradiance, albedo * albedo, windows.irradiance, BLURRED, x, y);
+    return {specular.light + irradiance.light * albedo, specular.error + irradiance.error};
+}
+
 // By the brighter one of two pixels: one that is dark by chance must not stand out.
-vk_Filter::Mean vk_Filter::meanAround(int x, int y) const
+vk_PlaneFit::Value vk_Filter::layerAround(const Layer &layer, const vk_VecLanes &shows,
+                                          const Window &window, const Window &blurredWindow, int x,
+                                          int y) const
 {
     const std::size_t here = index(x, y);
-    const vk_VecLanes albedo = myAlbedo.lanes(here), visibility = myVisibility.lanes(here);
-    const vk_LaneMask blurred = vk_load(&myBlurred[here]) > 0;
+    const vk_VecLanes itself = layer.mean.lanes(here);
     // A layer without error stays as it is.
-    const vk_LaneMask gleams = vk_load(&mySpecular.error[here]) > 0;
-    const vk_LaneMask isLit = vk_load(&myIrradiance.error[here]) > 0;
-    const Tolerances ofSpecular = {vk_lanes(PIXEL_TOLERANCE), vk_lanes(SPECULAR_TOLERANCE)};
-    const Tolerances ofIrradiance = {
-        blurred ? vk_lanes(BLURRED_TOLERANCE) : vk_lanes(PIXEL_TOLERANCE),
-        blurred ? vk_lanes(BLURRED_TOLERANCE) : vk_lanes(IRRADIANCE_TOLERANCE)};
-    const vk_Lanes fall = blurred ? vk_lanes(BLURRED_TURN) : vk_lanes(TURN);
-    const int reach = vk_any(blurred) ? REACH : NEAR_REACH;
-    Sum specular, irradiance;
-    for (int j = std::max(-reach, -y); j <= std::min(reach, myRows - 1 - y); ++j)
+    const vk_LaneMask isNoisy = vk_load(&layer.error[here]) > 0;
+    if (!vk_any(isNoisy))
+        return {itself, vk_lanes(0)};
+    const vk_LaneMask blurred = vk_load(&myBlurred[here]) > 0;
+    const auto pick = [&](float ofBlurred, float ofOthers) {
+        return blurred ? vk_lanes(ofBlurred) : vk_lanes(ofOthers);
+    };
+    const Tolerances tolerances = {pick(blurredWindow.turn, window.turn),
+                                   pick(blurredWindow.ofPixels, window.ofPixels),
+                                   pick(blurredWindow.ofMeans, window.ofMeans)};
+    const vk_VecLanes visibility = myVisibility.lanes(here);
+    const int reach = vk_any(blurred) ? blurredWindow.reach : window.reach;
+    vk_PlaneFit fit;
+    for (int j = std::max(-reach, -y); j <= std::min(reach, myRows - 1 - y); ++j) {
+        vk_PlaneFit::Row row;
         for (int i = -reach; i <= reach; ++i) {
             const std::size_t there = index(x + i, y + j);
-            const bool isNear = std::max(std::abs(i), std::abs(j)) <= NEAR_REACH;
-            const vk_Lanes alike = featureWeight(here, there, fall) * vk_load(&myCount[there]);
-            const vk_Lanes feature = isNear ? alike : blurred ? alike : vk_lanes(0);
-            if (!vk_any(feature > 0))
+            const bool isNear = std::max(std::abs(i), std::abs(j)) <= window.reach;
+            const vk_Lanes alike = featureWeight(here, there, tolerances.turn);
+            const vk_Lanes weight = (isNear    ? alike
+                                     : blurred ? alike
+                                               : vk_lanes(0)) *
+                                    vk_load(&myCount[there]);
+            if (!vk_any(weight > 0))
                 continue;
-            const vk_Lanes itself = vk_lanes(i == 0 && j == 0 ? 1 : 0);
-            const vk_VecLanes seen = vk_min(visibility, myVisibility.lanes(there));
-            vk_Lanes w = gleams ? layerWeight(mySpecular, here, there, seen, ofSpecular) : itself;
-            specular.add(mySpecular.mean.lanes(there), w * feature,
-                         vk_load(&mySpecular.error[there]));
-            w = isLit ? layerWeight(myIrradiance, here, there, seen * albedo * albedo, ofIrradiance)
-                      : itself;
-            irradiance.add(myIrradiance.mean.lanes(there), w * feature,
-                           vk_load(&myIrradiance.error[there]));
+            const vk_VecLanes seen = vk_min(visibility, myVisibility.lanes(there)) * shows;
+            row.add(layer.mean.lanes(there),
+                    weight * layerWeight(layer, here, there, seen, tolerances),
+                    vk_load(&layer.error[there]), static_cast<float>(i));
         }
-    return {specular.mean() + irradiance.mean() * albedo,
-            specular.remaining() + irradiance.remaining()};
+        fit.add(row, static_cast<float>(j));
+    }
+    const vk_PlaneFit::Value around = fit.atPixel();
+    // A plane may dip below black.
+    const vk_VecLanes black = {};
+    return {vk_pick(isNoisy, vk_max(around.light, black), itself),
+            isNoisy ? around.error : vk_lanes(0)};
 }

@@ -1,20 +1,21 @@
 // Takes noise out of finished pixels without touching what is there to be seen, and tells
 // how much of it is left.
 //
-// A pixel's layers become means over its neighbours: those that face the same way,
-// are as far away, and differ by no more than the errors of both explain. The evenly
-// scattered layer is divided by the surface's colour first, so that texture stays as it is.
+// A pixel's layers become planes through those of its neighbours (vk_PlaneFit.h) that face the same
+// way, are as far away, and differ by no more than the errors of both explain. The evenly
+// scattered layer is divided by the surface's colour first, so that texture stays as it is, and
+// gets more neighbours than the other one, as it has fewer edges.
 // Two pixels are compared by themselves and by the means of those around each, as patches are:
 // weights that hang on the noise of the pixel alone would keep it.
 // After Rousselle, Manzi and Zwicker, "Robust Denoising using Feature and Color
 // Information", 2013.
 //
-// What is left of the error of a pixel is propagated through its own means: with weights w
-// and errors v of the neighbours it is sum(w^2 v) / sum(w)^2.
+// What is left of the error of a pixel is that of its neighbours, propagated through the planes.
 #pragma once
 
 #include "vaskel/base/vk_Lanes.h"
 #include "vaskel/pixels/vk_Pixel.h"
+#include "vaskel/pixels/vk_PlaneFit.h"
 
 #include <vector>
 
@@ -31,7 +32,7 @@ public:
     void take(const vk_Pixel *row, int y);
     void compare(int y);
     void estimate(int y);
-    // Filters all pixels of a row.
+    // Filters all pixels of a row. Once for all, so it looks further than estimate() does.
     void filter(int y);
 
     // The light of a pixel, and about its squared error on the scale of vk_visible(), as they
@@ -59,18 +60,24 @@ private:
         void store(std::size_t i, const vk_VecLanes &lanes);
     };
     struct Layer {
-        VecPlane mean, around;       // of a pixel, and of it with its neighbours
-        Plane own, error;            // errors of one pixel: its own estimate, also as a mean,
-        Plane ofAround;              // and of those means
-        bool sharesOutliers = false; // a pixel that is far off is taken in by its neighbours
+        VecPlane mean, around; // of a pixel, and of it with its neighbours
+        Plane own, error;      // errors of one pixel: its own estimate, also as a mean,
+        Plane ofAround;        // and of those means
     };
-    struct Sum;
-    struct Mean {
-        vk_VecLanes light;
-        vk_Lanes error;
+
+    // Which neighbours a layer takes in: how many pixels to each side, how fast those that face
+    // elsewhere lose weight, and how many errors apart two pixels and the means around them may be.
+    struct Window {
+        int reach;
+        float turn, ofPixels, ofMeans;
     };
+    struct Windows {
+        Window specular, irradiance;
+    };
+    static const Windows ESTIMATED, FILTERED;
+    static const Window BLURRED;
     struct Tolerances {
-        vk_Lanes ofPixels, ofMeans;
+        vk_Lanes turn, ofPixels, ofMeans;
     };
 
     std::size_t index(int x, int y) const
@@ -82,11 +89,14 @@ private:
         return mySpecular.mean.lanes(at) + myIrradiance.mean.lanes(at) * myAlbedo.lanes(at);
     }
     void compare(Layer &layer, int x, int y) const;
-    vk_Lanes featureWeight(std::size_t here, std::size_t there, const vk_Lanes &fall) const;
+    vk_Lanes featureWeight(std::size_t here, std::size_t there, const vk_Lanes &turn) const;
     static vk_Lanes layerWeight(const Layer &layer, std::size_t here, std::size_t there,
                                 const vk_VecLanes &visibility, const Tolerances &tolerances);
-    Mean meanAround(int x, int y) const;
-    void filterFour(int x, int y);
+    vk_PlaneFit::Value layerAround(const Layer &layer, const vk_VecLanes &shows,
+                                   const Window &window, const Window &blurredWindow, int x,
+                                   int y) const;
+    vk_PlaneFit::Value lightAround(const Windows &windows, int x, int y) const;
+    void filterFour(const Windows &windows, int x, int y);
 
     int myColumns, myRows, myStride;
     Layer mySpecular, myIrradiance;
