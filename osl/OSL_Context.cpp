@@ -44,6 +44,11 @@ uint64_t OSL_Context::instructionsDone() const
     return myMachine->instructionsDone();
 }
 
+uint64_t OSL_Context::stepsDone() const
+{
+    return myMachine->stepsDone();
+}
+
 std::string_view OSL_ClosureComponent::name() const
 {
     return closure->name;

@@ -77,6 +77,10 @@ public:
     // Instructions done for all points since the beginning.
     uint64_t instructionsDone() const;
 
+    // The same in steps, which take about as long each: those of an instruction that takes
+    // longer are more, and those for up to width() points at once count as one.
+    uint64_t stepsDone() const;
+
 private:
     std::unique_ptr<osl_Machine> myMachine;
     int myWidth;

@@ -82,21 +82,23 @@ const struct {
     unsigned cost;
 } COSTS[] = {
     {OSL_POW, 12},        {OSL_MDIV, 50},         {OSL_MDIVF, 50},       {OSL_SPACES, 80},
-    {OSL_GETMATRIX, 160}, {OSL_TRANSFORMU, 12},   {OSL_BLACKBODY, 400},  {OSL_WAVELENGTH, 16},
-    {OSL_NOISE, 40},      {OSL_FORMAT, 120},      {OSL_PRINTF, 160},     {OSL_FPRINTF, 200},
+    {OSL_GETMATRIX, 160}, {OSL_TRANSFORMU, 12},   {OSL_BLACKBODY, 600},  {OSL_WAVELENGTH, 16},
+    {OSL_NOISE, 30},      {OSL_FORMAT, 120},      {OSL_PRINTF, 160},     {OSL_FPRINTF, 200},
     {OSL_ERROR, 400},     {OSL_WARNING, 400},     {OSL_SPLIT, 20},       {OSL_TEXTURE, 250},
     {OSL_TEXTURE3D, 80},  {OSL_ENVIRONMENT, 250}, {OSL_TEXTUREINFO, 40}, {OSL_GETATTRIBUTE, 30},
     {OSL_TRANSFORMC, 10}, {OSL_USERDATA, 20},     {OSL_TRACE, 400},      {OSL_DICT_FIND, 40},
     {OSL_DICT_VALUE, 20},
 };
 
-unsigned costOf(osl_Op op)
+unsigned costOf(const osl_Instruction &in)
 {
+    const auto words = static_cast<unsigned>(in.words);
+    const unsigned cost = 1 + (words >> 4);
     for (const auto &row : COSTS) {
-        if (row.op == op)
-            return row.cost;
+        if (row.op == in.op)
+            return cost + (in.op == OSL_NOISE ? words : 1) * row.cost;
     }
-    return 0;
+    return cost;
 }
 } // namespace
 
@@ -121,7 +123,7 @@ void osl_Machine::prepare()
         }
         step.in = &in;
         step.operands = operands(in);
-        step.cost = 1 + (static_cast<unsigned>(in.words) >> 4) + costOf(in.op);
+        step.cost = costOf(in);
         step.isPlain =
             step.kernel != nullptr && !step.clearsDerivatives && !in.isMasked && !in.isSpread;
         mySteps.push_back(step);
@@ -251,6 +253,7 @@ void osl_Machine::execute()
         spent += std::exchange(myExtraCost, 0);
         ++at;
     }
+    mySpent += spent;
     myDone += done * static_cast<uint64_t>(__builtin_popcount(myFull));
 }
 

@@ -87,6 +87,25 @@ TEST(Machine, GivesOutputsAndClosures)
     EXPECT_EQ(nullptr, components[0].floats("alpha"));
 }
 
+// For those who deal out time: a batch takes about as long as one point.
+TEST(Machine, CountsStepsByBatchesAndByWhatTheyTake)
+{
+    const auto steps = [](const std::string &noise, int count) {
+        OSL_Shader shader;
+        EXPECT_TRUE(shader.compileText("surface t(output point p = 0) { p = " + noise + "; }",
+                                       "t.osl", {}));
+        RecordingShading renderer;
+        OSL_Context context(shader.link({}), renderer);
+        OSL_Points points;
+        points.count = count;
+        points.u.value[0] = renderer.u;
+        EXPECT_TRUE(context.run(points));
+        return context.stepsDone();
+    };
+    EXPECT_EQ(steps("(vector)noise(u)", 1), steps("(vector)noise(u)", 8));
+    EXPECT_GE(steps("(vector)noise(u)", 1), 50 + steps("(float)noise(u)", 1));
+}
+
 TEST(Machine, AClosureKeepsItsOwnWeightBesideThoseItIsGiven)
 {
     EXPECT_EQ(

@@ -51,9 +51,9 @@ TEST(Allocation, LimitKeepsToSoManyRays)
 
 TEST(Allocation, RaysAreForecastAsTheyAreThenDealtOut)
 {
-    EXPECT_EQ(4 * PIXELS, twoKinds().rays());
+    EXPECT_EQ(4 * PIXELS, twoKinds().cost());
     const float limit = twoKinds().limit(.25f, 1e6f);
-    EXPECT_FLOAT_EQ(with(limit).second, static_cast<float>(twoKinds().rays(limit)) / PIXELS);
+    EXPECT_FLOAT_EQ(with(limit).second, static_cast<float>(twoKinds().cost(limit)) / PIXELS);
 }
 
 // Of two pixels that are as far off, the one that takes few rays repays them best.
@@ -71,5 +71,5 @@ TEST(Allocation, WhatIsFixedTakesNoMoreRays)
 {
     const float limit = twoKinds(true).limit(1e-9f, 6);
     EXPECT_GT(with(limit).second, 6); // all go to the other half
-    EXPECT_GE(12.1 * PIXELS, twoKinds(true).rays(limit));
+    EXPECT_GE(12.1 * PIXELS, twoKinds(true).cost(limit));
 }

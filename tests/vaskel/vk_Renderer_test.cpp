@@ -429,6 +429,35 @@ TEST(Renderer, NoPixelIsFarOffAlone)
     EXPECT_LT(most, 60);
 }
 
+// What a pixel costs decides about its samples.
+TEST(Renderer, AViewIsChargedForWhatItsShadersTake)
+{
+    const auto cost = [](const std::string &body) {
+        vk_Scene scene;
+        readScene(std::string(STUDIO) + "source t.osl\nsurface t() {" + body +
+                      "}\nendsource\nsurface t.osl\nsphere",
+                  scene);
+        const vk_World world(scene);
+        return vk_PathTracer(scene, world).Li({0, 1, 8}, {0, 0, -1}, vk_Sampler(1, 1)).cost;
+    };
+    const float plain = cost("Ci = emission();");
+    EXPECT_GT(plain, vk_Work::CAMERA_RAY);
+    EXPECT_GT(cost("float s = 0; for (int i = 0; i < 100; ++i) s += (float)noise(P * i);"
+                   " Ci = s * emission();"),
+              plain + 1000);
+}
+
+TEST(Renderer, RaysTakeLongerThroughLargeMeshes)
+{
+    const auto rayCost = [](const std::string &shape) {
+        vk_Scene scene;
+        readScene(std::string(STUDIO) + shape, scene);
+        return vk_World(scene).rayCost();
+    };
+    EXPECT_EQ(1, rayCost("tube"));
+    EXPECT_GT(rayCost("displace v_bricks\nsphere"), 1.1f);
+}
+
 // By which the filter divides, so that patterns of what is there stay sharp.
 TEST(Renderer, TheAlbedoOfAThinSurfaceIsOfWhatIsThere)
 {

@@ -15,11 +15,14 @@ std::string vk_Stats::text() const
                   "tracing   %8.1f ms\n"
                   "writing   %8.1f ms\n"
                   "rays      %llu camera, %llu scattered, %llu shadow\n"
+                  "glass     %llu rough vertices\n"
+                  "shaders   %llu steps of programs\n"
+                  "meshes    %llu corners\n"
                   "samples   %.2f a pixel\n"
                   "NaN       %llu pixels\n",
                   1000 * reading, 1000 * building, 1000 * tracing, 1000 * writing,
-                  count(rays.camera), count(rays.scattered), count(rays.shadow), mean,
-                  count(badPixels));
+                  count(work.camera), count(work.scattered), count(work.shadow), count(work.rough),
+                  count(work.steps), count(corners), mean, count(badPixels));
     return lines;
 }
 

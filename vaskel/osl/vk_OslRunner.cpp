@@ -1,6 +1,7 @@
 #include "vaskel/osl/vk_OslRunner.h"
 
 #include "osl/lib/osl_CameraSpaces.h"
+#include "vaskel/base/vk_Stats.h"
 #include "vaskel/scene/vk_Scene.h"
 
 #include <algorithm>
@@ -142,7 +143,10 @@ bool vk_OslRunner::run(const vk_SurfacePoint *points, int count)
     myPoints.count = count;
     for (int i = 0; i < count; ++i)
         take(points[i], i);
-    if (myContext.run(myPoints))
+    const std::uint64_t before = myContext.stepsDone();
+    const bool isGood = myContext.run(myPoints);
+    vk_myWork.steps += myContext.stepsDone() - before;
+    if (isGood)
         return true;
     myBinding.library().stop();
     return false;

@@ -12,12 +12,12 @@ int vk_Allocation::stepOf(float quotient)
     return std::clamp(step, LOWEST, HIGHEST);
 }
 
-void vk_Allocation::add(float error, float rays, bool isFixed)
+void vk_Allocation::add(float error, float cost, bool isFixed)
 {
     ++myPixels;
-    Share &share = isFixed ? myFixed : myShares[stepOf(error / rays) - LOWEST];
+    Share &share = isFixed ? myFixed : myShares[stepOf(error / cost) - LOWEST];
     share.error += static_cast<double>(error);
-    share.rays += static_cast<double>(rays);
+    share.cost += static_cast<double>(cost);
 }
 
 // Twice the samples leave a quarter of the quotient.
@@ -32,21 +32,21 @@ vk_Allocation::Share vk_Allocation::forecast(int limit) const
         const int above = i + LOWEST - limit;
         const int doublings = above < 0 ? 0 : above / DOUBLING + 1;
         sum.error += std::ldexp(myShares[i].error, -doublings);
-        sum.rays += std::ldexp(myShares[i].rays, doublings);
+        sum.cost += std::ldexp(myShares[i].cost, doublings);
     }
     return sum;
 }
 
-float vk_Allocation::limit(float target, float raysOfPixel) const
+float vk_Allocation::limit(float target, float costOfPixel) const
 {
     const double most = static_cast<double>(target) * static_cast<double>(myPixels);
-    const double budget = static_cast<double>(raysOfPixel) * static_cast<double>(myPixels);
-    // With a lower limit errors fall and rays grow, so halving finds where either is met.
+    const double budget = static_cast<double>(costOfPixel) * static_cast<double>(myPixels);
+    // With a lower limit errors fall and costs grow, so halving finds where either is met.
     int low = LOWEST, high = HIGHEST + 1;
     while (high - low > 1) {
         const int middle = (low + high) / 2;
         const Share then = forecast(middle);
-        if (then.error > most && then.rays < budget)
+        if (then.error > most && then.cost < budget)
             high = middle;
         else
             low = middle;
@@ -55,12 +55,12 @@ float vk_Allocation::limit(float target, float raysOfPixel) const
 }
 
 // A limit that all are below asks for nothing more.
-double vk_Allocation::rays() const
+double vk_Allocation::cost() const
 {
-    return forecast(HIGHEST + 1).rays;
+    return forecast(HIGHEST + 1).cost;
 }
 
-double vk_Allocation::rays(float limit) const
+double vk_Allocation::cost(float limit) const
 {
-    return forecast(stepOf(limit)).rays;
+    return forecast(stepOf(limit)).cost;
 }

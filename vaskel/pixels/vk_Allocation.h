@@ -1,8 +1,8 @@
-// How rays are best dealt out to the pixels of a picture.
+// How work is best dealt out to the pixels of a picture.
 //
-// Twice the samples leave half of a pixel's squared error. A further ray takes most off
-// the error of the whole picture where error / rays is largest, with the rays that the pixel
-// took so far; so a pixel has converged when that quotient is below a limit that is the
+// Twice the samples leave half of a pixel's squared error. Further work takes most off
+// the error of the whole picture where error / cost is largest, with what the pixel cost
+// so far; so a pixel has converged when that quotient is below a limit that is the
 // same for all.
 #pragma once
 
@@ -11,25 +11,25 @@
 class vk_Allocation
 {
 public:
-    // One more pixel: its squared error, and the rays that it took. One that is fixed gets
-    // no more of them.
-    void add(float error, float rays, bool isFixed);
+    // One more pixel: its squared error, and what it cost (vk_Work). One that is fixed gets
+    // no more samples.
+    void add(float error, float cost, bool isFixed);
 
-    // The limit with which the pixels' mean squared error comes to a target, or the rays to
-    // so many a pixel, whichever takes fewer, when samples of each double until it has
+    // The limit with which the pixels' mean squared error comes to a target, or costs to
+    // so much a pixel, whichever takes less, when samples of each double until it has
     // converged.
-    float limit(float target, float raysOfPixel) const;
+    float limit(float target, float costOfPixel) const;
 
-    // Rays of all pixels so far, and with a limit.
-    double rays() const;
-    double rays(float limit) const;
+    // Costs of all pixels so far, and with a limit.
+    double cost() const;
+    double cost(float limit) const;
 
 private:
     static constexpr int STEPS = 4; // to a factor of 2
     static constexpr int LOWEST = -60 * STEPS, HIGHEST = 8 * STEPS;
 
     struct Share {
-        double error = 0, rays = 0;
+        double error = 0, cost = 0;
     };
     static int stepOf(float quotient);
     Share forecast(int limit) const;

@@ -28,8 +28,8 @@ class Drawing
 public:
     Drawing(const vk_Scene &scene, const vk_World &world, const vk_RenderSettings &settings,
             vk_Film &film)
-        : myCanvas(scene, world, settings, film), mySettings(settings), myColumns(scene.width),
-          myRows(scene.height)
+        : myCanvas(scene, world, settings, film), myWorld(world), mySettings(settings),
+          myColumns(scene.width), myRows(scene.height)
     {
     }
     void draw()
@@ -75,16 +75,16 @@ private:
     void drawTiles(std::vector<vk_Tile> &tiles)
     {
         tbb::parallel_for(std::size_t{0}, tiles.size(), [&](std::size_t i) {
-            vk_myRays = {}; // this thread's, which had other tiles before
+            vk_myWork = {}; // this thread's, which had other tiles before
             tiles[i].draw();
             const std::lock_guard<std::mutex> lock(myMutex);
             if (mySettings.stats != nullptr)
-                mySettings.stats->rays += vk_myRays;
-            myDrawn += static_cast<double>(vk_myRays.sum());
+                mySettings.stats->work += vk_myWork;
+            myDrawn += static_cast<double>(vk_myWork.cost());
             showProgress();
         });
     }
-    // By the rays that a band is thought to take, as soon as that is known.
+    // By the work that a band is thought to take, as soon as that is known.
     void showProgress()
     {
         const double ofBand = myForecast > 0 ? std::min(1.0, myDrawn / myForecast) : 0;
@@ -131,21 +131,23 @@ private:
                 allocation.add(errors.at(x, y), now.sum.cost, now.converged);
             }
         const vk_Quality &quality = *mySettings.quality;
-        const float limit = allocation.limit(quality.error * quality.error, quality.rays);
-        myDrawn = allocation.rays();
-        myForecast = allocation.rays(limit);
+        const float limit = allocation.limit(quality.error * quality.error, mostCost());
+        myDrawn = allocation.cost();
+        myForecast = allocation.cost(limit);
         return limit;
     }
-    // The squared error of one pixel, as long as there are rays to spare: alone it shows, as a
+    // Of a pixel, about. Where rays take longer, as much time is spent on fewer of them.
+    float mostCost() const { return mySettings.quality->cost / myWorld.rayCost(); }
+    // The squared error of one pixel, as long as there is time to spare: alone it shows, as a
     // white dot at the rim of glass does, however right all others are.
     float mostFor(const vk_Band &band) const
     {
         constexpr float ALONE = 6;    // times that of the picture
-        constexpr float SPARE = .15f; // of its rays
+        constexpr float SPARE = .15f; // of its time
 
         const vk_Quality &quality = *mySettings.quality;
         const float pixels = static_cast<float>(band.columns * band.rows);
-        if (myForecast > static_cast<double>((1 - SPARE) * quality.rays * pixels))
+        if (myForecast > static_cast<double>((1 - SPARE) * mostCost() * pixels))
             return std::numeric_limits<float>::infinity();
         return ALONE * quality.error * ALONE * quality.error;
     }
@@ -176,10 +178,11 @@ private:
     }
 
     const vk_Canvas myCanvas;
+    const vk_World &myWorld;
     const vk_RenderSettings &mySettings;
     int myColumns, myRows;
     std::mutex myMutex;                 // guards the rest
-    double myDrawn = 0, myForecast = 0; // rays of this band
+    double myDrawn = 0, myForecast = 0; // work on this band
     int myBandRows = 0, myRowsDone = 0;
     int myPercent = -1;
 };
@@ -204,6 +207,7 @@ bool drawScene(const vk_Scene &scene, const vk_RenderSettings &settings, vk_Film
     arena.execute([&] { drawing.draw(); });
     if (settings.stats != nullptr) {
         settings.stats->building += built - start;
+        settings.stats->corners = world.corners();
         settings.stats->tracing += vk_seconds() - built;
     }
     return true;

@@ -7,7 +7,7 @@
 
 #include <string>
 
-// How much work goes into a picture: rays are sent where they help most until its
+// How much work goes into a picture: samples are taken where they help most until its
 // error, as the file shows it and as far as they tell, is about as large as asked for, and that
 // of no pixel many times as large. No pixel gets more samples than the scene allows, times a
 // factor.
@@ -15,13 +15,13 @@ struct vk_Quality {
     const char *name;
     float samples;      // factor for the scene's most samples
     float error;        // root mean square, of full scale
-    float rays;         // a pixel, about, at most
+    float cost;         // of a pixel, about, at most (vk_Work)
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .012f, 23, false},
-    {"default", 1, .0065f, 70, false},
-    {"final", 8, .0018f, 1550, true},
+    {"draft", .25f, .012f, 1150, false},
+    {"default", 1, .0052f, 3700, false},
+    {"final", 8, .0018f, 70000, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 

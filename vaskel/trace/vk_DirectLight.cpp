@@ -159,14 +159,14 @@ void vk_DirectLight::collect(vk_LightQueue &queue) const
     std::size_t at = 0;
     for (vk_LightQueue::Vertex &vertex : queue.vertices) {
         vk_Scattered sum;
-        int cost = 0;
+        std::uint64_t cost = 0;
         for (; at < vertex.end; ++at) {
             const vk_Scattered light =
                 arriving(queue.samples[at], queue.rays[at], vertex.nextEvent);
             sum = {sum.specular + light.specular, sum.diffuse + light.diffuse};
             cost += queue.rays[at].cost;
         }
-        vertex.path.view().cost += static_cast<float>(cost);
+        vertex.path.view().cost += static_cast<float>(static_cast<std::int64_t>(cost));
         vertex.path.add(sum);
     }
     queue.clear();

@@ -1,5 +1,7 @@
 #include "vaskel/trace/vk_HitBatch.h"
 
+#include "vaskel/base/vk_Stats.h"
+
 #include <algorithm>
 
 void vk_HitBatch::clear()
@@ -41,12 +43,18 @@ void vk_HitBatch::askEach(Ask ask)
 {
     sort();
     myMaterials.resize(size());
+    myCosts.resize(size());
     for (std::size_t begin = 0, end = 0; begin < size(); begin = end) {
         // After sort() all hits of a surface follow each other.
         const vk_SurfaceShader &surface = *hit(begin).surface;
         while (end < size() && hit(end).surface == &surface)
             ++end;
+        const std::uint64_t before = vk_myWork.steps;
         ask(surface, &myPoints[begin], &myMaterials[begin], end - begin);
+        // Programs run for many points at once: which one held them up is not known.
+        const std::uint64_t each = (vk_myWork.steps - before) / (end - begin);
+        std::fill(myCosts.begin() + static_cast<std::ptrdiff_t>(begin),
+                  myCosts.begin() + static_cast<std::ptrdiff_t>(end), each);
     }
 }
 

@@ -24,6 +24,7 @@ public:
     const vk_Hit &hit(std::size_t i) const { return myHits[myOrder[i]]; }
     const vk_Material &material(std::size_t i) const { return myMaterials[i]; }
     vk_Material &material(std::size_t i) { return myMaterials[i]; }
+    std::uint64_t cost(std::size_t i) const { return myCosts[i]; } // of asking (vk_Work)
     std::size_t index(std::size_t i) const { return myOrder[i]; }
 
 private:
@@ -37,5 +38,6 @@ private:
     std::vector<std::size_t> myOrder;
     std::vector<const vk_SurfaceShader *> mySurfaces;
     std::vector<vk_SurfacePoint> myPoints; // in order,
-    std::vector<vk_Material> myMaterials;  // as these
+    std::vector<vk_Material> myMaterials;  // as these,
+    std::vector<std::uint64_t> myCosts;    // and these
 };

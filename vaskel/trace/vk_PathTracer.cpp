@@ -37,16 +37,18 @@ vk_Colour meanOf(const vk_EnvironmentShader &environment)
     return sum * (1.0f / COUNT);
 }
 
-// Counts the rays of this thread for a view, while it lives.
+// A signed number becomes a float at once, one without a sign by cases.
+void charge(vk_View &view, std::uint64_t cost)
+{
+    view.cost += static_cast<float>(static_cast<std::int64_t>(cost));
+}
+
+// Charges a view for the work of this thread, while it lives.
 class Meter
 {
 public:
-    explicit Meter(vk_View &view) : myView(view), myBegin(vk_myRays.sum()) {}
-    ~Meter()
-    {
-        // A signed number becomes a float at once, one without a sign by cases.
-        myView.cost += static_cast<float>(static_cast<std::int64_t>(vk_myRays.sum() - myBegin));
-    }
+    explicit Meter(vk_View &view) : myView(view), myBegin(vk_myWork.cost()) {}
+    ~Meter() { charge(myView, vk_myWork.cost() - myBegin); }
     Meter(const Meter &) = delete;
     Meter &operator=(const Meter &) = delete;
 
@@ -146,6 +148,7 @@ void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
         hits.shade();
         for (std::size_t i = 0; i < arrived; ++i) {
             vk_Path &path = paths[hits.index(i)];
+            charge(path.view(), hits.cost(i));
             const Meter meter(path.view());
             leave({hits.hit(i), hits.material(i)}, path, outgoing);
         }
@@ -159,7 +162,7 @@ void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
 // no vertex.
 bool vk_PathTracer::arrive(vk_Path &path, vk_Hit &hit) const
 {
-    ++(path.isCameraRay() ? vk_myRays.camera : vk_myRays.scattered);
+    ++(path.isCameraRay() ? vk_myWork.camera : vk_myWork.scattered);
     const bool met = myWorld.intersect(path.origin(), path.direction(), hit);
     const float distance = met ? hit.distance : FOREVER;
     if (path.nextEvent().bsdfPdf > 0 && path.mayMeetLight())
@@ -195,6 +198,7 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
         return;
     if (isGlass && hit.inside)
         path.attenuate(material.absorbed(hit.distance));
+    vk_myWork.rough += isGlass && !material.isSmoothGlass() ? 1u : 0u;
     if (isGlass && path.isWide()) {
         lookThrough(hit, material, path);
         if (survives(path))

@@ -31,7 +31,7 @@ bool vk_Shadows::isOccluded(const vk_Segment &way) const
 {
     if (!myCasts)
         return false;
-    ++vk_myRays.shadow;
+    ++vk_myWork.shadow;
     return myWorld.occluded(way);
 }
 
@@ -45,7 +45,7 @@ void vk_Shadows::cast(vk_ShadowRay *rays, std::size_t count) const
         vk_ShadowRay &ray = rays[i];
         // It stays so where light comes through: what shadows leave counts for such ways too.
         ray.isOccluded = isOccluded(ray.way);
-        ++ray.cost;
+        ray.cost += vk_Work::SHADOW_RAY;
         if (ray.isOccluded)
             occluded.push_back(&ray);
     }
@@ -68,19 +68,22 @@ void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &open) const
         hits.clear();
         for (vk_ShadowRay *const ray : open) {
             const vk_Segment &way = ray->way;
-            ++ray->cost;
+            ray->cost += vk_Work::SHADOW_RAY;
             // A way that meets nothing more has come to its light, and keeps what it has.
             if (myWorld.intersect(way.origin, way.direction, hits.add(), way.distance))
                 met.push_back(ray);
             else
                 hits.dropLast();
         }
-        vk_myRays.shadow += open.size();
+        vk_myWork.shadow += open.size();
         hits.shadeForShadows();
         open.clear();
-        for (std::size_t i = 0; i < hits.size(); ++i)
-            if (cross(*met[hits.index(i)], hits.hit(i), hits.material(i)))
-                open.push_back(met[hits.index(i)]);
+        for (std::size_t i = 0; i < hits.size(); ++i) {
+            vk_ShadowRay &ray = *met[hits.index(i)];
+            ray.cost += hits.cost(i);
+            if (cross(ray, hits.hit(i), hits.material(i)))
+                open.push_back(&ray);
+        }
     }
 }
 

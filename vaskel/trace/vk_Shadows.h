@@ -14,7 +14,7 @@ struct vk_ShadowRay {
     vk_Colour passes = {1, 1, 1};    // of what is in the shadow: through all shapes
     vk_Colour by = {1, 1, 1};        // of that, what passes by all of them
     vk_Between between = VK_NOTHING; // the worst of them
-    int cost = 0;                    // rays that it took
+    std::uint64_t cost = 0;          // (vk_Work)
 };
 
 class vk_Shadows

@@ -161,6 +161,23 @@ void vk_World::encloseShapes()
     myBall.radius = std::sqrt(radius2 * (1 + MARGIN));
 }
 
+std::size_t vk_World::corners() const
+{
+    std::size_t sum = 0;
+    for (const auto &shape : myShapes)
+        sum += shape->mesh.vertices.size();
+    return sum;
+}
+
+// A tree is one step deeper for twice the corners, and less of it stays in the cache.
+float vk_World::rayCost() const
+{
+    // bench/costs.py fits it again.
+    constexpr float FEW = 16384, STEP = .09f;
+
+    return 1 + STEP * std::log2(std::max(static_cast<float>(corners()) / FEW, 1.0f));
+}
+
 // A shape that stands on the floor touches it: rays that leave its bottom begin a little
 // below the floor, and meet it there.
 bool vk_World::meetFloor(const vk_Vec &origin, const vk_Vec &direction, float &distance) const

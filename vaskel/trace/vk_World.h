@@ -68,6 +68,12 @@ public:
     // Whether light may pass through a shape, as through glass.
     bool hasGlass() const { return myHasGlass; }
 
+    // Of all meshes.
+    std::size_t corners() const;
+
+    // How many times as long rays take as with meshes of few corners.
+    float rayCost() const;
+
     // Of a ball around all shapes.
     float diameter() const { return 2 * myBall.radius; }
 
