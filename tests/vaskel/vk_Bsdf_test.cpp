@@ -321,6 +321,23 @@ TEST(Bsdf, DensityIsThatOfTheSamples)
 }
 
 // The tables of bench/fit.py against the integral that they hold, for light along x and y.
+// The first surface of a view: more rays that are scattered evenly take noise out of it.
+TEST(Bsdf, OnlyADiffuseOneIsDrawnTwiceWithinAPart)
+{
+    vk_Material matte, metal, plastic;
+    matte.diffuse = metal.specular = metal.edge = plastic.diffuse = plastic.edge = vk_grey(.5f);
+    metal.rough = .3f;
+    const vk_Vec out = around(.8f, 1);
+    for (const auto &[material, rounds, repeats] :
+         {std::tuple(matte, 2, true), {metal, 1, false}, {plastic, 2, false}}) {
+        const vk_Bsdf bsdf(material, UP, out, true), unsplit(material, UP, out, false);
+        EXPECT_EQ(rounds, bsdf.rounds());
+        EXPECT_EQ(repeats, bsdf.repeats());
+        EXPECT_EQ(1, unsplit.rounds());
+        EXPECT_FALSE(unsplit.repeats());
+    }
+}
+
 TEST(Microfacet, AlbedoTablesAgreeWithTheirIntegral)
 {
     constexpr int COUNT = 1 << 13;

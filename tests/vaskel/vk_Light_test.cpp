@@ -171,6 +171,23 @@ TEST(Sampler, EveryPairSpreadsItsFirstSixteenSamplesOverAllCells)
         }
 }
 
+TEST(Sampler, HalvesSpreadOverAllCellsTogether)
+{
+    for (std::uint32_t pixel = 0; pixel < 20; ++pixel) {
+        int cells[16] = {}, columns[16] = {};
+        for (std::uint32_t i = 0; i < 16; ++i) {
+            vk_Sampler sampler(vk_hash(pixel), i / 2);
+            sampler.square(); // before they part
+            sampler.split(i % 2);
+            const vk_Square at = sampler.square();
+            ++cells[static_cast<int>(at.u * 4) * 4 + static_cast<int>(at.v * 4)];
+            ++columns[static_cast<int>(at.u * 16)];
+        }
+        for (int i = 0; i < 16; ++i)
+            EXPECT_TRUE(cells[i] == 1 && columns[i] == 1) << pixel;
+    }
+}
+
 TEST(Lights, HaveABoundThatRulesOutMostRaysAndNoneThatMeetTheLight)
 {
     constexpr std::uint32_t COUNT = 4096;

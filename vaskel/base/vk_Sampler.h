@@ -27,6 +27,10 @@ public:
     // Goes on with other pairs than a copy of this sampler does, for a path that parts.
     void fork(std::uint32_t branch);
 
+    // Goes on as one of two samples with this one's numbers, half 0 or 1: those of a pixel, of
+    // which there are twice as many then, are as well spread as samples are.
+    void split(std::uint32_t half) { myReversed = myReversed >> 1 | half << 31; }
+
 private:
     struct Pair {
         std::uint32_t seed;  // what its coordinates are scrambled with

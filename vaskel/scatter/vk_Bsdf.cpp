@@ -162,10 +162,12 @@ void vk_Bsdf::share(bool split)
     const float ofSpecular = both ? std::clamp(specular / (specular + diffuse), .2f, .9f) : 1;
     // Split, the shares of each round come to 1, and the density to that of two samples: light over
     // it is the balance heuristic of both.
-    myRounds = split && both ? 2 : 1;
+    // So do those that repeat, whose shares come to 2.
+    myRepeats = split && diffuse > LEAST && specular <= LEAST;
+    myRounds = split && (both || myRepeats) ? 2 : 1;
     const float toSpecular = specular > LEAST ? (myRounds == 2 ? 1 : ofSpecular) / specular : 0;
-    const float toDiffuse =
-        diffuse > LEAST ? (myRounds == 2 || !both ? 1 : 1 - ofSpecular) / diffuse : 0;
+    const float samplesOfDiffuse = myRepeats ? 2 : myRounds == 2 || !both ? 1 : 1 - ofSpecular;
+    const float toDiffuse = diffuse > LEAST ? samplesOfDiffuse / diffuse : 0;
     for (int part = 0; part < PARTS; ++part)
         myShare[part] *= part <= MULTIPLE ? toSpecular : toDiffuse;
 }
@@ -334,9 +336,10 @@ vk_Vec vk_Bsdf::sample(const vk_Square &at, int round, float choice) const
         return sampleGlass(at, round, choice);
     // The choice takes its number from the first coordinate and stretches the
     // rest, which keeps all parts well spread.
-    int part = myRounds == 2 && round == 1 ? MULTIPLE + 1 : 0;
-    const int last = myRounds == 2 && round == 0 ? MULTIPLE : BASE;
-    float left = at.u;
+    const bool isDiffuseRound = myRounds == 2 && round == 1;
+    int part = isDiffuseRound || myRepeats ? MULTIPLE + 1 : 0;
+    const int last = myRounds == 2 && round == 0 && !myRepeats ? MULTIPLE : BASE;
+    float left = myRepeats ? 2 * at.u : at.u;
     while (part < last && left >= myShare[part])
         left -= myShare[part++];
     // Rounding may leave a number for a last part that has no share.

@@ -33,15 +33,17 @@ class vk_Bsdf
 public:
     // Keeps a reference to the material. A split one draws its directions once for
     // each of two rounds, specular and diffuse (for glass reflected and refracted),
-    // instead of one of them by chance; densities are then those of both samples
-    // together. `along` is where u grows, needed where a material is brushed.
+    // instead of one of them by chance; a diffuse one twice. Densities are then those of both
+    // samples together. `along` is where u grows, needed where a material is brushed.
     // `inside` says that the viewer looks from within glass.
     // REQUIRES: dot(normal, out) > 0
     vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split,
             const vk_Vec &along = {}, bool inside = false);
 
-    // How many samples are to be drawn: 2 when it is split and has two parts.
+    // How many samples are to be drawn: 2 when it is split, but for a specular one.
     int rounds() const { return myRounds; }
+    // Whether both draw from the same parts.
+    bool repeats() const { return myRepeats; }
 
     vk_Vec mirror() const;
 
@@ -106,5 +108,6 @@ private:
     float myPassed = 1;   // share that the boundary lets pass on the way out, before a factor,
     float myBelow = 1;    // and that coat and sheen leave on the way out
     int myRounds = 1;
+    bool myRepeats = false;
     float myShare[PARTS] = {}; // samples of each part
 };

@@ -144,6 +144,13 @@ bool vk_Path::survivesRoulette(const vk_Colour &guess)
     return true;
 }
 
+vk_Path vk_Path::split(std::uint32_t half) const
+{
+    vk_Path path = *this;
+    path.mySampler.split(half);
+    return path;
+}
+
 vk_Path vk_Path::fork(std::uint32_t branch) const
 {
     vk_Path path = *this;

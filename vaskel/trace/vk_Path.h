@@ -18,7 +18,7 @@ struct vk_View {
     float distance = 0;
     float blurred =
         0; // 1: the diffuse layer has no edges, as light below a surface or behind ground glass
-    float cost = 0; // rays that it took
+    float cost = 0; // (vk_Work)
 
     vk_Colour light() const { return specular + diffuse; }
 };
@@ -104,8 +104,10 @@ public:
     // change the mean, but where add() cuts it as a firefly.
     [[nodiscard]] bool survivesRoulette(const vk_Colour &guess);
 
-    // Another path that begins with all that befell this one, and draws numbers of its own.
+    // Another path that begins with all that befell this one, and draws numbers of its own; and
+    // one half of two that go on alike.
     vk_Path fork(std::uint32_t branch) const;
+    vk_Path split(std::uint32_t half) const;
 
 private:
     void addLight(const vk_Colour &radiance);

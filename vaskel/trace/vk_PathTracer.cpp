@@ -248,7 +248,8 @@ bool vk_PathTracer::choosePart(const vk_Hit &hit, const vk_Material &material, v
     return true;
 }
 
-// Next-event estimation, and a ray that the BSDF draws, or one for each of its two parts.
+// Next-event estimation, and a ray that the BSDF draws, or one for each of its two parts, or two
+// of the same.
 void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &path,
                             Outgoing &outgoing) const
 {
@@ -264,7 +265,9 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
         myDirectLight.sample(hit, bsdf, vertex, path, outgoing.lights);
     }
     for (int round = 0; round < bsdf.rounds(); ++round) {
-        outgoing.paths.push_back(round == 0 ? path : path.fork(OTHER_LOBE));
+        outgoing.paths.push_back(bsdf.repeats() ? path.split(static_cast<std::uint32_t>(round))
+                                 : round == 0   ? path
+                                                : path.fork(OTHER_LOBE));
         vk_Path &next = outgoing.paths.back();
         const float choice = bsdf.isGlass() ? next.sampler().number() : 0;
         const vk_Vec direction = bsdf.sample(next.sampler().square(), round, choice);
