@@ -188,6 +188,22 @@ TEST(Sampler, HalvesSpreadOverAllCellsTogether)
     }
 }
 
+TEST(Disc, SquaresAroundTheMiddleBecomeCirclesTurnedByAsMuch)
+{
+    for (int i = 0; i <= 32; ++i)
+        for (int j = 0; j <= 32; ++j) {
+            const float a = static_cast<float>(i - 16) / 16, b = static_cast<float>(j - 16) / 16;
+            const vk_Vec at = vk_toDisc({(a + 1) / 2, (b + 1) / 2});
+            EXPECT_NEAR(std::max(std::abs(a), std::abs(b)), vk_length(at), 1e-6f);
+            // An eighth of a turn for each half of a side.
+            const float turned = std::abs(a) >= std::abs(b) ? b / a : 2 - a / b;
+            const float angle = std::fmod(std::atan2(at.y, at.x) * 4 / VK_PI + 4, 4.0f);
+            if (i != 16 || j != 16) {
+                EXPECT_NEAR(0, std::sin((angle - turned) * VK_PI / 4), 1e-6f) << a << ' ' << b;
+            }
+        }
+}
+
 TEST(Lights, HaveABoundThatRulesOutMostRaysAndNoneThatMeetTheLight)
 {
     constexpr std::uint32_t COUNT = 4096;

@@ -13,15 +13,17 @@ struct vk_Work {
     std::uint64_t rough = 0;     // vertices on rough glass, of paths
     std::uint64_t steps = 0;
 
-    // About the time that it took, on any processor: so many steps. A ray brings with it what is
-    // done where it arrives. bench/costs.py fits these numbers again.
-    static constexpr std::uint64_t CAMERA_RAY = 10, SCATTERED_RAY = 66, SHADOW_RAY = 34,
-                                   ROUGH_GLASS = 20;
-    std::uint64_t cost() const
-    {
-        return CAMERA_RAY * camera + SCATTERED_RAY * scattered + SHADOW_RAY * shadow +
-               ROUGH_GLASS * rough + steps;
-    }
+    // About the time that it all took, on any processor: so many steps. A ray brings with it what
+    // is done where it arrives. bench/costs.py fits these numbers again.
+    std::uint64_t cost = 0;
+    static constexpr unsigned CAMERA_RAY = 10, SCATTERED_RAY = 66, SHADOW_RAY = 34,
+                              ROUGH_GLASS = 20;
+
+    void countCameraRay() { count(camera, 1, CAMERA_RAY); }
+    void countScatteredRay() { count(scattered, 1, SCATTERED_RAY); }
+    void countShadowRays(std::uint64_t rays) { count(shadow, rays, SHADOW_RAY); }
+    void countRoughGlass() { count(rough, 1, ROUGH_GLASS); }
+    void countSteps(std::uint64_t more) { count(steps, more, 1); }
 
     vk_Work &operator+=(const vk_Work &other)
     {
@@ -30,7 +32,15 @@ struct vk_Work {
         shadow += other.shadow;
         rough += other.rough;
         steps += other.steps;
+        cost += other.cost;
         return *this;
+    }
+
+private:
+    void count(std::uint64_t &which, std::uint64_t times, unsigned each)
+    {
+        which += times;
+        cost += times * each;
     }
 };
 // Not for statistics alone: what a pixel costs decides about its samples.

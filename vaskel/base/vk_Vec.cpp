@@ -1,5 +1,20 @@
 #include "vaskel/base/vk_Vec.h"
 
+namespace
+{
+// Of an eighth of a turn at most, by Taylor's series, which floats cannot tell from the functions.
+float sine(float x)
+{
+    const float x2 = x * x;
+    return x + x * x2 * (-1 / 6.f + x2 * (1 / 120.f + x2 * (-1 / 5040.f + x2 * (1 / 362880.f))));
+}
+float cosine(float x)
+{
+    const float x2 = x * x;
+    return 1 + x2 * (-1 / 2.f + x2 * (1 / 24.f + x2 * (-1 / 720.f + x2 * (1 / 40320.f))));
+}
+} // namespace
+
 vk_Vec vk_toDisc(const vk_Square &s)
 {
     const float a = 2 * s.u - 1;
@@ -9,9 +24,9 @@ vk_Vec vk_toDisc(const vk_Square &s)
     // Squares around the middle become circles: the larger coordinate is the radius, the ratio
     // of both the angle.
     const bool wide = std::abs(a) > std::abs(b);
-    const float radius = wide ? a : b;
-    const float angle = wide ? VK_PI / 4 * (b / a) : VK_PI / 2 - VK_PI / 4 * (a / b);
-    return {radius * std::cos(angle), radius * std::sin(angle), 0};
+    const float radius = wide ? a : b, angle = VK_PI / 4 * (wide ? b / a : a / b);
+    const float along = radius * cosine(angle), across = radius * sine(angle);
+    return wide ? vk_Vec{along, across, 0} : vk_Vec{across, along, 0};
 }
 
 vk_Vec vk_toCap(const vk_Square &s, float height)

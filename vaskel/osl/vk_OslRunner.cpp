@@ -145,7 +145,7 @@ bool vk_OslRunner::run(const vk_SurfacePoint *points, int count)
         take(points[i], i);
     const std::uint64_t before = myContext.stepsDone();
     const bool isGood = myContext.run(myPoints);
-    vk_myWork.steps += myContext.stepsDone() - before;
+    vk_myWork.countSteps(myContext.stepsDone() - before);
     if (isGood)
         return true;
     myBinding.library().stop();

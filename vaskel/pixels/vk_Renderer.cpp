@@ -80,7 +80,7 @@ private:
             const std::lock_guard<std::mutex> lock(myMutex);
             if (mySettings.stats != nullptr)
                 mySettings.stats->work += vk_myWork;
-            myDrawn += static_cast<double>(vk_myWork.cost());
+            myDrawn += static_cast<double>(vk_myWork.cost);
             showProgress();
         });
     }

@@ -42,8 +42,9 @@ template <class Ask>
 void vk_HitBatch::askEach(Ask ask)
 {
     sort();
-    myMaterials.resize(size());
-    myCosts.resize(size());
+    // Shaders write all of a material, so what was there before need not be set up anew.
+    myMaterials.resize(std::max(myMaterials.size(), size()));
+    myCosts.resize(myMaterials.size());
     for (std::size_t begin = 0, end = 0; begin < size(); begin = end) {
         // After sort() all hits of a surface follow each other.
         const vk_SurfaceShader &surface = *hit(begin).surface;

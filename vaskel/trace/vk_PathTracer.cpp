@@ -47,8 +47,8 @@ void charge(vk_View &view, std::uint64_t cost)
 class Meter
 {
 public:
-    explicit Meter(vk_View &view) : myView(view), myBegin(vk_myWork.cost()) {}
-    ~Meter() { charge(myView, vk_myWork.cost() - myBegin); }
+    explicit Meter(vk_View &view) : myView(view), myBegin(vk_myWork.cost) {}
+    ~Meter() { charge(myView, vk_myWork.cost - myBegin); }
     Meter(const Meter &) = delete;
     Meter &operator=(const Meter &) = delete;
 
@@ -162,7 +162,10 @@ void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
 // no vertex.
 bool vk_PathTracer::arrive(vk_Path &path, vk_Hit &hit) const
 {
-    ++(path.isCameraRay() ? vk_myWork.camera : vk_myWork.scattered);
+    if (path.isCameraRay())
+        vk_myWork.countCameraRay();
+    else
+        vk_myWork.countScatteredRay();
     const bool met = myWorld.intersect(path.origin(), path.direction(), hit);
     const float distance = met ? hit.distance : FOREVER;
     if (path.nextEvent().bsdfPdf > 0 && path.mayMeetLight())
@@ -198,7 +201,8 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
         return;
     if (isGlass && hit.inside)
         path.attenuate(material.absorbed(hit.distance));
-    vk_myWork.rough += isGlass && !material.isSmoothGlass() ? 1u : 0u;
+    if (isGlass && !material.isSmoothGlass())
+        vk_myWork.countRoughGlass();
     if (isGlass && path.isWide()) {
         lookThrough(hit, material, path);
         if (survives(path))

@@ -31,7 +31,7 @@ bool vk_Shadows::isOccluded(const vk_Segment &way) const
 {
     if (!myCasts)
         return false;
-    ++vk_myWork.shadow;
+    vk_myWork.countShadowRays(1);
     return myWorld.occluded(way);
 }
 
@@ -75,7 +75,7 @@ void vk_Shadows::passThrough(std::vector<vk_ShadowRay *> &open) const
             else
                 hits.dropLast();
         }
-        vk_myWork.shadow += open.size();
+        vk_myWork.countShadowRays(open.size());
         hits.shadeForShadows();
         open.clear();
         for (std::size_t i = 0; i < hits.size(); ++i) {

@@ -103,7 +103,7 @@ int pickLayer(const vk_World &world, vk_Vec origin, const vk_Vec &direction, flo
     int count = 0;
     while (count < MOST_LAYERS && length > 0) {
         vk_Hit &hit = hits[count];
-        ++vk_myWork.scattered;
+        vk_myWork.countScatteredRay();
         if (!world.intersect(origin, direction, hit, length))
             break;
         // Nothing below the floor is lit: layers there would only take chances from others.
