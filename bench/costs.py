@@ -43,12 +43,12 @@ def measure(scene, folder, runs):
         least = min(least, resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before)
     counts = [int(count) for count in PATTERN.search(said).groups()]
     few = number("vaskel/trace/vk_World.cpp", "FEW")
-    deeper = max(0, math.log2(counts[5] / few))
+    deeper = math.log2(max(counts[5], few) / few)
     return least, [count / 1e6 for count in counts[:5]] + [sum(counts[:3]) * deeper / 1e6]
 
 
 def solve(rows, values):
-    """Least squares, by the normal equations and Gaussian elimination."""
+    """Least squares, by the normal equations and Gaussian elimination; 0 where nothing tells."""
     size = len(rows[0])
     matrix = [[sum(r[i] * r[j] for r in rows) for j in range(size)] +
               [sum(r[i] * v for r, v in zip(rows, values))] for i in range(size)]
@@ -56,10 +56,10 @@ def solve(rows, values):
         pivot = max(range(i, size), key=lambda k: abs(matrix[k][i]))
         matrix[i], matrix[pivot] = matrix[pivot], matrix[i]
         for k in range(size):
-            if k != i:
+            if k != i and matrix[i][i] != 0:
                 factor = matrix[k][i] / matrix[i][i]
                 matrix[k] = [a - factor * b for a, b in zip(matrix[k], matrix[i])]
-    return [matrix[i][size] / matrix[i][i] for i in range(size)]
+    return [row[size] / row[i] if row[i] != 0 else 0 for i, row in enumerate(matrix)]
 
 
 def main():
@@ -78,7 +78,7 @@ def main():
     weights = [1 / math.sqrt(time) for time, _ in measured]
     fitted = solve([[w * x for x in work] for w, (_, work) in zip(weights, measured)],
                    [w * time for w, (time, _) in zip(weights, measured)])
-    step = fitted[4]
+    step = fitted[4] or 1
     kept = [number("vaskel/base/vk_Stats.h", name) for name in NAMES]
     mean = sum(kept[:3]) / 3
     kept += [1, number("vaskel/trace/vk_World.cpp", "STEP") * mean]

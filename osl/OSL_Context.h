@@ -77,8 +77,8 @@ public:
     // Instructions done for all points since the beginning.
     uint64_t instructionsDone() const;
 
-    // The same in steps, which take about as long each: those of an instruction that takes
-    // longer are more, and those for up to width() points at once count as one.
+    // The same, where instructions that take longer count as several: about the time that the
+    // points took. It is the same at all widths, and in whatever order points were run.
     uint64_t stepsDone() const;
 
 private:

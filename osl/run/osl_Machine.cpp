@@ -75,8 +75,8 @@ osl_Machine::osl_Machine(std::shared_ptr<const OSL_Program> program, OSL_Rendere
 
 namespace
 {
-// Operations that take as long as so many short ones, for a batch: no loop without end
-// gets more than a second or two.
+// Operations that take as long as so many short ones, noise for each word that it gives: no loop
+// without end gets more than a second or two.
 const struct {
     osl_Op op;
     unsigned cost;
@@ -231,6 +231,9 @@ void osl_Machine::execute()
 {
     uint64_t done = 0;
     uint64_t spent = 0;
+    // Of each point by itself, so that batches and what was said or read before make no difference:
+    // without ways through the code, and without extra costs.
+    uint64_t points = static_cast<uint64_t>(__builtin_popcount(myMask));
     myExtraCost = 0;
     int at = 0;
     while (at >= 0 && !isStopped) {
@@ -240,20 +243,21 @@ void osl_Machine::execute()
         spent += step.cost;
         if (spent > MAX_INSTRUCTIONS)
             stop("takes too long: a loop without end?");
+        if (step.in->op >= OSL_IF) {
+            at = control(*step.in, at);
+            points = static_cast<uint64_t>(__builtin_popcount(myMask));
+            continue;
+        }
+        myPointSteps += step.cost * points;
         if (step.isPlain) {
             step.kernel(myMemory, *step.in, step.operands);
             ++at;
-            continue;
-        }
-        if (step.in->op >= OSL_IF) {
-            at = control(*step.in, at);
             continue;
         }
         doStep(step);
         spent += std::exchange(myExtraCost, 0);
         ++at;
     }
-    mySpent += spent;
     myDone += done * static_cast<uint64_t>(__builtin_popcount(myFull));
 }
 

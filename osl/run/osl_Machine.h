@@ -32,7 +32,7 @@ public:
     std::string_view text(int handle) const { return myTexts[handle]; }
     const osl_ClosureArena &closures() const { return myClosures; }
     uint64_t instructionsDone() const { return myDone; }
-    uint64_t stepsDone() const { return mySpent; }
+    uint64_t stepsDone() const { return myPointSteps; }
 
 private:
     using In = const osl_Instruction &;
@@ -263,7 +263,7 @@ private:
     Mask myDead = 0;
     bool isStopped = false;
     uint64_t myDone = 0;
-    uint64_t mySpent = 0;
+    uint64_t myPointSteps = 0;
     int myFirstPoint = 0;
 
     osl_Texts myTexts;

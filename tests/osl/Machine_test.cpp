@@ -87,23 +87,36 @@ TEST(Machine, GivesOutputsAndClosures)
     EXPECT_EQ(nullptr, components[0].floats("alpha"));
 }
 
-// For those who deal out time: a batch takes about as long as one point.
-TEST(Machine, CountsStepsByBatchesAndByWhatTheyTake)
+// For those who deal out time.
+TEST(Machine, CountsStepsOfPointsByWhatTheyTakeAtAnyWidth)
 {
-    const auto steps = [](const std::string &noise, int count) {
+    const auto steps = [](const std::string &body, int count, int width) {
         OSL_Shader shader;
-        EXPECT_TRUE(shader.compileText("surface t(output point p = 0) { p = " + noise + "; }",
-                                       "t.osl", {}));
+        EXPECT_TRUE(
+            shader.compileText("surface t(output point p = 0) { " + body + " }", "t.osl", {}));
         RecordingShading renderer;
-        OSL_Context context(shader.link({}), renderer);
+        for (int i = 0; i < 64; ++i)
+            renderer.u[i] = static_cast<float>(i) / 8;
+        OSL_Context context(shader.link({}), renderer, width);
         OSL_Points points;
-        points.count = count;
-        points.u.value[0] = renderer.u;
-        EXPECT_TRUE(context.run(points));
+        for (int first = 0; first < count; first += context.width()) {
+            points.count = std::min(context.width(), count - first);
+            points.u.value[0] = renderer.u + first;
+            EXPECT_TRUE(context.run(points));
+        }
         return context.stepsDone();
     };
-    EXPECT_EQ(steps("(vector)noise(u)", 1), steps("(vector)noise(u)", 8));
-    EXPECT_GE(steps("(vector)noise(u)", 1), 50 + steps("(float)noise(u)", 1));
+    EXPECT_EQ(8 * steps("p = (vector)noise(u);", 1, 8), steps("p = (vector)noise(u);", 8, 8));
+    EXPECT_GE(steps("p = (vector)noise(u);", 1, 1), 50 + steps("p = (float)noise(u);", 1, 1));
+    for (const char *ways : {"for (int i = 0; i < u; ++i) p += noise(u); if (u > .3) { p *= 2; "
+                             "if (u > 2) return; p = noise(p); } else p = 3 * p;",
+                             "int i = 0; while (1) { p += u; if (++i > u) break; if (i > 3) "
+                             "continue; p *= sin(u); } if (u > 1) exit(); p = sqrt(p);",
+                             "warning(\"%g\", u); p = noise(p);"}) {
+        const auto alone = steps(ways, 16, 1);
+        EXPECT_EQ(alone, steps(ways, 16, 8)) << ways;
+        EXPECT_EQ(alone, steps(ways, 16, 16)) << ways;
+    }
 }
 
 TEST(Machine, AClosureKeepsItsOwnWeightBesideThoseItIsGiven)

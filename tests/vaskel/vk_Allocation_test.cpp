@@ -6,7 +6,7 @@ namespace
 {
 constexpr int PIXELS = 200;
 
-// Half of the pixels are 64 times as far off as the others, and all took 4 rays.
+// Half of the pixels are 64 times as far off as the others, and all cost 4.
 vk_Allocation twoKinds(bool isFixed = false)
 {
     vk_Allocation allocation;
@@ -15,16 +15,16 @@ vk_Allocation twoKinds(bool isFixed = false)
     return allocation;
 }
 
-// What the mean pixel then has: squared error and rays.
+// What the mean pixel then has: squared error and cost.
 std::pair<float, float> with(float limit)
 {
     std::pair<float, float> mean;
     for (float error : {.125f, 8.0f}) {
-        float rays = 4;
-        for (; error >= limit * rays; rays *= 2)
+        float cost = 4;
+        for (; error >= limit * cost; cost *= 2)
             error /= 2;
         mean.first += error / 2;
-        mean.second += rays / 2;
+        mean.second += cost / 2;
     }
     return mean;
 }
@@ -40,23 +40,23 @@ TEST(Allocation, LimitBringsTheErrorToTheTarget)
     }
 }
 
-TEST(Allocation, LimitKeepsToSoManyRays)
+TEST(Allocation, LimitKeepsToSoMuchWork)
 {
     for (const float most : {6.0f, 20.0f, 100.0f}) {
-        const float rays = with(twoKinds().limit(1e-9f, most)).second;
-        EXPECT_LE(rays, 2 * most);
-        EXPECT_GT(rays, most / 4);
+        const float cost = with(twoKinds().limit(1e-9f, most)).second;
+        EXPECT_LE(cost, 2 * most);
+        EXPECT_GT(cost, most / 4);
     }
 }
 
-TEST(Allocation, RaysAreForecastAsTheyAreThenDealtOut)
+TEST(Allocation, WorkIsForecastAsItIsThenDealtOut)
 {
     EXPECT_EQ(4 * PIXELS, twoKinds().cost());
     const float limit = twoKinds().limit(.25f, 1e6f);
     EXPECT_FLOAT_EQ(with(limit).second, static_cast<float>(twoKinds().cost(limit)) / PIXELS);
 }
 
-// Of two pixels that are as far off, the one that takes few rays repays them best.
+// Of two pixels that are as far off, the one that costs little repays it best.
 TEST(Allocation, DearPixelsConvergeSooner)
 {
     vk_Allocation allocation;
@@ -67,7 +67,7 @@ TEST(Allocation, DearPixelsConvergeSooner)
     EXPECT_LT(1, limit * 64);
 }
 
-TEST(Allocation, WhatIsFixedTakesNoMoreRays)
+TEST(Allocation, WhatIsFixedTakesNoMoreWork)
 {
     const float limit = twoKinds(true).limit(1e-9f, 6);
     EXPECT_GT(with(limit).second, 6); // all go to the other half

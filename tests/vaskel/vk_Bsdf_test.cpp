@@ -320,7 +320,6 @@ TEST(Bsdf, DensityIsThatOfTheSamples)
             }
 }
 
-// The tables of bench/fit.py against the integral that they hold, for light along x and y.
 // The first surface of a view: more rays that are scattered evenly take noise out of it.
 TEST(Bsdf, OnlyADiffuseOneIsDrawnTwiceWithinAPart)
 {
@@ -338,6 +337,7 @@ TEST(Bsdf, OnlyADiffuseOneIsDrawnTwiceWithinAPart)
     }
 }
 
+// The tables of bench/fit.py against the integral that they hold, for light along x and y.
 TEST(Microfacet, AlbedoTablesAgreeWithTheirIntegral)
 {
     constexpr int COUNT = 1 << 13;

@@ -57,15 +57,61 @@ TEST(Filter, LightThatRisesEvenlyGoesOnRising)
     }
 }
 
-// Though planes through few neighbours may.
+// Though a plane through light that begins to rise passes below black in front of that.
 TEST(Filter, NoLightBecomesLessThanNone)
 {
     const auto light = filtered([](int x, int y) {
-        const float far = static_cast<float>(std::abs(x - y));
-        return pixelOf(.002f * far, .004f * far);
+        const float level = .02f * static_cast<float>(std::max(0, x - 4));
+        const float off = (x + y) % 2 == 0 ? .5f : 1.5f;
+        vk_Pixel pixel = pixelOf(level * off, level * (2 - off) * .9f);
+        pixel.sum.blurred = 1;
+        // Errors that explain all.
+        pixel.errors.irradiance = .01f;
+        return pixel;
     });
     for (const float level : light)
         EXPECT_GE(level, 0);
+    EXPECT_EQ(0, light[0]);
+}
+
+// They have edges that noise hides.
+TEST(Filter, ReflectionsGetFewerNeighbours)
+{
+    const auto left = [](bool isReflection) {
+        const auto pixelAt = [&](int x, int y) {
+            const float off = (x + y) % 2 == 0 ? .06f : -.06f;
+            vk_Pixel pixel = pixelOf(.5f + off, .5f - off * .2f);
+            if (isReflection) {
+                pixel.sum.specular = pixel.sum.diffuse;
+                pixel.sum.diffuse = {};
+                std::swap(pixel.errors.specular, pixel.errors.irradiance);
+            }
+            return pixel;
+        };
+        return filterOf(pixelAt, true).error(SIDE / 2, SIDE / 2);
+    };
+    EXPECT_GT(left(true), 1.3f * left(false));
+}
+
+// Of light that hardly shows, as little of it is scattered on.
+TEST(Filter, NoiseOnADarkSurfaceIsTakenOutAsOnABrightOne)
+{
+    constexpr float ALBEDO = .05f;
+    const auto light = filtered([](int x, int y) {
+        vk_Pixel pixel;
+        for (const float side : {1.0f, -.2f}) {
+            vk_View view;
+            view.albedo = vk_grey(ALBEDO);
+            view.diffuse = view.albedo * (.5f + side * ((x + y) % 2 == 0 ? .06f : -.06f));
+            view.normal = {0, 0, 1};
+            view.distance = 5;
+            pixel.add(view);
+            pixel.estimate();
+        }
+        return pixel;
+    });
+    for (const float level : light)
+        EXPECT_NEAR(.5f * ALBEDO, level, .02f * ALBEDO);
 }
 
 TEST(Filter, AnEdgeThatErrorsDoNotExplainStays)

@@ -15,14 +15,14 @@ struct Fitted {
     float light, error;
 };
 
-// Neighbours in a square around the pixel from which the given columns are left out; all count as
-// much and are as far off.
+// Neighbours in a square around the pixel of which the first columns and rows are left out; all
+// count as much and are as far off.
 template <class Function>
-Fitted fit(int firstColumn, const Function &lightAt)
+Fitted fit(int firstColumn, const Function &lightAt, int firstRow = -3)
 {
     constexpr int REACH = 3;
     vk_PlaneFit fit;
-    for (int y = -REACH; y <= REACH; ++y) {
+    for (int y = firstRow; y <= REACH; ++y) {
         vk_PlaneFit::Row row;
         for (int x = firstColumn; x <= REACH; ++x) {
             const vk_Lanes light = vk_lanes(lightAt(static_cast<float>(x), static_cast<float>(y)));
@@ -57,6 +57,8 @@ TEST(PlaneFit, TellsTheErrorOfItsWeights)
     // On one side of 4 columns it is 2.8 / 4 of a row's: (2 n - 1) 2 / (n (n + 1)) of least squares
     // over n points at their end.
     EXPECT_NEAR(.7f / 7, fit(0, none).error, .01f);
+    // At a corner it is the mean's 1/16, and for each of both slopes what one adds above.
+    EXPECT_NEAR(1.0f / 16 + 2 * (.7f / 4 - 1.0f / 16), fit(0, none, 0).error, .03f);
 }
 
 TEST(PlaneFit, LiesLevelThroughASingleNeighbour)

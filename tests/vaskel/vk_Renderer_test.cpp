@@ -447,6 +447,29 @@ TEST(Renderer, AViewIsChargedForWhatItsShadersTake)
               plain + 1000);
 }
 
+TEST(Renderer, AllWorkIsChargedToViews)
+{
+    for (const std::string_view surface :
+         {"surface v_frosted", "surface v_wax diff .8 spec 1", "surface v_metal rough .3",
+          "source t.osl\nsurface t() { Ci = .5 * diffuse(N) + (float)noise(P) * transparent(); }\n"
+          "endsource\nsurface t.osl"}) {
+        vk_Scene scene;
+        readScene(std::string(STUDIO) + std::string(surface) + "\nsphere", scene);
+        const vk_World world(scene);
+        const vk_PathTracer tracer(scene, world);
+        vk_myWork = {};
+        double charged = 0;
+        for (std::uint32_t i = 0; i < 64; ++i)
+            charged += static_cast<double>(
+                tracer.Li({0, 1, 8}, {0, -.02f * static_cast<float>(i % 8), -1}, vk_Sampler(1, i))
+                    .cost);
+        EXPECT_GT(vk_myWork.shadow, 64u);
+        EXPECT_EQ(surface == "surface v_frosted", vk_myWork.rough > 0);
+        EXPECT_EQ(surface[1] == 'o', vk_myWork.steps > 0);
+        EXPECT_NEAR(static_cast<double>(vk_myWork.cost), charged, .001 * charged) << surface;
+    }
+}
+
 TEST(Renderer, RaysTakeLongerThroughLargeMeshes)
 {
     const auto rayCost = [](const std::string &shape) {

@@ -27,8 +27,8 @@ public:
     // Goes on with other pairs than a copy of this sampler does, for a path that parts.
     void fork(std::uint32_t branch);
 
-    // Goes on as one of two samples with this one's numbers, half 0 or 1: those of a pixel, of
-    // which there are twice as many then, are as well spread as samples are.
+    // Goes on as one of two samples in place of this one, half 0 or 1: sample i becomes 2 i and
+    // 2 i + 1. Where all samples of a pixel part there, they are as well spread as twice as many.
     void split(std::uint32_t half) { myReversed = myReversed >> 1 | half << 31; }
 
 private:

@@ -16,8 +16,8 @@ struct vk_Work {
     // About the time that it all took, on any processor: so many steps. A ray brings with it what
     // is done where it arrives. bench/costs.py fits these numbers again.
     std::uint64_t cost = 0;
-    static constexpr unsigned CAMERA_RAY = 10, SCATTERED_RAY = 66, SHADOW_RAY = 34,
-                              ROUGH_GLASS = 20;
+    static constexpr unsigned CAMERA_RAY = 160, SCATTERED_RAY = 1050, SHADOW_RAY = 540,
+                              ROUGH_GLASS = 320;
 
     void countCameraRay() { count(camera, 1, CAMERA_RAY); }
     void countScatteredRay() { count(scattered, 1, SCATTERED_RAY); }

@@ -2,8 +2,9 @@
 
 namespace
 {
-// Square pixels that neighbours count as further apart than they are: where next to none has
-// weight, the plane lies level in place of following their noise. bench/filter.py tries others.
+// Added to the variance of neighbours' places along both axes, in square pixels (a ridge): where
+// next to none has weight, the plane lies level in place of following their noise. bench/filter.py
+// tries others.
 constexpr float LEVELLING = .09f;
 } // namespace
 

@@ -19,9 +19,9 @@ struct vk_Quality {
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
-    {"draft", .25f, .012f, 1150, false},
-    {"default", 1, .0052f, 3700, false},
-    {"final", 8, .0018f, 70000, true},
+    {"draft", .25f, .012f, 18500, false},
+    {"default", 1, .0052f, 60000, false},
+    {"final", 8, .0018f, 1100000, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 

@@ -160,9 +160,8 @@ void vk_Bsdf::share(bool split)
     const bool both = specular > LEAST && diffuse > LEAST;
     // By chance, the specular ones are drawn often enough to keep them quiet.
     const float ofSpecular = both ? std::clamp(specular / (specular + diffuse), .2f, .9f) : 1;
-    // Split, the shares of each round come to 1, and the density to that of two samples: light over
-    // it is the balance heuristic of both.
-    // So do those that repeat, whose shares come to 2.
+    // Split, the shares of each round come to 1, or both draw from the same ones, which come to 2.
+    // The density comes to that of two samples: light over it is the balance heuristic of both.
     myRepeats = split && diffuse > LEAST && specular <= LEAST;
     myRounds = split && (both || myRepeats) ? 2 : 1;
     const float toSpecular = specular > LEAST ? (myRounds == 2 ? 1 : ofSpecular) / specular : 0;
@@ -337,7 +336,7 @@ vk_Vec vk_Bsdf::sample(const vk_Square &at, int round, float choice) const
     // The choice takes its number from the first coordinate and stretches the
     // rest, which keeps all parts well spread.
     const bool isDiffuseRound = myRounds == 2 && round == 1;
-    int part = isDiffuseRound || myRepeats ? MULTIPLE + 1 : 0;
+    int part = isDiffuseRound ? MULTIPLE + 1 : 0;
     const int last = myRounds == 2 && round == 0 && !myRepeats ? MULTIPLE : BASE;
     float left = myRepeats ? 2 * at.u : at.u;
     while (part < last && left >= myShare[part])

@@ -40,7 +40,7 @@ public:
     vk_Bsdf(const vk_Material &material, const vk_Vec &normal, const vk_Vec &out, bool split,
             const vk_Vec &along = {}, bool inside = false);
 
-    // How many samples are to be drawn: 2 when it is split, but for a specular one.
+    // How many samples are to be drawn: 2 when it is split, but for one of specular parts alone.
     int rounds() const { return myRounds; }
     // Whether both draw from the same parts.
     bool repeats() const { return myRepeats; }

@@ -41,8 +41,8 @@ struct vk_MisPdfs {
 vk_MisWeights vk_misWeights(vk_Between between, vk_Onwards onwards, const vk_MisPdfs &pdfs);
 
 // Whether a BSDF that draws a direction with this pdf scatters it like a mirror rather than
-// like a matte surface, whose pdf is 1 / pi at most: three times that. Such rays are refracted by
-// glass.
+// like a matte surface, whose pdf is 1 / pi at most, and twice that where it draws two (vk_Bsdf.h):
+// more than either. Such rays are refracted by glass.
 constexpr bool vk_isSpecular(float pdf)
 {
     return pdf >= 1;

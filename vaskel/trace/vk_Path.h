@@ -105,7 +105,7 @@ public:
     [[nodiscard]] bool survivesRoulette(const vk_Colour &guess);
 
     // Another path that begins with all that befell this one, and draws numbers of its own; and
-    // one half of two that go on alike.
+    // one of two that go on in its place, with the numbers of two samples (vk_Sampler::split()).
     vk_Path fork(std::uint32_t branch) const;
     vk_Path split(std::uint32_t half) const;
 
