@@ -47,8 +47,10 @@ vk_Path vk_Canvas::path(int x, int y, int sample, vk_View &view) const
 
 void vk_Canvas::expose(vk_View &view) const
 {
-    // What is whiter than white must not outweigh its neighbours at an edge.
-    const float largest = vk_largest(view.light()) * myGain;
+    // What is whiter than white must not outweigh its neighbours at an edge, nor what roulette took
+    // back from a path all that others found.
+    const vk_Colour light = view.light();
+    const float largest = std::max(vk_largest(light), vk_largest(-light)) * myGain;
     const float factor = largest > VK_WHITE ? myGain * VK_WHITE / largest : myGain;
     view.specular = view.specular * factor;
     view.diffuse = view.diffuse * factor;
