@@ -11,9 +11,9 @@ thumbrender must have been built. Printed is what that does to mean square error
 references of N samples a pixel (256), whose own error is taken off. Takes half an hour. What
 is kept wins or loses by no more than the few hundredths by which this wavers, or else keeps
 all examples about as good as each other, or what the eye asks for: rings on the stands of
-frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE. Larger reaches
-help further, and cost more time than they are worth. SPREAD and REACH
-cost a little here, and are for the light of caustics that bench/truth.py counts.
+frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE. Larger reaches help
+further, and cost more time than they are worth. SPREAD and REACH cost a little here, and are for
+the light of caustics that bench/truth.py counts.
 """
 import argparse
 import math

@@ -8,37 +8,37 @@ namespace
 constexpr float LEVELLING = .09f;
 } // namespace
 
+void vk_PlaneFit::Moments::add(const Row::Moments &row, float at)
+{
+    one += row.one;
+    x += row.x;
+    y += row.one * at;
+    xx += row.xx;
+    xy += row.x * at;
+    yy += row.one * (at * at);
+}
+
 void vk_PlaneFit::add(const Row &row, float y)
 {
     myLight = myLight + row.light;
     myLightX = myLightX + row.lightX;
     myLightY = myLightY + row.light * vk_lanes(y);
-    myWeight += row.weight;
-    myWeightX += row.weightX;
-    myWeightY += row.weight * y;
-    myWeightXX += row.weightXX;
-    myWeightXY += row.weightX * y;
-    myWeightYY += row.weight * (y * y);
-    myError += row.error;
-    myErrorX += row.errorX;
-    myErrorY += row.error * y;
-    myErrorXX += row.errorXX;
-    myErrorXY += row.errorX * y;
-    myErrorYY += row.error * (y * y);
+    myWeight.add(row.weight, y);
+    myError.add(row.error, y);
 }
 
 // The plane's height at (0, 0) is a sum over neighbours of value * weight * (a + b x + c y), where
 // a, b and c are the first column of the inverse of the normal equations' matrix.
 vk_PlaneFit::Value vk_PlaneFit::atPixel() const
 {
-    const vk_Lanes xx = myWeightXX + myWeight * LEVELLING;
-    const vk_Lanes yy = myWeightYY + myWeight * LEVELLING;
-    const vk_Lanes minorA = xx * yy - myWeightXY * myWeightXY;
-    const vk_Lanes minorB = myWeightXY * myWeightY - myWeightX * yy;
-    const vk_Lanes minorC = myWeightX * myWeightXY - xx * myWeightY;
-    const vk_Lanes determinant = myWeight * minorA + myWeightX * minorB + myWeightY * minorC;
+    const Moments &w = myWeight, &e = myError;
+    const vk_Lanes xx = w.xx + w.one * LEVELLING, yy = w.yy + w.one * LEVELLING;
+    const vk_Lanes minorA = xx * yy - w.xy * w.xy;
+    const vk_Lanes minorB = w.xy * w.y - w.x * yy;
+    const vk_Lanes minorC = w.x * w.xy - xx * w.y;
+    const vk_Lanes determinant = w.one * minorA + w.x * minorB + w.y * minorC;
     const vk_Lanes a = minorA / determinant, b = minorB / determinant, c = minorC / determinant;
     return {myLight * a + myLightX * b + myLightY * c,
-            a * a * myError + b * b * myErrorXX + c * c * myErrorYY +
-                2 * (a * b * myErrorX + a * c * myErrorY + b * c * myErrorXY)};
+            a * a * e.one + b * b * e.xx + c * c * e.yy +
+                2 * (a * b * e.x + a * c * e.y + b * c * e.xy)};
 }

@@ -13,9 +13,15 @@ class vk_PlaneFit
 public:
     // Neighbours that lie in one row; x is the way to them, in pixels.
     struct Row {
+        // Sums of an amount over neighbours, times powers of x.
+        struct Moments {
+            vk_Lanes one = {}, x = {}, xx = {};
+
+            void add(const vk_Lanes &amount, float at);
+        };
+
         vk_VecLanes light = {}, lightX = {};
-        vk_Lanes weight = {}, weightX = {}, weightXX = {};
-        vk_Lanes error = {}, errorX = {}, errorXX = {};
+        Moments weight, error;
 
         void add(const vk_VecLanes &value, const vk_Lanes &itsWeight, const vk_Lanes &itsError,
                  float x);
@@ -35,26 +41,31 @@ public:
     Value atPixel() const;
 
 private:
+    // The same over rows, times powers of x and y.
+    struct Moments {
+        vk_Lanes one = {}, x = {}, y = {}, xx = {}, xy = {}, yy = {};
+
+        void add(const Row::Moments &row, float at);
+    };
+
     vk_VecLanes myLight = {}, myLightX = {}, myLightY = {};
-    vk_Lanes myWeight = {}, myWeightX = {}, myWeightY = {};
-    vk_Lanes myWeightXX = {}, myWeightXY = {}, myWeightYY = {};
-    vk_Lanes myError = {}, myErrorX = {}, myErrorY = {};
-    vk_Lanes myErrorXX = {}, myErrorXY = {}, myErrorYY = {};
+    Moments myWeight, myError;
 };
 
-// Here, as it is the inner loop of the filter.
+// Here, as they are the inner loop of the filter.
+inline void vk_PlaneFit::Row::Moments::add(const vk_Lanes &amount, float at)
+{
+    const vk_Lanes along = amount * at;
+    one += amount;
+    x += along;
+    xx += along * at;
+}
 inline void vk_PlaneFit::Row::add(const vk_VecLanes &value, const vk_Lanes &itsWeight,
                                   const vk_Lanes &itsError, float x)
 {
     const vk_VecLanes weighted = value * itsWeight;
     light = light + weighted;
     lightX = lightX + weighted * vk_lanes(x);
-    const vk_Lanes along = itsWeight * x;
-    weight += itsWeight;
-    weightX += along;
-    weightXX += along * x;
-    const vk_Lanes left = itsWeight * itsWeight * itsError, leftX = left * x;
-    error += left;
-    errorX += leftX;
-    errorXX += leftX * x;
+    weight.add(itsWeight, x);
+    error.add(itsWeight * itsWeight * itsError, x);
 }

@@ -166,7 +166,7 @@ void vk_DirectLight::collect(vk_LightQueue &queue) const
             sum = {sum.specular + light.specular, sum.diffuse + light.diffuse};
             cost += queue.rays[at].cost;
         }
-        vertex.path.view().cost += static_cast<float>(static_cast<std::int64_t>(cost));
+        vertex.path.view().charge(cost);
         vertex.path.add(sum);
     }
     queue.clear();

@@ -52,7 +52,7 @@ void vk_HitBatch::askEach(Ask ask)
             ++end;
         const std::uint64_t before = vk_myWork.steps;
         ask(surface, &myPoints[begin], &myMaterials[begin], end - begin);
-        // Programs run for many points at once: which one held them up is not known.
+        // Programs tell what they took for all points together.
         const std::uint64_t each = (vk_myWork.steps - before) / (end - begin);
         std::fill(myCosts.begin() + static_cast<std::ptrdiff_t>(begin),
                   myCosts.begin() + static_cast<std::ptrdiff_t>(end), each);

@@ -20,6 +20,8 @@ struct vk_View {
         0; // 1: the diffuse layer has no edges, as light below a surface or behind ground glass
     float cost = 0; // (vk_Work)
 
+    // A signed number becomes a float at once, one without a sign by cases.
+    void charge(std::uint64_t more) { cost += static_cast<float>(static_cast<std::int64_t>(more)); }
     vk_Colour light() const { return specular + diffuse; }
 };
 

@@ -37,18 +37,12 @@ vk_Colour meanOf(const vk_EnvironmentShader &environment)
     return sum * (1.0f / COUNT);
 }
 
-// A signed number becomes a float at once, one without a sign by cases.
-void charge(vk_View &view, std::uint64_t cost)
-{
-    view.cost += static_cast<float>(static_cast<std::int64_t>(cost));
-}
-
 // Charges a view for the work of this thread, while it lives.
 class Meter
 {
 public:
     explicit Meter(vk_View &view) : myView(view), myBegin(vk_myWork.cost) {}
-    ~Meter() { charge(myView, vk_myWork.cost - myBegin); }
+    ~Meter() { myView.charge(vk_myWork.cost - myBegin); }
     Meter(const Meter &) = delete;
     Meter &operator=(const Meter &) = delete;
 
@@ -148,7 +142,7 @@ void vk_PathTracer::Li(std::vector<vk_Path> &paths) const
         hits.shade();
         for (std::size_t i = 0; i < arrived; ++i) {
             vk_Path &path = paths[hits.index(i)];
-            charge(path.view(), hits.cost(i));
+            path.view().charge(hits.cost(i));
             const Meter meter(path.view());
             leave({hits.hit(i), hits.material(i)}, path, outgoing);
         }
