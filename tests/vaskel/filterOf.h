@@ -4,6 +4,7 @@
 #include "vaskel/pixels/vk_Filter.h"
 
 constexpr int SIDE = 24;
+constexpr vk_Square MIDDLE = {.5f, .5f}; // of a pixel
 
 // A pixel of a matte surface that got two samples, or both of them several times.
 inline vk_Pixel pixelOf(float first, float second, int times = 1)
@@ -15,7 +16,7 @@ inline vk_Pixel pixelOf(float first, float second, int times = 1)
         view.albedo = vk_grey(1);
         view.normal = {0, 0, 1};
         view.distance = 5;
-        pixel.add(view);
+        pixel.add(view, MIDDLE);
         pixel.estimate();
     }
     return pixel;

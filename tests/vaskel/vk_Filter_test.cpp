@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <limits>
 
 namespace
@@ -105,7 +106,7 @@ TEST(Filter, NoiseOnADarkSurfaceIsTakenOutAsOnABrightOne)
             view.diffuse = view.albedo * (.5f + side * ((x + y) % 2 == 0 ? .06f : -.06f));
             view.normal = {0, 0, 1};
             view.distance = 5;
-            pixel.add(view);
+            pixel.add(view, MIDDLE);
             pixel.estimate();
         }
         return pixel;
@@ -192,13 +193,92 @@ TEST(Filter, AnEdgeKeepsTheErrorThatBlendingLeaves)
     EXPECT_LT(filter.error(3, 6), own * .2f);
 }
 
+namespace
+{
+// A pixel whose samples see light, and the texture that it falls on, rise to the right; they are
+// noisy besides.
+vk_Pixel risingPixel(float level, float lightRise, float albedoRise)
+{
+    constexpr int SAMPLES = 16;
+    vk_Pixel pixel;
+    for (int i = 0; i < SAMPLES; ++i) {
+        const vk_Square place = {(static_cast<float>(i) + .5f) / SAMPLES, .5f};
+        const float albedo = .5f + albedoRise * (place.u - .5f);
+        const float irradiance = level + lightRise * (place.u - .5f) + (i % 4 == 0 ? .3f : -.1f);
+        vk_View view;
+        view.diffuse = vk_grey(albedo * irradiance);
+        view.albedo = vk_grey(albedo);
+        view.normal = {0, 0, 1};
+        view.distance = 5;
+        pixel.add(view, place);
+        if (i == SAMPLES / 2 - 1)
+            pixel.estimate();
+    }
+    pixel.estimate();
+    pixel.errors.irradiance = .01f;
+    return pixel;
+}
+
+// As behind the filter, of a pixel in the middle of many.
+float riseBehindFilter(const std::function<vk_Pixel(int x, int y)> &pixelAt)
+{
+    return filterOf(pixelAt).gradient(pixelAt(12, 12), 12, 12).x.y;
+}
+} // namespace
+
+// Noise of their samples would say anything.
+TEST(Filter, LightRisesWithinPixelsAsItDoesFromOneToTheNext)
+{
+    const float rise = riseBehindFilter([](int x, int) {
+        return risingPixel(1 + .1f * static_cast<float>(x), x % 2 == 0 ? 3.0f : -3.0f, 0);
+    });
+    EXPECT_NEAR(.5f * .1f, rise, .02f);
+}
+
+TEST(Filter, TextureWithinAPixelStaysAsItIs)
+{
+    // Light to the left and dark to the right, or the other way round.
+    for (const float side : {-1.0f, 1.0f}) {
+        const float rise = riseBehindFilter([side](int, int) { return risingPixel(1, 0, side); });
+        EXPECT_NEAR(side, rise, .05f);
+    }
+}
+
+TEST(Filter, WherePixelsStandAloneTheirSamplesTellHowLightRises)
+{
+    const auto edge = [](int, int) {
+        vk_Pixel pixel = risingPixel(1, .5f, 0);
+        pixel.sum.normal = {}; // faces two ways
+        return pixel;
+    };
+    EXPECT_NEAR(edge(0, 0).lightGradient().x.y, riseBehindFilter(edge), 1e-5f);
+}
+
+TEST(Pixel, TellsHowLightRisesAcrossIt)
+{
+    vk_Pixel pixel;
+    for (int i = 0; i < 256; ++i) {
+        vk_Sampler sampler(1, static_cast<std::uint32_t>(i));
+        const vk_Square place = sampler.square();
+        vk_View view;
+        view.specular = {3, place.u, 2 - 4 * place.v};
+        pixel.add(view, place);
+    }
+    const vk_Gradient gradient = pixel.lightGradient();
+    // Where light is the same everywhere, places do not count.
+    EXPECT_NEAR(0, gradient.x.x, 1e-4f);
+    EXPECT_NEAR(1, gradient.x.y, .02f);
+    EXPECT_NEAR(0, gradient.y.y, .02f);
+    EXPECT_NEAR(-4, gradient.y.z, .08f);
+}
+
 TEST(Pixel, ASampleThatIsNoNumberIsCountedAndAddsNothing)
 {
     vk_Pixel pixel = pixelOf(.5f, .5f);
     EXPECT_FALSE(pixel.bad);
     vk_View view;
     view.diffuse = vk_grey(std::numeric_limits<float>::quiet_NaN());
-    pixel.add(view);
+    pixel.add(view, MIDDLE);
     EXPECT_TRUE(pixel.bad);
     EXPECT_NEAR(1.0f / 3, pixel.light().x, 1e-6f);
 }

@@ -69,4 +69,5 @@ TEST(PlaneFit, LiesLevelThroughASingleNeighbour)
     fit.add(row, 0);
     EXPECT_FLOAT_EQ(2, first(fit.atPixel().light.x));
     EXPECT_FLOAT_EQ(.5f, first(fit.atPixel().error));
+    EXPECT_FLOAT_EQ(1, first(fit.atPixel().own));
 }

@@ -79,9 +79,10 @@ vk_Filter::vk_Filter(int columns, int rows)
         for (Plane *const plane : {&layer->own, &layer->error, &layer->ofAround})
             plane->resize(size);
     }
-    for (VecPlane *const plane : {&myAlbedo, &myNormal, &myVisibility, &myLight})
+    for (VecPlane *const plane : {&myAlbedo, &myNormal, &myVisibility, &myLight, &myLitBy})
         plane->resize(size);
-    for (Plane *const plane : {&myTexture, &myDistance, &myCount, &myBlurred, &myError})
+    for (Plane *const plane :
+         {&myTexture, &myDistance, &myCount, &myBlurred, &myError, &myOwnShare})
         plane->resize(size);
     mySmooth.resize(size, OUTSIDE);
     myConverged.resize(size, 1);
@@ -197,26 +198,57 @@ void vk_Filter::filterFour(const Windows &windows, int x, int y)
     const vk_Lanes ofDiffuse = vk_load(&myIrradiance.error[here]);
     const vk_LaneMask isNoisy =
         (vk_load(&mySmooth[here]) > 0) & (ofSpecular + ofDiffuse >= INVISIBLE);
-    vk_VecLanes light = lightOf(here);
-    vk_Lanes error = (ofSpecular + ofDiffuse) * BLENDED + texture;
+    Smoothed result = {lightOf(here), myIrradiance.mean.lanes(here),
+                       (ofSpecular + ofDiffuse) * BLENDED + texture, vk_lanes(1)};
     if (vk_any(isNoisy)) {
-        const vk_PlaneFit::Value around = lightAround(windows, x, y);
-        light = vk_pick(isNoisy, around.light, light);
-        error = isNoisy ? around.error + texture : error;
+        const Smoothed around = smoothed(windows, x, y);
+        result = {vk_pick(isNoisy, around.light, result.light),
+                  vk_pick(isNoisy, around.irradiance, result.irradiance),
+                  isNoisy ? around.error + texture : result.error,
+                  isNoisy ? around.own : result.own};
     }
-    myLight.store(here, light);
-    vk_store(error, &myError[here]);
+    myLight.store(here, result.light);
+    myLitBy.store(here, result.irradiance);
+    vk_store(result.error, &myError[here]);
+    vk_store(result.own, &myOwnShare[here]);
 }
 
-vk_PlaneFit::Value vk_Filter::lightAround(const Windows &windows, int x, int y) const
+// A layer counts for the own share as much as it is noisy: it is noise that neighbours take away.
+// REQUIRES: one of the layers is.
+vk_Filter::Smoothed vk_Filter::smoothed(const Windows &windows, int x, int y) const
 {
+    const std::size_t here = index(x, y);
     const Window &sharp = windows.specular;
-    const vk_VecLanes albedo = myAlbedo.lanes(index(x, y));
+    const vk_VecLanes albedo = myAlbedo.lanes(here);
     const vk_VecLanes all = {vk_lanes(1), vk_lanes(1), vk_lanes(1)};
     const auto specular = layerAround(mySpecular, all, sharp, sharp, x, y);
     const auto irradiance =
         layerAround(myIrradiance, albedo * albedo, windows.irradiance, BLURRED, x, y);
-    return {specular.light + irradiance.light * albedo, specular.error + irradiance.error};
+    const vk_Lanes ofSpecular = vk_load(&mySpecular.error[here]);
+    const vk_Lanes ofDiffuse = vk_load(&myIrradiance.error[here]);
+    return {specular.light + irradiance.light * albedo, irradiance.light,
+            specular.error + irradiance.error,
+            (specular.own * ofSpecular + irradiance.own * ofDiffuse) / (ofSpecular + ofDiffuse)};
+}
+
+// Half the way from the pixel before to the one behind.
+vk_Gradient vk_Filter::differences(const VecPlane &plane, int x, int y) const
+{
+    const auto at = [&](int i, int j) {
+        return plane.at(index(std::clamp(i, 0, myColumns - 1), std::clamp(j, 0, myRows - 1)));
+    };
+    return {(at(x + 1, y) - at(x - 1, y)) * .5f, (at(x, y + 1) - at(x, y - 1)) * .5f};
+}
+
+// Where texture falls from light to dark within the pixel, those beside it are none the wiser.
+vk_Gradient vk_Filter::gradient(const vk_Pixel &pixel, int x, int y) const
+{
+    const float own = myOwnShare[index(x, y)];
+    const vk_Gradient ofSamples = pixel.lightGradient(), ofTexture = pixel.albedoGradient();
+    const vk_Gradient light = differences(myLight, x, y), albedo = differences(myAlbedo, x, y);
+    const vk_Colour irradiance = myLitBy.at(index(x, y));
+    return {vk_mix(light.x + irradiance * (ofTexture.x - albedo.x), ofSamples.x, own),
+            vk_mix(light.y + irradiance * (ofTexture.y - albedo.y), ofSamples.y, own)};
 }
 
 // By the brighter one of two pixels: one that is dark by chance must not stand out.
@@ -229,7 +261,7 @@ vk_PlaneFit::Value vk_Filter::layerAround(const Layer &layer, const vk_VecLanes 
     // A layer without error stays as it is.
     const vk_LaneMask isNoisy = vk_load(&layer.error[here]) > 0;
     if (!vk_any(isNoisy))
-        return {itself, vk_lanes(0)};
+        return {itself, vk_lanes(0), vk_lanes(1)};
     const vk_LaneMask blurred = vk_load(&myBlurred[here]) > 0;
     const auto pick = [&](float ofBlurred, float ofOthers) {
         return blurred ? vk_lanes(ofBlurred) : vk_lanes(ofOthers);
@@ -263,5 +295,6 @@ vk_PlaneFit::Value vk_Filter::layerAround(const Layer &layer, const vk_VecLanes 
     // A plane may dip below black.
     const vk_VecLanes black = {};
     return {vk_pick(isNoisy, vk_max(around.light, black), itself),
-            isNoisy ? around.error : vk_lanes(0)};
+            isNoisy ? around.error : vk_lanes(0),
+            isNoisy ? around.own * vk_load(&myCount[here]) : vk_lanes(1)};
 }

@@ -40,6 +40,11 @@ public:
     vk_Colour at(int x, int y) const { return myLight.at(index(x, y)); }
     float error(int x, int y) const { return myError[index(x, y)]; }
 
+    // How that light rises within a pixel: as its own samples tell as far as the light is theirs,
+    // and for the rest as its texture does, and what falls on it evenly from one neighbour to the
+    // next. After filter() of this row and those beside it.
+    vk_Gradient gradient(const vk_Pixel &pixel, int x, int y) const;
+
     // Whether a pixel shows one surface, so that neighbours can help, or an edge.
     bool isSmooth(int x, int y) const { return mySmooth[index(x, y)] > 0; }
 
@@ -79,6 +84,10 @@ private:
     struct Tolerances {
         vk_Lanes turn, ofPixels, ofMeans;
     };
+    struct Smoothed {
+        vk_VecLanes light, irradiance;
+        vk_Lanes error, own;
+    };
 
     std::size_t index(int x, int y) const
     {
@@ -95,7 +104,8 @@ private:
     vk_PlaneFit::Value layerAround(const Layer &layer, const vk_VecLanes &shows,
                                    const Window &window, const Window &blurredWindow, int x,
                                    int y) const;
-    vk_PlaneFit::Value lightAround(const Windows &windows, int x, int y) const;
+    Smoothed smoothed(const Windows &windows, int x, int y) const;
+    vk_Gradient differences(const VecPlane &plane, int x, int y) const;
     void filterFour(const Windows &windows, int x, int y);
 
     int myColumns, myRows, myStride;
@@ -108,6 +118,7 @@ private:
     Plane myBlurred; // 1: the diffuse layer has no edges
     std::vector<char> myConverged;
 
-    VecPlane myLight; // what comes out,
-    Plane myError;    // and how far off that is, squared
+    VecPlane myLight, myLitBy; // what comes out, and what of the irradiance,
+    Plane myError;             // how far off that is, squared,
+    Plane myOwnShare;          // and how much of it the pixel's own samples tell
 };

@@ -1,32 +1,70 @@
 #include "vaskel/pixels/vk_LinearPicture.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
 constexpr float SIDE = vk_LinearPicture::SIDE, MIDDLE = vk_LinearPicture::MIDDLE;
+constexpr float OF_GRADIENT = vk_LinearPicture::OF_GRADIENT;
 
-// Three weights that come to 1 stand for a Gaussian: both axes have the same, so that it is round.
-vk_Colour blend(const vk_Colour &before, const vk_Colour &middle, const vk_Colour &after)
+vk_Colour ofMeans(const vk_Colour &before, const vk_Colour &middle, const vk_Colour &after)
 {
     return middle * MIDDLE + (before + after) * SIDE;
+}
+
+// A square that rises gives more to the one behind it, and as much less to the one before.
+vk_Colour ofGradients(const vk_Colour &before, const vk_Colour &after)
+{
+    return (before - after) * OF_GRADIENT;
+}
+
+// A square may give nothing, but takes no light away: a bright point at its far side would put a
+// dark ring around itself.
+void limit(float &x, float &y, float mean)
+{
+    constexpr float STEEPEST = SIDE / OF_GRADIENT;
+
+    const float most = STEEPEST * std::max(mean, 0.0f), rises = std::abs(x) + std::abs(y);
+    if (rises <= most)
+        return;
+    x *= most / rises;
+    y *= most / rises;
+}
+
+vk_Gradient limited(vk_Gradient gradient, const vk_Colour &mean)
+{
+    limit(gradient.x.x, gradient.y.x, mean.x);
+    limit(gradient.x.y, gradient.y.y, mean.y);
+    limit(gradient.x.z, gradient.y.z, mean.z);
+    return gradient;
 }
 } // namespace
 
 vk_LinearPicture::vk_LinearPicture(int columns, int rows)
-    : myColumns(columns), myRows(rows), myLights(static_cast<std::size_t>(columns * rows))
+    : myColumns(columns), myRows(rows), mySquares(static_cast<std::size_t>(columns * rows))
 {
 }
 
-// A picture goes on beyond its border as it ends there.
-vk_Colour vk_LinearPicture::blendedRow(int x, int y) const
+void vk_LinearPicture::set(int x, int y, const vk_Colour &mean, const vk_Gradient &gradient)
 {
-    const vk_Colour *row = &myLights[static_cast<std::size_t>(y * myColumns)];
-    return blend(row[std::max(0, x - 1)], row[x], row[std::min(x + 1, myColumns - 1)]);
+    mySquares[static_cast<std::size_t>(y * myColumns + x)] = {mean, limited(gradient, mean)};
+}
+
+// Along a row first, and then across rows. Beyond its border a picture goes on as it ends there.
+vk_LinearPicture::Square vk_LinearPicture::blendedRow(int x, int y) const
+{
+    const Square &left = square(std::max(0, x - 1), y), &here = square(x, y),
+                 &right = square(std::min(x + 1, myColumns - 1), y);
+    return {ofMeans(left.mean, here.mean, right.mean) +
+                ofGradients(left.gradient.x, right.gradient.x),
+            {{}, ofMeans(left.gradient.y, here.gradient.y, right.gradient.y)}};
 }
 
 vk_Colour vk_LinearPicture::blended(int x, int y) const
 {
-    return blend(blendedRow(x, std::max(0, y - 1)), blendedRow(x, y),
-                 blendedRow(x, std::min(y + 1, myRows - 1)));
+    const Square above = blendedRow(x, std::max(0, y - 1)), here = blendedRow(x, y),
+                 below = blendedRow(x, std::min(y + 1, myRows - 1));
+    return ofMeans(above.mean, here.mean, below.mean) +
+           ofGradients(above.gradient.y, below.gradient.y);
 }

@@ -1,7 +1,13 @@
-// Linear light of rows of a picture, each pixel a mean over its square.
+// Linear light of rows of a picture, from means over squares to what is to be seen.
+//
+// Samples serve all pixels near them: each pixel is seen through a filter whose standard deviation
+// is half a pixel, as wide as the Gaussian that PBRT has by default (8.8). It is the quadratic
+// B-spline, whose parts in the squares that it covers come to 1 wherever a sample lies; in each
+// square it is taken as a plane. So of a square no more need be known than its mean and its
+// gradient.
 #pragma once
 
-#include "vaskel/base/vk_Vec.h"
+#include "vaskel/pixels/vk_Pixel.h"
 
 #include <vector>
 
@@ -10,25 +16,35 @@ class vk_LinearPicture
 public:
     static constexpr int REACH = 1; // pixels to each side that blended() looks at
 
-    // A square has a variance of 1/12, and this weight to either side one of 2/12.
-    static constexpr float SIDE = 1.0f / 12, MIDDLE = 1 - 2 * SIDE;
+    // What a square as bright everywhere gives to those before and behind it, and keeps, along
+    // both axes; and what it gives from one to the other, of its gradient.
+    static constexpr float SIDE = 1.0f / 6, MIDDLE = 1 - 2 * SIDE;
+    static constexpr float OF_GRADIENT = 1.0f / 24;
 
-    // What blended() leaves of errors of pixels that do not depend on each other.
+    // What blended() leaves of squared errors of samples that do not depend on each other: the
+    // integral of the filter's square. A gradient of 1 has a variance of 1 / 12.
+    static constexpr float OF_MEANS = MIDDLE * MIDDLE + 2 * SIDE * SIDE;
     static constexpr float REMAINS =
-        (MIDDLE * MIDDLE + 2 * SIDE * SIDE) * (MIDDLE * MIDDLE + 2 * SIDE * SIDE);
+        OF_MEANS * (OF_MEANS + 2 * (2 * 12 * OF_GRADIENT * OF_GRADIENT));
 
     vk_LinearPicture(int columns, int rows);
 
-    vk_Colour &at(int x, int y) { return myLights[static_cast<std::size_t>(y * myColumns + x)]; }
+    void set(int x, int y, const vk_Colour &mean, const vk_Gradient &gradient);
 
-    // What is to be seen at a pixel: its square and those around it, with weights that
-    // together with the square come to a Gaussian with a standard deviation of half a
-    // pixel. Samples serve all pixels near them in this way, and edges look smooth.
+    // What is to be seen at a pixel.
     vk_Colour blended(int x, int y) const;
 
 private:
-    vk_Colour blendedRow(int x, int y) const;
+    struct Square {
+        vk_Colour mean;
+        vk_Gradient gradient;
+    };
+    const Square &square(int x, int y) const
+    {
+        return mySquares[static_cast<std::size_t>(y * myColumns + x)];
+    }
+    Square blendedRow(int x, int y) const;
 
     int myColumns, myRows;
-    std::vector<vk_Colour> myLights;
+    std::vector<Square> mySquares;
 };

@@ -1,6 +1,6 @@
 #include "vaskel/pixels/vk_Pixel.h"
 
-void vk_Pixel::add(const vk_View &view)
+void vk_Pixel::add(const vk_View &view, const vk_Square &place)
 {
     ++count;
     sum.cost += view.cost; // also of a bad sample: it was paid for
@@ -15,6 +15,23 @@ void vk_Pixel::add(const vk_View &view)
     sum.normal += view.normal;
     sum.distance += view.distance;
     sum.blurred += view.blurred;
+    const float x = place.u - .5f, y = place.v - .5f;
+    myPlaceX += x;
+    myPlaceY += y;
+    const auto addAtPlace = [&](vk_Gradient &sums, const vk_Colour &colour) {
+        sums.x += colour * x;
+        sums.y += colour * y;
+    };
+    addAtPlace(myLightAtPlace, view.light());
+    addAtPlace(myAlbedoAtPlace, view.albedo);
+}
+
+// Covariances of colour and place; places between 0 and 1 have a variance of 1 / 12. A colour that
+// is the same everywhere has none, wherever samples happen to lie.
+vk_Gradient vk_Pixel::gradientOf(const vk_Gradient &atPlace, const vk_Colour &mean) const
+{
+    const float perSample = 12 * share();
+    return {(atPlace.x - mean * myPlaceX) * perSample, (atPlace.y - mean * myPlaceY) * perSample};
 }
 
 vk_Pixel::Layers vk_Pixel::layers() const

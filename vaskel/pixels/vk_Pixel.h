@@ -3,6 +3,11 @@
 
 #include "vaskel/trace/vk_PathTracer.h"
 
+// How a colour rises within the square of a pixel, per pixel to the right and down.
+struct vk_Gradient {
+    vk_Colour x, y;
+};
+
 struct vk_Pixel {
     // What the filter takes means of.
     struct Layers {
@@ -25,9 +30,13 @@ struct vk_Pixel {
     bool converged = false;
     bool bad = false; // had a sample that was no number
 
-    void add(const vk_View &view);
+    // A sample's view, and where it lies within the pixel.
+    void add(const vk_View &view, const vk_Square &place);
 
     vk_Colour light() const { return sum.light() * share(); }
+    // By least squares over the places of samples, which lie about evenly.
+    vk_Gradient lightGradient() const { return gradientOf(myLightAtPlace, light()); }
+    vk_Gradient albedoGradient() const { return gradientOf(myAlbedoAtPlace, sum.albedo * share()); }
     Layers layers() const;
 
     // Estimates the errors from two halves of the samples, as one would from two pictures
@@ -39,6 +48,12 @@ private:
     Layers myFirstHalf; // means then
     int myFirstCount = 0;
     bool myIsEstimated = false;
+
+    // Sums over samples of the way from the pixel's middle, and of colours times that.
+    float myPlaceX = 0, myPlaceY = 0;
+    vk_Gradient myLightAtPlace, myAlbedoAtPlace;
+
+    vk_Gradient gradientOf(const vk_Gradient &atPlace, const vk_Colour &mean) const;
 
     float share() const { return 1 / static_cast<float>(count); }
 };

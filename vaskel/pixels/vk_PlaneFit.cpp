@@ -40,5 +40,6 @@ vk_PlaneFit::Value vk_PlaneFit::atPixel() const
     const vk_Lanes a = minorA / determinant, b = minorB / determinant, c = minorC / determinant;
     return {myLight * a + myLightX * b + myLightY * c,
             a * a * e.one + b * b * e.xx + c * c * e.yy +
-                2 * (a * b * e.x + a * c * e.y + b * c * e.xy)};
+                2 * (a * b * e.x + a * c * e.y + b * c * e.xy),
+            a};
 }

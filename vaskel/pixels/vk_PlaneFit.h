@@ -27,11 +27,13 @@ public:
                  float x);
     };
 
-    // What the plane is at the pixel itself, and the squared error that those of the neighbours,
-    // which do not depend on each other, leave of it.
+    // What the plane is at the pixel itself, the squared error that those of the neighbours, which
+    // do not depend on each other, leave of it, and what the pixel's own value counts in it, over
+    // its weight.
     struct Value {
         vk_VecLanes light;
         vk_Lanes error;
+        vk_Lanes own;
     };
 
     // A row that is y pixels away.

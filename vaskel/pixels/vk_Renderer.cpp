@@ -18,9 +18,9 @@
 
 namespace
 {
-// Rows around a band; the filter compares errors with those one row further, and what it leaves
-// is spread.
-constexpr int MARGIN = vk_Filter::REACH + 1 + vk_ErrorMap::REACH + vk_LinearPicture::REACH;
+// Rows around a band: the filter compares errors with those one row further, and what it leaves
+// is spread; light that it gives rises from one row to the next, and is blended.
+constexpr int MARGIN = vk_Filter::REACH + 1 + vk_ErrorMap::REACH + 1 + vk_LinearPicture::REACH;
 
 // Draws a picture, band by band, and keeps count of what that took.
 class Drawing
@@ -57,17 +57,22 @@ private:
             parts.emplace_back(myCanvas, band, i % across * vk_Tile::SIDE,
                                i / across * vk_Tile::SIDE);
         vk_Filter filter(band.columns, band.rows);
-        vk_ErrorMap errors(band.columns, band.rows);
-        // All tiles before any is judged: the limit depends on the whole band.
-        drawTiles(parts);
-        while (myCanvas.filters() && choosePixels(band, filter, errors))
-            drawTiles(parts);
+        drawUntilConverged(band, parts, filter);
         for (const vk_Tile &tile : parts)
             add(tile);
         develop(band, filter, top, bottom);
         myRowsDone = bottom;
         myDrawn = myForecast = 0;
         showProgress();
+    }
+
+    void drawUntilConverged(vk_Band &band, std::vector<vk_Tile> &parts, vk_Filter &filter)
+    {
+        vk_ErrorMap errors(band.columns, band.rows);
+        // All tiles before any is judged: the limit depends on the whole band.
+        drawTiles(parts);
+        while (myCanvas.filters() && choosePixels(band, filter, errors))
+            drawTiles(parts);
     }
 
     static int tiles(int pixels) { return (pixels + vk_Tile::SIDE - 1) / vk_Tile::SIDE; }
@@ -164,12 +169,17 @@ private:
     void develop(vk_Band &band, vk_Filter &filter, int top, int bottom)
     {
         // All light before any of it is developed: pixels are blended with those around.
+        if (myCanvas.filters())
+            tbb::parallel_for(0, band.rows, [&](int y) { filter.filter(y); });
         vk_LinearPicture light(band.columns, band.rows);
         tbb::parallel_for(0, band.rows, [&](int y) {
-            if (myCanvas.filters())
-                filter.filter(y);
-            for (int x = 0; x < band.columns; ++x)
-                light.at(x, y) = myCanvas.filters() ? filter.at(x, y) : band.at(x, y).light();
+            for (int x = 0; x < band.columns; ++x) {
+                const vk_Pixel &pixel = band.at(x, y);
+                if (myCanvas.filters())
+                    light.set(x, y, filter.at(x, y), filter.gradient(pixel, x, y));
+                else
+                    light.set(x, y, pixel.light(), pixel.lightGradient());
+            }
         });
         tbb::parallel_for(top - band.top, bottom - band.top, [&](int y) {
             for (int x = 0; x < band.columns; ++x)

@@ -29,7 +29,7 @@ struct vk_RenderSettings {
     int threads = 1;
     const vk_Quality *quality = &VK_DEFAULT_QUALITY;
     int samples = 0;           // for every pixel, converged or not; 0: up to the quality
-    int bandPixels = 1 << 18;  // drawn together, about, which limits the memory that it takes
+    int bandPixels = 3 << 16;  // drawn together, about, which limits the memory that it takes
     vk_Stats *stats = nullptr; // where to add what it took
 
     // Called with 0 to 100, growing, from one thread at a time; null: nobody asks.

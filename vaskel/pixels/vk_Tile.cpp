@@ -33,15 +33,15 @@ vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
         myFirstSamples = myMostSamples = settings.samples;
 }
 
-vk_Path vk_Canvas::path(int x, int y, int sample, vk_View &view) const
+vk_Path vk_Canvas::path(int x, int y, int sample, vk_View &view, vk_Square &place) const
 {
     // By its place in the picture, whatever band or tile it is drawn in. Not 0, which the hash
     // leaves as it is.
     const std::uint32_t seed = vk_hash(static_cast<std::uint32_t>(y * myScene.width + x) + 1);
     vk_Sampler sampler(seed, static_cast<std::uint32_t>(sample));
-    const vk_Square at = sampler.square();
+    place = sampler.square();
     const vk_Vec direction =
-        myLens.direction(static_cast<float>(x) + at.u, static_cast<float>(y) + at.v);
+        myLens.direction(static_cast<float>(x) + place.u, static_cast<float>(y) + place.v);
     return vk_Path(myLens.from(), direction, sampler, view);
 }
 
@@ -95,11 +95,12 @@ void vk_Tile::drawUpTo(Function count)
     struct Sample {
         vk_Pixel *pixel;
         int x, y, index;
+        vk_Square place;
     };
     std::vector<Sample> samples;
     each([&](vk_Pixel &now, int x, int y) {
         for (int i = now.count; !now.converged && i < count(now); ++i)
-            samples.push_back({&now, myLeft + x, myBand.top + myTop + y, i});
+            samples.push_back({&now, myLeft + x, myBand.top + myTop + y, i, {}});
     });
     std::vector<vk_View> views; // which the paths point to, so it must not grow meanwhile
     std::vector<vk_Path> paths;
@@ -107,13 +108,14 @@ void vk_Tile::drawUpTo(Function count)
         const std::size_t size = std::min(WAVE, samples.size() - begin);
         views.assign(size, {});
         for (std::size_t i = 0; i < size; ++i) {
-            const Sample &now = samples[begin + i];
-            paths.push_back(myCanvas.path(now.x, now.y, now.index, views[i]));
+            Sample &now = samples[begin + i];
+            paths.push_back(myCanvas.path(now.x, now.y, now.index, views[i], now.place));
         }
         myCanvas.tracer().Li(paths);
         for (std::size_t i = 0; i < size; ++i) {
             myCanvas.expose(views[i]);
-            samples[begin + i].pixel->add(views[i]);
+            const Sample &now = samples[begin + i];
+            now.pixel->add(views[i], now.place);
         }
     }
     // Of those alone that got samples: the others' second half is the one that they had.

@@ -33,9 +33,9 @@ public:
     vk_Canvas(const vk_Scene &scene, const vk_World &world, const vk_RenderSettings &settings,
               vk_Film &film);
 
-    // A pixel's path for its sample of that number, and what is left of the view that it
-    // gave on the film: no more than shows as white.
-    vk_Path path(int x, int y, int sample, vk_View &view) const;
+    // A pixel's path for its sample of that number, and the place within the pixel that it goes
+    // through; and what is left of the view that it gave on the film: no more than shows as white.
+    vk_Path path(int x, int y, int sample, vk_View &view, vk_Square &place) const;
     void expose(vk_View &view) const;
     const vk_PathTracer &tracer() const { return myTracer; }
 
