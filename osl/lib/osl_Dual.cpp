@@ -27,13 +27,6 @@ osl_Dual chainArc(const osl_Dual &a, float value, float sign)
 }
 } // namespace
 
-osl_Dual osl_div(const osl_Dual &a, const osl_Dual &b)
-{
-    const float inverse = osl_div(1.0f, b.val);
-    const float value = osl_div(a.val, b.val);
-    return chain(a, inverse, b, -value * inverse, value);
-}
-
 osl_Dual osl_fmod(const osl_Dual &a, const osl_Dual &b)
 {
     return {osl_fmod(a.val, b.val), a.dx, a.dy};
@@ -159,43 +152,4 @@ osl_Dual osl_erf(const osl_Dual &a)
 osl_Dual osl_erfc(const osl_Dual &a)
 {
     return osl_chain(a, std::erfc(a.val), -osl_exp(-a.val * a.val) * TWO_OVER_SQRT_PI);
-}
-
-osl_Dual osl_abs(const osl_Dual &a)
-{
-    return a.val >= 0 ? a : -a;
-}
-osl_Dual osl_min(const osl_Dual &a, const osl_Dual &b)
-{
-    return a.val < b.val ? a : b;
-}
-osl_Dual osl_max(const osl_Dual &a, const osl_Dual &b)
-{
-    return a.val > b.val ? a : b;
-}
-osl_Dual osl_clamp(const osl_Dual &x, const osl_Dual &low, const osl_Dual &high)
-{
-    const osl_Dual raised = x.val < low.val ? low : x;
-    return raised.val > high.val ? high : raised;
-}
-osl_Dual osl_mix(const osl_Dual &a, const osl_Dual &b, const osl_Dual &t)
-{
-    return a * (osl_Dual(1) - t) + b * t;
-}
-
-osl_Dual osl_linearStep(const osl_Dual &low, const osl_Dual &high, const osl_Dual &x)
-{
-    if (low.val == high.val)
-        return osl_step(low.val, x.val);
-    return osl_clamp(osl_div(x - low, high - low), 0, 1);
-}
-
-osl_Dual osl_smoothStep(const osl_Dual &low, const osl_Dual &high, const osl_Dual &x)
-{
-    if (x.val < low.val)
-        return 0;
-    if (x.val >= high.val)
-        return 1;
-    const osl_Dual t = osl_div(x - low, high - low);
-    return (osl_Dual(3) - t * osl_Dual(2)) * (t * t);
 }

@@ -41,7 +41,51 @@ constexpr osl_Dual operator*(const osl_Dual &a, const osl_Dual &b)
     return {a.val * b.val, a.val * b.dx + a.dx * b.val, a.val * b.dy + a.dy * b.val};
 }
 
-osl_Dual osl_div(const osl_Dual &a, const osl_Dual &b);
+// Some are here, as loops over many points call them most.
+inline osl_Dual osl_div(const osl_Dual &a, const osl_Dual &b)
+{
+    const float inverse = osl_div(1.0f, b.val);
+    const float value = osl_div(a.val, b.val);
+    const float slope = -value * inverse;
+    return {value, inverse * a.dx + slope * b.dx, inverse * a.dy + slope * b.dy};
+}
+inline osl_Dual osl_abs(const osl_Dual &a)
+{
+    return a.val >= 0 ? a : -a;
+}
+inline osl_Dual osl_min(const osl_Dual &a, const osl_Dual &b)
+{
+    return a.val < b.val ? a : b;
+}
+inline osl_Dual osl_max(const osl_Dual &a, const osl_Dual &b)
+{
+    return a.val > b.val ? a : b;
+}
+inline osl_Dual osl_clamp(const osl_Dual &x, const osl_Dual &low, const osl_Dual &high)
+{
+    const osl_Dual raised = x.val < low.val ? low : x;
+    return raised.val > high.val ? high : raised;
+}
+inline osl_Dual osl_mix(const osl_Dual &a, const osl_Dual &b, const osl_Dual &t)
+{
+    return a * (osl_Dual(1) - t) + b * t;
+}
+inline osl_Dual osl_linearStep(const osl_Dual &low, const osl_Dual &high, const osl_Dual &x)
+{
+    if (low.val == high.val)
+        return osl_step(low.val, x.val);
+    return osl_clamp(osl_div(x - low, high - low), 0, 1);
+}
+inline osl_Dual osl_smoothStep(const osl_Dual &low, const osl_Dual &high, const osl_Dual &x)
+{
+    if (x.val < low.val)
+        return 0;
+    if (x.val >= high.val)
+        return 1;
+    const osl_Dual t = osl_div(x - low, high - low);
+    return (osl_Dual(3) - t * osl_Dual(2)) * (t * t);
+}
+
 osl_Dual osl_fmod(const osl_Dual &a, const osl_Dual &b);
 osl_Dual osl_mod(const osl_Dual &a, const osl_Dual &b);
 osl_Dual osl_sqrt(const osl_Dual &a);
@@ -70,14 +114,6 @@ osl_Dual osl_log(const osl_Dual &a, const osl_Dual &base);
 osl_Dual osl_pow(const osl_Dual &a, const osl_Dual &b);
 osl_Dual osl_erf(const osl_Dual &a);
 osl_Dual osl_erfc(const osl_Dual &a);
-
-osl_Dual osl_abs(const osl_Dual &a);
-osl_Dual osl_min(const osl_Dual &a, const osl_Dual &b);
-osl_Dual osl_max(const osl_Dual &a, const osl_Dual &b);
-osl_Dual osl_clamp(const osl_Dual &x, const osl_Dual &low, const osl_Dual &high);
-osl_Dual osl_mix(const osl_Dual &a, const osl_Dual &b, const osl_Dual &t);
-osl_Dual osl_linearStep(const osl_Dual &low, const osl_Dual &high, const osl_Dual &x);
-osl_Dual osl_smoothStep(const osl_Dual &low, const osl_Dual &high, const osl_Dual &x);
 
 // How far a reaches over one pixel: the length of its two derivatives.
 inline float osl_filterWidth(const osl_Dual &a)
