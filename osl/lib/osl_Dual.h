@@ -41,7 +41,7 @@ constexpr osl_Dual operator*(const osl_Dual &a, const osl_Dual &b)
     return {a.val * b.val, a.val * b.dx + a.dx * b.val, a.val * b.dy + a.dy * b.val};
 }
 
-// Some are here, as loops over many points call them most.
+// Inline, as loops over many points call them.
 inline osl_Dual osl_div(const osl_Dual &a, const osl_Dual &b)
 {
     const float inverse = osl_div(1.0f, b.val);

@@ -195,63 +195,99 @@ TEST(Filter, AnEdgeKeepsTheErrorThatBlendingLeaves)
 
 namespace
 {
-// A pixel whose samples see light, and the texture that it falls on, rise to the right; they are
-// noisy besides.
-vk_Pixel risingPixel(float level, float lightRise, float albedoRise)
-{
-    constexpr int SAMPLES = 16;
-    vk_Pixel pixel;
-    for (int i = 0; i < SAMPLES; ++i) {
-        const vk_Square place = {(static_cast<float>(i) + .5f) / SAMPLES, .5f};
-        const float albedo = .5f + albedoRise * (place.u - .5f);
-        const float irradiance = level + lightRise * (place.u - .5f) + (i % 4 == 0 ? .3f : -.1f);
-        vk_View view;
-        view.diffuse = vk_grey(albedo * irradiance);
-        view.albedo = vk_grey(albedo);
-        view.normal = {0, 0, 1};
-        view.distance = 5;
-        pixel.add(view, place);
-        if (i == SAMPLES / 2 - 1)
-            pixel.estimate();
-    }
-    pixel.estimate();
-    pixel.errors.irradiance = .01f;
-    return pixel;
-}
+enum Layer { DIFFUSE, SPECULAR };
 
-// As behind the filter, of a pixel in the middle of many.
-float riseBehindFilter(const std::function<vk_Pixel(int x, int y)> &pixelAt)
+// Samples of a pixel that see light, or the texture that it falls on, rise to the right; they are
+// noisy besides. Also turned, so that what was to the right is below.
+struct Rising {
+    float level = 1, lightRise = 0, albedo = .5f, albedoRise = 0;
+    vk_Vec normal = {0, 0, 1};
+
+    vk_Pixel pixel(bool isTurned, Layer layer = DIFFUSE) const
+    {
+        constexpr int SAMPLES = 16;
+        vk_Pixel pixel;
+        for (int i = 0; i < SAMPLES; ++i) {
+            const float at = (static_cast<float>(i) + .5f) / SAMPLES;
+            vk_View view;
+            view.albedo = vk_grey(albedo + albedoRise * (at - .5f));
+            view.diffuse =
+                view.albedo * (level + lightRise * (at - .5f) + (i % 4 == 0 ? .3f : -.1f));
+            if (layer == SPECULAR) {
+                view.specular = view.diffuse;
+                view.diffuse = view.albedo = {};
+            }
+            view.normal = normal;
+            view.distance = 5;
+            pixel.add(view, isTurned ? vk_Square{.5f, at} : vk_Square{at, .5f});
+            if (i == SAMPLES / 2 - 1)
+                pixel.estimate();
+        }
+        pixel.estimate();
+        (layer == SPECULAR ? pixel.errors.specular : pixel.errors.irradiance) = .01f;
+        return pixel;
+    }
+};
+
+// To the right, as behind the filter, of a pixel in the middle of many; the same turned.
+void expectRise(const std::function<Rising(int x, int y)> &risingAt, float expected, float off,
+                Layer layer = DIFFUSE)
 {
-    return filterOf(pixelAt).gradient(pixelAt(12, 12), 12, 12).x.y;
+    for (const bool isTurned : {false, true}) {
+        const auto pixelAt = [&](int x, int y) {
+            return (isTurned ? risingAt(y, x) : risingAt(x, y)).pixel(isTurned, layer);
+        };
+        const vk_Gradient gradient = filterOf(pixelAt).gradient(pixelAt(12, 12), 12, 12);
+        EXPECT_NEAR(expected, isTurned ? gradient.y.y : gradient.x.y, off) << isTurned;
+        EXPECT_NEAR(0, isTurned ? gradient.x.y : gradient.y.y, off) << isTurned;
+    }
 }
 } // namespace
 
 // Noise of their samples would say anything.
 TEST(Filter, LightRisesWithinPixelsAsItDoesFromOneToTheNext)
 {
-    const float rise = riseBehindFilter([](int x, int) {
-        return risingPixel(1 + .1f * static_cast<float>(x), x % 2 == 0 ? 3.0f : -3.0f, 0);
-    });
-    EXPECT_NEAR(.5f * .1f, rise, .02f);
+    const auto rising = [](int x, int) {
+        return Rising{1 + .1f * static_cast<float>(x), x % 2 == 0 ? 3.0f : -3.0f};
+    };
+    expectRise(rising, .5f * .1f, .02f);
+    expectRise(rising, .5f * .1f, .05f, SPECULAR);
 }
 
 TEST(Filter, TextureWithinAPixelStaysAsItIs)
 {
-    // Light to the left and dark to the right, or the other way round.
-    for (const float side : {-1.0f, 1.0f}) {
-        const float rise = riseBehindFilter([side](int, int) { return risingPixel(1, 0, side); });
-        EXPECT_NEAR(side, rise, .05f);
-    }
+    // Light to the left and dark to the right, or the other way round, or with an edge within each
+    // pixel where they rise from one to the next.
+    for (const float side : {-1.0f, 1.0f})
+        expectRise([side](int, int) { return Rising{1, 0, .5f, side}; }, side, .05f);
+    expectRise(
+        [](int x, int) {
+            return Rising{1, 0, .3f + .05f * static_cast<float>(x), .4f};
+        },
+        .4f, .02f);
 }
 
-TEST(Filter, WherePixelsStandAloneTheirSamplesTellHowLightRises)
+TEST(Filter, WhereAPixelStandsAloneItsSamplesTellHowLightRises)
 {
-    const auto edge = [](int, int) {
-        vk_Pixel pixel = risingPixel(1, .5f, 0);
-        pixel.sum.normal = {}; // faces two ways
+    // It faces two ways, or elsewhere than those around it.
+    for (const vk_Vec &normal : {vk_Vec{}, vk_Vec{.8f, 0, .6f}})
+        for (const Layer layer : {DIFFUSE, SPECULAR}) {
+            const Rising alone = {1, .8f, .5f, 0, normal};
+            const auto rising = [&](int x, int y) { return x == 12 && y == 12 ? alone : Rising(); };
+            expectRise(rising, alone.pixel(false, layer).lightGradient().x.y, .01f, layer);
+        }
+}
+
+// There the light of something else begins.
+TEST(Filter, LightDoesNotRiseTowardsWhatLiesBehindASilhouette)
+{
+    const auto pixelAt = [](int x, int) {
+        vk_Pixel pixel = Rising{x <= 12 ? 1.0f : 9.0f}.pixel(false);
+        if (x > 12)
+            pixel.sum.distance *= 2;
         return pixel;
     };
-    EXPECT_NEAR(edge(0, 0).lightGradient().x.y, riseBehindFilter(edge), 1e-5f);
+    EXPECT_NEAR(0, filterOf(pixelAt).gradient(pixelAt(12, 12), 12, 12).x.y, .02f);
 }
 
 TEST(Pixel, TellsHowLightRisesAcrossIt)

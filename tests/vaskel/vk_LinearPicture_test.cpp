@@ -90,8 +90,18 @@ TEST(vk_LinearPicture, LightThatRisesEvenlyStaysAsItIs)
                         means[static_cast<std::size_t>(y * SIZE + x)], 1e-4);
 }
 
+// Wherever in their squares the light of points lies.
 TEST(vk_LinearPicture, BordersNeitherDarkenNorBrightenThePicture)
 {
+    for (const int column : {0, MIDDLE, SIZE - 1})
+        for (const int row : {0, MIDDLE, SIZE - 1}) {
+            vk_LinearPicture picture(SIZE, SIZE);
+            picture.set(column, row, vk_grey(1), {vk_grey(-1.5f), vk_grey(2)});
+            float sum = 0;
+            for (int i = 0; i < SIZE * SIZE; ++i)
+                sum += picture.blended(i % SIZE, i / SIZE).y;
+            EXPECT_NEAR(sum, 1, 1e-5f) << column << ' ' << row;
+        }
     for (const float level : blended(Light(SIZE * SIZE, 3), {}))
         EXPECT_NEAR(level, 3, 1e-5);
 }
@@ -100,6 +110,12 @@ TEST(vk_LinearPicture, APointAtTheFarCornerOfASquareTakesNoLightFromOthers)
 {
     for (const float level : blended(pointOn(0), {vk_grey(6), vk_grey(6)}))
         EXPECT_GE(level, -1e-6f);
+    // Each colour by itself.
+    vk_LinearPicture picture(SIZE, SIZE);
+    picture.set(MIDDLE, MIDDLE, {10, 1, .1f}, {vk_grey(5), {}});
+    for (int i = 0; i < SIZE * SIZE; ++i)
+        EXPECT_GE(picture.blended(i % SIZE, i / SIZE).z, -1e-6f);
+    EXPECT_NEAR(picture.blended(MIDDLE + 1, MIDDLE).x, (10.0f / 6 + 5.0f / 24) * 2 / 3, 1e-5f);
 }
 
 TEST(vk_LinearPicture, OnePixelIsAPicture)

@@ -127,7 +127,7 @@ TEST(Renderer, ThreadsDoNotChangeAByte)
 TEST(Renderer, BandsDoNotShow)
 {
     vk_Scene scene;
-    readScene(std::string(STUDIO) + "size 24 90\nsamples 2\nsurface v_skin\nsphere\n", scene);
+    readScene(std::string(STUDIO) + "size 64 64\nsamples 2\nsurface v_skin\nshaderball\n", scene);
     vk_RenderSettings settings;
     vk_Film whole, parts;
     std::string error;
@@ -412,6 +412,41 @@ TEST(Renderer, OneSampleMoreIsNotWorse)
     EXPECT_LT(noise("5"), 1.1 * noise("4"));
     EXPECT_LT(noise("17"), 1.1 * noise("16"));
     EXPECT_LT(noise("33"), 1.1 * noise("32"));
+}
+
+// Though pixels beside them help against noise.
+TEST(Renderer, EdgesOfTextureStayAsFixedSamplesShowThem)
+{
+    const std::string cloth = std::string(STUDIO) + "size 96 96\nsurface v_checker diff1 .75 .72 "
+                                                    ".68 diff2 .5 .04 .05 size .25\ngrid\n";
+    const vk_Film film = drawAll(cloth), truth = drawAll(cloth, 2, 256);
+    double sum = 0;
+    for (std::size_t i = 0; i < film.bytes.size(); ++i)
+        sum += std::pow(film.bytes[i] - truth.bytes[i], 2);
+    EXPECT_LT(std::sqrt(sum / static_cast<double>(film.bytes.size())), 1.5);
+}
+
+TEST(Renderer, NoRingRunsAlongASilhouette)
+{
+    const std::string ball = "picture p.png\nsize 96 96\ncamera from 0 1 8 at 0 1 0 fov 20\n"
+                             "background off 3\nenvironment v_studio intensity .3\n"
+                             "lightplace from 2 5 6 to 0 0 0\n"
+                             "light v_area intensity 1 width 4 height 4\n"
+                             "surface v_matte diff .8\nsphere\n";
+    const vk_Film film = drawAll(ball), truth = drawAll(ball, 2, 256);
+    // Of pixels of the ball beside others that show the backdrop.
+    double off = 0, count = 0;
+    const auto shown = [&](int x, int y) {
+        return truth.bytes[static_cast<std::size_t>(3 * (y * 96 + x))];
+    };
+    for (int y = 0; y < 96; ++y)
+        for (int x = 2; x < 94; ++x)
+            if (shown(x, y) < 200 && (shown(x - 2, y) > 230 || shown(x + 2, y) > 230)) {
+                off += film.bytes[static_cast<std::size_t>(3 * (y * 96 + x))] - shown(x, y);
+                ++count;
+            }
+    EXPECT_GT(count, 40);
+    EXPECT_NEAR(off / count, 0, 1);
 }
 
 // Most of this picture is sky that shows no noise at all, so that its mean would allow for dots.

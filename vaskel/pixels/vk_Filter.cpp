@@ -231,16 +231,21 @@ vk_Filter::Smoothed vk_Filter::smoothed(const Windows &windows, int x, int y) co
             (specular.own * ofSpecular + irradiance.own * ofDiffuse) / (ofSpecular + ofDiffuse)};
 }
 
-// Half the way from the pixel before to the one behind.
+// Half the way from the pixel before to the one behind, as if those that lie at another distance
+// showed what this one does: beyond a silhouette is something else.
 vk_Gradient vk_Filter::differences(const VecPlane &plane, int x, int y) const
 {
+    const std::size_t here = index(x, y);
     const auto at = [&](int i, int j) {
-        return plane.at(index(std::clamp(i, 0, myColumns - 1), std::clamp(j, 0, myRows - 1)));
+        const std::size_t there =
+            index(std::clamp(i, 0, myColumns - 1), std::clamp(j, 0, myRows - 1));
+        const float step = std::abs(myDistance[here] - myDistance[there]);
+        return plane.at(step <= DEPTH * myDistance[here] ? there : here);
     };
     return {(at(x + 1, y) - at(x - 1, y)) * .5f, (at(x, y + 1) - at(x, y - 1)) * .5f};
 }
 
-// Where texture falls from light to dark within the pixel, those beside it are none the wiser.
+// Neighbours do not tell where in a pixel its texture turns from light to dark.
 vk_Gradient vk_Filter::gradient(const vk_Pixel &pixel, int x, int y) const
 {
     const float own = myOwnShare[index(x, y)];

@@ -40,9 +40,9 @@ public:
     vk_Colour at(int x, int y) const { return myLight.at(index(x, y)); }
     float error(int x, int y) const { return myError[index(x, y)]; }
 
-    // How that light rises within a pixel: as its own samples tell as far as the light is theirs,
-    // and for the rest as its texture does, and what falls on it evenly from one neighbour to the
-    // next. After filter() of this row and those beside it.
+    // How that light rises within a pixel: as its own samples tell, as far as the light is theirs;
+    // for the rest evenly from one neighbour to the next, but for texture, which again is the
+    // pixel's own. After filter() of this row and those beside it.
     vk_Gradient gradient(const vk_Pixel &pixel, int x, int y) const;
 
     // Whether a pixel shows one surface, so that neighbours can help, or an edge.
@@ -118,7 +118,7 @@ private:
     Plane myBlurred; // 1: the diffuse layer has no edges
     std::vector<char> myConverged;
 
-    VecPlane myLight, myLitBy; // what comes out, and what of the irradiance,
+    VecPlane myLight, myLitBy; // what comes out, and the irradiance in it,
     Plane myError;             // how far off that is, squared,
     Plane myOwnShare;          // and how much of it the pixel's own samples tell
 };

@@ -19,8 +19,8 @@ vk_Colour ofGradients(const vk_Colour &before, const vk_Colour &after)
     return (before - after) * OF_GRADIENT;
 }
 
-// A square may give nothing, but takes no light away: a bright point at its far side would put a
-// dark ring around itself.
+// However its light lies, a square takes none from those beside it: a bright point at its far side
+// would put a dark ring around itself.
 void limit(float &x, float &y, float mean)
 {
     constexpr float STEEPEST = SIDE / OF_GRADIENT;
@@ -51,11 +51,14 @@ void vk_LinearPicture::set(int x, int y, const vk_Colour &mean, const vk_Gradien
     mySquares[static_cast<std::size_t>(y * myColumns + x)] = {mean, limited(gradient, mean)};
 }
 
-// Along a row first, and then across rows. Beyond its border a picture goes on as it ends there.
+// Along a row first, and then across rows. Beyond its border a picture is as in a mirror, so that
+// light there is not lost.
 vk_LinearPicture::Square vk_LinearPicture::blendedRow(int x, int y) const
 {
-    const Square &left = square(std::max(0, x - 1), y), &here = square(x, y),
-                 &right = square(std::min(x + 1, myColumns - 1), y);
+    const Square &here = square(x, y);
+    const Square mirrored = {here.mean, {-here.gradient.x, here.gradient.y}};
+    const Square &left = x > 0 ? square(x - 1, y) : mirrored;
+    const Square &right = x + 1 < myColumns ? square(x + 1, y) : mirrored;
     return {ofMeans(left.mean, here.mean, right.mean) +
                 ofGradients(left.gradient.x, right.gradient.x),
             {{}, ofMeans(left.gradient.y, here.gradient.y, right.gradient.y)}};
@@ -63,8 +66,10 @@ vk_LinearPicture::Square vk_LinearPicture::blendedRow(int x, int y) const
 
 vk_Colour vk_LinearPicture::blended(int x, int y) const
 {
-    const Square above = blendedRow(x, std::max(0, y - 1)), here = blendedRow(x, y),
-                 below = blendedRow(x, std::min(y + 1, myRows - 1));
+    const Square here = blendedRow(x, y);
+    const Square mirrored = {here.mean, {{}, -here.gradient.y}};
+    const Square above = y > 0 ? blendedRow(x, y - 1) : mirrored;
+    const Square below = y + 1 < myRows ? blendedRow(x, y + 1) : mirrored;
     return ofMeans(above.mean, here.mean, below.mean) +
            ofGradients(above.gradient.y, below.gradient.y);
 }

@@ -1,10 +1,10 @@
 // Linear light of rows of a picture, from means over squares to what is to be seen.
 //
-// Samples serve all pixels near them: each pixel is seen through a filter whose standard deviation
-// is half a pixel, as wide as the Gaussian that PBRT has by default (8.8). It is the quadratic
-// B-spline, whose parts in the squares that it covers come to 1 wherever a sample lies; in each
-// square it is taken as a plane. So of a square no more need be known than its mean and its
-// gradient.
+// Samples serve all pixels near them, by a filter whose standard deviation is half a pixel, as that
+// of the Gaussian which Pharr, Jakob and Humphreys, "Physically Based Rendering", 4th edition,
+// 2023, have by default (8.8). It is the quadratic B-spline: what a sample gives to all pixels
+// together is 1, wherever it lies. Within each square that it covers it is taken as a plane, so
+// that of the light in a square no more need be known than its mean and its gradient.
 #pragma once
 
 #include "vaskel/pixels/vk_Pixel.h"
@@ -16,16 +16,17 @@ class vk_LinearPicture
 public:
     static constexpr int REACH = 1; // pixels to each side that blended() looks at
 
-    // What a square as bright everywhere gives to those before and behind it, and keeps, along
-    // both axes; and what it gives from one to the other, of its gradient.
+    // Along each axis, what a square gives of its mean to those before and behind it, and what it
+    // keeps; and how much more of its gradient it gives to the one behind, and less to the one
+    // before.
     static constexpr float SIDE = 1.0f / 6, MIDDLE = 1 - 2 * SIDE;
     static constexpr float OF_GRADIENT = 1.0f / 24;
 
     // What blended() leaves of squared errors of samples that do not depend on each other: the
-    // integral of the filter's square. A gradient of 1 has a variance of 1 / 12.
+    // integral of the square of these planes. A gradient's error is 12 times that of the mean.
     static constexpr float OF_MEANS = MIDDLE * MIDDLE + 2 * SIDE * SIDE;
-    static constexpr float REMAINS =
-        OF_MEANS * (OF_MEANS + 2 * (2 * 12 * OF_GRADIENT * OF_GRADIENT));
+    static constexpr float OF_GRADIENTS = 12 * 2 * OF_GRADIENT * OF_GRADIENT;
+    static constexpr float REMAINS = OF_MEANS * (OF_MEANS + 2 * OF_GRADIENTS);
 
     vk_LinearPicture(int columns, int rows);
 

@@ -4,8 +4,12 @@ void vk_Pixel::add(const vk_View &view, const vk_Square &place)
 {
     ++count;
     sum.cost += view.cost; // also of a bad sample: it was paid for
-    // One such sample would spoil the mean for good; the pixel is reported instead.
-    if (!vk_isFinite(view.light())) {
+    const float x = place.u - .5f, y = place.v - .5f;
+    myPlaceX += x;
+    myPlaceY += y;
+    // One such sample would spoil the mean for good; it counts as black, and the pixel is
+    // reported.
+    if (!vk_isFinite(view.light() + view.albedo)) {
         bad = true;
         return;
     }
@@ -15,9 +19,6 @@ void vk_Pixel::add(const vk_View &view, const vk_Square &place)
     sum.normal += view.normal;
     sum.distance += view.distance;
     sum.blurred += view.blurred;
-    const float x = place.u - .5f, y = place.v - .5f;
-    myPlaceX += x;
-    myPlaceY += y;
     const auto addAtPlace = [&](vk_Gradient &sums, const vk_Colour &colour) {
         sums.x += colour * x;
         sums.y += colour * y;

@@ -28,8 +28,8 @@ public:
     };
 
     // What the plane is at the pixel itself, the squared error that those of the neighbours, which
-    // do not depend on each other, leave of it, and what the pixel's own value counts in it, over
-    // its weight.
+    // do not depend on each other, leave of it, and what the pixel's own value counts in it when
+    // multiplied by its weight.
     struct Value {
         vk_VecLanes light;
         vk_Lanes error;

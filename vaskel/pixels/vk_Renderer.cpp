@@ -18,9 +18,11 @@
 
 namespace
 {
-// Rows around a band: the filter compares errors with those one row further, and what it leaves
-// is spread; light that it gives rises from one row to the next, and is blended.
-constexpr int MARGIN = vk_Filter::REACH + 1 + vk_ErrorMap::REACH + 1 + vk_LinearPicture::REACH;
+// Rows around a band that what is seen in it depends on.
+constexpr int MARGIN = vk_LinearPicture::REACH // blended
+                       + 1                     // how light rises from one row to the next
+                       + vk_Filter::REACH + 1  // filtered; errors are means with the next row
+                       + vk_ErrorMap::REACH;   // and spread, by which pixels converge
 
 // Draws a picture, band by band, and keeps count of what that took.
 class Drawing

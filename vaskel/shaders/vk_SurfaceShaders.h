@@ -12,7 +12,8 @@ public:
     using Type = vk_SurfaceShader;
 
     // At so many points at once: those of a tile's rays that met this surface. What a
-    // shader has to do only once for all of them need not be done for each.
+    // shader has to do only once for all of them need not be done for each. Writes all of each
+    // material: what it is given there may be of another surface.
     virtual void shade(const vk_SurfacePoint *points, vk_Material *materials,
                        std::size_t count) const = 0;
 

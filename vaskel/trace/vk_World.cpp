@@ -173,7 +173,7 @@ std::size_t vk_World::corners() const
 float vk_World::rayCost() const
 {
     // bench/costs.py fits it again.
-    constexpr float FEW = 16384, STEP = .09f;
+    constexpr float FEW = 16384, STEP = .1f;
 
     return 1 + STEP * std::log2(std::max(static_cast<float>(corners()) / FEW, 1.0f));
 }
