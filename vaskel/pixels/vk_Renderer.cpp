@@ -68,6 +68,7 @@ private:
         showProgress();
     }
 
+    // The map of errors goes before light is developed, which takes as much memory.
     void drawUntilConverged(vk_Band &band, std::vector<vk_Tile> &parts, vk_Filter &filter)
     {
         vk_ErrorMap errors(band.columns, band.rows);
