@@ -8,7 +8,8 @@ A copy of the sources is built with half and with twice of each number, or of th
 (reaches of windows: one less and more; SURE: what it lacks of 1), and draws examples of all kinds;
 thumbrender must have been built. Printed is what that does to mean square error times rays
 (below 1 is better): the geometric mean, and the example that fares worst. Errors are against
-references of N samples a pixel (256), whose own error is taken off. Takes half an hour. What
+references of N samples a pixel (256), whose own error is taken off: with far fewer, that
+outweighs what is left. Takes half an hour. What
 is kept wins or loses by no more than the few hundredths by which this wavers, or else keeps
 all examples about as good as each other, or what the eye asks for: rings on the stands of
 frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE. Larger reaches help
