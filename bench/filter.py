@@ -9,12 +9,11 @@ A copy of the sources is built with half and with twice of each number, or of th
 thumbrender must have been built. Printed is what that does to mean square error times rays
 (below 1 is better): the geometric mean, and the example that fares worst. Errors are against
 references of N samples a pixel (256), whose own error is taken off: with far fewer, that
-outweighs what is left. Takes half an hour. What
-is kept wins or loses by no more than the few hundredths by which this wavers, or else keeps
-all examples about as good as each other, or what the eye asks for: rings on the stands of
-frosted_glass and skin grow with BLURRED_TURN, blotches with BLURRED_TOLERANCE. Larger reaches help
-further, and cost more time than they are worth. SPREAD and REACH cost a little here, and are for
-the light of caustics that bench/truth.py counts.
+outweighs what is left. Takes half an hour. What is kept wins or loses by no more than the few
+hundredths by which this wavers, or else keeps all examples about as good as each other, or what
+the eye asks for: rings on the stands of frosted_glass and skin grow with BLURRED_TURN, blotches
+with BLURRED_TOLERANCE. Larger reaches help further, and cost more time than they are worth.
+SPREAD and REACH cost a little here, and are for the light of caustics that bench/truth.py counts.
 """
 import argparse
 import math

@@ -8,12 +8,6 @@ constexpr float LN2 = 0.693147180559945f;
 constexpr float LN10 = 2.302585092994046f;
 constexpr float TWO_OVER_SQRT_PI = 1.128379167095513f;
 
-// f(a, b) by the chain rule.
-osl_Dual chain(const osl_Dual &a, float slopeA, const osl_Dual &b, float slopeB, float value)
-{
-    return {value, slopeA * a.dx + slopeB * b.dx, slopeA * a.dy + slopeB * b.dy};
-}
-
 // The logarithm's slope, 0 where its argument is taken for another.
 osl_Dual chainLog(const osl_Dual &a, float value, float factor)
 {
@@ -35,7 +29,7 @@ osl_Dual osl_fmod(const osl_Dual &a, const osl_Dual &b)
 osl_Dual osl_mod(const osl_Dual &a, const osl_Dual &b)
 {
     const float turns = std::floor(osl_div(a.val, b.val));
-    return chain(a, 1, b, -turns, osl_mod(a.val, b.val));
+    return osl_chain(a, 1, b, -turns, osl_mod(a.val, b.val));
 }
 
 osl_Dual osl_sqrt(const osl_Dual &a)
@@ -59,7 +53,7 @@ osl_Dual osl_cbrt(const osl_Dual &a)
 osl_Dual osl_hypot(const osl_Dual &a, const osl_Dual &b)
 {
     const float value = std::hypot(a.val, b.val);
-    return chain(a, osl_div(a.val, value), b, osl_div(b.val, value), value);
+    return osl_chain(a, osl_div(a.val, value), b, osl_div(b.val, value), value);
 }
 
 osl_Dual osl_sin(const osl_Dual &a)
@@ -90,7 +84,8 @@ osl_Dual osl_atan(const osl_Dual &a)
 osl_Dual osl_atan2(const osl_Dual &y, const osl_Dual &x)
 {
     const float square = y.val * y.val + x.val * x.val;
-    return chain(y, osl_div(x.val, square), x, osl_div(-y.val, square), std::atan2(y.val, x.val));
+    return osl_chain(y, osl_div(x.val, square), x, osl_div(-y.val, square),
+                     std::atan2(y.val, x.val));
 }
 osl_Dual osl_sinh(const osl_Dual &a)
 {
@@ -142,7 +137,7 @@ osl_Dual osl_pow(const osl_Dual &a, const osl_Dual &b)
     const float slopeA = b.val * osl_pow(a.val, b.val - 1);
     const float value = osl_pow(a.val, b.val);
     const float slopeB = a.val > 0 ? value * osl_log(a.val) : 0;
-    return chain(a, slopeA, b, slopeB, value);
+    return osl_chain(a, slopeA, b, slopeB, value);
 }
 
 osl_Dual osl_erf(const osl_Dual &a)

@@ -24,6 +24,13 @@ constexpr osl_Dual osl_chain(const osl_Dual &a, float value, float slope)
     return {value, slope * a.dx, slope * a.dy};
 }
 
+// f(a, b), likewise.
+constexpr osl_Dual osl_chain(const osl_Dual &a, float slopeA, const osl_Dual &b, float slopeB,
+                             float value)
+{
+    return {value, slopeA * a.dx + slopeB * b.dx, slopeA * a.dy + slopeB * b.dy};
+}
+
 constexpr osl_Dual operator+(const osl_Dual &a, const osl_Dual &b)
 {
     return {a.val + b.val, a.dx + b.dx, a.dy + b.dy};
@@ -46,8 +53,7 @@ inline osl_Dual osl_div(const osl_Dual &a, const osl_Dual &b)
 {
     const float inverse = osl_div(1.0f, b.val);
     const float value = osl_div(a.val, b.val);
-    const float slope = -value * inverse;
-    return {value, inverse * a.dx + slope * b.dx, inverse * a.dy + slope * b.dy};
+    return osl_chain(a, inverse, b, -value * inverse, value);
 }
 inline osl_Dual osl_abs(const osl_Dual &a)
 {

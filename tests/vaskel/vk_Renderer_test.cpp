@@ -126,15 +126,17 @@ TEST(Renderer, ThreadsDoNotChangeAByte)
 // Every pixel gets two samples, so that only where bands end could make a difference.
 TEST(Renderer, BandsDoNotShow)
 {
-    vk_Scene scene;
-    readScene(std::string(STUDIO) + "size 64 64\nsamples 2\nsurface v_skin\nshaderball\n", scene);
-    vk_RenderSettings settings;
-    vk_Film whole, parts;
-    std::string error;
-    EXPECT_TRUE(vk_render(scene, settings, whole, error));
-    settings.bandPixels = 1;
-    EXPECT_TRUE(vk_render(scene, settings, parts, error));
-    EXPECT_EQ(whole.bytes, parts.bytes);
+    for (const char *shape : {"size 64 64\nshaderball", "size 24 90\nsphere"}) {
+        vk_Scene scene;
+        readScene(std::string(STUDIO) + "samples 2\nsurface v_skin\n" + shape, scene);
+        vk_RenderSettings settings;
+        vk_Film whole, parts;
+        std::string error;
+        EXPECT_TRUE(vk_render(scene, settings, whole, error));
+        settings.bandPixels = 1;
+        EXPECT_TRUE(vk_render(scene, settings, parts, error));
+        EXPECT_EQ(whole.bytes, parts.bytes) << shape;
+    }
 }
 
 TEST(Renderer, CountsPixelsWithASampleThatIsNoNumber)
