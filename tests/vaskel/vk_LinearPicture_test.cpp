@@ -118,11 +118,22 @@ TEST(vk_LinearPicture, APointAtTheFarCornerOfASquareTakesNoLightFromOthers)
     EXPECT_NEAR(picture.blended(MIDDLE + 1, MIDDLE).x, (10.0f / 6 + 5.0f / 24) * 2 / 3, 1e-5f);
 }
 
-TEST(vk_LinearPicture, OnePixelIsAPicture)
+TEST(vk_LinearPicture, PicturesOfOnePixelOrOneRowKeepTheirLight)
 {
-    vk_LinearPicture picture(1, 1);
-    picture.set(0, 0, {1, 2, 3}, {});
-    EXPECT_NEAR(picture.blended(0, 0).y, 2, 1e-6);
+    vk_LinearPicture pixel(1, 1), row(3, 1), column(1, 3);
+    pixel.set(0, 0, {1, 2, 3}, {vk_grey(1), vk_grey(-1)});
+    EXPECT_NEAR(pixel.blended(0, 0).y, 2, 1e-6);
+    for (int i = 0; i < 3; ++i) {
+        row.set(i, 0, vk_grey(1), {vk_grey(i == 0 ? 2.0f : 0.0f), vk_grey(1)});
+        column.set(0, i, vk_grey(1), {vk_grey(1), vk_grey(i == 2 ? 2.0f : 0.0f)});
+    }
+    float ofRow = 0, ofColumn = 0;
+    for (int i = 0; i < 3; ++i) {
+        ofRow += row.blended(i, 0).y;
+        ofColumn += column.blended(0, i).y;
+    }
+    EXPECT_NEAR(ofRow, 3, 1e-5f);
+    EXPECT_NEAR(ofColumn, 3, 1e-5f);
 }
 
 // REMAINS is what is left of the variance of independent samples, by its definition.

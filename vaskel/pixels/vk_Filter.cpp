@@ -232,7 +232,8 @@ vk_Filter::Smoothed vk_Filter::smoothed(const Windows &windows, int x, int y) co
 }
 
 // Half the way from the pixel before to the one behind, as if those that lie at another distance
-// showed what this one does: beyond a silhouette is something else.
+// showed what this one does: beyond a silhouette is something else. Those that face elsewhere are
+// not left out: in creases, which are dark, light would not fall off as it does.
 vk_Gradient vk_Filter::differences(const VecPlane &plane, int x, int y) const
 {
     const std::size_t here = index(x, y);

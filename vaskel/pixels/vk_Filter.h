@@ -41,8 +41,8 @@ public:
     float error(int x, int y) const { return myError[index(x, y)]; }
 
     // How that light rises within a pixel: as its own samples tell, as far as the light is theirs;
-    // for the rest evenly from one neighbour to the next, but for texture, which again is the
-    // pixel's own. After filter() of this row and those beside it.
+    // for the rest evenly from one neighbour to the next, if they are as far away, but for texture,
+    // which again is the pixel's own. After filter() of this row and those beside it.
     vk_Gradient gradient(const vk_Pixel &pixel, int x, int y) const;
 
     // Whether a pixel shows one surface, so that neighbours can help, or an edge.
@@ -119,6 +119,6 @@ private:
     std::vector<char> myConverged;
 
     VecPlane myLight, myLitBy; // what comes out, and the irradiance in it,
-    Plane myError;             // how far off that is, squared,
+    Plane myError;             // how far off the light is, squared,
     Plane myOwnShare;          // and how much of it the pixel's own samples tell
 };

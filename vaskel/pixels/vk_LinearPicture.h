@@ -17,8 +17,7 @@ public:
     static constexpr int REACH = 1; // pixels to each side that blended() looks at
 
     // Along each axis, what a square gives of its mean to those before and behind it, and what it
-    // keeps; and how much more of its gradient it gives to the one behind, and less to the one
-    // before.
+    // keeps; and what of its gradient the one behind gets more, and the one before less.
     static constexpr float SIDE = 1.0f / 6, MIDDLE = 1 - 2 * SIDE;
     static constexpr float OF_GRADIENT = 1.0f / 24;
 

@@ -7,9 +7,9 @@ void vk_Pixel::add(const vk_View &view, const vk_Square &place)
     const float x = place.u - .5f, y = place.v - .5f;
     myPlaceX += x;
     myPlaceY += y;
-    // One such sample would spoil the mean for good; it counts as black, and the pixel is
-    // reported.
-    if (!vk_isFinite(view.light() + view.albedo)) {
+    // One such sample would spoil the mean for good; it counts as nothing at its place, and the
+    // pixel is reported.
+    if (!vk_isFinite(view.light()) || !vk_isFinite(view.albedo)) {
         bad = true;
         return;
     }

@@ -34,7 +34,7 @@ struct vk_Pixel {
     void add(const vk_View &view, const vk_Square &place);
 
     vk_Colour light() const { return sum.light() * share(); }
-    // By the covariance of a colour and the places of samples, which lie evenly: 0 for one sample.
+    // Estimated from where samples lie; 0 for one sample.
     vk_Gradient lightGradient() const { return gradientOf(myLightAtPlace, light()); }
     vk_Gradient albedoGradient() const { return gradientOf(myAlbedoAtPlace, sum.albedo * share()); }
     Layers layers() const;

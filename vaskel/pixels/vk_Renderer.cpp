@@ -18,11 +18,10 @@
 
 namespace
 {
-// Rows around a band that what is seen in it depends on.
-constexpr int MARGIN = vk_LinearPicture::REACH // blended
-                       + 1                     // how light rises from one row to the next
-                       + vk_Filter::REACH + 1  // filtered; errors are means with the next row
-                       + vk_ErrorMap::REACH;   // and spread, by which pixels converge
+// Rows around a band that its pixels look at: light is blended, rises from one row to the next, and
+// is filtered by means and errors that take in the next row. Further out, errors are spread; but
+// the whole band decides about samples.
+constexpr int MARGIN = vk_LinearPicture::REACH + 1 + vk_Filter::REACH + 1 + vk_ErrorMap::REACH;
 
 // Draws a picture, band by band, and keeps count of what that took.
 class Drawing
