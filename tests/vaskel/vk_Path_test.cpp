@@ -26,8 +26,9 @@ TEST(Path, OnlyWhatIsFoundBehindTheFirstWideVertexIsClamped)
     EXPECT_LT(brought(), 10);
 }
 
-// As a metal does beside its highlight: what it mirrors there is as sharp as elsewhere.
-TEST(Path, TheTailOfANarrowLobeIsWideButNotDiffuse)
+// As a metal does beside its highlight: what it mirrors there is as sharp as elsewhere, or almost
+// so where it sends next to nothing.
+TEST(Path, TheTailOfANarrowLobeIsWideOrStrayButNotDiffuse)
 {
     const vk_Vec up = {0, 0, 1};
     vk_Hit hit;
@@ -39,17 +40,22 @@ TEST(Path, TheTailOfANarrowLobeIsWideButNotDiffuse)
     vk_View view;
     const vk_Path camera({0, 0, 1}, -up, vk_Sampler(1, 1), view);
     const vk_Bsdf ofMetal(metal, up, up, false), ofWhite(white, up, up, false);
-    float pdf = 0;
-    const vk_Vec aside = vk_normalize(vk_Vec{.25f, 0, 1});
-    static_cast<void>(ofMetal.evaluate(aside, pdf));
-    ASSERT_TRUE(pdf > .35f && pdf < .95f) << pdf;
     vk_Path path = camera;
-    ASSERT_TRUE(path.scatter(hit, ofMetal, aside, {}, {}));
-    EXPECT_TRUE(path.isWide());
-    EXPECT_FALSE(path.isDiffuse());
+    for (const auto &[aside, isStray] : {std::pair(.25f, false), {.5f, true}}) {
+        float pdf = 0;
+        const vk_Vec direction = vk_normalize(vk_Vec{aside, 0, 1});
+        static_cast<void>(ofMetal.evaluate(direction, pdf));
+        ASSERT_TRUE(pdf > 0 && pdf < .95f && (pdf < 1 / VK_PI) == isStray) << pdf;
+        path = camera;
+        ASSERT_TRUE(path.scatter(hit, ofMetal, direction, {}, {}));
+        EXPECT_TRUE(path.isWide());
+        EXPECT_FALSE(path.isDiffuse());
+        EXPECT_EQ(isStray, path.isStray());
+    }
     path = camera;
     ASSERT_TRUE(path.scatter(hit, ofWhite, up, {}, {}));
     EXPECT_TRUE(path.isDiffuse());
+    EXPECT_FALSE(path.isStray());
     // Of a rough boundary that is hardly there, both parts are drawn all the same.
     white.specular = vk_grey(1e-4f);
     white.rough = .8f;

@@ -518,6 +518,28 @@ TEST(Renderer, RaysTakeLongerThroughLargeMeshes)
     EXPECT_GT(rayCost("displace v_bricks\nsphere"), 1.1f);
 }
 
+// At the foot of a ball, where it hangs above its stand.
+TEST(Renderer, BlurAddsLightBetweenMetalsThatGoesAwayWithMoreSamples)
+{
+    constexpr std::uint32_t PIXELS = 1u << 13;
+    vk_Scene scene;
+    readScene(std::string(STUDIO) + "surface v_metal rough .2\nshaderball", scene);
+    const vk_World world(scene);
+    const vk_PathTracer tracer(scene, world);
+    const vk_Vec way = vk_normalize(vk_Vec{0, .3f, .6f} - scene.camera.from);
+    const auto lightOfSample = [&](std::uint32_t index) {
+        float sum = 0;
+        for (std::uint32_t pixel = 1; pixel <= PIXELS; ++pixel) {
+            const vk_Sampler sampler(vk_hash(pixel), index);
+            sum += vk_luminance(tracer.Li(scene.camera.from, way, sampler).light());
+        }
+        return sum / PIXELS;
+    };
+    const float sharp = lightOfSample(1u << 20);
+    EXPECT_GT(lightOfSample(0), 1.1f * sharp);
+    EXPECT_NEAR(sharp, lightOfSample(255), .025f * sharp);
+}
+
 // By which the filter divides, so that patterns of what is there stay sharp.
 TEST(Renderer, TheAlbedoOfAThinSurfaceIsOfWhatIsThere)
 {

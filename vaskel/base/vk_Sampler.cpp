@@ -65,6 +65,11 @@ vk_Sampler::vk_Sampler(std::uint32_t seed, std::uint32_t index)
 {
 }
 
+std::uint32_t vk_Sampler::index() const
+{
+    return reverseBits(myReversed);
+}
+
 vk_Sampler::Pair vk_Sampler::next()
 {
     const std::uint32_t seed = vk_hash(mySeed + 0x9e3779b9u * ++myPair);

@@ -18,6 +18,9 @@ public:
     // The seed is the pixel's, the index counts its samples from 0.
     vk_Sampler(std::uint32_t seed, std::uint32_t index);
 
+    // Which of the pixel's samples this is; of twice as many where they split.
+    std::uint32_t index() const;
+
     // The next pair and the next single number, each in [0, 1).
     vk_Square square();
     float number();

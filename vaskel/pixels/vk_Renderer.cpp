@@ -79,9 +79,10 @@ private:
 
     static int tiles(int pixels) { return (pixels + vk_Tile::SIDE - 1) / vk_Tile::SIDE; }
 
+    // One by one, as they take times that differ much.
     void drawTiles(std::vector<vk_Tile> &tiles)
     {
-        tbb::parallel_for(std::size_t{0}, tiles.size(), [&](std::size_t i) {
+        const auto draw = [&](std::size_t i) {
             vk_myWork = {}; // this thread's, which had other tiles before
             tiles[i].draw();
             const std::lock_guard<std::mutex> lock(myMutex);
@@ -89,7 +90,8 @@ private:
                 mySettings.stats->work += vk_myWork;
             myDrawn += static_cast<double>(vk_myWork.cost);
             showProgress();
-        });
+        };
+        tbb::parallel_for(std::size_t{0}, tiles.size(), draw, tbb::simple_partitioner());
     }
     // By the work that a band is thought to take, as soon as that is known.
     void showProgress()

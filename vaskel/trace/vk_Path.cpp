@@ -98,7 +98,9 @@ void vk_Path::setNextEvent(const vk_Hit &hit, const vk_Bsdf &bsdf, float pdf, bo
         // Light samples were taken here: they and this ray share what lights bring.
         myIsWide = myIsWide || !vk_isSpecular(pdf);
         // Of a split BSDF it is the sum of two samples' pdfs.
-        myIsDiffuse = myIsDiffuse || pdf <= static_cast<float>(bsdf.rounds()) / VK_PI;
+        const bool isMatte = pdf <= static_cast<float>(bsdf.rounds()) / VK_PI;
+        myIsDiffuse = myIsDiffuse || (isMatte && bsdf.isDiffuse());
+        myIsStray = myIsStray || (isMatte && !bsdf.isDiffuse());
         myNextEvent = atVertex;
     } else if (crosses) {
         // What the vertex in front left for rays goes on, less what the glass takes. Rough glass

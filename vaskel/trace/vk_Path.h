@@ -57,13 +57,15 @@ public:
     // that it does not.
     bool mayMeetLight() const { return myMayMeetLight; }
     void findLight(bool isAhead) { myMayMeetLight = isAhead; }
-    // Whether it was scattered widely. Then it looks through glass straight on, takes few light
-    // samples, and what it brings from further on is clamped.
+    // Whether it was scattered widely. Then it looks through glass straight on, and what it brings
+    // from further on is clamped.
     bool isWide() const { return myIsWide; }
-    // Whether it was once scattered no more narrowly than by a matte surface. Behind that, all
-    // reflections are blurred (see vk_PathTracer.h); not so behind the tails of a metal's lobe,
-    // which would brighten what metals mirror in each other by a tenth.
+    // Whether it was once scattered no more narrowly than by a matte surface: by a part that does
+    // so evenly, or by the tail of a lobe. What is met behind either is blurred
+    // (vk_PathTracer.h), but behind tails less and less: it would brighten what metals mirror in
+    // each other by a tenth.
     bool isDiffuse() const { return myIsDiffuse; }
+    bool isStray() const { return myIsStray; }
     bool hasSpecularLayer() const { return !(mySpecularShare == vk_Colour{}); }
 
     // Light that arrives along the ray, sent on to the camera.
@@ -127,5 +129,6 @@ private:
     int myDielectricBounces = 0;
     bool myIsWide = false;
     bool myIsDiffuse = false;
+    bool myIsStray = false;
     bool myMayMeetLight = true;
 };

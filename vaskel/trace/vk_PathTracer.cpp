@@ -9,13 +9,15 @@ namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
 constexpr int MOST_VERTICES = 64;     // a guard: roulette ends nearly all paths before
-constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex that is lit widely, each of another
-constexpr int LIGHT_SAMPLES = 2;      // light; at others; one where paths count little
+constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex, each of another light while there are
+constexpr int LIGHT_SAMPLES = 2;      // more; at others; one where paths count little
 constexpr int MOST_SPLITS = 2;        // of a path in two at smooth glass; then by chance
 constexpr float FADE_NEAR = 4;        // the floor fades between these
 constexpr float FADE_FAR = 18;        // distances from the origin
 constexpr float REGULAR = .6f;        // least roughness behind what scattered like matte does,
-constexpr float REGULAR_METAL = .4f;  // and of what only reflects: noise against dim caustics
+constexpr float REGULAR_METAL = .4f;  // and of what only reflects: noise against dim caustics;
+constexpr float REGULAR_STRAY = .8f;  // for a pixel's first sample, of that behind tails of lobes;
+constexpr float STRAY_POWER = -.3f;   // for the n-th times this power of n, so that it goes away
 constexpr float WIDE_METAL = .35f;    // what is rougher shows no edges, so that
 constexpr float WIDE_GLASS = .2f;     // its light is filtered like a diffuse surface's
 constexpr float GROUND = .35f;        // rougher glass blurs all behind it
@@ -71,6 +73,17 @@ vk_Colour passesBoundary(const vk_Hit &hit, const vk_Material &material, const v
 {
     const float cosine = -vk_dot(hit.normal, path.direction());
     return vk_grey(1) - vk_schlick(material.specular, material.edge, cosine);
+}
+
+// Path space regularization, of a path that was scattered as widely as by matte.
+float leastRough(const vk_Material &material, vk_Path &path)
+{
+    if (vk_largest(material.diffuse) > 0)
+        return REGULAR;
+    if (path.isDiffuse())
+        return REGULAR_METAL;
+    const auto samples = static_cast<float>(path.sampler().index()) + 1;
+    return REGULAR_STRAY * std::pow(samples, STRAY_POWER);
 }
 
 // What the filter is told of the first vertex.
@@ -203,10 +216,8 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
             outgoing.paths.push_back(path);
         return;
     }
-    if (path.isDiffuse()) {
-        const bool onlyReflects = vk_largest(material.diffuse) <= 0;
-        material.rough = std::max(material.rough, onlyReflects ? REGULAR_METAL : REGULAR);
-    }
+    if (path.isDiffuse() || path.isStray())
+        material.rough = std::max(material.rough, leastRough(material, path));
     if (path.isCameraRay() && scattersBelow(hit, material))
         scatterBelow(hit, material, path.fork(BELOW), outgoing);
 
@@ -256,9 +267,9 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
         throughGlass = myDirectLight.throughGlass(path.nextEvent(), hit.distance);
     if (!bsdf.isSmoothGlass()) {
         const bool leavesGlass = bsdf.isGlass() && hit.inside;
-        const bool countsLittle = path.isWide() || path.isFaint();
-        const bool isLitWidely = path.isCameraRay() && bsdf.isDiffuse();
-        const int samples = countsLittle ? 1 : isLitWidely ? MOST_LIGHT_SAMPLES : LIGHT_SAMPLES;
+        const int samples = path.isCameraRay() ? MOST_LIGHT_SAMPLES
+                            : path.isFaint()   ? 1
+                                               : LIGHT_SAMPLES;
         vertex = myDirectLight.atVertex(bsdf, samples, leavesGlass ? throughGlass : vk_NextEvent{});
         myDirectLight.sample(hit, bsdf, vertex, path, outgoing.lights);
     }
