@@ -179,6 +179,7 @@ TEST(Sampler, HalvesSpreadOverAllCellsTogether)
             vk_Sampler sampler(vk_hash(pixel), i / 2);
             sampler.square(); // before they part
             sampler.split(i % 2);
+            EXPECT_EQ(i, sampler.index());
             const vk_Square at = sampler.square();
             ++cells[static_cast<int>(at.u * 4) * 4 + static_cast<int>(at.v * 4)];
             ++columns[static_cast<int>(at.u * 16)];
