@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Tries the numbers of vaskel's filter (vaskel/pixels/vk_Filter.cpp) and of how errors are
-spread (vk_ErrorMap) again.
+"""Tries the numbers of vaskel's filter (vaskel/pixels/vk_Filter.cpp), of how errors are spread
+(vk_ErrorMap), and of how much is blurred behind wide scattering (vk_PathTracer), again.
 
     bench/filter.py [--samples N] [NUMBER]...
 
@@ -14,6 +14,7 @@ hundredths by which this wavers, or else keeps all examples about as good as eac
 the eye asks for: rings on the stands of frosted_glass and skin grow with BLURRED_TURN, blotches
 with BLURRED_TOLERANCE. Larger reaches help further, and cost more time than they are worth.
 SPREAD and REACH cost a little here, and are for the light of caustics that bench/truth.py counts.
+So do REGULAR to STRAY_POWER: more blur is less noise, and bench/truth.py tells what it does to light.
 """
 import argparse
 import math
@@ -29,12 +30,14 @@ import pictures
 COPY = os.path.join(pictures.ROOT, "build", "filter")
 FILES = ["vaskel/pixels/" + name for name in
          ("vk_Filter.cpp", "vk_PlaneFit.cpp", "vk_ErrorMap.cpp", "vk_ErrorMap.h")]
+FILES.append("vaskel/trace/vk_PathTracer.cpp")
 REACHES = ["SPECULAR_REACH", "LAST_SPECULAR_REACH", "IRRADIANCE_REACH", "LAST_IRRADIANCE_REACH"]
 NUMBERS = ["SURE", "DEPTH", "TURN", *REACHES, "SPECULAR_PIXELS", "SPECULAR_MEANS",
            "IRRADIANCE_PIXELS", "IRRADIANCE_MEANS", "BLURRED_TURN", "BLURRED_TOLERANCE",
-           "LEVELLING", "SPREAD", "REACH"]
+           "LEVELLING", "SPREAD", "REACH",
+           "REGULAR", "REGULAR_METAL", "REGULAR_STRAY", "STRAY_POWER"]
 EXAMPLES = ["agate", "bark", "brick_chimney", "candle", "car_paint", "chrome", "clear_glass",
-            "frosted_glass", "gold", "ivy", "oak", "planet", "red_plastic", "rust",
+            "frosted_glass", "gold", "ivy", "night_silver", "oak", "planet", "red_plastic", "rust",
             "satin_copper", "scratched_paint", "skin", "stained_shade", "thin_haze",
             "under_trees", "wool"]
 
