@@ -14,7 +14,7 @@ hundredths by which this wavers, or else keeps all examples about as good as eac
 the eye asks for: rings on the stands of frosted_glass and skin grow with BLURRED_TURN, blotches
 with BLURRED_TOLERANCE. Larger reaches help further, and cost more time than they are worth.
 SPREAD and REACH cost a little here, and are for the light of caustics that bench/truth.py counts.
-So do REGULAR to STRAY_POWER: more blur is less noise, and bench/truth.py tells what it does to light.
+Of REGULAR to STRAY_POWER, which trade noise for light, that one tells the other half.
 """
 import argparse
 import math
@@ -28,9 +28,9 @@ import tempfile
 import pictures
 
 COPY = os.path.join(pictures.ROOT, "build", "filter")
-FILES = ["vaskel/pixels/" + name for name in
-         ("vk_Filter.cpp", "vk_PlaneFit.cpp", "vk_ErrorMap.cpp", "vk_ErrorMap.h")]
-FILES.append("vaskel/trace/vk_PathTracer.cpp")
+FILES = ["vaskel/" + name for name in
+         ("pixels/vk_Filter.cpp", "pixels/vk_PlaneFit.cpp", "pixels/vk_ErrorMap.cpp",
+          "pixels/vk_ErrorMap.h", "trace/vk_PathTracer.cpp")]
 REACHES = ["SPECULAR_REACH", "LAST_SPECULAR_REACH", "IRRADIANCE_REACH", "LAST_IRRADIANCE_REACH"]
 NUMBERS = ["SURE", "DEPTH", "TURN", *REACHES, "SPECULAR_PIXELS", "SPECULAR_MEANS",
            "IRRADIANCE_PIXELS", "IRRADIANCE_MEANS", "BLURRED_TURN", "BLURRED_TOLERANCE",

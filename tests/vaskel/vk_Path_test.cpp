@@ -26,9 +26,9 @@ TEST(Path, OnlyWhatIsFoundBehindTheFirstWideVertexIsClamped)
     EXPECT_LT(brought(), 10);
 }
 
-// As a metal does beside its highlight: what it mirrors there is as sharp as elsewhere, or almost
-// so where it sends next to nothing.
-TEST(Path, TheTailOfANarrowLobeIsWideOrStrayButNotDiffuse)
+// As a metal does beside its highlight: what it mirrors there is as sharp as elsewhere, and is
+// blurred for a while where it sends next to nothing.
+TEST(Path, TheTailOfANarrowLobeIsWideAndFarOutStrayButNotDiffuse)
 {
     const vk_Vec up = {0, 0, 1};
     vk_Hit hit;
@@ -50,6 +50,9 @@ TEST(Path, TheTailOfANarrowLobeIsWideOrStrayButNotDiffuse)
         ASSERT_TRUE(path.scatter(hit, ofMetal, direction, {}, {}));
         EXPECT_TRUE(path.isWide());
         EXPECT_FALSE(path.isDiffuse());
+        EXPECT_EQ(isStray, path.isStray());
+        // Whatever befalls it later.
+        ASSERT_TRUE(path.scatter(hit, ofMetal, up, {}, {}));
         EXPECT_EQ(isStray, path.isStray());
     }
     path = camera;

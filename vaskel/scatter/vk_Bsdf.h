@@ -55,7 +55,7 @@ public:
     // half of it in this way.
     vk_Colour compensation() const { return myCompensation; }
 
-    // Whether it has a part that scatters evenly.
+    // Whether it has a base or a sheen.
     bool isDiffuse() const { return myShare[SHEEN] > 0 || myShare[BASE] > 0; }
     // Above which evaluate() gives something, but for glass.
     const vk_Vec &normal() const { return myTop.normal; }

@@ -40,6 +40,7 @@ public:
     const vk_Vec &direction() const { return myDirection; } // unit
     const vk_NextEvent &nextEvent() const { return myNextEvent; }
     vk_Sampler &sampler() { return mySampler; }
+    const vk_Sampler &sampler() const { return mySampler; }
     vk_View &view() { return *myView; }
 
     // How often it was scattered by glass.
@@ -50,9 +51,11 @@ public:
     bool isFirst() const { return myBounces == 0 && myPassings == 0; }
     // So many times it was scattered, or passed by a surface.
     int vertices() const { return myBounces + myPassings; }
-    // Whether little of what it finds reaches the camera.
+    // Whether little of what it finds reaches the camera, or nothing. Not of one that roulette let
+    // live on, which counts FAINT, but for rounding.
     static constexpr float FAINT = .12f;
-    bool isFaint() const { return vk_largest(myThroughput) < FAINT; }
+    bool isFaint() const { return vk_largest(myThroughput) < .999f * FAINT; }
+    bool isSpent() const { return vk_largest(myThroughput) <= 0; }
     // Whether it may meet a light before it is scattered again; so it may until somebody finds
     // that it does not.
     bool mayMeetLight() const { return myMayMeetLight; }
@@ -60,10 +63,10 @@ public:
     // Whether it was scattered widely. Then it looks through glass straight on, and what it brings
     // from further on is clamped.
     bool isWide() const { return myIsWide; }
-    // Whether it was once scattered no more narrowly than by a matte surface: by a part that does
-    // so evenly, or by the tail of a lobe. What is met behind either is blurred
-    // (vk_PathTracer.h), but behind tails less and less: it would brighten what metals mirror in
-    // each other by a tenth.
+    // Whether it was once scattered no more narrowly than by a matte surface: by one that has a
+    // base or a sheen, or by one without, as by the tail of a metal's lobe. What is met behind
+    // either is blurred (vk_PathTracer.h), but behind the latter less for every sample: it would
+    // brighten what metals mirror in each other by a tenth.
     bool isDiffuse() const { return myIsDiffuse; }
     bool isStray() const { return myIsStray; }
     bool hasSpecularLayer() const { return !(mySpecularShare == vk_Colour{}); }

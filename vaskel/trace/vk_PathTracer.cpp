@@ -9,15 +9,15 @@ namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
 constexpr int MOST_VERTICES = 64;     // a guard: roulette ends nearly all paths before
-constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex, each of another light while there are
-constexpr int LIGHT_SAMPLES = 2;      // more; at others; one where paths count little
+constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex
+constexpr int LIGHT_SAMPLES = 2;      // at others, but one where a path counts little
 constexpr int MOST_SPLITS = 2;        // of a path in two at smooth glass; then by chance
 constexpr float FADE_NEAR = 4;        // the floor fades between these
 constexpr float FADE_FAR = 18;        // distances from the origin
 constexpr float REGULAR = .6f;        // least roughness behind what scattered like matte does,
-constexpr float REGULAR_METAL = .4f;  // and of what only reflects: noise against dim caustics;
-constexpr float REGULAR_STRAY = .8f;  // for a pixel's first sample, of that behind tails of lobes;
-constexpr float STRAY_POWER = -.3f;   // for the n-th times this power of n, so that it goes away
+constexpr float REGULAR_METAL = .4f;  // and of what only reflects: noise against dim caustics
+constexpr float REGULAR_STRAY = .8f;  // behind tails of lobes, for a pixel's first sample; for its
+constexpr float STRAY_POWER = -.3f;   // n-th times n to this power: noise against light in creases
 constexpr float WIDE_METAL = .35f;    // what is rougher shows no edges, so that
 constexpr float WIDE_GLASS = .2f;     // its light is filtered like a diffuse surface's
 constexpr float GROUND = .35f;        // rougher glass blurs all behind it
@@ -76,12 +76,10 @@ vk_Colour passesBoundary(const vk_Hit &hit, const vk_Material &material, const v
 }
 
 // Path space regularization, of a path that was scattered as widely as by matte.
-float leastRough(const vk_Material &material, vk_Path &path)
+float leastRough(const vk_Material &material, const vk_Path &path)
 {
-    if (vk_largest(material.diffuse) > 0)
-        return REGULAR;
     if (path.isDiffuse())
-        return REGULAR_METAL;
+        return vk_largest(material.diffuse) > 0 ? REGULAR : REGULAR_METAL;
     const auto samples = static_cast<float>(path.sampler().index()) + 1;
     return REGULAR_STRAY * std::pow(samples, STRAY_POWER);
 }
@@ -204,7 +202,8 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
         return;
     if (path.isFirst())
         describe(hit, material, path);
-    if (!material.reflects())
+    // Of a floor that has faded away there is no more than what it is.
+    if (!material.reflects() || path.isSpent())
         return;
     if (isGlass && hit.inside)
         path.attenuate(material.absorbed(hit.distance));
@@ -267,9 +266,9 @@ void vk_PathTracer::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, vk_Path &pat
         throughGlass = myDirectLight.throughGlass(path.nextEvent(), hit.distance);
     if (!bsdf.isSmoothGlass()) {
         const bool leavesGlass = bsdf.isGlass() && hit.inside;
-        const int samples = path.isCameraRay() ? MOST_LIGHT_SAMPLES
-                            : path.isFaint()   ? 1
-                                               : LIGHT_SAMPLES;
+        const int samples = path.isFaint()       ? 1
+                            : path.isCameraRay() ? MOST_LIGHT_SAMPLES
+                                                 : LIGHT_SAMPLES;
         vertex = myDirectLight.atVertex(bsdf, samples, leavesGlass ? throughGlass : vk_NextEvent{});
         myDirectLight.sample(hit, bsdf, vertex, path, outgoing.lights);
     }
