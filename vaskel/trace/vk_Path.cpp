@@ -84,7 +84,7 @@ bool vk_Path::scatter(const vk_Hit &hit, const vk_Bsdf &bsdf, const vk_Vec &dire
     setNextEvent(hit, bsdf, pdf, isAbove, atVertex, throughGlass);
     myOrigin = hit.start(direction);
     myDirection = direction;
-    return !isSpent();
+    return vk_largest(myThroughput) > 0;
 }
 
 // Lights were sampled at all surfaces but smooth glass, and at rough glass for what
