@@ -20,7 +20,7 @@ struct vk_Quality {
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
     {"draft", .25f, .012f, 18500, false},
-    {"default", 1, .0050f, 61000, false},
+    {"default", 1, .0049f, 60500, false},
     {"final", 8, .0018f, 1100000, true},
 };
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
