@@ -14,7 +14,7 @@ hundredths by which this wavers, or else keeps all examples about as good as eac
 the eye asks for: rings on the stands of frosted_glass and skin grow with BLURRED_TURN, blotches
 with BLURRED_TOLERANCE. Larger reaches help further, and cost more time than they are worth.
 SPREAD and REACH cost a little here, and are for the light of caustics that bench/truth.py counts.
-Of REGULAR to STRAY_POWER, which trade noise for light, that one tells the other half.
+REGULAR to STRAY_POWER trade noise for light: bench/truth.py tells what they do to that.
 """
 import argparse
 import math

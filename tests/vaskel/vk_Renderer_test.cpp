@@ -522,7 +522,7 @@ TEST(Renderer, RaysTakeLongerThroughLargeMeshes)
 // what is expected, whatever numbers are drawn.
 TEST(Renderer, BlurAddsLightBetweenMetalsThatGoesAwayWithMoreSamples)
 {
-    constexpr std::uint32_t PATHS = 1u << 14;
+    constexpr std::uint32_t PATHS = 1u << 15;
     vk_Scene scene;
     readScene(std::string(STUDIO) + "surface v_metal rough .2\nshaderball", scene);
     const vk_World world(scene);

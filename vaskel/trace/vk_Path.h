@@ -51,10 +51,11 @@ public:
     bool isFirst() const { return myBounces == 0 && myPassings == 0; }
     // So many times it was scattered, or passed by a surface.
     int vertices() const { return myBounces + myPassings; }
-    // Whether little of what it finds reaches the camera, or nothing. Not of one that roulette let
-    // live on, which counts FAINT, but for rounding.
+    // Whether little of what it finds reaches the camera, or nothing. Roulette lifts those that
+    // live on to FAINT: a little less still counts as that, lest rounding decide.
     static constexpr float FAINT = .12f;
     bool isFaint() const { return vk_largest(myThroughput) < .999f * FAINT; }
+    // Whether nothing does. One whose throughput is no number is not: what it adds is to be told.
     bool isSpent() const { return vk_largest(myThroughput) <= 0; }
     // Whether it may meet a light before it is scattered again; so it may until somebody finds
     // that it does not.

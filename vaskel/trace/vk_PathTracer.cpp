@@ -9,8 +9,8 @@ namespace
 {
 constexpr float FOREVER = std::numeric_limits<float>::infinity();
 constexpr int MOST_VERTICES = 64;     // a guard: roulette ends nearly all paths before
-constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex
-constexpr int LIGHT_SAMPLES = 2;      // at others, but one where a path counts little
+constexpr int MOST_LIGHT_SAMPLES = 4; // at a first vertex,
+constexpr int LIGHT_SAMPLES = 2;      // and at others; but one where a path counts little
 constexpr int MOST_SPLITS = 2;        // of a path in two at smooth glass; then by chance
 constexpr float FADE_NEAR = 4;        // the floor fades between these
 constexpr float FADE_FAR = 18;        // distances from the origin
@@ -202,7 +202,8 @@ void vk_PathTracer::leave(const Vertex &vertex, vk_Path &path, Outgoing &outgoin
         return;
     if (path.isFirst())
         describe(hit, material, path);
-    // Of a floor that has faded away there is no more than what it is.
+    // Nothing more comes by a path that is spent, as where the floor has faded away; the filter has
+    // been told what it met.
     if (!material.reflects() || path.isSpent())
         return;
     if (isGlass && hit.inside)

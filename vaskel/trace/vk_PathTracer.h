@@ -30,8 +30,8 @@
 //   - behind a vertex that scattered as widely as matte does all reflections are blurred
 //     (Kaplanyan and Dachsbacher, "Path Space Regularization for Holistic and Robust Light
 //     Transport", 2013). Floor beside a mirror gets .8 % less light for it, the worst block of
-//     16 x 16 pixels 4 % less. Behind one that has no base and did so, as by the tail of a
-//     metal's lobe, they are blurred less for every sample of a pixel, so that it goes away:
+//     16 x 16 pixels 4 % less. Behind one without base and sheen that did so, as by the tail
+//     of a metal's lobe, they are blurred less for every sample of a pixel, so that it goes away:
 //     where two metals of roughness .2 meet, a block gets 4 % more light at default quality;
 //   - behind one that scattered widely, glass is looked through straight on, as shadows do;
 //   - paths that were scattered widely and come upon something very bright are clamped,
