@@ -6,8 +6,8 @@
 Rough surfaces of microfacets (vk_Microfacet.h) let light go that would be scattered once
 more between facets. How much is left when it is scattered once, by roughness and by the
 cosine to the normal, is an integral without a formula; the tables hold it, for facets that
-reflect all light, also when they are wider along one direction, and for those of glass. Takes
-some seconds; a test integrates anew and compares.
+reflect all light, also when they are wider along one direction, and for those of glass. So they do
+for the fibres of a sheen (vk_Sheen.h). Takes some seconds; tests integrate anew and compare.
 """
 import math
 
@@ -15,7 +15,10 @@ ROUGHS = COSINES = 16
 ETAS, ETA_ROUGHS, ETA_COSINES = 17, 9, 9  # indices of refraction 1/4 to 4
 BRUSHED_ROUGHS, BRUSHED_RATIOS, BRUSHED_WIDTHS, BRUSHED_COSINES = 9, 6, 3, 9
 BRUSHED_LEAST = .1  # width across over that along
+SHEEN_ROUGHS, SHEEN_COSINES = 9, 11  # roughness from SHEEN_LEAST, square root of the cosine
+SHEEN_LEAST = .2
 STEPS = 24  # samples of a facet along each axis
+SHEEN_STEPS = 96  # of the directions that fibres send light to
 
 
 def normalize(v):
@@ -96,6 +99,35 @@ def brushed(rough, ratio, width, cosine):
     return integral([x, y], out)
 
 
+def fibres(rough, sine2):
+    """vk_sheen() but for its visibility; by the sine of the half vector to the normal, squared."""
+    return (2 + 1 / rough) * sine2 ** (.5 / rough) / (2 * math.pi)
+
+
+def sheen(rough, root):
+    """Over all ways in half of the hemisphere, that for the other half, too; 1 at most."""
+    cosine = root * root
+    sine = math.sqrt(1 - cosine * cosine)
+    total = 0
+    for i in range(SHEEN_STEPS):
+        # In even steps of the root: most changes at grazing angles.
+        way = ((i + .5) / SHEEN_STEPS) ** 2
+        band = 2 * math.sqrt(way) / SHEEN_STEPS
+        side = math.sqrt(1 - way * way)
+        visible = 1 / (4 * (way + cosine - way * cosine))
+        for j in range(SHEEN_STEPS):
+            angle = math.pi * (j + .5) / SHEEN_STEPS
+            level2 = sine * sine + side * side + 2 * sine * side * math.cos(angle)
+            sine2 = level2 / (level2 + (cosine + way) ** 2)
+            total += fibres(rough, sine2) * visible * way * band
+    return min(total * 2 * math.pi / SHEEN_STEPS, 1)
+
+
+def sheen_row(i):
+    rough = SHEEN_LEAST + (1 - SHEEN_LEAST) * i / (SHEEN_ROUGHS - 1)
+    return braces(sheen(rough, c / (SHEEN_COSINES - 1)) for c in range(SHEEN_COSINES))
+
+
 def braces(values):
     return "{" + ", ".join("%.4ff" % v for v in values) + "}"
 
@@ -135,6 +167,10 @@ def main():
         for i in range(ETA_ROUGHS):
             print("        %s," % row(i / (ETA_ROUGHS - 1), ETA_COSINES, eta))
         print("    },")
+    print("};\n")
+    print("const float VK_SHEEN_ALBEDO[VK_SHEEN_ROUGHS][VK_SHEEN_COSINES] = {")
+    for i in range(SHEEN_ROUGHS):
+        print("    %s," % sheen_row(i))
     print("};")
 
 

@@ -1,6 +1,7 @@
 #include "vaskel/scatter/vk_Bsdf.h"
 
 #include "vaskel/base/vk_Sampler.h"
+#include "vaskel/scatter/vk_Sheen.h"
 #include "vaskel/shaders/vk_SurfaceShaders.h"
 #include "vaskel/trace/vk_Subsurface.h"
 
@@ -360,6 +361,23 @@ TEST(Microfacet, AlbedoTablesAgreeWithTheirIntegral)
                     EXPECT_NEAR(facets.albedo(out), sum / COUNT, .012)
                         << rough << ' ' << ratio << ' ' << across.y << ' ' << cosine;
                 }
+}
+
+TEST(Sheen, AlbedoTableAgreesWithItsIntegral)
+{
+    constexpr int COUNT = 1 << 14;
+    for (const float rough : {VK_LEAST_SHEEN, .35f, .63f, 1.0f})
+        for (const float cosine : {.003f, .1f, .5f, 1.0f}) {
+            const vk_Vec out = {std::sqrt(1 - cosine * cosine), 0, cosine};
+            double sum = 0;
+            for (std::uint32_t i = 0; i < COUNT; ++i) {
+                const vk_Vec in = vk_toCap(vk_Sampler(5, i).square(), 1);
+                const float half = vk_normalize(in + out).z;
+                sum += static_cast<double>(vk_sheen(in.z, cosine, half, rough) * in.z * 2 * VK_PI);
+            }
+            const double near = cosine < .01f ? .02 : .01;
+            EXPECT_NEAR(vk_sheenAlbedo(cosine, rough), sum / COUNT, near) << rough << ' ' << cosine;
+        }
 }
 
 TEST(Subsurface, ProfileIntegratesToWhatLiesWithin)

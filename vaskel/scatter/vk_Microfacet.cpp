@@ -1,43 +1,19 @@
 #include "vaskel/scatter/vk_Microfacet.h"
 
 #include "vaskel/scatter/vk_AlbedoData.h"
+#include "vaskel/scatter/vk_TableStep.h"
 
 namespace
 {
-// A place between two steps of a table.
-struct Step {
-    std::size_t low;
-    float part; // of the way to the next
-
-    // What is no number counts as 0: as a place it would lie far outside the table.
-    Step(float unit, int steps)
-    {
-        const float at = unit > 0 ? std::min(unit, 1.0f) * static_cast<float>(steps - 1) : 0;
-        // At 1 it is the end of the last interval: none begins there.
-        low = static_cast<std::size_t>(std::min(static_cast<int>(at), steps - 2));
-        part = at - static_cast<float>(low);
-    }
-    float between(float a, float b) const { return a + (b - a) * part; }
-};
-
-template <std::size_t ROUGHS, std::size_t COSINES>
-float lookUp(const float (&table)[ROUGHS][COSINES], float rough, float cosine)
-{
-    const Step down(rough, int{ROUGHS}), across(cosine, int{COSINES});
-    const auto row = [&](const float(&of)[COSINES]) {
-        return across.between(of[across.low], of[across.low + 1]);
-    };
-    return down.between(row(table[down.low]), row(table[down.low + 1]));
-}
-
 // The table goes by the square root of the width, which is a roughness again: by the width
 // itself all that looks smooth would share one step.
 float brushedAlbedo(float wide, float ratio, float along, float cosine)
 {
-    const Step down(std::sqrt(wide), VK_BRUSHED_ROUGHS);
-    const Step narrower((ratio - VK_BRUSHED_LEAST) / (1 - VK_BRUSHED_LEAST), VK_BRUSHED_RATIOS);
+    const vk_TableStep down(std::sqrt(wide), VK_BRUSHED_ROUGHS);
+    const vk_TableStep narrower((ratio - VK_BRUSHED_LEAST) / (1 - VK_BRUSHED_LEAST),
+                                VK_BRUSHED_RATIOS);
     const auto of = [&](std::size_t i, std::size_t j) {
-        return lookUp(VK_BRUSHED_ALBEDO[i][j], along, cosine);
+        return vk_lookUp(VK_BRUSHED_ALBEDO[i][j], along, cosine);
     };
     const auto row = [&](std::size_t i) {
         return narrower.between(of(i, narrower.low), of(i, narrower.low + 1));
@@ -48,12 +24,12 @@ float brushedAlbedo(float wide, float ratio, float along, float cosine)
 
 float vk_facetAlbedo(float cosine, float rough)
 {
-    return lookUp(VK_FACET_ALBEDO, rough, cosine);
+    return vk_lookUp(VK_FACET_ALBEDO, rough, cosine);
 }
 
 float vk_facetMean(float rough)
 {
-    const Step step(rough, VK_ALBEDO_ROUGHS);
+    const vk_TableStep step(rough, VK_ALBEDO_ROUGHS);
     return step.between(VK_FACET_MEAN[step.low], VK_FACET_MEAN[step.low + 1]);
 }
 
@@ -61,9 +37,9 @@ float vk_facetMean(float rough)
 // as it is from outside.
 float vk_glassAlbedo(float cosine, float rough, float eta)
 {
-    const Step step(.5f + .25f * std::log2(eta), VK_GLASS_ETAS);
-    return step.between(lookUp(VK_GLASS_ALBEDO[step.low], rough, cosine),
-                        lookUp(VK_GLASS_ALBEDO[step.low + 1], rough, cosine));
+    const vk_TableStep step(.5f + .25f * std::log2(eta), VK_GLASS_ETAS);
+    return step.between(vk_lookUp(VK_GLASS_ALBEDO[step.low], rough, cosine),
+                        vk_lookUp(VK_GLASS_ALBEDO[step.low + 1], rough, cosine));
 }
 
 // By the roughness of the wider direction, how much narrower the other is, and how wide the

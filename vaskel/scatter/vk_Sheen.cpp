@@ -1,30 +1,8 @@
 #include "vaskel/scatter/vk_Sheen.h"
 
 #include "vaskel/base/vk_Vec.h"
-
-namespace
-{
-// vk_sheen() integrated over the hemisphere, by roughness from 0.2 and by the
-// square root of the cosine from 0, both in even steps.
-// By the root, since nearly all of it changes at grazing angles: even steps of the cosine would
-// leave these one interval.
-constexpr int ROUGHS = 5;
-constexpr int COSINES = 6;
-constexpr float ALBEDO[ROUGHS][COSINES] = {
-    {1.000f, 0.832f, 0.564f, 0.324f, 0.139f, 0.024f},
-    {0.799f, 0.683f, 0.509f, 0.343f, 0.195f, 0.069f},
-    {0.713f, 0.620f, 0.481f, 0.346f, 0.221f, 0.103f},
-    {0.666f, 0.585f, 0.464f, 0.346f, 0.236f, 0.128f},
-    {0.636f, 0.562f, 0.452f, 0.346f, 0.245f, 0.145f},
-};
-
-float blend(const float *row, float at)
-{
-    const int i = std::min(static_cast<int>(at), COSINES - 2);
-    const float t = at - static_cast<float>(i);
-    return row[i] + (row[i + 1] - row[i]) * t;
-}
-} // namespace
+#include "vaskel/scatter/vk_AlbedoData.h"
+#include "vaskel/scatter/vk_TableStep.h"
 
 float vk_sheen(float cosIn, float cosOut, float cosHalf, float rough)
 {
@@ -39,10 +17,6 @@ float vk_sheen(float cosIn, float cosOut, float cosHalf, float rough)
 
 float vk_sheenAlbedo(float cosine, float rough)
 {
-    const float across = std::sqrt(std::clamp(cosine, 0.0f, 1.0f)) * (COSINES - 1);
-    const float down = (std::clamp(rough, VK_LEAST_SHEEN, 1.0f) - VK_LEAST_SHEEN) /
-                       (1 - VK_LEAST_SHEEN) * (ROUGHS - 1);
-    const int i = std::min(static_cast<int>(down), ROUGHS - 2);
-    const float t = down - static_cast<float>(i);
-    return blend(ALBEDO[i], across) * (1 - t) + blend(ALBEDO[i + 1], across) * t;
+    return vk_lookUp(VK_SHEEN_ALBEDO, (rough - VK_LEAST_SHEEN) / (1 - VK_LEAST_SHEEN),
+                     std::sqrt(std::max(cosine, 0.0f)));
 }

@@ -5,7 +5,7 @@
 // Material Pipeline for The Order: 1886", SIGGRAPH 2013 course.
 #pragma once
 
-// Roughness from 0.2 (a thin bright rim) to 1 (all over).
+// Roughness from 0.2 (a thin bright rim) to 1 (all over); also that of bench/fit.py.
 constexpr float VK_LEAST_SHEEN = .2f;
 
 // Reflected radiance per irradiance; cosines of the two directions and of their
@@ -13,5 +13,5 @@ constexpr float VK_LEAST_SHEEN = .2f;
 float vk_sheen(float cosIn, float cosOut, float cosHalf, float rough);
 
 // About what a white sheen reflects of all that arrives from a direction, at most 1, so
-// that what lies below can get the rest: within .02, and .04 at grazing angles.
+// that what lies below can get the rest: within .01, and .02 at grazing angles.
 float vk_sheenAlbedo(float cosine, float rough);
