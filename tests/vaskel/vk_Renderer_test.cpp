@@ -1,22 +1,12 @@
 #include "vaskel/pixels/vk_Renderer.h"
 
-#include "tests/support/Cases.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/vaskel/readScene.h"
-#include "vaskel/trace/vk_PathTracer.h"
 
 #include <limits>
 
 namespace
 {
-constexpr char STUDIO[] = "picture p.png\ncamera\nfloor v_checker\n"
-                          "lightplace from -5 5.5 2.6 to 0 1 0\n"
-                          "light v_area intensity .8 width 2.5 height 2.5\n"
-                          "lightplace from 4.5 2.5 6 to 0 1 0\n"
-                          "light v_area intensity .07 width 4 height 4\n"
-                          "lightplace from 4 5 -4 to 0 1 0\n"
-                          "light v_area intensity .35 width 3 height 2\n";
-
 vk_Film drawAll(const std::string &text, int threads = 2, int samples = 0)
 {
     vk_Scene scene;
@@ -71,46 +61,6 @@ std::string roomWith(const std::string &lines, int lights)
     return text;
 }
 
-// "finite", or what becomes of a ray.
-std::string lightOf(const std::string &lines, std::uint32_t rays)
-{
-    vk_Scene scene;
-    readScene(STUDIO + lines + "\n", scene);
-    const vk_World world(scene);
-    const vk_PathTracer tracer(scene, world);
-    const vk_Vec view = vk_normalize(scene.camera.at - scene.camera.from);
-    vk_Colour sum; // single rays may have paid back more than they found
-    for (std::uint32_t i = 0; i < rays; ++i) {
-        vk_Sampler sampler(1, i);
-        const vk_Vec way = vk_Frame(view).toWorld(vk_toCap(sampler.square(), .1f));
-        const vk_Colour light = tracer.Li(scene.camera.from, way, sampler).light();
-        sum += light;
-        if (!vk_isFinite(light))
-            return "ray " + std::to_string(i);
-    }
-    if (std::min({sum.x, sum.y, sum.z}) < -.02f * static_cast<float>(rays))
-        return "less than nothing";
-    return world.error().empty() ? "finite" : world.error();
-}
-
-template <class Type>
-void expectFiniteAtEnds(const vk_ShaderTable<Type> &table)
-{
-    for (const auto &row : table) {
-        const auto shader = row.make();
-        for (const vk_Param &param : shader->params())
-            for (const float end : {param.least, param.most}) {
-                const std::string number = vk_numberText(end);
-                const std::string three = number + " " + number + " " + number;
-                const std::string line = std::string(table.type) + " " + row.name + " " +
-                                         param.name + " " +
-                                         (param.kind == VK_NUMBER ? number : three);
-                EXPECT_EQ("finite", lightOf(line + "\nsphere", 64)) << line;
-            }
-    }
-    if (table.more != nullptr)
-        expectFiniteAtEnds(*table.more);
-}
 } // namespace
 
 TEST(Renderer, ThreadsDoNotChangeAByte)
@@ -466,113 +416,6 @@ TEST(Renderer, NoPixelIsFarOffAlone)
     EXPECT_LT(most, 60);
 }
 
-// What a pixel costs decides about its samples.
-TEST(Renderer, AViewIsChargedForWhatItsShadersTake)
-{
-    const auto cost = [](const std::string &body) {
-        vk_Scene scene;
-        readScene(std::string(STUDIO) + "source t.osl\nsurface t() {" + body +
-                      "}\nendsource\nsurface t.osl\nsphere",
-                  scene);
-        const vk_World world(scene);
-        return vk_PathTracer(scene, world).Li({0, 1, 8}, {0, 0, -1}, vk_Sampler(1, 1)).cost;
-    };
-    const float plain = cost("Ci = emission();");
-    EXPECT_GT(plain, vk_Work::CAMERA_RAY);
-    EXPECT_GT(cost("float s = 0; for (int i = 0; i < 100; ++i) s += (float)noise(P * i);"
-                   " Ci = s * emission();"),
-              plain + 1000);
-}
-
-TEST(Renderer, AllWorkIsChargedToViews)
-{
-    for (const std::string_view surface :
-         {"surface v_frosted", "surface v_wax diff .8 spec 1", "surface v_metal rough .3",
-          "source t.osl\nsurface t() { Ci = .5 * diffuse(N) + (float)noise(P) * transparent(); }\n"
-          "endsource\nsurface t.osl"}) {
-        vk_Scene scene;
-        readScene(std::string(STUDIO) + std::string(surface) + "\nsphere", scene);
-        const vk_World world(scene);
-        const vk_PathTracer tracer(scene, world);
-        vk_myWork = {};
-        double charged = 0;
-        for (std::uint32_t i = 0; i < 64; ++i)
-            charged += static_cast<double>(
-                tracer.Li({0, 1, 8}, {0, -.02f * static_cast<float>(i % 8), -1}, vk_Sampler(1, i))
-                    .cost);
-        EXPECT_GT(vk_myWork.shadow, 64u);
-        EXPECT_EQ(surface == "surface v_frosted", vk_myWork.rough > 0);
-        EXPECT_EQ(surface[1] == 'o', vk_myWork.steps > 0);
-        EXPECT_NEAR(static_cast<double>(vk_myWork.cost), charged, .001 * charged) << surface;
-    }
-}
-
-TEST(Renderer, RaysTakeLongerThroughLargeMeshes)
-{
-    const auto rayCost = [](const std::string &shape) {
-        vk_Scene scene;
-        readScene(std::string(STUDIO) + shape, scene);
-        return vk_World(scene).rayCost();
-    };
-    EXPECT_EQ(1, rayCost("tube"));
-    EXPECT_GT(rayCost("displace v_bricks\nsphere"), 1.1f);
-}
-
-// At the foot of a ball, where it hangs above its stand. Limits are four standard deviations from
-// what is expected, whatever numbers are drawn.
-TEST(Renderer, BlurAddsLightBetweenMetalsThatGoesAwayWithMoreSamples)
-{
-    constexpr std::uint32_t PATHS = 1u << 15;
-    vk_Scene scene;
-    readScene(std::string(STUDIO) + "surface v_metal rough .2\nshaderball", scene);
-    const vk_World world(scene);
-    const vk_PathTracer tracer(scene, world);
-    const vk_Vec way = vk_normalize(vk_Vec{0, .25f, .6f} - scene.camera.from);
-    const auto lightOfSamples = [&](std::uint32_t first, std::uint32_t count) {
-        double sum = 0;
-        for (std::uint32_t i = 0; i < PATHS; ++i) {
-            const vk_Sampler sampler(vk_hash(1 + i / count), first + i % count);
-            const vk_View view = tracer.Li(scene.camera.from, way, sampler);
-            sum += static_cast<double>(vk_luminance(view.light()));
-        }
-        return sum / PATHS;
-    };
-    const double sharp = lightOfSamples(1u << 20, 16);
-    EXPECT_GT(lightOfSamples(0, 1), 1.05 * sharp);
-    EXPECT_NEAR(sharp, lightOfSamples(256, 16), .012 * sharp);
-}
-
-// By which the filter divides, so that patterns of what is there stay sharp.
-TEST(Renderer, TheAlbedoOfAThinSurfaceIsOfWhatIsThere)
-{
-    for (const auto &[opacity, albedo] : {std::pair("1", .8f), {".5", .4f}, {".1", .08f}}) {
-        vk_Scene scene;
-        readScene(std::string(STUDIO) + "source t.osl\nshader t(output color c = .8) {}\n" +
-                      "endsource\nsurface t.osl show c as diff show 0 as spec show " + opacity +
-                      " as opacity\nsphere",
-                  scene);
-        const vk_World world(scene);
-        const vk_View view =
-            vk_PathTracer(scene, world).Li({0, 1, 8}, {0, 0, -1}, vk_Sampler(1, 1));
-        EXPECT_NEAR(albedo, view.albedo.x, .001f) << opacity;
-    }
-}
-
-// So that the filter does not blur the rim of a ball of wax, where the boundary lets out less.
-TEST(Renderer, TheAlbedoOfWaxIsOfWhatTheBoundaryLetsOut)
-{
-    vk_Scene scene;
-    readScene(std::string(STUDIO) + "surface v_wax diff .8 spec 1\nsphere", scene);
-    const vk_World world(scene);
-    const vk_PathTracer tracer(scene, world);
-    for (const float off : {0.0f, .9f, .99f}) {
-        const float cosine = std::sqrt(1 - off * off),
-                    passes = .96f * (1 - std::pow(1 - cosine, 5.0f));
-        const vk_View view = tracer.Li({off, 1, 8}, {0, 0, -1}, vk_Sampler(1, 1));
-        EXPECT_NEAR(.8f * passes, view.albedo.x, .01f) << off;
-    }
-}
-
 // Roulette takes back from some paths what it gave to others, which white does not hold.
 TEST(Renderer, WhatIsFarBrighterThanWhiteHasNoBlackSpecks)
 {
@@ -593,19 +436,6 @@ TEST(Renderer, WaxBehindAHoleKeepsItsLight)
     const vk_Film exact = drawAll(scene, 2, 64), film = drawAll(scene);
     EXPECT_GT(meanOf(exact, .4, .4, .6, .6), 60);
     EXPECT_NEAR(meanOf(exact, .4, .4, .6, .6), meanOf(film, .4, .4, .6, .6), 4);
-}
-
-// Or it would take what a bump shows for noise.
-TEST(Renderer, TheFilterIsToldWhereABumpFaces)
-{
-    vk_Scene scene;
-    readScene(std::string(STUDIO) + "source t.osl\nsurface t(float turn = 0) { Ci = diffuse("
-                                    "normalize(N + turn * vector(1, 0, 0))); }\n"
-                                    "endsource\nsurface t.osl turn 1\nsphere",
-              scene);
-    const vk_World world(scene);
-    const vk_View view = vk_PathTracer(scene, world).Li({0, 1, 8}, {0, 0, -1}, vk_Sampler(1, 1));
-    EXPECT_NEAR(std::sqrt(.5f), view.normal.x, .001f);
 }
 
 TEST(Renderer, TheShorterSideHoldsTheAngleOfView)
@@ -669,21 +499,6 @@ TEST(Renderer, ConstantsBackdropAndExposureShowWhatTheyDo)
     EXPECT_GT(meanOf(draw("exposure 1\n" + ball), 0, 0, 1, 1), meanOf(draw(ball), 0, 0, 1, 1) + 20);
 }
 
-TEST(Renderer, OddScenesGiveFiniteLight)
-{
-    expectTable(TEST_DATA "/data/odd_scenes",
-                {{"light", [](const char *in) { return lightOf(in, 512); }}});
-}
-
-TEST(Renderer, ParametersAtTheirEndsGiveFiniteLight)
-{
-    expectFiniteAtEnds(VK_SURFACE_SHADERS);
-    expectFiniteAtEnds(VK_LIGHT_SHADERS);
-    expectFiniteAtEnds(VK_SHADOW_SHADERS);
-    expectFiniteAtEnds(VK_FOG_SHADERS);
-    expectFiniteAtEnds(VK_ENVIRONMENT_SHADERS);
-}
-
 TEST(Renderer, ThreadCountFollowsTheSetting)
 {
     ScopedVariable setting("VELDRIN_MAXTHREADS", nullptr);
@@ -693,44 +508,4 @@ TEST(Renderer, ThreadCountFollowsTheSetting)
         setting.set(value);
         EXPECT_EQ(count, vk_threadCount()) << value;
     }
-}
-
-TEST(Film, EachColourBecomesTheNearestByte)
-{
-    for (float x = 0; x < VK_WHITE; x += .037f) {
-        const vk_Colour colour = {x, .5f * x, .2f * x};
-        std::uint8_t bytes[3];
-        vk_develop(colour, bytes);
-        EXPECT_NEAR(255 * vk_toSrgb(vk_toneCurve(colour.x)), bytes[0], .501) << x;
-        EXPECT_NEAR(255 * vk_toSrgb(vk_toneCurve(colour.y)), bytes[1], .501) << x;
-        EXPECT_NEAR(255 * vk_toSrgb(vk_toneCurve(colour.z)), bytes[2], .501) << x;
-    }
-}
-
-TEST(Film, WhatIsNoNumberIsBlack)
-{
-    constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
-    std::uint8_t bytes[] = {7, 7, 7};
-    vk_develop({NONE, NONE, 0}, bytes);
-    EXPECT_TRUE(bytes[0] == 0 && bytes[1] == 0 && bytes[2] == 0);
-}
-
-TEST(Film, TheTableOfWhatIsShownIsExactToATenthOfAByte)
-{
-    EXPECT_EQ(0, vk_shown(-1));
-    EXPECT_EQ(0, vk_shown(std::numeric_limits<float>::quiet_NaN()));
-    EXPECT_NEAR(1, vk_shown(1e30f), 1e-4);
-    for (float x = 1e-5f; x < VK_WHITE; x *= 1.01f)
-        EXPECT_NEAR(vk_toSrgb(vk_toneCurve(x)), vk_shown(x), .1 / 255) << x;
-}
-
-TEST(Film, CurveKeepsMiddleGreyAndRisesToWhite)
-{
-    EXPECT_NEAR(.214, vk_toneCurve(.214f), 1e-3);
-    EXPECT_NEAR(.5, vk_toSrgb(.214f), 1e-3);
-    EXPECT_EQ(0, vk_toneCurve(0));
-    EXPECT_NEAR(1, vk_toneCurve(VK_WHITE), 1e-4);
-    EXPECT_EQ(vk_toneCurve(VK_WHITE), vk_toneCurve(1e30f));
-    for (float x = 0; x < VK_WHITE; x += .01f)
-        EXPECT_LT(vk_toneCurve(x), vk_toneCurve(x + .01f)) << x;
 }

@@ -15,3 +15,14 @@ TEST(World, PointsOfShapesAreToldInTheirOwnSpace)
     EXPECT_LT(vk_length(hit.point.position - vk_Vec{0, 1, 1}), .01f);
     EXPECT_NEAR(.5f, hit.point.v, .01f);
 }
+
+TEST(World, RaysTakeLongerThroughLargeMeshes)
+{
+    const auto rayCost = [](const std::string &shape) {
+        vk_Scene scene;
+        readScene("picture p.png\ncamera\n" + shape, scene);
+        return vk_World(scene).rayCost();
+    };
+    EXPECT_EQ(1, rayCost("tube"));
+    EXPECT_GT(rayCost("displace v_bricks\nsphere"), 1.1f);
+}
