@@ -149,8 +149,9 @@ void vk_SceneReader::takeLine()
         return;
     }
     // Before it is split: within a source, quotes are the shader's.
-    if (!mySourceName.empty()) {
-        takeSourceLine();
+    if (myOsl.isInSource()) {
+        if (!myOsl.takeLine(myLine))
+            report("expected sources of at most 4 MB together");
         return;
     }
     // Quotes mean nothing in names and comments, so a lone one is no mistake there.
@@ -216,9 +217,9 @@ std::vector<std::string> vk_SceneReader::messages() const
 // A scene that was cut off, by a writer that died say, must not pass for a whole one.
 void vk_SceneReader::checkWhole()
 {
-    if (!mySourceName.empty()) {
+    if (myOsl.isInSource()) {
         report("expected the statement 'endsource' behind the source of " +
-               vk_quoted(mySourceName) + ", found the end of the text");
+               vk_quoted(myOsl.sourceName()) + ", found the end of the text");
         return;
     }
     if (!myEnded) {
@@ -231,26 +232,13 @@ void vk_SceneReader::checkWhole()
     if (!myScene->hasCamera)
         report("expected a statement 'camera PARAMETERS' before the end");
     // Compiling takes longest: not for a scene that is wrong anyway.
-    if (myMessages.empty())
-        loadShaders();
-}
-
-void vk_SceneReader::loadShaders()
-{
-    if (myOsl == nullptr)
+    if (!myMessages.empty())
         return;
-    myScene->osl = myOsl;
-    myOsl->open(*myScene);
-    // Those of defaults that gave way, too: they are checked all the same.
-    for (const Bound &bound : myBound) {
-        std::vector<std::string> messages;
-        if (bound.binding->load(messages))
-            continue;
+    myOsl.load(*myScene, [&](int line, const std::string &message) {
         // Where its statement was, not where the scene ended.
-        myLineNumber = bound.line;
-        for (const std::string &message : messages)
-            report(message);
-    }
+        myLineNumber = line;
+        report(message);
+    });
 }
 
 void vk_SceneReader::checkBehindEnd()
@@ -417,16 +405,7 @@ bool vk_SceneReader::isOsl() const
 std::shared_ptr<const vk_OslBinding> vk_SceneReader::bindOsl(const vk_OslTargets &targets,
                                                              std::shared_ptr<vk_Parametrised> own)
 {
-    // Only for who needs it: most scenes have no shader of their own.
-    if (myOsl == nullptr)
-        myOsl = std::make_shared<vk_OslLibrary>();
-    vk_Words words(myWords.begin() + 1, myWords.end());
-    // The name of a shop may stand in front.
-    words[0] = vk_shaderName(words[0]);
-    // A source may stand behind the statement that uses it, so nothing is compiled yet.
-    const auto binding = std::make_shared<vk_OslBinding>(myOsl, words, targets, std::move(own));
-    myBound.push_back({myLineNumber, binding});
-    return binding;
+    return myOsl.bind(myLineNumber, {myWords.begin() + 1, myWords.end()}, targets, std::move(own));
 }
 
 bool vk_SceneReader::doEnvironment()
@@ -576,8 +555,7 @@ bool vk_SceneReader::doSource()
     if (myWords.size() != 2 || !vk_OslBinding::isName(myWords[1]))
         return wrong("source expected a name that ends in .osl" +
                      (myWords.size() > 1 ? ", found " + vk_quoted(myWords[1]) : ""));
-    mySourceName = myWords[1];
-    mySource.clear();
+    myOsl.beginSource(myWords[1]);
     return true;
 }
 
@@ -585,29 +563,6 @@ bool vk_SceneReader::doEndSource()
 {
     // Within a source its line is not obeyed: it ends the source.
     return wrong("expected a statement 'source NAME.osl' before endsource");
-}
-
-// A line within a source, which counts as it stands.
-void vk_SceneReader::takeSourceLine()
-{
-    vk_Words words;
-    std::string ignored;
-    // A line of C may hold a lone quote; only a line that is nothing but "endsource" ends it.
-    static_cast<void>(vk_splitLine(myLine, words, ignored));
-    // Of all sources: many short ones take as long to compile as a long one.
-    mySourceSize += myLine.size() + 1;
-    if (words.size() != 1 || words[0] != "endsource") {
-        // Beyond, lines are only counted, so that one message comes at the end.
-        if (mySourceSize <= LONGEST_SOURCE)
-            mySource += myLine + "\n";
-        return;
-    }
-    if (mySourceSize > LONGEST_SOURCE)
-        report("expected sources of at most 4 MB together");
-    if (myOsl == nullptr)
-        myOsl = std::make_shared<vk_OslLibrary>();
-    myOsl->addSource(mySourceName, mySource);
-    mySourceName.clear();
 }
 
 bool vk_SceneReader::doDefault()

@@ -10,8 +10,7 @@
 // like another scene.
 #pragma once
 
-#include "vaskel/osl/vk_OslBinding.h"
-#include "vaskel/scene/vk_Scene.h"
+#include "vaskel/scene/vk_SceneOsl.h"
 
 #include <cstdio>
 #include <set>
@@ -40,7 +39,6 @@ private:
     static constexpr std::size_t MOST_SKIPPED = 1
                                                 << 28; // bytes, behind which no name is looked for
     static constexpr std::size_t LONGEST_LINE = 1000000;
-    static constexpr std::size_t LONGEST_SOURCE = 4 << 20; // of shaders, all together
 
     // A statement's function finds the line in myLine and its words in myWords.
     // It gives false, and myError says why, when something is wrong.
@@ -74,8 +72,6 @@ private:
     bool isOsl() const;
     std::shared_ptr<const vk_OslBinding> bindOsl(const vk_OslTargets &targets,
                                                  std::shared_ptr<vk_Parametrised> own = nullptr);
-    void takeSourceLine();
-    void loadShaders();
 
     bool doPicture();
     bool keepComment(std::string text);
@@ -115,16 +111,5 @@ private:
     bool myEnded = false;
     bool isGivenUp = false; // what comes is not obeyed any more
     State myState;
-
-    // Shaders of the scene's own are loaded at the end, when the picture's name tells where
-    // they may lie.
-    struct Bound {
-        int line;
-        std::shared_ptr<vk_OslBinding> binding;
-    };
-    std::shared_ptr<vk_OslLibrary> myOsl;
-    std::vector<Bound> myBound;
-    std::string mySourceName; // of the source that is being read, or ""
-    std::string mySource;
-    std::size_t mySourceSize = 0; // of all
+    vk_SceneOsl myOsl;
 };
