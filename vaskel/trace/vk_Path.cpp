@@ -134,9 +134,7 @@ void vk_Path::moveBelowSurface(const vk_Hit &entry, const vk_Colour &weight)
 // (a control variate): so only what differs from the guess is left to chance.
 bool vk_Path::survivesRoulette(const vk_Colour &guess)
 {
-    const float chance = std::min(1.0f, vk_largest(myThroughput) / FAINT);
-    if (chance >= 1)
-        return true;
+    const float chance = vk_largest(myThroughput) / FAINT;
     if (mySampler.number() >= chance) {
         add(guess);
         return false;

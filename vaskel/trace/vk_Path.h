@@ -110,6 +110,7 @@ public:
     // A path that counts little ends by chance; one that lives on counts the more for it.
     // The guess of the radiance that it would find takes noise out of that, and does not
     // change the mean, but where add() cuts it as a firefly.
+    // REQUIRES: isFaint()
     [[nodiscard]] bool survivesRoulette(const vk_Colour &guess);
 
     // Another path that begins with all that befell this one, and draws numbers of its own; and
