@@ -10,8 +10,9 @@ limits and with N samples a pixel (1024), which takes minutes; its pictures stay
 vaskel at default quality over that of Cycles: of the whole picture, and of its blocks of
 16 x 16 pixels. Cycles is noisy too, so it draws two halves of the samples; the half of their
 difference is about the standard error of their mean. A block counts as beyond its limit when
-it is so by two of these, at most by as much as the limit again. Blocks that show light gathered by glass are left out: vaskel sends light
-straight through (doc/scene.md). --blocks prints the block's ratios as a map.
+it is so by two of these, at most by as much as the limit again. Blocks that show light gathered
+by glass are left out: vaskel sends light straight through (doc/scene.md). --blocks prints the
+block's ratios as a map.
 
 The furnace needs no Blender. In surroundings of 1 without lights a white surface that
 sends on all that arrives is not to be seen: what is printed is its light, by roughness, with
@@ -221,7 +222,9 @@ cycles.transmission_bounces = cycles.transparent_max_bounces = 64
 cycles.caustics_reflective = cycles.caustics_refractive = job["caustics"]
 cycles.blur_glossy = cycles.sample_clamp_indirect = 0
 cycles.light_threshold = 0
-cycles.pixel_filter_type, cycles.filter_width = "GAUSSIAN", 1.5
+# A quarter of the width is the standard deviation: half a pixel, as of vaskel's splines, so that
+# what lies at the border of a block spreads alike to its neighbours.
+cycles.pixel_filter_type, cycles.filter_width = "GAUSSIAN", 2
 scene.view_settings.view_transform = "Raw"
 scene.render.resolution_x = scene.render.resolution_y = job["side"]
 scene.render.resolution_percentage = 100
