@@ -2,11 +2,6 @@
 
 #include <cmath>
 
-namespace
-{
-constexpr int FIRST_SAMPLES = 2; // the least that have two halves
-} // namespace
-
 vk_Lens::vk_Lens(const vk_Scene &scene)
     : myFrom(scene.camera.from), myWidth(static_cast<float>(scene.width)),
       myHeight(static_cast<float>(scene.height))
@@ -28,7 +23,7 @@ vk_Canvas::vk_Canvas(const vk_Scene &scene, const vk_World &world,
     // A draft takes a part of what the scene allows, but never nothing.
     const float most = static_cast<float>(scene.samples) * settings.quality->samples;
     myMostSamples = std::clamp(static_cast<int>(most), 1, vk_Scene::MOST_SAMPLES);
-    myFirstSamples = std::min(FIRST_SAMPLES, myMostSamples);
+    myFirstSamples = std::min(settings.quality->first, myMostSamples);
     if (settings.samples > 0)
         myFirstSamples = myMostSamples = settings.samples;
 }

@@ -37,7 +37,7 @@
 //   - paths that were scattered widely and come upon something very bright are clamped,
 //     which takes less than .1 %;
 //   - pixels converge by an error that their own samples tell for a half (vk_ErrorMap.h), so
-//     that those that missed a caustic stop sooner: .5 % of the floor's light, 7 % of a block's;
+//     that those that missed a caustic stop sooner: .1 % of the floor's light, 5 % of a block's;
 //   - fog scatters light of the lights once, and that of the environment as a mean;
 //   - where shadows are softer or harder than lights are wide, what is there in part and glass
 //     let light pass that a ray beside it meets;
