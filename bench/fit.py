@@ -105,7 +105,7 @@ def fibres(rough, sine2):
 
 
 def sheen(rough, root):
-    """Over all ways in half of the hemisphere, that for the other half, too; 1 at most."""
+    """Of the light that fibres send to all of the hemisphere, whose halves are alike."""
     cosine = root * root
     sine = math.sqrt(1 - cosine * cosine)
     total = 0
@@ -120,7 +120,7 @@ def sheen(rough, root):
             level2 = sine * sine + side * side + 2 * sine * side * math.cos(angle)
             sine2 = level2 / (level2 + (cosine + way) ** 2)
             total += fibres(rough, sine2) * visible * way * band
-    return min(total * 2 * math.pi / SHEEN_STEPS, 1)
+    return total * 2 * math.pi / SHEEN_STEPS
 
 
 def sheen_row(i):

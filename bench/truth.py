@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Holds vaskel's light against Blender's Cycles, and against the white furnace.
 
-    bench/truth.py [--samples N] [--only NAME]... [--folder FOLDER]
+    bench/truth.py [--samples N] [--only NAME]... [--folder FOLDER] [--blocks]
 
 The studio of the thumb nails, ball, stand and floor, is built again in Blender: the same
 triangles, camera, environment, radiance of lights and materials. Cycles draws it without
@@ -12,7 +12,7 @@ vaskel at default quality over that of Cycles: of the whole picture, and of its 
 difference is about the standard error of their mean. A block counts as beyond its limit when
 it is so by two of these, at most by as much as the limit again. Blocks that show light gathered
 by glass are left out: vaskel sends light straight through (doc/scene.md). --blocks prints the
-block's ratios as a map.
+blocks' ratios as a map.
 
 The furnace needs no Blender. In surroundings of 1 without lights a white surface that
 sends on all that arrives is not to be seen: what is printed is its light, by roughness, with
@@ -327,17 +327,20 @@ def halves(name, caustics, samples, folder):
 
 def cycles(name, caustics, samples, seed, folder):
     """Linear luminance of Cycles' pixels, from the top; drawn if it is not there yet."""
+    import hashlib
     import json
-    words = "%s %s %d %d" % (name, "all" if caustics else "no caustics", samples, seed)
+    _, node, sockets, _, _ = MATERIALS[name]
+    job = json.dumps({
+        "node": node, "sockets": sockets, "samples": samples, "seed": seed, "side": SIDE,
+        "caustics": caustics, "sky": SKY, "level": LEVEL, "haze": haze(),
+        "lamps": [lamp(*one) for one in LIGHTS],
+        "meshes": [net(144, 72, ball), net(144, 40, stand(stand_outline()))]})
+    # Of all that it depends on: one that was drawn in another way is no truth.
+    words = "%s %s %s" % (name, samples, hashlib.sha1((BLENDER + job).encode()).hexdigest())
     kept = os.path.join(folder, words.replace(" ", "_") + ".raw")
     if not os.path.exists(kept):
-        _, node, sockets, _, _ = MATERIALS[name]
-        job = {"node": node, "sockets": sockets, "samples": samples, "seed": seed, "side": SIDE,
-               "caustics": caustics, "sky": SKY, "level": LEVEL, "haze": haze(),
-               "lamps": [lamp(*one) for one in LIGHTS],
-               "meshes": [net(144, 72, ball), net(144, 40, stand(stand_outline()))]}
         with open(os.path.join(folder, "job.json"), "w") as out:
-            json.dump(job, out)
+            out.write(job)
         with open(os.path.join(folder, "studio.py"), "w") as out:
             out.write(BLENDER)
         subprocess.run(["blender", "--background", "--factory-startup", "--python-exit-code", "1",

@@ -325,8 +325,13 @@ TEST(Osl, SaysThingsOnceAndStopsLoopsWithoutEnd)
 
 TEST(Osl, ASourceInTheSceneCountsInPlaceOfAFile)
 {
+    std::string half; // of what may be, and a little more
+    for (int i = 0; i < 2100; ++i)
+        half += std::string(999, ' ') + "\n";
     const struct {
-        const char *what, *lines, *said;
+        const char *what;
+        std::string lines;
+        const char *said;
     } cases[] = {
         {"any lines",
          "source a.osl\n/* 'x\nend\n*/\n#define C .5\nshader a(output color c = C {}\n"
@@ -346,6 +351,14 @@ TEST(Osl, ASourceInTheSceneCountsInPlaceOfAFile)
         {"an error for each use", "source a.osl\nshader a(\nendsource\nsurface a.osl\nfloor a.osl",
          "s:7: error: a.osl:1: Syntax error: syntax error\n"
          "s:8: error: a.osl:1: Syntax error: syntax error\n"},
+        {"two",
+         "source a.osl\nshader a(output float c = 1) {}\nendsource\n"
+         "source b.osl\nshader b(\nendsource\nsurface a.osl\nsurface opdef:/Shop/b.osl",
+         "s:11: error: b.osl:1: Syntax error: syntax error\n"},
+        {"half of what may be", "source a.osl\n" + half + "endsource", ""},
+        {"more than may be together",
+         "source a.osl\n" + half + "endsource\nsource b.osl\n" + half + "endsource",
+         "s:4207: error: expected sources of at most 4 MB together\n"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);

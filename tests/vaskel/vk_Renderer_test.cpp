@@ -111,6 +111,35 @@ TEST(Renderer, CountsPixelsWithASampleThatIsNoNumber)
     EXPECT_GT(stats.badPixels, 50u);
 }
 
+// Where nothing is to be seen all pixels stop with the first.
+TEST(Renderer, TakesItsFirstSamplesAsFarAsTheSceneAllows)
+{
+    const auto samples = [](const vk_Quality &quality, int most, int fixed) {
+        vk_Scene scene;
+        readScene("picture p.png\ncamera\nsize 8 8\nbackground off 0\nsamples " +
+                      std::to_string(most),
+                  scene);
+        vk_Stats stats;
+        vk_RenderSettings settings;
+        settings.quality = &quality;
+        settings.samples = fixed;
+        settings.stats = &stats;
+        vk_Film film;
+        std::string error;
+        EXPECT_TRUE(vk_render(scene, settings, film, error));
+        return static_cast<double>(stats.samples) / 64;
+    };
+    const struct {
+        int most, draft, standard, final;
+    } cases[] = {{1, 1, 1, 8}, {2, 1, 2, 8}, {3, 1, 3, 8}, {7, 1, 4, 8}, {8, 2, 4, 8}};
+    for (const auto &c : cases) {
+        EXPECT_EQ(c.draft, samples(VK_QUALITIES[0], c.most, 0)) << c.most;
+        EXPECT_EQ(c.standard, samples(VK_QUALITIES[1], c.most, 0)) << c.most;
+        EXPECT_EQ(c.final, samples(VK_QUALITIES[2], c.most, 0)) << c.most;
+        EXPECT_EQ(c.most, samples(VK_QUALITIES[1], 256, c.most));
+    }
+}
+
 TEST(Renderer, GlassOnTheFloorDoesNotSeeBelowIt)
 {
     const std::string glass = "size 32 32\nsurface v_glass\nshaderball\n";

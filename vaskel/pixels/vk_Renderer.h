@@ -10,14 +10,15 @@
 // How much work goes into a picture: samples are taken where they help most until its
 // error, as the file shows it and as far as they tell, is about as large as asked for, and that
 // of no pixel many times as large. No pixel gets more samples than the scene allows, times a
-// factor. Those that seem exact with the first few stop there: the fewer these are, the more pixels
-// stop that missed a caustic, while it counts less for every further sample of those that met it.
+// factor. Pixels that seem exact with the first few stop there. The fewer these are, the more
+// pixels stop that missed a caustic, and nothing makes up for the light that they lose: those that
+// met it go on until it counts no more than it should.
 struct vk_Quality {
     const char *name;
-    int first;          // samples of every pixel, two at least: they are compared by halves
+    int first;          // samples of every pixel, as far as the scene allows; compared by halves
     float samples;      // factor for the scene's most samples
     float error;        // root mean square, of full scale
-    float cost;         // of a pixel, about, at most (vk_Work)
+    float cost;         // of a pixel, about, at most (vk_Work), or what the first samples take
     bool showsProgress; // worth waiting for, so say how long
 };
 inline constexpr vk_Quality VK_QUALITIES[] = {
@@ -25,6 +26,8 @@ inline constexpr vk_Quality VK_QUALITIES[] = {
     {"default", 4, 1, .0046f, 60500, false},
     {"final", 8, 8, .0018f, 1100000, true},
 };
+static_assert(VK_QUALITIES[0].first >= 2 && VK_QUALITIES[1].first >= 2 &&
+              VK_QUALITIES[2].first >= 2);
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 
 struct vk_RenderSettings {

@@ -75,7 +75,8 @@ void vk_Tile::each(Function function) const
 void vk_Tile::draw()
 {
     // Two halves: the second tells how far off the first was.
-    if (myBand.at(myLeft, myTop).count == 0 && myCanvas.filters())
+    const bool isFirst = myBand.at(myLeft, myTop).count == 0;
+    if (isFirst && myCanvas.filters() && myCanvas.firstSamples() > 1)
         drawUpTo([&](const vk_Pixel &) { return myCanvas.firstSamples() / 2; });
     drawUpTo([&](const vk_Pixel &now) {
         return std::clamp(2 * now.count, myCanvas.firstSamples(), myCanvas.mostSamples());

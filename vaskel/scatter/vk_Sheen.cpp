@@ -17,6 +17,8 @@ float vk_sheen(float cosIn, float cosOut, float cosHalf, float rough)
 
 float vk_sheenAlbedo(float cosine, float rough)
 {
-    return vk_lookUp(VK_SHEEN_ALBEDO, (rough - VK_LEAST_SHEEN) / (1 - VK_LEAST_SHEEN),
-                     std::sqrt(std::max(cosine, 0.0f)));
+    // Smooth fibres seen from along the surface send on a little more than arrives.
+    return std::min(1.0f,
+                    vk_lookUp(VK_SHEEN_ALBEDO, (rough - VK_LEAST_SHEEN) / (1 - VK_LEAST_SHEEN),
+                              std::sqrt(cosine)));
 }

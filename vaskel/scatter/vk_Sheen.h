@@ -13,5 +13,5 @@ constexpr float VK_LEAST_SHEEN = .2f;
 float vk_sheen(float cosIn, float cosOut, float cosHalf, float rough);
 
 // About what a white sheen reflects of all that arrives from a direction, at most 1, so
-// that what lies below can get the rest: within .01, and .02 at grazing angles.
+// that what lies below can get the rest: within .01, and .015 at grazing angles.
 float vk_sheenAlbedo(float cosine, float rough);

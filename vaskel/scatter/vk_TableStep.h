@@ -1,4 +1,4 @@
-// Tables of functions from 0 to 1, in even steps, with straight lines between them.
+// Tables of functions of numbers from 0 to 1, in even steps, with straight lines between them.
 #pragma once
 
 #include <algorithm>
@@ -10,6 +10,7 @@ struct vk_TableStep {
     float part; // of the way to the next
 
     // What is no number counts as 0: as a place it would lie far outside the table.
+    // REQUIRES: steps >= 2
     vk_TableStep(float unit, int steps)
     {
         const float at = unit > 0 ? std::min(unit, 1.0f) * static_cast<float>(steps - 1) : 0;
@@ -17,6 +18,7 @@ struct vk_TableStep {
         low = static_cast<std::size_t>(std::min(static_cast<int>(at), steps - 2));
         part = at - static_cast<float>(low);
     }
+    // Of the values at `low` and one step on.
     float between(float a, float b) const { return a + (b - a) * part; }
 };
 

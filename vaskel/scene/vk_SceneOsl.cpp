@@ -35,7 +35,7 @@ bool vk_SceneOsl::takeLine(const std::string &line)
     // Of all sources: many short ones take as long to compile as a long one.
     mySize += line.size() + 1;
     if (words.size() != 1 || words[0] != "endsource") {
-        // Beyond, lines are only counted, so that one message comes at the end.
+        // Beyond, lines are only counted, so that one message comes at the source's end.
         if (mySize <= LONGEST)
             mySource += line + "\n";
         return true;

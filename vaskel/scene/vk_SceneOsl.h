@@ -15,8 +15,7 @@ class vk_SceneOsl
 {
 public:
     // For a statement in a line: `words` are the shader's name, in front of which the name of a
-    // shop may stand, and its parameters; `own` is as in vk_OslBinding. Is filled when it is
-    // loaded.
+    // shop may stand, and its parameters; `own` is as in vk_OslBinding. load() fills the binding.
     std::shared_ptr<const vk_OslBinding> bind(int line, vk_Words words,
                                               const vk_OslTargets &targets,
                                               std::shared_ptr<vk_Parametrised> own);
@@ -26,12 +25,13 @@ public:
     bool isInSource() const { return !mySourceName.empty(); }
     const std::string &sourceName() const { return mySourceName; }
 
-    // A line within a source, as it stands. False when it ended a source with which all together
-    // are too long.
+    // A line within a source, as it stands. False when it ends a source, and all so far are
+    // longer than may be together.
+    // REQUIRES: isInSource()
     [[nodiscard]] bool takeLine(const std::string &line);
 
-    // Compiles and binds what the statements asked for, and hands it to the scene. Mistakes are
-    // reported with the line of their statement.
+    // Once, when the scene is whole: compiles and binds what the statements asked for, and hands it
+    // to the scene. Mistakes are reported with the line of their statement.
     void load(vk_Scene &scene,
               const std::function<void(int line, const std::string &message)> &report);
 

@@ -10,6 +10,8 @@
 // like another scene.
 #pragma once
 
+#include "vaskel/osl/vk_OslBinding.h"
+#include "vaskel/scene/vk_Scene.h"
 #include "vaskel/scene/vk_SceneOsl.h"
 
 #include <cstdio>
