@@ -1,5 +1,6 @@
 #include "vaskel/scene/vk_SceneOsl.h"
 
+#include "vaskel/params/vk_Shader.h"
 #include "vaskel/scene/vk_Line.h"
 
 // Only for who needs it: most scenes have no shader of their own.
