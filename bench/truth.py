@@ -2,6 +2,7 @@
 """Holds vaskel's light against Blender's Cycles, and against the white furnace.
 
     bench/truth.py [--samples N] [--only NAME]... [--folder FOLDER] [--blocks]
+                   [--vaskel OPTION]...
 
 The studio of the thumb nails, ball, stand and floor, is built again in Blender: the same
 triangles, camera, environment, radiance of lights and materials. Cycles draws it without
@@ -335,7 +336,7 @@ def cycles(name, caustics, samples, seed, folder):
         "caustics": caustics, "sky": SKY, "level": LEVEL, "haze": haze(),
         "lamps": [lamp(*one) for one in LIGHTS],
         "meshes": [net(144, 72, ball), net(144, 40, stand(stand_outline()))]})
-    # Of all that it depends on: one that was drawn in another way is no truth.
+    # By all that Blender is told: one that was drawn in another way is no truth.
     words = "%s %s %s" % (name, samples, hashlib.sha1((BLENDER + job).encode()).hexdigest())
     kept = os.path.join(folder, words.replace(" ", "_") + ".raw")
     if not os.path.exists(kept):

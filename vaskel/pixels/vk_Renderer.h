@@ -15,7 +15,7 @@
 // met it go on until it counts no more than it should.
 struct vk_Quality {
     const char *name;
-    int first;          // samples of every pixel, as far as the scene allows; compared by halves
+    int first;          // samples of every pixel, unless its most are fewer; compared by halves
     float samples;      // factor for the scene's most samples
     float error;        // root mean square, of full scale
     float cost;         // of a pixel, about, at most (vk_Work), or what the first samples take
@@ -27,7 +27,8 @@ inline constexpr vk_Quality VK_QUALITIES[] = {
     {"final", 8, 8, .0018f, 1100000, true},
 };
 static_assert(VK_QUALITIES[0].first >= 2 && VK_QUALITIES[1].first >= 2 &&
-              VK_QUALITIES[2].first >= 2);
+                  VK_QUALITIES[2].first >= 2,
+              "without two halves nothing tells an error");
 inline constexpr const vk_Quality &VK_DEFAULT_QUALITY = VK_QUALITIES[1];
 
 struct vk_RenderSettings {
